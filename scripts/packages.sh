@@ -1,0 +1,63 @@
+#!/bin/sh
+# Sourced by ./run: makes sure that the Debian packages of some sections of packages.txt are there.
+# Needs $root, the repository's folder.
+# shellcheck disable=SC2154 # root is set by ./run
+
+# packages_of SECTION…: the names listed under these sections.
+packages_of() {
+    awk -v wanted=" $* " '
+        /^# \[/ { section = substr($2, 2, length($2) - 2); next }
+        /^#/ || NF == 0 { next }
+        index(wanted, " " section " ") { print $1 }' "$root/packages.txt" | sort -u
+}
+
+# packages_missing SECTION…: those of them that are not installed, on one line.
+packages_missing() {
+    names=$(packages_of "$@")
+    # shellcheck disable=SC2086 # a list of names
+    there=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' $names 2>/dev/null |
+        sed -n 's/^installed //p') || true
+    echo "$names" | grep -vxF "$there" | sed 's/^/ /' | tr -d '\n'
+}
+
+# as_root COMMAND…: directly, or with sudo where that works without a question or there is somebody to ask.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null && { [ -t 0 ] || sudo -n true 2>/dev/null; }; then
+        sudo "$@"
+    else
+        return 1
+    fi
+}
+
+apt_install() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"
+}
+
+# Media servers come with a service of their own that starts with the machine; nobody asked for it here.
+switch_off_service() {
+    if [ -d /run/systemd/system ]; then
+        as_root systemctl disable --now "$1" || true
+    fi
+}
+
+# packages_need SECTION…: installs what is missing; a sentence and status 3 where that can't be done.
+packages_need() {
+    if ! command -v dpkg-query >/dev/null; then
+        echo "This is not a Debian machine, so nothing is installed; packages.txt says what is needed." >&2
+        return
+    fi
+    missing=$(packages_missing "$@")
+    [ -n "$missing" ] || return 0 # the usual case asks apt nothing
+    echo "Installing these Debian packages:$missing" >&2
+    # shellcheck disable=SC2086 # a list of names
+    if ! { apt_install $missing || { as_root apt-get update -q && apt_install $missing; }; } >&2; then
+        echo "These Debian packages are needed and could not be installed:$missing" >&2
+        echo "Install them as root: apt-get install$missing" >&2
+        exit 3
+    fi
+    for server in minidlna gerbera; do
+        case "$missing " in *" $server "*) switch_off_service "$server" >&2 ;; esac
+    done
+}
