@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+/// Announces one UPnP media server by SSDP on every address of the interfaces, and answers searches
+/// for it.
+class Announcer
+{
+public:
+    /// `interfaces` empty: every interface that is up, carries multicast and isn't the loopback.
+    /// The description is fetched from `port` at the address that heard the search. Addresses that
+    /// can't be used are left out.
+    Announcer(const QString &udn, quint16 port, const QStringList &interfaces);
+    ~Announcer(); ///< says byebye, unless it was silenced
+
+    /// From here on nothing is sent, not even a byebye.
+    void silence();
+    /// How many addresses it announces on.
+    int addressCount() const;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,147 @@
+#include "ContentDirectory.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int invalidAction = 401, invalidArgs = 402, noSuchObject = 701, badSort = 709,
+              noSuchContainer = 710;
+
+SoapAnswer fault(int code, const char *text)
+{
+    return {soapFault(code, QLatin1String(text)), true};
+}
+
+/// The rows that a call asked for, before they are made into text.
+struct Page
+{
+    const MediaTree &tree;
+    const ServerBehaviour &behaviour;
+    QString base;
+    quint32 first = 0, wanted = 0, total = 0;
+
+    quint32 size() const
+    {
+        const quint32 there = first < total ? total - first : 0;
+        const quint32 asked = wanted == 0 ? there : std::min(wanted, there);
+        return behaviour.pageCap ? std::min(behaviour.pageCap, asked) : asked;
+    }
+
+    template<typename ObjectAt>
+    SoapAnswer answer(const QString &action, ObjectAt objectAt) const
+    {
+        QString objects;
+        for (quint32 row = first, end = first + size(); row < end; ++row) {
+            const MediaObject object = objectAt(int(row));
+            objects += didlElement(object, tree.childCount(object.id), base);
+        }
+        return {soapAnswer(contentDirectoryType, action,
+            {{QStringLiteral("Result"), result(objects)},
+                {QStringLiteral("NumberReturned"), QString::number(size())},
+                {QStringLiteral("TotalMatches"),
+                    QString::number(behaviour.totalIsZero ? 0 : total)},
+                {QStringLiteral("UpdateID"), QStringLiteral("1")}})};
+    }
+
+    QString result(const QString &objects) const
+    {
+        if (objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::NoResult)
+            return {};
+        QString text = behaviour.xmlDeclaration
+            ? QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n")
+            : QString();
+        text += QStringLiteral("<DIDL-Lite xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\" "
+                               "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+                               "xmlns:dlna=\"urn:schemas-dlna-org:metadata-1-0/\" "
+                               "xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\">");
+        if (objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::EmptyWrapped)
+            text += QStringLiteral("\n  <!-- nothing -->\n");
+        text += objects + QStringLiteral("</DIDL-Lite>");
+        return behaviour.cutResult ? text.left(text.size() / 2) : text;
+    }
+};
+
+/// Sorts by title, the one thing this server sorts by; false where it was asked for anything else.
+bool sortByTitle(QVector<MediaObject> &objects, const QString &criteria)
+{
+    if (criteria.isEmpty())
+        return true;
+    if (criteria != QLatin1String("+dc:title") && criteria != QLatin1String("-dc:title"))
+        return false;
+    const bool up = criteria.startsWith(QLatin1Char('+'));
+    std::stable_sort(
+        objects.begin(), objects.end(), [up](const MediaObject &a, const MediaObject &b) {
+            return up ? a.title < b.title : b.title < a.title;
+        });
+    return true;
+}
+
+SoapAnswer answerRows(const SoapCall &call, const QVector<MediaObject> &found, Page page)
+{
+    QVector<MediaObject> rows = found;
+    if (!sortByTitle(rows, call.arguments.value(QStringLiteral("SortCriteria"))))
+        return fault(badSort, "Unsupported or invalid sort criteria");
+    page.total = quint32(rows.size());
+    return page.answer(call.action, [&rows](int row) { return rows[row]; });
+}
+
+SoapAnswer browse(const SoapCall &call, Page page)
+{
+    const QString id = call.arguments.value(QStringLiteral("ObjectID"));
+    const auto object = page.tree.object(id);
+    if (!object)
+        return fault(noSuchObject, "No such object");
+    const bool metadata =
+        call.arguments.value(QStringLiteral("BrowseFlag")) == QLatin1String("BrowseMetadata");
+    if (metadata)
+        return answerRows(call, {*object}, page);
+    page.total = quint32(page.tree.childCount(id));
+    if (call.arguments.value(QStringLiteral("SortCriteria")).isEmpty())
+        return page.answer(call.action, [&](int row) { return page.tree.child(id, row); });
+    QVector<MediaObject> rows;
+    for (quint32 row = 0; row < page.total; ++row)
+        rows.append(page.tree.child(id, int(row)));
+    return answerRows(call, rows, page);
+}
+
+SoapAnswer search(const SoapCall &call, Page page)
+{
+    const QString id = call.arguments.value(QStringLiteral("ContainerID"));
+    if (!page.tree.object(id))
+        return fault(noSuchContainer, "No such container");
+    return answerRows(
+        call, page.tree.matches(id, call.arguments.value(QStringLiteral("SearchCriteria"))), page);
+}
+
+SoapAnswer listing(const SoapCall &call, Page page)
+{
+    page.first = call.arguments.value(QStringLiteral("StartingIndex")).toUInt();
+    page.wanted = call.arguments.value(QStringLiteral("RequestedCount")).toUInt();
+    if (page.behaviour.refuseCountFrom && page.wanted >= page.behaviour.refuseCountFrom)
+        return fault(invalidArgs, "Invalid Args");
+    return call.action == QLatin1String("Browse") ? browse(call, page) : search(call, page);
+}
+
+} // namespace
+
+SoapAnswer answerCall(const SoapCall &call, const MediaTree &tree, const ServerBehaviour &behaviour,
+    const QString &base)
+{
+    if (behaviour.fail.contains(call.action))
+        return fault(behaviour.fail.value(call.action), "Action Failed");
+    if (call.action == QLatin1String("Browse") || call.action == QLatin1String("Search"))
+        return listing(call, {tree, behaviour, base});
+    static const QString protocol = QStringLiteral("http-get:*:audio/mpeg:*");
+    const QMap<QString, QMap<QString, QString>> fixed{
+        {QStringLiteral("GetSearchCapabilities"),
+            {{QStringLiteral("SearchCaps"), behaviour.searchCaps}}},
+        {QStringLiteral("GetSortCapabilities"), {{QStringLiteral("SortCaps"), behaviour.sortCaps}}},
+        {QStringLiteral("GetSystemUpdateID"), {{QStringLiteral("Id"), QStringLiteral("1")}}},
+        {QStringLiteral("GetProtocolInfo"),
+            {{QStringLiteral("Source"), protocol}, {QStringLiteral("Sink"), QString()}}}};
+    if (!fixed.contains(call.action))
+        return fault(invalidAction, "Invalid Action");
+    const QString &type = call.action == QLatin1String("GetProtocolInfo") ? connectionManagerType
+                                                                          : contentDirectoryType;
+    return {soapAnswer(type, call.action, fixed.value(call.action))};
+}

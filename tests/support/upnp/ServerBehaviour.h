@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+/// How a scripted server misbehaves. The default is a correct server that can search. Actions are
+/// named as in SOAP
+/// ("Browse", "Search", "GetSearchCapabilities" …); "description" is the fetch of the device
+/// description.
+struct ServerBehaviour
+{
+    /// What an answer without objects carries as its Result.
+    enum EmptyResult {
+        EmptyDidl, ///< a DIDL-Lite element without children
+        NoResult, ///< an empty text
+        EmptyWrapped ///< a DIDL-Lite element of white space and a comment
+    };
+
+    quint32 pageCap = 0; ///< objects in one answer at most, 0: no cap
+    bool totalIsZero = false; ///< TotalMatches is 0, whatever is there
+    EmptyResult emptyResult = EmptyDidl;
+    bool xmlDeclaration = false; ///< the Result begins with an XML declaration
+    bool cutResult = false; ///< the Result ends in the middle
+    QStringList hang; ///< actions that never get an answer
+    QStringList drop; ///< actions whose connection is closed without an answer
+    QMap<QString, int> fail; ///< actions that are refused with this UPnP error code
+    quint32 refuseCountFrom = 0; ///< a RequestedCount from here on is refused (402), 0: none
+    int delay = 0; ///< milliseconds before every answer
+    QString searchCaps = QStringLiteral("dc:title,upnp:artist,upnp:album,upnp:class,@id,@parentID");
+    QString sortCaps = QStringLiteral("dc:title");
+};
