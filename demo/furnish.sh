@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# The demo's world: one media server with a small library, a message bus and the media service on it.
+# Sourced by tour.sh and prompt.sh, which enter-world.sh runs.
+
+# shellcheck source=tests/e2e/world.sh
+. "$WORLD_ROOT/tests/e2e/world.sh"
+# shellcheck source=tests/e2e/library.sh
+. "$WORLD_ROOT/tests/e2e/library.sh"
+
+furnish() {
+    export PATH=$ORKA_BUILD/host:$ORKA_BUILD/services/mediaBridge:$PATH
+    world_lan
+    world_host nas 2
+    make_library "$WORLD_DIR/music"
+    start_minidlna nas "$WORLD_DIR/music" "Demo Music"
+    wait_indexed nas "$(library_size)"
+    start_bus
+    start_bridge
+}
+
+# prompt: a shell in this world, until the person leaves it.
+prompt() {
+    cat >"$WORLD_DIR/bashrc" <<'RC'
+[ ! -f ~/.bashrc ] || . ~/.bashrc
+PS1='(orka world) \w \$ '
+RC
+    echo "You are in a network of its own with the server \"Demo Music\" on ${host_address[nas]}; try \"orka --help\"."
+    echo "The library's files are in $WORLD_DIR/music. Everything here ends when you leave (exit or Ctrl-D)."
+    bash --rcfile "$WORLD_DIR/bashrc" -i
+}
