@@ -1,0 +1,82 @@
+#include "ContainerSampler.h"
+
+#include "log.h"
+
+ContainerSampler::ContainerSampler(QObject *parent, CMGetRowsRequest request, const CMPath &path,
+    unsigned start, unsigned end, unsigned step, int requestFirstRow, int requestLastRow)
+    : QObject(parent)
+    , m_request(std::move(request))
+    , m_path(path)
+    , m_step(int(step))
+    , m_start(int(start))
+    , m_end(int(end))
+    , m_requestFirstRow(requestFirstRow)
+    , m_requestLastRow(requestLastRow)
+{
+    performSample();
+}
+
+int ContainerSampler::pathPosition() const
+{
+    return int(unsigned(m_start) + unsigned(m_sampleIndex) * unsigned(m_step));
+}
+
+void ContainerSampler::performSample()
+{
+    const int position = pathPosition();
+    TRACE_ENTER_WITH(m_path << ", " << m_sampleIndex << ", " << position);
+    const CMReply<OrkaRowsRoles> reply;
+    CMRoot()->getRows(m_path, position, position, -1, m_request.roles(), reply);
+    auto *watcher = new CMReplyWatcherObject(reply, this);
+    connect(watcher, &CMReplyWatcherObject::finishedSignal, this,
+        &ContainerSampler::on_getRows_finished, Qt::QueuedConnection);
+    connect(watcher, &CMReplyWatcherObject::finishedSignal, watcher, &QObject::deleteLater);
+}
+
+void ContainerSampler::on_getRows_finished(const CMVoidReply &reply)
+{
+    TRACE_ENTER();
+    const CMError error = reply.error();
+    if (!error.value(CMError::Name()).toString().isEmpty()) {
+        LOG4CPLUS_ERROR(upnpLog(),
+            "Failed to perform container sampling at item " << pathPosition()
+                                                            << "; error: " << error);
+        m_request.setError(error);
+        deleteLater();
+        return;
+    }
+
+    const OrkaRowsRoles child = CMReplyData<OrkaRowsRoles>(reply).value();
+    const QVariantList rows = child.rows();
+    if (m_totalCount == -1)
+        m_totalCount = child.rowsCount();
+    if (rows.size() != 1) {
+        LOG4CPLUS_WARN(upnpLog(), "Incorrect number of rows in the reply: " << rows.size());
+    }
+    // The tree answers a request for one row with an error when it has none.
+    ORKA_ASSERT(!rows.isEmpty());
+    m_samples.append(rows.first());
+    ++m_sampleIndex;
+    if (isComplete())
+        finalizeSampling();
+    else
+        performSample();
+}
+
+bool ContainerSampler::isComplete() const
+{
+    return m_sampleIndex > m_requestLastRow || pathPosition() > m_end
+        || pathPosition() >= m_totalCount;
+}
+
+void ContainerSampler::finalizeSampling()
+{
+    TRACE_ENTER();
+    const int span = int(unsigned(m_end) - unsigned(m_start) + 1);
+    OrkaRowsRoles answer;
+    answer.setRows(m_samples);
+    answer.setRowsVersion(0);
+    answer.setRowsCount(qMin(span, m_totalCount));
+    m_request.reply().setValue(answer);
+    deleteLater();
+}

@@ -1,0 +1,61 @@
+#include "DBusBarrier.h"
+
+#include "sdk.h"
+
+#include <QDBusError>
+
+DBusBarrier::DBusBarrier(void *userData, QObject *parent)
+    : QObject(parent)
+    , m_userData(userData)
+{
+}
+
+DBusBarrier::~DBusBarrier()
+{
+    if (m_dispose)
+        m_dispose(m_userData);
+}
+
+void DBusBarrier::addCall(const QString &name, const QDBusPendingCall &call)
+{
+    auto *watcher = new QDBusPendingCallWatcher(call, this);
+    m_pending.insert(watcher);
+    m_calls[name] = watcher;
+    orkaConnect(watcher,
+        SIGNAL(finished(QDBusPendingCallWatcher*)), this,
+            SLOT(callFinished(QDBusPendingCallWatcher*)));
+}
+
+void DBusBarrier::callFinished(QDBusPendingCallWatcher *watcher)
+{
+    ORKA_ASSERT(m_pending.contains(watcher));
+    m_pending.remove(watcher);
+    if (m_pending.isEmpty())
+        emit finished(this, m_userData);
+}
+
+QDBusPendingCall &DBusBarrier::getCall(const QString &name)
+{
+    return *m_calls[name];
+}
+
+QDBusPendingCallWatcher *DBusBarrier::takeFinishedCall(QString *name)
+{
+    for (auto it = m_calls.begin(); it != m_calls.end(); ++it) {
+        QDBusPendingCallWatcher *watcher = it.value();
+        if (m_pending.contains(watcher))
+            continue;
+        if (name)
+            *name = it.key();
+        m_calls.erase(it);
+        return watcher;
+    }
+    return nullptr;
+}
+
+void DBusBarrier::release(QDBusPendingCall &call)
+{
+    static const QDBusPendingCall read =
+        QDBusPendingCall::fromError(QDBusError(QDBusError::Other, QStringLiteral("already read")));
+    call = read;
+}

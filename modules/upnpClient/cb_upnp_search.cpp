@@ -1,0 +1,155 @@
+#include "cb_upnp.h"
+
+#include "DBusBarrier.h"
+#include "RowsAnswer.h"
+#include "dleyna.h"
+#include "log.h"
+
+namespace {
+
+const QString searchKey = QStringLiteral("search");
+const QString menuValue = QStringLiteral("menu");
+const QString searchCall = QStringLiteral("Search");
+
+/// One kind of search: what the server must be able to do, also its name for people; its key in
+/// paths; its criteria (ContentDirectory's search language with the media service's names).
+struct SearchType
+{
+    const char *capability;
+    const char *key;
+    const char *criteria;
+};
+
+const SearchType searchTypes[] = {
+    {QT_TRANSLATE_NOOP("CMUPnPWorker", "Artist"), "artist", "Artist contains \"%1\""},
+    {QT_TRANSLATE_NOOP("CMUPnPWorker", "Album"), "album", "Album contains \"%1\""},
+    {QT_TRANSLATE_NOOP("CMUPnPWorker", "Title"), "title", "DisplayName contains \"%1\""},
+};
+
+/// Backslashes first: those that escape quotes must not be doubled.
+QString escaped(QString text)
+{
+    text.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
+    text.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    return text;
+}
+
+/// Empty for a key that isn't known; the search is issued all the same.
+QString searchCriteria(const QString &key, const QString &text)
+{
+    for (const SearchType &type : searchTypes) {
+        if (key == QLatin1String(type.key))
+            return QString::fromLatin1(type.criteria).arg(escaped(text));
+    }
+    LOG4CPLUS_ERROR(upnpLog(), "Invalid search type: " << key);
+    return QString();
+}
+
+} // namespace
+
+void CMUPnPWorker::setSearchCaps(const QString &udn, const QStringList &caps)
+{
+    m_searchCaps.insert(udn, caps);
+}
+
+bool CMUPnPWorker::hasSearchCaps(const QString &udn) const
+{
+    return !m_searchCaps.value(udn).isEmpty();
+}
+
+bool CMUPnPWorker::checkSearchCap(const QString &udn, const QString &cap) const
+{
+    TRACE_ENTER_WITH("udn=" << udn << "cap=" << cap);
+    // Titles are searched under the media service's own name for them.
+    const QString name = cap == QLatin1String("Title") ? QStringLiteral("DisplayName") : cap;
+    const bool can = m_searchCaps.value(udn).contains(name);
+    LOG4CPLUS_TRACE(upnpLog(), "ret=" << can);
+    return can;
+}
+
+OrkaRoles CMUPnPWorker::getSearchMenuRoles(const UPnPPath &path) const
+{
+    CMPath menu = path.orkaPathWithoutParams();
+    menu.addParam(searchKey, menuValue);
+    OrkaRoles roles;
+    roles.setPath(menu);
+    roles.setTitle(ORKA_TR("Search menu"));
+    roles.setType(OrkaRolesType::Container);
+    roles.setContainerType(OrkaRolesContainerType::SearchMenu);
+    return roles;
+}
+
+void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
+    const UPnPPath &path, const QString &search, const QString &query, int first, int last)
+{
+    TRACE_ENTER_WITH("search: " << search << " query: " << query);
+    QVector<OrkaRoles> entries;
+    for (const SearchType &type : searchTypes) {
+        if (!checkSearchCap(path.udn(), QLatin1String(type.capability)))
+            continue;
+        OrkaRoles entry;
+        entry.setTitle(TrString(trExtractContext(Q_FUNC_INFO), type.capability));
+        entry.setType(OrkaRolesType::Search);
+        CMPath entryPath = path.orkaPathWithoutParams();
+        entryPath.addParam(searchKey, QLatin1String(type.key));
+        entry.setPath(entryPath);
+        entries.append(entry);
+    }
+
+    QVariantList rows;
+    for (int i = qMax(first, 0); i <= last && i < entries.size(); ++i)
+        rows.append(QVariant(CMGlobal::itemRolesToList(request.roles(), entries.at(i))));
+    OrkaRowsRoles answer;
+    answer.setRoles(getSearchMenuRoles(path));
+    answer.setRowsVersion(0);
+    answer.setRows(rows);
+    answer.setRowsCount(entries.size());
+    request.reply().setValue(answer);
+}
+
+void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
+    const QString &search, const QString &query)
+{
+    Q_UNUSED(query)
+    OrkaRoles roles;
+    if (search == menuValue) {
+        roles = getSearchMenuRoles(path);
+    } else {
+        roles.setTitle(ORKA_TR("Search results"));
+        roles.setPath(request.path());
+        roles.setType(OrkaRolesType::Container);
+    }
+    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), roles));
+}
+
+void CMUPnPWorker::handleSearchRowsRequest(const CMGetRowsRequest &request, const UPnPPath &path,
+    const QString &search, const QString &query, int first, int last)
+{
+    TRACE_ENTER_WITH("search : " << search << " query " << query);
+    const OrgGnomeUPnPMediaContainer2Interface proxy(
+        dleyna::service(), path.dbusPath().path(), orkaDBusConnection(), this);
+    auto *barrier = new DBusBarrier(nullptr, this);
+    barrier->keepUserData(std::make_unique<CMGetRowsRequest>(request));
+    barrier->addCall(searchCall,
+        proxy.SearchObjectsEx(searchCriteria(search, query), uint(first),
+            uint(last) - uint(first) + 1, m_propertyFilter, QString()));
+    connect(barrier, &DBusBarrier::finished, this, &CMUPnPWorker::on_handleSearchRows_finished,
+        Qt::QueuedConnection);
+}
+
+void CMUPnPWorker::on_handleSearchRows_finished(DBusBarrier *barrier, void *)
+{
+    TRACE_ENTER();
+    const auto request = barrier->takeUserData<CMGetRowsRequest>();
+    const QDBusPendingReply<PropertyMaps, uint> found = barrier->getCall(searchCall);
+    barrier->deleteLater();
+
+    if (found.isError()) {
+        const QString message = found.error().message();
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching search results failed; error: " << message);
+        request->setError(
+            createErrorInternal(QStringLiteral("Failed to retrieve content: %1").arg(message)));
+        return;
+    }
+    RowsAnswer::start(this, *request, found.reply(), int(found.argumentAt<1>()));
+}

@@ -1,0 +1,174 @@
+#include "util.h"
+
+#include "UPnPServerList.h"
+#include "cb_upnp.h"
+#include "dleyna.h"
+#include "log.h"
+
+#include <QDBusMessage>
+
+#include <algorithm>
+
+namespace {
+
+/// What a path text holds: "/first" or "/first/rest", both empty when the text is neither.
+struct Captures
+{
+    QStringView first;
+    QStringView rest;
+};
+
+bool isAlphanumeric(QChar c)
+{
+    const ushort u = c.unicode();
+    return (u >= '0' && u <= '9') || (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z');
+}
+
+bool isUdnCharacter(QChar c)
+{
+    return isAlphanumeric(c) || c == QLatin1Char('-') || c == QLatin1Char(':');
+}
+
+bool isServerIdCharacter(QChar c)
+{
+    return isAlphanumeric(c) || c == QLatin1Char('_');
+}
+
+/// Matches "^/([first]+)(/[0-9a-zA-Z]+)?$" with a character class for `first`; like that regular
+/// expression it takes one line end behind the text.
+template<typename IsFirst>
+Captures match(QStringView text, IsFirst isFirst)
+{
+    if (text.endsWith(QLatin1Char('\n')))
+        text.chop(1);
+    if (!text.startsWith(QLatin1Char('/')))
+        return {};
+    const auto firstEnd = std::find_if_not(text.begin() + 1, text.end(), isFirst);
+    const QStringView first(text.begin() + 1, firstEnd);
+    if (first.isEmpty())
+        return {};
+    if (firstEnd == text.end())
+        return {first, {}};
+    const QStringView rest(firstEnd + 1, text.end());
+    if (*firstEnd != QLatin1Char('/') || rest.isEmpty()
+        || !std::all_of(rest.begin(), rest.end(), isAlphanumeric))
+        return {};
+    return {first, rest};
+}
+
+/// The UDN of a server's object path, from `known` while it is the same server.
+QString lookUpUdn(UPnPServerList *serverList, const QStringView &serverId, KnownServer *known)
+{
+    const QString &prefix = dleyna::serverPathPrefix();
+    if (known && !known->path.isNull()
+        && QStringView(known->path).mid(prefix.size() + 1) == serverId)
+        return known->udn;
+
+    QString path;
+    path.reserve(prefix.size() + 1 + int(serverId.size()));
+    path.append(prefix).append(QLatin1Char('/')).append(serverId.data(), int(serverId.size()));
+    const QString udn = serverList->udnOfServer(path);
+    if (known)
+        *known = {path, udn};
+    return udn;
+}
+
+} // namespace
+
+UPnPPath UPnPPath::fromDleyna(CMUPnPWorker *worker, UPnPServerList *serverList,
+    const QDBusObjectPath &path, const Query &query, KnownServer *known)
+{
+    const QString text = path.path();
+    const Captures captures =
+        match(QStringView(text).mid(dleyna::serverPathPrefix().size()), isServerIdCharacter);
+
+    UPnPPath result;
+    result.m_worker = worker;
+    result.m_serverList = serverList;
+    result.m_udn = lookUpUdn(serverList, captures.first, known);
+    if (result.m_udn.isEmpty()) {
+        LOG4CPLUS_ERROR(upnpUtilLog(),
+            "Could not translate dleyna path \"" << dleyna::serverPathPrefix() << "/"
+                                                 << captures.first.toString()
+                                                 << "\" to server UDN");
+    }
+    result.objectId = captures.rest.toString();
+    result.query = query;
+    return result;
+}
+
+UPnPPath UPnPPath::fromOrka(CMUPnPWorker *worker, UPnPServerList *serverList, const CMPath &path)
+{
+    const QString base = path.base();
+    const Captures captures = match(base, isUdnCharacter);
+
+    UPnPPath result;
+    result.m_worker = worker;
+    result.m_serverList = serverList;
+    result.m_udn = captures.first.toString();
+    result.objectId = captures.rest.toString();
+    const QMap<QString, QString> params = path.params();
+    for (auto it = params.begin(); it != params.end(); ++it)
+        result.query.append({it.key(), it.value()});
+    return result;
+}
+
+QString UPnPPath::queryValue(const QString &key) const
+{
+    for (const auto &pair : query) {
+        if (pair.first == key)
+            return pair.second;
+    }
+    return QString();
+}
+
+CMPath UPnPPath::orkaPathWithoutParams() const
+{
+    QString base;
+    base.reserve(m_udn.size() + objectId.size() + 2);
+    base.append(QLatin1Char('/')).append(m_udn);
+    if (!objectId.isEmpty())
+        base.append(QLatin1Char('/')).append(objectId);
+    return m_worker->addPrefix(base);
+}
+
+CMPath UPnPPath::orkaPath() const
+{
+    CMPath path = orkaPathWithoutParams();
+    for (const auto &pair : query)
+        path.addParam(pair.first, pair.second);
+    return path;
+}
+
+QDBusObjectPath UPnPPath::dbusPath() const
+{
+    const QDBusObjectPath server = m_serverList->serverPath(m_udn);
+    if (objectId.isEmpty())
+        return server;
+    return QDBusObjectPath(server.path() + QLatin1Char('/') + objectId);
+}
+
+UPnPPath UPnPPath::withoutQuery(const QString &key) const
+{
+    UPnPPath result = *this;
+    auto &pairs = result.query;
+    pairs.erase(std::remove_if(pairs.begin(), pairs.end(),
+                    [&key](const QPair<QString, QString> &pair) { return pair.first == key; }),
+        pairs.end());
+    return result;
+}
+
+QDBusPendingCall getPropertyAsync(
+    const QString &service, const QString &path, const QString &interface, const QString &property)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, path, dleyna::propertiesInterface(), QStringLiteral("Get"));
+    message << interface << property;
+    return orkaDBusConnection().asyncCall(message, -1);
+}
+
+QDBusPendingCall getPropertyAsync(const QString &service, const QDBusObjectPath &path,
+    const QString &interface, const QString &property)
+{
+    return getPropertyAsync(service, path.path(), interface, property);
+}
