@@ -31,6 +31,7 @@ private:
 
     template<typename Request>
     void route(const Request &request);
+    bool forget(const QString &prefix, const std::shared_ptr<CMWorkerGate> &gate);
 
     std::mutex m_mutex;
     QHash<QString, std::shared_ptr<CMWorkerGate>> m_gates;

@@ -23,9 +23,11 @@ public:
     void getDataRequest(const CMGetDataRequest &request) override;
     void setDataRequest(const CMSetDataRequest &request) override;
 
-    std::shared_ptr<CMWorkerGate> gate() const override;
+    /// The worker's own.
+    std::shared_ptr<CMWorkerGate> gate() const override { return m_workerGate; }
 
 private:
     CMWorker *m_worker;
+    std::shared_ptr<CMWorkerGate> m_workerGate;
     QString m_prefix;
 };

@@ -44,6 +44,7 @@ public:
 
 private:
     QSharedDataPointer<TrStringData> d;
+    friend ORKA_API_EXPORT bool operator==(const TrString &a, const TrString &b);
 };
 
 ORKA_API_EXPORT bool operator==(const TrString &a, const TrString &b);

@@ -1,0 +1,87 @@
+#include "OrkaHash.h"
+
+#include <QVariantHash>
+
+#include <algorithm>
+
+OrkaHash::OrkaHash(const QVariantHash &hash)
+{
+    // The order of a hash differs from run to run; a record made from one doesn't.
+    QStringList keys = hash.keys();
+    keys.sort();
+    m_entries.reserve(keys.size());
+    for (const QString &key : qAsConst(keys))
+        m_entries.append({key, hash.value(key)});
+}
+
+OrkaHash OrkaHash::fromVariant(const QVariant &value)
+{
+    return value.value<OrkaHash>();
+}
+
+QStringList OrkaHash::keys() const
+{
+    QStringList keys;
+    keys.reserve(m_entries.size());
+    for (const Entry &entry : m_entries)
+        keys.append(entry.first);
+    return keys;
+}
+
+QVariant OrkaHash::value(const QString &key) const
+{
+    const int index = indexOf(key);
+    return index < 0 ? QVariant() : m_entries.at(index).second;
+}
+
+void OrkaHash::setValue(const QString &key, const QVariant &value)
+{
+    const int index = indexOf(key);
+    if (index < 0)
+        m_entries.append({key, value});
+    else
+        m_entries[index].second = value;
+}
+
+void OrkaHash::remove(const QString &key)
+{
+    const int index = indexOf(key);
+    if (index >= 0)
+        m_entries.remove(index);
+}
+
+QVariantHash OrkaHash::toHash() const
+{
+    QVariantHash hash;
+    hash.reserve(m_entries.size());
+    for (const Entry &entry : m_entries)
+        hash.insert(entry.first, entry.second);
+    return hash;
+}
+
+QVariant OrkaHash::toVariant() const
+{
+    return QVariant::fromValue<OrkaHash>(*this);
+}
+
+int OrkaHash::indexOf(const QString &key) const
+{
+    for (int i = 0; i < m_entries.size(); ++i) {
+        const QString &candidate = m_entries.at(i).first;
+        if (candidate.constData() == key.constData()
+            || (candidate.size() == key.size() && candidate == key))
+            return i;
+    }
+    return -1;
+}
+
+bool OrkaHash::equals(const OrkaHash &other) const
+{
+    if (m_entries.constData() == other.m_entries.constData())
+        return true;
+    const auto isInOther = [&other](const Entry &entry) {
+        const int index = other.indexOf(entry.first);
+        return index >= 0 && other.m_entries.at(index).second == entry.second;
+    };
+    return size() == other.size() && std::all_of(m_entries.begin(), m_entries.end(), isInOther);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <api/core/CMWorker.h>
+
+#include <QEvent>
+
+#include <mutex>
+#include <variant>
+
+/// Hands requests over to a worker from any thread and outlives it: a request that comes when the
+/// worker is gone is answered with an error.
+class CMWorkerGate
+{
+public:
+    using Request = std::variant<CMGetRowsRequest, CMGetDataRequest, CMSetDataRequest>;
+
+    explicit CMWorkerGate(CMAbstractWorker *worker)
+        : m_worker(worker)
+    {
+    }
+
+    void post(const Request &request);
+    /// On the worker's thread; nothing is handed over afterwards.
+    void close();
+
+private:
+    std::mutex m_mutex;
+    CMAbstractWorker *m_worker;
+};
+
+/// A request on its way through the event loop of its worker.
+class CMRequestEvent : public QEvent
+{
+public:
+    explicit CMRequestEvent(CMWorkerGate::Request what)
+        : QEvent(eventType())
+        , request(std::move(what))
+    {
+    }
+    static Type eventType();
+
+    const CMWorkerGate::Request request;
+};
