@@ -1,0 +1,27 @@
+#include "Failure.h"
+
+Failure::Failure(int status, const QString &name, const QString &sentence)
+    : m_status(status)
+    , m_sentence(sentence)
+    , m_error(name, CMError::DefaultTitle(), TrString(sentence))
+    , m_what(sentence.toUtf8())
+{
+}
+
+Failure::Failure(const CMError &answer, const QString &sentence)
+    : m_status(AnsweredWithError)
+    , m_sentence(sentence)
+    , m_error(answer)
+    , m_what(sentence.toUtf8())
+{
+}
+
+Failure wrongUsage(const QString &sentence)
+{
+    return Failure(WrongUsage, QStringLiteral("wrongUsage"), sentence);
+}
+
+Failure missing(const QString &name, const QString &sentence)
+{
+    return Failure(Missing, name, sentence);
+}

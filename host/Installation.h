@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/// Where the other parts of the product are: beside this program in the build tree, or where they
+/// are installed. Each gives the place where the part should be even when it isn't there.
+namespace Installation {
+
+QString plugin();
+QString privateBusConfiguration();
+/// Falls back on PATH; empty when there is none.
+QString bridge();
+
+} // namespace Installation

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+class OrkaHash;
+
+/// Writes `line` and a newline to standard output, as UTF-8, at once. Throws Failure when that
+/// can't be done (the disk is full, the reader is gone).
+void writeLine(const QString &line);
+
+/// The bytes as they are, the same way.
+void writeText(const QByteArray &bytes);
+
+/// A JSON document on one line.
+void writeJson(const OrkaHash &document);
+
+/// A sentence for people on standard error, "orka: " in front. Newlines are kept, every other
+/// control character is shown as a symbol.
+void tell(const QString &sentence);

@@ -1,0 +1,97 @@
+#include "Player.h"
+
+#include "ChildProcess.h"
+#include "Failure.h"
+#include "MpvWatch.h"
+#include "Output.h"
+#include "SafeText.h"
+#include "TextOutput.h"
+#include "Wait.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryFile>
+
+namespace {
+
+QString findPlayer(const QString &name)
+{
+    const QString program = QStandardPaths::findExecutable(name);
+    if (program.isEmpty()) {
+        throw missing(QStringLiteral("noPlayer"),
+            QStringLiteral("There is no player %1. Install it, or name another with --player; "
+                           "\"orka queue --format m3u8\" writes a playlist for any.")
+                .arg(quoted(name)));
+    }
+    return program;
+}
+
+void writePlaylist(QTemporaryFile &file, const PlayListItems &items)
+{
+    if (!file.open() || file.write(toM3u8(items).toUtf8()) < 0 || !file.flush()) {
+        throw Failure(AnsweredWithError, QStringLiteral("output"),
+            QStringLiteral("The playlist can't be written to %1: %2. Make room there, or set "
+                           "TMPDIR to another folder.")
+                .arg(quoted(QDir::tempPath()), file.errorString()));
+    }
+}
+
+void tellTrack(const PlayListItems &items, int position)
+{
+    if (position >= items.size()) {
+        return; // somebody added to the player's own list
+    }
+    const OrkaPlayListItem &item = items.at(position);
+    const QString length = lengthText(item.durationSeconds() * 1000LL);
+    tell(QStringLiteral("Playing %1 of %2: %3%4")
+             .arg(QString::number(position + 1), QString::number(items.size()),
+                 safeText(itemName(item)),
+                 length.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(length)));
+}
+
+int statusOf(const ChildProcess &player)
+{
+    return player.exitStatus() == QProcess::NormalExit ? player.exitCode()
+                                                       : 128 + player.exitCode();
+}
+
+} // namespace
+
+int playItems(const PlayListItems &items, const QString &command, bool quietOutput)
+{
+    QStringList arguments = QProcess::splitCommand(command);
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    const QString program = findPlayer(name);
+    QTemporaryFile playlist(QDir::tempPath() + QStringLiteral("/orka-XXXXXX.m3u8"));
+    writePlaylist(playlist, items);
+
+    ChildProcess player(ChildProcess::Foreground);
+    player.setProcessChannelMode(QProcess::ForwardedChannels);
+    player.setInputChannelMode(QProcess::ForwardedInputChannel);
+    if (quietOutput) {
+        player.sendOutputToStderr();
+    }
+    MpvWatch watch;
+    QObject::connect(
+        &watch, &MpvWatch::playing, &watch, [&items](int position) { tellTrack(items, position); });
+    const bool isMpv = QFileInfo(program).fileName() == QLatin1String("mpv");
+    if (isMpv && watch.playerDescriptor() >= 0) {
+        player.inherit(watch.playerDescriptor());
+        arguments << QStringLiteral("--input-ipc-client=fd://%1").arg(watch.playerDescriptor());
+    } else {
+        tellTrack(items, 0);
+    }
+
+    Wait wait(std::chrono::hours(24 * 24)); // what a timer can hold
+    QObject::connect(&player, &QProcess::stateChanged, &wait, &Wait::wake);
+    player.start(program, arguments << playlist.fileName());
+    watch.start();
+    wait.until([&player] { return player.state() == QProcess::NotRunning; });
+    if (player.error() == QProcess::FailedToStart) {
+        throw missing(QStringLiteral("noPlayer"),
+            QStringLiteral("The player %1 can't be started: %2. Name another with --player.")
+                .arg(quoted(program), player.errorString()));
+    }
+    return statusOf(player);
+}

@@ -1,0 +1,17 @@
+#include "SearchKinds.h"
+
+#include "RowsReader.h"
+#include "Session.h"
+
+QStringList searchKinds(Session &session, const CMPath &path)
+{
+    const QString key = QStringLiteral("search");
+    CMPath menu = path.withoutParams();
+    menu.addParam(key, QStringLiteral("menu"));
+    QStringList kinds;
+    const Rows rows = readRows(session, menu, {}, {OrkaRoles::Path()});
+    for (const OrkaRoles &row : rows.rows) {
+        kinds.append(row.path().param(key));
+    }
+    return kinds;
+}

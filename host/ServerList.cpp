@@ -1,0 +1,89 @@
+#include "ServerList.h"
+
+#include "RowsReader.h"
+#include "Session.h"
+#include "Wait.h"
+
+#include <api/core/CMRoot.h>
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::chrono::milliseconds stillFor(1000);
+
+bool hasServer(const ServerList::Servers &servers, const QString &base)
+{
+    return std::any_of(servers.begin(), servers.end(),
+        [&](const OrkaRoles &server) { return ServerList::serverBase(server.path()) == base; });
+}
+
+} // namespace
+
+ServerList::ServerList(Session &session)
+    : m_session(session)
+{
+    connect(CMRoot(), &CMRootWorker::rowsChanged, this, [this](const CMPath &path) {
+        if (path == m_session.root()) {
+            m_stale = true;
+            emit changed();
+        }
+    });
+}
+
+const ServerList::Servers &ServerList::servers()
+{
+    if (m_stale) {
+        m_stale = false; // first, so that a change meanwhile isn't missed
+        m_servers = readRows(m_session, m_session.root(), {}, OrkaRoles::all()).rows;
+    }
+    return m_servers;
+}
+
+QString ServerList::serverBase(const CMPath &path)
+{
+    return QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
+}
+
+bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit)
+{
+    Wait wait(limit, QStringLiteral("Looking for media servers"));
+    connect(this, &ServerList::changed, &wait, &Wait::wake);
+    return wait.until(done);
+}
+
+bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
+{
+    return waitUntil([&] { return enough(servers()); }, m_session.options().wait);
+}
+
+void ServerList::settle()
+{
+    QElapsedTimer clock;
+    clock.start();
+    const auto remaining = [&] {
+        return m_session.options().wait - std::chrono::milliseconds(clock.elapsed());
+    };
+    bool changing = waitFor([](const Servers &servers) { return !servers.isEmpty(); });
+    while (changing && remaining().count() > 0) {
+        changing = waitUntil([this] { return m_stale; }, std::min(stillFor, remaining()));
+        servers();
+    }
+}
+
+bool ServerList::waitForServersOf(const QVector<CMPath> &paths)
+{
+    QStringList bases;
+    for (const CMPath &path : paths) {
+        bases.append(serverBase(path));
+    }
+    if (bases.removeAll(QStringLiteral("/")) > 0) {
+        settle();
+    }
+    return waitFor([&](const Servers &servers) {
+        return std::all_of(bases.begin(), bases.end(),
+            [&](const QString &base) { return hasServer(servers, base); });
+    });
+}

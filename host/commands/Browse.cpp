@@ -1,0 +1,171 @@
+#include "JsonOutput.h"
+#include "Output.h"
+#include "PlaceResolver.h"
+#include "Session.h"
+#include "TextOutput.h"
+#include "commands/Command.h"
+#include "commands/NodeKind.h"
+
+namespace {
+
+void writeAnswer(const Options &options, const CMPath &path, const Rows &rows, int first)
+{
+    if (options.json) {
+        writeJson(rowsDocument(path, rows));
+    } else {
+        writeRows(rows, first);
+    }
+}
+
+class Ls : public Command
+{
+public:
+    explicit Ls(CLI::App &app)
+        : Command(app, "ls", "The children of a media server or folder",
+            "orka ls \"My NAS/Music/All Music\" --rows 0-19")
+    {
+        addPlace(m_place);
+        addRows(m_rows, "First and last row, counted from 0; all where none are named");
+    }
+
+    int run(const Options &options) override
+    {
+        const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
+        const Place place = parsePlace(m_place, options.prefix);
+        Session session(options);
+        const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
+        writeAnswer(options, path, readRows(session, path, range, OrkaRoles::all()), range.first);
+        return Answered;
+    }
+
+private:
+    QString m_place;
+    QString m_rows;
+};
+
+class Info : public Command
+{
+public:
+    explicit Info(CLI::App &app)
+        : Command(app, "info", "Everything that is known about one node",
+            "orka info \"My NAS/Music/Albums/Blue/01 First Song\"")
+    {
+        addPlace(m_place);
+    }
+
+    int run(const Options &options) override
+    {
+        const Place place = parsePlace(m_place, options.prefix);
+        Session session(options);
+        const CMPath path = PlaceResolver(session).resolve(place);
+        const OrkaRoles roles = session.data(path, OrkaRoles::all());
+        if (options.json) {
+            writeJson(dataDocument(path, roles));
+        } else {
+            writeRoles(roles);
+        }
+        return Answered;
+    }
+
+private:
+    QString m_place;
+};
+
+class Menu : public Command
+{
+public:
+    explicit Menu(CLI::App &app)
+        : Command(app, "menu", "The search menu of a node, or its context menu",
+            "orka menu \"My NAS\"\n  orka menu --context \"My NAS/Music/Albums/Blue\"")
+    {
+        addPlace(m_place);
+        parser().add_flag("--context", m_context, "What can be done with the node: play, queue");
+    }
+
+    int run(const Options &options) override
+    {
+        const Place place = parsePlace(m_place, options.prefix);
+        Session session(options);
+        const CMPath path = PlaceResolver(session).resolve(place);
+        const CMPath menu = m_context ? contextMenu(session, path) : searchMenu(path);
+        writeAnswer(options, menu, readRows(session, menu, {}, OrkaRoles::all()), 0);
+        return Answered;
+    }
+
+private:
+    static CMPath searchMenu(const CMPath &path)
+    {
+        return path.withoutParams().addParam(QStringLiteral("search"), QStringLiteral("menu"));
+    }
+
+    static CMPath contextMenu(Session &session, const CMPath &path)
+    {
+        return session.path(QStringLiteral("context"))
+            .addParam(QStringLiteral("path"), withKind(session, path).toEncoded());
+    }
+
+    QString m_place;
+    bool m_context = false;
+};
+
+class Sample : public Command
+{
+public:
+    explicit Sample(CLI::App &app)
+        : Command(app, "sample", "Rows spread over a big folder",
+            "orka sample \"My NAS/Music/All Music\" 0,9999,100")
+    {
+        addPlace(m_place);
+        addText("SAMPLE", m_sample,
+            "START,END,STEP: first position, last position (inclusive), distance of at least 1", "")
+            ->required();
+        addRows(m_rows, "Rows of the sample, counted from 0; at most B+1 rows are answered");
+    }
+
+    int run(const Options &options) override
+    {
+        const SampleRange sample = parseSampleRange(m_sample);
+        const RowRange range =
+            m_rows.isNull() ? RowRange{0, sample.positions() - 1} : parseRowRange(m_rows);
+        const Place place = parsePlace(m_place, options.prefix);
+        Session session(options);
+        const CMPath path = PlaceResolver(session)
+                                .resolve(place, PlaceResolver::Folder)
+                                .addParam(QStringLiteral("sample"), sample.toString());
+        // In one request, since a worker counts the rows of a sample from its start.
+        const Rows rows = readRowsAtOnce(session, path, range, OrkaRoles::all());
+        if (options.json) {
+            writeJson(rowsDocument(path, rows));
+        } else {
+            writeRows(rows, sample.start, sample.step);
+        }
+        return Answered;
+    }
+
+private:
+    QString m_place;
+    QString m_sample;
+    QString m_rows;
+};
+
+} // namespace
+
+CommandPointer makeLs(CLI::App &app)
+{
+    return std::make_unique<Ls>(app);
+}
+
+CommandPointer makeInfo(CLI::App &app)
+{
+    return std::make_unique<Info>(app);
+}
+
+CommandPointer makeMenu(CLI::App &app)
+{
+    return std::make_unique<Menu>(app);
+}
+
+CommandPointer makeSample(CLI::App &app)
+{
+    return std::make_unique<Sample>(app);
+}

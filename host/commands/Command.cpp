@@ -1,0 +1,58 @@
+#include "commands/Command.h"
+
+#include <QStringList>
+
+Command::Command(CLI::App &app, const char *name, const char *description, const char *example)
+    : m_parser(app.add_subcommand(name, description))
+{
+    m_parser->fallthrough(); // global options may follow the command
+    m_parser->footer(std::string("Example:\n  ") + example
+        + "\n\n\"orka --help\" lists the options that every command has.");
+}
+
+CLI::Option *Command::addText(const char *name, QString &target, const char *help, const char *type)
+{
+    return parser()
+        .add_option_function<std::string>(
+            name, [&target](const std::string &text) { target = argument(text); }, help)
+        ->type_name(type);
+}
+
+void Command::addPlace(QString &target)
+{
+    addText("PLACE", target,
+        "A node path (upnp:/uuid:…/64) or titles joined by / (\"My NAS/Music\"; \\/ for a slash in "
+        "a title; / alone is the list of media servers)",
+        "")
+        ->required();
+}
+
+void Command::addPlaces(QStringList &target)
+{
+    parser()
+        .add_option_function<std::vector<std::string>>(
+            "PLACE",
+            [&target](const std::vector<std::string> &texts) {
+                for (const std::string &text : texts) {
+                    target.append(argument(text));
+                }
+            },
+            "Node paths (upnp:/uuid:…/64) or titles joined by / (\"My NAS/Music/Albums\")")
+        ->type_name("")
+        ->required();
+}
+
+void Command::addRows(QString &target, const char *help)
+{
+    addText("--rows", target, help, "A-B");
+}
+
+std::vector<CommandPointer> makeCommands(CLI::App &app)
+{
+    std::vector<CommandPointer> commands;
+    for (const auto make : {makeServers, makeLs, makeInfo, makeMenu, makeSearch, makeSample,
+             makeQueue, makePlay, makeRows, makeData, makeSet, makeDoctor}) {
+        commands.push_back(make(app));
+    }
+    return commands;
+}

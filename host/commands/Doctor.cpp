@@ -1,0 +1,179 @@
+#include "Bus.h"
+#include "BusLimits.h"
+#include "Failure.h"
+#include "JsonOutput.h"
+#include "Output.h"
+#include "SafeText.h"
+#include "SearchKinds.h"
+#include "ServerList.h"
+#include "Session.h"
+#include "commands/Command.h"
+
+#include <api/core/orka.h>
+
+#include <QStandardPaths>
+
+namespace {
+
+/// 200 tracks prepared at once, with two calls each.
+constexpr int neededPendingReplies = 400;
+
+/// What was found, in the order in which it was looked at.
+class Findings
+{
+public:
+    enum Verdict { Ok, Warning, Missing };
+
+    explicit Findings(bool json)
+        : m_json(json)
+    {
+    }
+
+    void add(Verdict verdict, const char *what, const QString &message)
+    {
+        static const char *const words[] = {"ok", "warning", "missing"};
+        m_anythingMissing = m_anythingMissing || verdict == Missing;
+        if (!m_json) {
+            writeLine(QStringLiteral("%1  %2: %3")
+                          .arg(QLatin1String(words[verdict]), -7)
+                          .arg(QLatin1String(what), message));
+        }
+        OrkaHash check;
+        check.setValue(QStringLiteral("what"), QString::fromLatin1(what));
+        check.setValue(QStringLiteral("status"), QString::fromLatin1(words[verdict]));
+        check.setValue(QStringLiteral("message"), message);
+        m_checks.append(check.toVariant());
+    }
+
+    int finish() const
+    {
+        if (m_json) {
+            OrkaHash document;
+            document.setValue(QStringLiteral("checks"), m_checks);
+            writeJson(document);
+        }
+        return m_anythingMissing ? ExitStatus::Missing : Answered;
+    }
+
+private:
+    bool m_json;
+    bool m_anythingMissing = false;
+    QVariantList m_checks;
+};
+
+void checkBusLimits(Findings &findings, const QString &bus)
+{
+    const PendingReplies replies = measurePendingReplies(bus);
+    if (!replies.error.isEmpty()) {
+        findings.add(Findings::Warning, "bus limits",
+            QStringLiteral("could not be measured (%1); a bus with the daemon's built-in limit "
+                           "takes 128 calls at once, which is too few.")
+                .arg(safeText(replies.error)));
+    } else if (replies.limited && replies.taken < neededPendingReplies) {
+        findings.add(Findings::Warning, "bus limits",
+            QStringLiteral("the bus takes only %1 unanswered calls of one program "
+                           "(max_replies_per_connection). When 200 tracks are played at once most "
+                           "of them lose their URL, and big folders are read in part. Set the "
+                           "limit to 50000 in the bus's configuration, as session buses have it.")
+                .arg(replies.taken));
+    } else {
+        findings.add(Findings::Ok, "bus limits",
+            QStringLiteral("%1 %2 unanswered calls of one program.")
+                .arg(replies.limited ? QStringLiteral("takes") : QStringLiteral("takes more than"))
+                .arg(replies.taken));
+    }
+}
+
+void checkMediaService(Findings &findings, const Options &options, const MediaService &service)
+{
+    const Bus bus(orkaDBusConnection(), options.timeout);
+    const QString owner = bus.owner(MediaService::busName());
+    findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
+    checkBusLimits(findings, service.bus());
+    findings.add(Findings::Ok, "media service",
+        QStringLiteral("%1 has the name %2%3.")
+            .arg(safeText(bus.describeOwner(owner)), MediaService::busName(),
+                service.startedBridge() ? QStringLiteral(", started for this run") : QString()));
+}
+
+void checkServers(Findings &findings, Session &session)
+{
+    ServerList servers(session);
+    servers.settle();
+    if (servers.servers().isEmpty()) {
+        findings.add(Findings::Warning, "media servers",
+            QStringLiteral("none has shown up in %1 s. Start one on this network; a firewall may "
+                           "keep UDP port 1900 closed.")
+                .arg(double(session.options().wait.count()) / 1000));
+    }
+    for (const OrkaRoles &server : ServerList::Servers(servers.servers())) {
+        const QStringList kinds = searchKinds(session, server.path());
+        findings.add(Findings::Ok, "media server",
+            QStringLiteral("%1 %2.").arg(quoted(server.title().toString()),
+                kinds.isEmpty() ? QStringLiteral("can be browsed, not searched")
+                                : QStringLiteral("can be searched by %1")
+                                      .arg(kinds.join(QStringLiteral(", ")))));
+    }
+}
+
+void checkAddresses(Findings &findings)
+{
+    const OrkaNetworkInfo info = NetworkPublisher::currentInfo();
+    QStringList addresses;
+    for (const QVariantHash &address : info.wired().addresses() + info.wireless().addresses()) {
+        addresses.append(OrkaNetworkAddress(OrkaHash(address)).ip());
+    }
+    findings.add(addresses.isEmpty() ? Findings::Warning : Findings::Ok, "addresses",
+        addresses.isEmpty() ? QStringLiteral("this machine has none that others can reach.")
+                            : addresses.join(QStringLiteral(", ")));
+}
+
+void checkPlayer(Findings &findings)
+{
+    const bool there = !QStandardPaths::findExecutable(QStringLiteral("mpv")).isEmpty();
+    findings.add(there ? Findings::Ok : Findings::Warning, "player",
+        there ? QStringLiteral("mpv is there.")
+              : QStringLiteral("mpv isn't installed; \"orka play\" needs it, or --player."));
+}
+
+class Doctor : public Command
+{
+public:
+    explicit Doctor(CLI::App &app)
+        : Command(app, "doctor", "What is there and what is missing", "orka doctor")
+    {
+    }
+
+    int run(const Options &options) override
+    {
+        Findings findings(options.json);
+        checkAddresses(findings);
+        checkPlayer(findings);
+        try {
+            checkChain(findings, options);
+        } catch (const Failure &failure) {
+            if (failure.status() == WrongUsage) {
+                throw;
+            }
+            findings.add(Findings::Missing, "the chain", failure.sentence());
+        }
+        return findings.finish();
+    }
+
+private:
+    static void checkChain(Findings &findings, const Options &options)
+    {
+        auto service = std::make_unique<MediaService>(options);
+        checkMediaService(findings, options, *service);
+        Session session(options, std::move(service));
+        findings.add(Findings::Ok, "plug-in", QStringLiteral("loaded."));
+        checkServers(findings, session);
+    }
+};
+
+} // namespace
+
+CommandPointer makeDoctor(CLI::App &app)
+{
+    return std::make_unique<Doctor>(app);
+}

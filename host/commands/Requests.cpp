@@ -1,0 +1,159 @@
+#include "JsonOutput.h"
+#include "Output.h"
+#include "Place.h"
+#include "ServerList.h"
+#include "Session.h"
+#include "TextOutput.h"
+#include "commands/Command.h"
+
+namespace {
+
+/// The roles that a comma-separated list names; every role where none is named.
+QStringList rolesOf(const QString &list)
+{
+    return list.isNull() ? OrkaRoles::all() : list.split(QLatin1Char(','));
+}
+
+/// The paths inside a request, whose media servers it needs: the node's own, one in its parameter
+/// "path" and those that the value lists.
+QVector<CMPath> pathsOf(const CMPath &path, const QVariant &value = QVariant())
+{
+    QVector<CMPath> paths{path, CMPath::fromEncoded(path.param(QStringLiteral("path")))};
+    for (const QVariant &entry : value.toList()) {
+        paths.append(CMPath::fromEncoded(entry.toString()));
+    }
+    QVector<CMPath> ofServers;
+    for (const CMPath &candidate : qAsConst(paths)) {
+        const bool inTree = candidate.base().isEmpty()
+            ? !candidate.prefix().isEmpty()
+            : candidate.base().startsWith(QLatin1Char('/'));
+        if (inTree && candidate.prefix() == path.prefix()) {
+            ofServers.append(candidate);
+        }
+    }
+    return ofServers;
+}
+
+/// The request goes out whatever has shown up.
+void waitForServers(Session &session, const QVector<CMPath> &paths)
+{
+    if (!paths.isEmpty()) {
+        ServerList(session).waitForServersOf(paths);
+    }
+}
+
+class RowsRequest : public Command
+{
+public:
+    explicit RowsRequest(CLI::App &app)
+        : Command(app, "rows", "One rows request as it is",
+            "orka --json rows upnp:/uuid:4d69/64 --first 0 --last 9 --roles path,title")
+    {
+        addText("PATH", m_path, "A node path, encoded", "")->required();
+        parser().add_option("--first", m_first, "First row, counted from 0 (0)");
+        parser().add_option("--last", m_last, "Last row, inclusive (19)");
+        addText(
+            "--roles", m_roles, "Roles, comma-separated; every role where none is named", "a,b");
+    }
+
+    int run(const Options &options) override
+    {
+        const CMPath path = parsePath(m_path);
+        Session session(options);
+        waitForServers(session, pathsOf(path));
+        const Rows rows = readRowsAtOnce(session, path, {m_first, m_last}, rolesOf(m_roles));
+        if (options.json) {
+            writeJson(rowsDocument(path, rows));
+        } else {
+            writeRows(rows, m_first);
+        }
+        return Answered;
+    }
+
+private:
+    QString m_path;
+    int m_first = 0;
+    int m_last = 19;
+    QString m_roles;
+};
+
+class DataRequest : public Command
+{
+public:
+    explicit DataRequest(CLI::App &app)
+        : Command(app, "data", "One data request as it is",
+            "orka --json data upnp:/uuid:4d69/64 --roles title,mediaData")
+    {
+        addText("PATH", m_path, "A node path, encoded", "")->required();
+        addText(
+            "--roles", m_roles, "Roles, comma-separated; every role where none is named", "a,b");
+    }
+
+    int run(const Options &options) override
+    {
+        const CMPath path = parsePath(m_path);
+        Session session(options);
+        waitForServers(session, pathsOf(path));
+        const OrkaRoles roles = session.data(path, rolesOf(m_roles));
+        if (options.json) {
+            writeJson(dataDocument(path, roles));
+        } else {
+            writeRoles(roles);
+        }
+        return Answered;
+    }
+
+private:
+    QString m_path;
+    QString m_roles;
+};
+
+class SetRequest : public Command
+{
+public:
+    explicit SetRequest(CLI::App &app)
+        : Command(app, "set", "One set-data request as it is",
+            "orka set \"upnp:/uuid:4d69?search=artist\" '{\"string_\":\"abba\"}'\n"
+            "  orka set upnp:playlist/prepareItems '[\"upnp:/uuid:4d69/64?itemType=track\"]'")
+    {
+        addText("PATH", m_path, "A node path, encoded", "")->required();
+        addText("JSON", m_value, "The value: an object becomes a hash, an array a list", "")
+            ->required();
+    }
+
+    int run(const Options &options) override
+    {
+        const CMPath path = parsePath(m_path);
+        const QVariant value = valueFromJson(m_value);
+        Session session(options);
+        waitForServers(session, pathsOf(path, value));
+        const QVariant answer = session.set(path, value, QStringLiteral("Waiting for the answer"));
+        if (options.json) {
+            writeJson(valueDocument(answer));
+        } else {
+            writeValue(answer);
+        }
+        return Answered;
+    }
+
+private:
+    QString m_path;
+    QString m_value;
+};
+
+} // namespace
+
+CommandPointer makeRows(CLI::App &app)
+{
+    return std::make_unique<RowsRequest>(app);
+}
+
+CommandPointer makeData(CLI::App &app)
+{
+    return std::make_unique<DataRequest>(app);
+}
+
+CommandPointer makeSet(CLI::App &app)
+{
+    return std::make_unique<SetRequest>(app);
+}

@@ -1,0 +1,101 @@
+#include "Failure.h"
+#include "JsonOutput.h"
+#include "Output.h"
+#include "PlaceResolver.h"
+#include "SafeText.h"
+#include "SearchKinds.h"
+#include "Session.h"
+#include "TextOutput.h"
+#include "commands/Command.h"
+
+#include <api/core/OrkaValue.h>
+
+namespace {
+
+Failure notSearchable(const CMPath &path, const QString &kind, const QStringList &kinds)
+{
+    const QString where = safeText(path.withoutParams().toEncoded());
+    return Failure(AnsweredWithError, QStringLiteral("notSearchable"),
+        kinds.isEmpty()
+            ? QStringLiteral("The media server of %1 can't search. Browse it with \"orka ls\", or "
+                             "take everything below a folder with \"orka queue\", which walks "
+                             "through it.")
+                  .arg(where)
+            : QStringLiteral("The media server of %1 can't search by %2, only by %3. Use --%4.")
+                  .arg(where, kind, kinds.join(QStringLiteral(" and by ")), kinds.first()));
+}
+
+class Search : public Command
+{
+public:
+    explicit Search(CLI::App &app)
+        : Command(app, "search", "Finds tracks by artist, album or title",
+            "orka search \"My NAS\" --artist abba --rows 0-19")
+    {
+        addPlace(m_place);
+        for (const char *kind : {"artist", "album", "title"}) {
+            const std::string help = std::string("Part of the ") + kind;
+            parser()
+                .add_option_function<std::string>(
+                    std::string("--") + kind,
+                    [this, kind](const std::string &text) {
+                        m_kinds.append(QString::fromLatin1(kind));
+                        m_text = argument(text);
+                    },
+                    help)
+                ->type_name("TEXT");
+        }
+        addRows(m_rows, "First and last row, counted from 0; all where none are named");
+    }
+
+    int run(const Options &options) override
+    {
+        if (m_kinds.size() != 1) {
+            throw wrongUsage(QStringLiteral("A search goes by one thing: write --artist TEXT, "
+                                            "--album TEXT or --title TEXT."));
+        }
+        const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
+        const Place place = parsePlace(m_place, options.prefix);
+        Session session(options);
+        const CMPath results =
+            enterText(session, PlaceResolver(session).resolve(place, PlaceResolver::Folder));
+        const Rows rows = readRows(session, results, range, OrkaRoles::all());
+        if (options.json) {
+            writeJson(rowsDocument(results, rows));
+        } else {
+            writeRows(rows, range.first);
+        }
+        return Answered;
+    }
+
+private:
+    /// As a device does it: the text is set on the search entry, which answers where the results
+    /// are.
+    CMPath enterText(Session &session, const CMPath &place) const
+    {
+        const QString kind = m_kinds.first();
+        const QStringList kinds = searchKinds(session, place);
+        if (!kinds.contains(kind)) {
+            throw notSearchable(place, kind, kinds);
+        }
+        OrkaValue text;
+        text.setString_(m_text);
+        CMPath entry = place.withoutParams();
+        entry.addParam(QStringLiteral("search"), kind);
+        const QVariant answer =
+            session.set(entry, text.toVariant(), QStringLiteral("Entering the search text"));
+        return CMPath::fromEncoded(answer.toString());
+    }
+
+    QString m_place;
+    QStringList m_kinds;
+    QString m_text;
+    QString m_rows;
+};
+
+} // namespace
+
+CommandPointer makeSearch(CLI::App &app)
+{
+    return std::make_unique<Search>(app);
+}

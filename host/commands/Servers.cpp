@@ -1,0 +1,124 @@
+#include "JsonOutput.h"
+#include "Output.h"
+#include "SafeText.h"
+#include "ServerList.h"
+#include "Session.h"
+#include "TextOutput.h"
+#include "Wait.h"
+#include "commands/Command.h"
+
+#include <QTime>
+
+#include <algorithm>
+
+namespace {
+
+/// Says which servers came and went since it was last asked.
+class Arrivals
+{
+public:
+    explicit Arrivals(bool json)
+        : m_json(json)
+    {
+    }
+
+    void tellChanges(const ServerList::Servers &now)
+    {
+        for (const OrkaRoles &server : m_known) {
+            if (!now.contains(server)) {
+                write("departed", server);
+            }
+        }
+        for (const OrkaRoles &server : now) {
+            if (!m_known.contains(server)) {
+                write("arrived", server);
+            }
+        }
+        m_known = now;
+    }
+
+private:
+    void write(const char *event, const OrkaRoles &server) const
+    {
+        if (m_json) {
+            OrkaHash document;
+            document.setValue(QStringLiteral("event"), QString::fromLatin1(event));
+            document.setValue(QStringLiteral("server"), server.toVariant());
+            writeJson(document);
+        } else {
+            writeLine(QStringLiteral("%1  %2  %3")
+                          .arg(QTime::currentTime().toString(), QString::fromLatin1(event),
+                              safeText(server.title().toString())));
+        }
+    }
+
+    bool m_json;
+    ServerList::Servers m_known;
+};
+
+class Servers : public Command
+{
+public:
+    explicit Servers(CLI::App &app)
+        : Command(app, "servers", "The media servers on the network",
+            "orka servers\n  orka --json servers --watch")
+    {
+        parser().add_flag("--watch", m_watch,
+            "Print arrivals and departures until stopped; with --json one document a line: "
+            "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}");
+    }
+
+    int run(const Options &options) override
+    {
+        Session session(options);
+        ServerList servers(session);
+        return m_watch ? watch(session, servers) : list(session, servers);
+    }
+
+private:
+    static int list(Session &session, ServerList &servers)
+    {
+        servers.settle();
+        const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
+        if (session.options().json) {
+            writeJson(rowsDocument(session.root(), rows));
+            return Answered;
+        }
+        if (rows.rows.isEmpty()) {
+            tell(QStringLiteral("No media server has shown up in %1 s. Start one on this network, "
+                                "or give it more time with --wait.")
+                     .arg(double(session.options().wait.count()) / 1000));
+            return Answered;
+        }
+        Table table({QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")});
+        for (const OrkaRoles &row : rows.rows) {
+            table.add({row.title().toString(),
+                row.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"),
+                row.path().toEncoded()});
+        }
+        table.write();
+        return Answered;
+    }
+
+    static int watch(Session &session, ServerList &servers)
+    {
+        Arrivals arrivals(session.options().json);
+        while (session.mediaService().isThere()) {
+            arrivals.tellChanges(servers.servers());
+            Wait change(std::chrono::hours(24));
+            QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
+            QObject::connect(&session.mediaService(), &MediaService::gone, &change, &Wait::wake);
+            change.until([&] { return servers.isStale() || !session.mediaService().isThere(); });
+        }
+        return Missing;
+    }
+
+    bool m_watch = false;
+};
+
+} // namespace
+
+CommandPointer makeServers(CLI::App &app)
+{
+    return std::make_unique<Servers>(app);
+}

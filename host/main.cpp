@@ -1,0 +1,110 @@
+#include "Failure.h"
+#include "Interrupt.h"
+#include "JsonOutput.h"
+#include "Logging.h"
+#include "Options.h"
+#include "Output.h"
+#include "Progress.h"
+#include "SafeText.h"
+#include "commands/Command.h"
+
+#include <QCoreApplication>
+#include <QTextCodec>
+
+#include <cstdio>
+#include <sstream>
+
+namespace {
+
+const char description[] =
+    "Browses, searches and plays UPnP media servers through the worker of a media device.";
+
+const char exitStatuses[] = "Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 "
+                            "no media service, no such\n"
+                            "place or no plug-in; 4 no answer in time; 130 interrupted. \"orka "
+                            "COMMAND --help\" tells more.\n\n"
+                            "Example:\n  orka ls \"My NAS/Music/Albums\"";
+
+/// What the parser has to say: help on standard output, a mistake on standard error.
+int reportParsing(const CLI::App &app, const CLI::ParseError &error)
+{
+    std::ostringstream help;
+    std::ostringstream mistake;
+    const int status = app.exit(error, help, mistake);
+    std::fputs(help.str().c_str(), stdout);
+    if (status == 0) {
+        return Answered;
+    }
+    const std::vector<std::string> unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty()) {
+        tell(QStringLiteral("There is no command or option %1. \"orka --help\" lists them.")
+                 .arg(quoted(argument(unknown.front()))));
+    } else {
+        tell(QString::fromStdString(mistake.str()).trimmed());
+    }
+    return WrongUsage;
+}
+
+int report(const Failure &failure, bool json)
+{
+    tell(failure.sentence());
+    const bool isAnswer =
+        failure.status() != WrongUsage && failure.error().name() != QLatin1String("output");
+    if (json && isAnswer) {
+        writeJson(errorDocument(failure.error()));
+    }
+    return failure.status();
+}
+
+int run(Command &command, const Options &options)
+{
+    try {
+        startLogging(options);
+        return command.run(options);
+    } catch (const Failure &failure) {
+        return report(failure, options.json);
+    } catch (const InterruptedBySignal &interrupt) {
+        return interrupt.exitStatus();
+    }
+}
+
+/// The arguments in reverse, as the parser wants them.
+std::vector<std::string> argumentsOf(int argc, char **argv)
+{
+    std::vector<std::string> arguments;
+    for (int i = argc - 1; i > 0; --i) {
+        arguments.push_back(protectBrackets(argv[i]));
+    }
+    return arguments;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    int applicationArgc = 1; // all others are the parser's
+    const QCoreApplication application(applicationArgc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("orka"));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    Progress::startClock();
+    const Interrupt interrupt;
+
+    Options options;
+    CLI::App app(description, "orka");
+    app.footer(exitStatuses);
+    app.set_version_flag("--version", "orka " ORKA_VERSION);
+    app.require_subcommand(1);
+    addGlobalOptions(app, options);
+    const std::vector<CommandPointer> commands = makeCommands(app);
+    try {
+        app.parse(argumentsOf(argc, argv));
+    } catch (const CLI::ParseError &error) {
+        return reportParsing(app, error);
+    }
+    for (const CommandPointer &command : commands) {
+        if (command->isChosen()) {
+            return run(*command, options);
+        }
+    }
+    return WrongUsage;
+}
