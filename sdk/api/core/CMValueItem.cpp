@@ -11,10 +11,10 @@ namespace {
 class ChangeEvent : public QEvent
 {
 public:
-    ChangeEvent(const OrkaValue &newValue, const OrkaValue &oldValue)
+    ChangeEvent(const OrkaValue &value, const OrkaValue &before)
         : QEvent(eventType())
-        , newValue(newValue)
-        , oldValue(oldValue)
+        , newValue(value)
+        , oldValue(before)
     {
     }
     static Type eventType()
