@@ -2,7 +2,7 @@
 # Runs a command in a world of its own: a network, process numbers and a folder ($WORLD_DIR) that nobody
 # outside sees and that end with the command, whichever way it ends. Needs root or user namespaces.
 #   enter-world.sh COMMAND [ARGUMENTS…]
-# Exit status: the command's; 3 where no such world may be made.
+# Exit status: the command's; 3 ($WORLD_REFUSED_STATUS where it is set) where no such world may be made.
 set -euo pipefail
 
 export WORLD_ROOT WORLD_DIR
@@ -19,7 +19,7 @@ world=("${user[@]}" setpriv --pdeathsig KILL
 if ! refusal=$("${world[@]}" ip link add probe type bridge 2>&1); then
     echo "This machine lets you make no network of your own (${refusal:-no reason given})." \
         "Run it as root, or where user namespaces are allowed and the kernel has network bridges." >&2
-    exit 3
+    exit "${WORLD_REFUSED_STATUS:-3}"
 fi
 
 WORLD_DIR=$(mktemp -d "${TMPDIR:-/tmp}/orka-world.XXXXXX")

@@ -111,7 +111,7 @@ gerbera_has_indexed() {
     local host=${host_address[$1]} audio all
     audio=$(gerbera_container "$host" 0 Audio) || return
     all=$(gerbera_container "$host" "${audio% *}" "All Audio") || return
-    ((${all#* } >= $2))
+    [ -n "$all" ] && ((${all#* } >= $2))
 }
 
 # wait_indexed NAME COUNT

@@ -79,11 +79,16 @@ stop_server() {
 # shellcheck source=tests/e2e/servers.sh
 . "$WORLD_ROOT/tests/e2e/servers.sh"
 
+# start_bus_at SOCKET: a bus that can activate nothing.
+start_bus_at() {
+    dbus-daemon --config-file="$WORLD_ROOT/tests/support/private-bus.conf" --nofork --nopidfile \
+        --address="unix:path=$1" 2>>"$WORLD_DIR/bus.log" &
+    within 5 test -S "$1" || say_and_fail "The message bus did not start: $(cat "$WORLD_DIR/bus.log")"
+}
+
 start_bus() {
     export DBUS_SESSION_BUS_ADDRESS=unix:path=$WORLD_DIR/bus
-    dbus-daemon --config-file="$WORLD_ROOT/tests/support/private-bus.conf" --nofork --nopidfile \
-        --address="$DBUS_SESSION_BUS_ADDRESS" 2>"$WORLD_DIR/bus.log" &
-    within 5 test -S "$WORLD_DIR/bus" || say_and_fail "The message bus did not start: $(cat "$WORLD_DIR/bus.log")"
+    start_bus_at "$WORLD_DIR/bus"
 }
 
 start_bridge() {

@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# Playlists of tracks, albums, folders and whole servers, on a server that can search (MiniDLNA) and on one
+# that can't (Gerbera), against the tags of the files.
+set -euo pipefail
+. "$WORLD_ROOT/tests/e2e/world.sh"
+. "$WORLD_ROOT/tests/e2e/library.sh"
+. "$WORLD_ROOT/tests/e2e/checks.sh"
+
+# 25 albums of two tracks, one folder each, two levels down.
+make_nested_albums() {
+    local number
+    for number in $(seq -w 1 25); do
+        "$ORKA_BUILD/tests/e2e/make_tracks" "$1/Shelf/Album $number" 2 "Album $number"
+    done
+}
+
+queue() {
+    orka --json queue "$@" | jq -r '(.error.message // empty | "error: " + .), (.items[]? | [.title, .artist, .album] | @tsv)'
+}
+
+# tags FOLDER…: title, artist and album of its files in the order of their names.
+tags() {
+    tags_of "$@" | cut -f 1-3
+}
+
+world_lan
+world_host minidlna 2
+world_host gerbera 3
+make_library "$WORLD_DIR/music"
+make_nested_albums "$WORLD_DIR/nested"
+start_minidlna minidlna "$WORLD_DIR/music" Searches
+start_gerbera gerbera "$WORLD_DIR/nested" Walks
+wait_indexed minidlna "$(library_size)"
+wait_indexed gerbera 50
+start_bus
+start_bridge
+
+music=$WORLD_DIR/music
+check "a track" "$(tags "$music/Odd Signs" | head -n 1)" \
+    "$(queue 'Searches/Music/Album/Punctuation/Say "Hello"')"
+check "an album of a searching server" "$(tags "$music/Odd Signs")" "$(queue Searches/Music/Album/Punctuation)"
+check "a nested folder of a searching server" "$(tags "$music/Ada Quartz" | sort)" \
+    "$(queue "Searches/Browse Folders/Ada Quartz" | sort)"
+check "a whole searching server" "$(tags "$music" | sort)" "$(queue Searches | sort -u)"
+check "a track named twice" "$(tags "$music/Odd Signs" | head -n 1 | sed 'p')" \
+    "$(queue 'Searches/Music/Album/Punctuation/Say "Hello"' 'Searches/Music/Album/Punctuation/Say "Hello"')"
+
+shelf="Walks/PC Directory/${WORLD_DIR#/}/nested/Shelf"
+check "an album of a server that can't search" "$(tags "$WORLD_DIR/nested/Shelf/Album 07")" "$(queue "$shelf/Album 07")"
+check "25 nested albums of a server that can't search, each track once" "$(tags "$WORLD_DIR/nested" | sort)" \
+    "$(queue "$shelf" | sort)"
+check "a track of a server that can't search" "$(tags "$WORLD_DIR/nested/Shelf/Album 07" | head -n 1)" \
+    "$(queue "$shelf/Album 07/Track 00001")"
+
+# Read back by other programs, every character of a title in its place.
+orka queue "Searches/Music/Album/Punctuation" --format xspf >"$WORLD_DIR/list.xspf"
+check "XSPF for programs" "$(tags "$music/Odd Signs" | cut -f 1 | sed 's/\\\\/\\/g')" \
+    "$(xmllint --xpath '//*[local-name()="track"]/*[local-name()="title"]/text()' "$WORLD_DIR/list.xspf" |
+        sed 's/&lt;/</g; s/&gt;/>/g; s/&quot;/"/g; s/&amp;/\&/g')"
+orka queue "Searches/Music/Album/Punctuation" --format m3u8 >"$WORLD_DIR/list.m3u8"
+check "M3U8 for players: the files it names" "$(tags "$music/Odd Signs" | cut -f 1)" \
+    "$(grep -v '^#' "$WORLD_DIR/list.m3u8" | while read -r address; do
+        ffprobe -v error -show_entries format_tags=title -of json "$address"
+    done | jq -r '[.format.tags.title] | @tsv')"
+finish
