@@ -1,0 +1,56 @@
+#include "OrkaRun.h"
+
+#include <QElapsedTimer>
+
+OrkaRun::OrkaRun(
+    const QString &busAddress, const QStringList &arguments, const QProcessEnvironment &environment)
+{
+    QStringList all;
+    if (!busAddress.isEmpty()) {
+        all << QStringLiteral("--bus") << busAddress << QStringLiteral("--media-service")
+            << QStringLiteral("session");
+    }
+    all << QStringLiteral("--plugin") << QStringLiteral(TEST_WORKER) << arguments;
+    m_process.setProcessEnvironment(environment);
+    m_process.start(QStringLiteral(ORKA), all);
+    m_process.waitForStarted();
+}
+
+int OrkaRun::status()
+{
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(20000)) {
+        m_process.kill();
+        m_process.waitForFinished();
+        return -1;
+    }
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                          : 128 + m_process.exitCode();
+}
+
+QByteArray OrkaRun::waitForLines(int lines)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (m_output.count('\n') < lines && clock.elapsed() < 10000) {
+        m_process.waitForReadyRead(100);
+        m_output += m_process.readAllStandardOutput();
+    }
+    return m_output;
+}
+
+QByteArray OrkaRun::output()
+{
+    status();
+    return m_output += m_process.readAllStandardOutput();
+}
+
+QByteArray OrkaRun::errors()
+{
+    status();
+    return m_errors += m_process.readAllStandardError();
+}
+
+QJsonObject OrkaRun::json()
+{
+    return QJsonDocument::fromJson(output()).object();
+}

@@ -1,0 +1,4 @@
+extern "C" int worker_something_else()
+{
+    return 0;
+}

@@ -1,0 +1,4 @@
+extern "C" void *worker_create(const char *, void *)
+{
+    return nullptr;
+}
