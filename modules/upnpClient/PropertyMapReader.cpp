@@ -2,6 +2,8 @@
 
 #include <QDBusVariant>
 
+#include <utility>
+
 PropertyMapReader::PropertyMapReader(const QDBusMessage &reply)
 {
     open(reply);
@@ -14,28 +16,30 @@ void PropertyMapReader::open(const QDBusMessage &reply)
     if (list.userType() != qMetaTypeId<QDBusArgument>())
         return;
     m_argument = list.value<QDBusArgument>();
-    m_argument->beginArray();
+    std::as_const(*m_argument).beginArray();
 }
 
 bool PropertyMapReader::next(QVariantMap *map)
 {
     if (!m_argument)
         return false;
-    if (m_argument->atEnd()) {
+    // Reading is what the const members do; those of the same name without it write.
+    const QDBusArgument &argument = *m_argument;
+    if (argument.atEnd()) {
         close();
         return false;
     }
     map->clear();
-    m_argument->beginMap();
+    argument.beginMap();
     QString name;
     QDBusVariant value;
-    while (!m_argument->atEnd()) {
-        m_argument->beginMapEntry();
-        *m_argument >> name >> value;
-        m_argument->endMapEntry();
+    while (!argument.atEnd()) {
+        argument.beginMapEntry();
+        argument >> name >> value;
+        argument.endMapEntry();
         map->insert(name, value.variant());
     }
-    m_argument->endMap();
+    argument.endMap();
     return true;
 }
 
@@ -43,6 +47,6 @@ void PropertyMapReader::close()
 {
     // An argument dropped inside its array would keep the whole reply for good.
     if (m_argument)
-        m_argument->endArray();
+        std::as_const(*m_argument).endArray();
     m_argument.reset();
 }

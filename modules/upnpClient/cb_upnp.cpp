@@ -9,7 +9,6 @@
 extern "C" Q_DECL_EXPORT void *worker_create(const char *name, void *config)
 {
     TRACE_ENTER_WITH(name);
-    dleyna::registerTypes();
     auto *worker = new CMUPnPWorker(*static_cast<QHash<QString, QVariant> *>(config));
     return new CMSyncWorker(worker);
 }
@@ -18,6 +17,7 @@ CMUPnPWorker::CMUPnPWorker(const QHash<QString, QVariant> &config)
     : CMNodesWorker(config, QStringLiteral("CMUPnPWorker"))
     , m_serviceId(config.value(OrkaService_Id()).toString())
 {
+    dleyna::registerTypes();
     qRegisterMetaType<DBusBarrier *>();
     qRegisterMetaType<CMGetRowsRequest>();
     qRegisterMetaType<OrkaRowsRoles>();
