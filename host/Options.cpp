@@ -14,7 +14,8 @@ void addText(CLI::App &app, const char *name, QString &target, const char *help,
 {
     app.add_option_function<std::string>(
            name, [&target](const std::string &text) { target = argument(text); }, help)
-        ->type_name(type);
+        ->type_name(type)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
 void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help)
@@ -28,7 +29,8 @@ void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const cha
                target = Milliseconds(qRound64(seconds * 1000));
            },
            help)
-        ->type_name("SECONDS");
+        ->type_name("SECONDS")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
 } // namespace

@@ -129,7 +129,9 @@ QString lengthText(long long milliseconds)
 void writeRows(const Rows &rows, int first, int step)
 {
     if (rows.rows.isEmpty()) {
-        writeLine(QStringLiteral("No rows of %1.").arg(rows.rowsCount));
+        writeLine(rows.rowsCount == 0
+                ? QStringLiteral("There are no rows.")
+                : QStringLiteral("None of %1 rows is in this range.").arg(rows.rowsCount));
         return;
     }
     Table table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
@@ -142,7 +144,7 @@ void writeRows(const Rows &rows, int first, int step)
         number += step;
     }
     table.write();
-    writeLine(QStringLiteral("%1 rows shown of %2.").arg(rows.rows.size()).arg(rows.rowsCount));
+    writeLine(QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount));
 }
 
 void writeRoles(const OrkaHash &roles)
@@ -179,7 +181,8 @@ void writeQueue(const QVector<OrkaPlayListItem> &items)
     if (!items.isEmpty()) {
         table.write();
     }
-    writeLine(QStringLiteral("%1 tracks, %2 in all.")
-                  .arg(items.size())
+    writeLine(QStringLiteral("%1, %2 in all.")
+                  .arg(items.size() == 1 ? QStringLiteral("1 track")
+                                         : QStringLiteral("%1 tracks").arg(items.size()))
                   .arg(total > 0 ? lengthText(total) : QStringLiteral("0:00")));
 }

@@ -29,6 +29,8 @@ private slots:
     void queueLooksKindsUp();
     void playlistsLeaveOutForeignUrls();
     void playHandsOverThePlaylistAndItsStatus();
+    void playSaysWhichTrackMpvPlays();
+    void doctorWarnsOfABusWithTooSmallLimits();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -36,7 +38,18 @@ private:
         return std::make_unique<OrkaRun>(m_bus->address(), arguments);
     }
 
+    /// A program of this name that a shell runs.
+    QString script(const QString &name, const QByteArray &text)
+    {
+        QFile file(m_folder.filePath(name));
+        file.open(QIODevice::WriteOnly);
+        file.write("#!/bin/bash\n" + text);
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return file.fileName();
+    }
+
     std::unique_ptr<PrivateBus> m_bus;
+    QTemporaryDir m_folder;
 };
 
 namespace {
@@ -274,17 +287,55 @@ void tst_Commands::playlistsLeaveOutForeignUrls()
 
 void tst_Commands::playHandsOverThePlaylistAndItsStatus()
 {
-    QTemporaryDir folder;
-    QFile player(folder.filePath(QStringLiteral("player")));
-    QVERIFY(player.open(QIODevice::WriteOnly));
-    player.write("#!/bin/sh\necho \"args: $1 $2\"\ncat \"$3\"\nexit 5\n");
-    player.close();
-    player.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-
-    const auto orka = run({"play", "--player", player.fileName() + " -a \"b c\"", "Shelf"});
+    const QString player =
+        script(QStringLiteral("player"), "echo \"args: $1 $2\"\ncat \"$3\"\nexit 5\n");
+    const auto orka = run({"play", "--player", player + " -a \"b c\"", "Shelf"});
     QCOMPARE(orka->status(), 5);
     QVERIFY(orka->output().startsWith("args: -a b c\n#EXTM3U\n"));
     QVERIFY(orka->errors().contains("Playing 1 of 2: Ann - upnp:/shelf?itemType=server (1:01)"));
+
+    // What the player prints must not get between the document and its reader.
+    const auto json = run({"--json", "play", "--player", player, "Shelf"});
+    QCOMPARE(json->json().value("items").toArray().size(), 4);
+    QVERIFY(json->errors().contains("args: "));
+}
+
+/// mpv tells through an inherited socket which entry plays.
+void tst_Commands::playSaysWhichTrackMpvPlays()
+{
+    const QString mpv = script(QStringLiteral("mpv"), R"(
+socket=${1#--input-ipc-client=fd://}
+for entry in 0 1 -1 77; do
+    echo '{"event":"property-change","name":"playlist-pos","data":'$entry'}' >&"$socket"
+done
+sleep 0.3
+)");
+    const auto orka = run({"play", "--player", mpv, "Shelf"});
+    QCOMPARE(orka->status(), 0);
+    QVERIFY2(orka->errors().contains("Playing 1 of 2: Ann - upnp:/shelf"), orka->errors());
+    QVERIFY(orka->errors().contains("Playing 2 of 2: Ann - "));
+    QCOMPARE(orka->errors().count("Playing"), 2);
+}
+
+void tst_Commands::doctorWarnsOfABusWithTooSmallLimits()
+{
+    const auto fine = run({"doctor", "--wait", "0.5"});
+    QCOMPARE(fine->status(), 0);
+    QVERIFY(fine->output().contains("ok       bus limits"));
+    QVERIFY(fine->output().contains("\"Shelf\" can be searched by title"));
+
+    cleanup();
+    m_bus = std::make_unique<PrivateBus>(PrivateBus::Limits::BuiltIn);
+    QVERIFY(m_bus->open(QStringLiteral("service")).registerService(serviceName));
+    const auto small = run({"doctor", "--wait", "0.5"});
+    QCOMPARE(small->status(), 0);
+    QVERIFY2(small->output().contains("takes only 128 unanswered calls"), small->output());
+
+    const auto broken = run({"--json", "doctor", "--plugin", "/nonexistent"});
+    QCOMPARE(broken->status(), 3);
+    const QJsonObject last = broken->json().value("checks").toArray().last().toObject();
+    QCOMPARE(last.value("status").toString(), QStringLiteral("missing"));
+    QVERIFY(last.value("message").toString().contains("/nonexistent"));
 }
 
 QTEST_GUILESS_MAIN(tst_Commands)
