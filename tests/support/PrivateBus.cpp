@@ -1,0 +1,100 @@
+#include "PrivateBus.h"
+
+#include <api/core/orka.h>
+
+#include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QProcess>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace {
+
+/// Dies with the thread that started it, so that an aborted test leaves nothing behind.
+class BusDaemon : public QProcess
+{
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+};
+
+QString configuration(PrivateBus::Limits limits)
+{
+    return limits == PrivateBus::Limits::Session ? QStringLiteral(PRIVATE_BUS_CONF)
+                                                 : QStringLiteral(BUILT_IN_LIMITS_CONF);
+}
+
+QDBusPendingCall askForId(const QDBusConnection &connection)
+{
+    return connection.asyncCall(QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+}
+
+/// Messages keep their order, so the answer comes after everything that was under way before it.
+void roundTrip(const QDBusConnection &connection)
+{
+    QEventLoop loop;
+    QDBusPendingCallWatcher watcher(askForId(connection));
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    if (connection.isConnected())
+        loop.exec();
+}
+
+bool handleEvents()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return QEventLoop().processEvents(QEventLoop::AllEvents);
+}
+
+} // namespace
+
+PrivateBus::PrivateBus(Limits limits)
+    : m_daemon(std::make_unique<BusDaemon>())
+{
+    m_daemon->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_daemon->start(QStringLiteral("dbus-daemon"),
+        {QStringLiteral("--nofork"), QStringLiteral("--nosyslog"),
+            QStringLiteral("--print-address"),
+            QStringLiteral("--config-file=") + configuration(limits)});
+    while (!m_daemon->canReadLine() && m_daemon->waitForReadyRead(5000)) {
+    }
+    m_address = QString::fromLatin1(m_daemon->readLine()).trimmed();
+    if (m_address.isEmpty() || !orkaOpenDBusConnection(m_address))
+        qFatal("The test's own dbus-daemon did not start; the package dbus-daemon brings it.");
+}
+
+PrivateBus::~PrivateBus()
+{
+    m_daemon->kill();
+    m_daemon->waitForFinished();
+}
+
+QDBusConnection PrivateBus::open(const QString &name) const
+{
+    return QDBusConnection::connectToBus(m_address, name);
+}
+
+void PrivateBus::close(const QString &name)
+{
+    QDBusConnection::disconnectFromBus(name);
+}
+
+void PrivateBus::settle(const QDBusConnection &service, const std::function<int()> &activity)
+{
+    const QDeadlineTimer deadline(20000);
+    for (int quietRounds = 0; quietRounds < 2; ++quietRounds) {
+        const int before = activity();
+        roundTrip(orkaDBusConnection());
+        roundTrip(service);
+        while (handleEvents() && !deadline.hasExpired()) {
+        }
+        if (activity() != before)
+            quietRounds = -1;
+        if (deadline.hasExpired())
+            qFatal("The program never came to rest.");
+    }
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class QProcess;
+
+/// A `dbus-daemon` of this test alone. It can activate nothing and listens on a socket in /tmp; it
+/// ends with the object, and with the test process however that ends. Making one opens the SDK's
+/// connection to it, so it comes before any worker.
+class PrivateBus
+{
+public:
+    /// How many calls of one connection may wait for replies.
+    enum class Limits {
+        Session, ///< 50000, as on a session bus
+        BuiltIn ///< 128, what the daemon has without a configuration that says more
+    };
+
+    explicit PrivateBus(Limits limits = Limits::Session);
+    ~PrivateBus();
+    PrivateBus(const PrivateBus &) = delete;
+    PrivateBus &operator=(const PrivateBus &) = delete;
+
+    const QString &address() const { return m_address; }
+    /// A connection of the test's own, closed by `close()` or with the last of its copies.
+    QDBusConnection open(const QString &name) const;
+    static void close(const QString &name);
+
+    /// Returns when everything has come to rest that the program and `service` still had to tell
+    /// each other: no event is left to handle and two rounds to the daemon and back on both
+    /// connections moved nothing that `activity` counts. What is held on purpose stays held.
+    static void settle(const QDBusConnection &service, const std::function<int()> &activity);
+
+private:
+    std::unique_ptr<QProcess> m_daemon;
+    QString m_address;
+};
