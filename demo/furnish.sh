@@ -24,7 +24,7 @@ prompt() {
 [ ! -f ~/.bashrc ] || . ~/.bashrc
 PS1='(orka world) \w \$ '
 RC
-    echo "You are in a network of its own with the server \"Demo Music\" on ${host_address[nas]}; try \"orka --help\"."
+    echo "You are on a network of its own with the server \"Demo Music\" on ${host_address[nas]}; try \"orka --help\"."
     echo "The library's files are in $WORLD_DIR/music. Everything here ends when you leave (exit or Ctrl-D)."
     bash --rcfile "$WORLD_DIR/bashrc" -i
 }

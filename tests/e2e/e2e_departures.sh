@@ -14,9 +14,9 @@ wait_indexed nas "$(library_size)"
 start_bus
 start_bridge
 
-# lists TITLES: the list that the watching orka printed last.
-lists() {
-    [ "$(tail -n 1 "$WORLD_DIR/watch.json" | jq -r '[.rows[].title] | join(" ")')" = "$1" ]
+# events TEXT: what the watching orka has told so far.
+events() {
+    [ "$(jq -r '.event + " " + .server.title' "$WORLD_DIR/watch.json" | paste -sd ' ')" = "$1" ]
 }
 
 # seen FILE SECONDS COMMAND…: "seen" if it succeeds in that time, else what the file holds.
@@ -32,11 +32,11 @@ seen() {
 
 orka --json servers --watch >"$WORLD_DIR/watch.json" 2>"$WORLD_DIR/watch.err" &
 watching=$!
-check "the server is listed" seen "$(seen "$WORLD_DIR/watch.json" 10 lists Comes)"
+check "the server is listed" seen "$(seen "$WORLD_DIR/watch.json" 10 events "arrived Comes")"
 stop_server nas
-check "it is gone once it has stopped" seen "$(seen "$WORLD_DIR/watch.json" 5 lists "")"
+check "it is gone once it has stopped" seen "$(seen "$WORLD_DIR/watch.json" 5 events "arrived Comes departed Comes")"
 start_minidlna nas "$WORLD_DIR/music" Comes
-check "it is back once it has started" seen "$(seen "$WORLD_DIR/watch.json" 10 lists Comes)"
+check "it is back once it has started" seen "$(seen "$WORLD_DIR/watch.json" 10 events "arrived Comes departed Comes arrived Comes")"
 
 kill -KILL "$bridge_pid"
 wait "$bridge_pid" 2>/dev/null || true

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Searches on a server that can (MiniDLNA) and on one that can't (Gerbera).
+# Searches on servers that can, each in its own way (MiniDLNA, Rygel), and on one that can't (Gerbera).
 set -euo pipefail
 . "$WORLD_ROOT/tests/e2e/world.sh"
 . "$WORLD_ROOT/tests/e2e/library.sh"
@@ -8,32 +8,39 @@ set -euo pipefail
 world_lan
 world_host minidlna 2
 world_host gerbera 3
+world_host rygel 4
 make_library "$WORLD_DIR/music"
 start_minidlna minidlna "$WORLD_DIR/music" Searches
 start_gerbera gerbera "$WORLD_DIR/music" Lists
+start_rygel rygel "$WORLD_DIR/music" Virtual
 wait_indexed minidlna "$(library_size)"
 wait_indexed gerbera "$(library_size)"
+wait_indexed rygel "$(library_size)"
 start_bus
 start_bridge
 
-# found ORKA-ARGUMENTS…: the titles of the tracks found.
+# found SERVER ORKA-ARGUMENTS…: the titles of the tracks found.
 found() {
-    orka --json search Searches "$@" --rows 0-99 |
+    orka --json search "$@" --rows 0-99 |
         jq -r '(.error.message // empty | "error: " + .), (.rows[]? | select(.type == 2).title)' | sort -u
 }
 
-check "by artist" $'Delta\nDusk\nLamps\nRapids\nSource' "$(found --artist "Ada Quartz")"
-check "by a part of the artist" $'Delta\nDusk\nLamps\nRapids\nSource' "$(found --artist Quartz)"
-check "by album" $'夜の海\n灯台' "$(found --album 夜の海)"
-check "by a title in quotes" 'Say "Hello"' "$(found --title 'Say "Hello"')"
-check "by a title with umlauts" "Äpfel & Öl" "$(found --title 'Äpfel')"
-check "a dollar is a dollar" "\$HOME, sweet \$(home)" "$(found --title "\$HOME")"
-check "a quote alone is no syntax error" 'Say "Hello"' "$(found --title '"')"
-# This server knows no backslash inside a search; what matters is that it understands the request.
-check "a backslash, which this server never finds" "" "$(found --title 'back\slash')"
-check "nothing found is an empty list" 0 "$(orka --json search Searches --title nowhere-at-all | jq .rowsCount)"
-check "the server's total, beyond the rows asked for" "25 3" \
-    "$(orka --json search Searches --title "Piece" --rows 0-2 | jq -r '"\(.rowsCount) \(.rows | length)"')"
+for server in Searches Virtual; do
+    check "$server: by artist" $'Delta\nDusk\nLamps\nRapids\nSource' "$(found "$server" --artist "Ada Quartz")"
+    check "$server: by a part of the artist" $'Delta\nDusk\nLamps\nRapids\nSource' "$(found "$server" --artist Quartz)"
+    check "$server: by album" $'夜の海\n灯台' "$(found "$server" --album 夜の海)"
+    check "$server: by a title in quotes" 'Say "Hello"' "$(found "$server" --title 'Say "Hello"')"
+    check "$server: by a title with umlauts" "Äpfel & Öl" "$(found "$server" --title 'Äpfel')"
+    check "$server: a dollar is a dollar" "\$HOME, sweet \$(home)" "$(found "$server" --title "\$HOME")"
+    check "$server: a quote alone is no syntax error" 'Say "Hello"' "$(found "$server" --title '"')"
+    check "$server: nothing found is an empty list" 0 \
+        "$(orka --json search "$server" --title nowhere-at-all | jq .rowsCount)"
+    check "$server: the total, beyond the rows asked for" "25 3" \
+        "$(orka --json search "$server" --title Piece --rows 0-2 | jq -r '"\(.rowsCount) \(.rows | length)"')"
+done
+# MiniDLNA knows no backslash inside a search; what matters is that it understands the request.
+check "a backslash, which MiniDLNA never finds" "" "$(found Searches --title 'back\slash')"
+check "a backslash, which Rygel finds" 'back\slash' "$(found Virtual --title 'back\slash')"
 
 check_fails "a server that can't search" 1 "search" orka search Lists --artist Quartz
 check "its menu has no search" 0 "$(orka --json servers | jq '[.rows[] | select(.title == "Lists" and .search != null)] | length')"

@@ -100,6 +100,41 @@ CONF
     serve_on_host "$name" gerbera --config "$folder/config.xml" --interface eth0 --port 49152 --add "$media"
 }
 
+# Rygel wants a bus and a home of its own; its configuration is only read from there.
+start_rygel() {
+    local name=$1 media=$2 title=$3 folder
+    folder=$(server_folder "$name")
+    cat >"$folder/rygel.conf" <<CONF
+[general]
+ipv6=false
+interface=eth0
+port=0
+enable-transcoding=false
+media-engine=librygel-media-engine-gst.so
+log-level=*:4
+[MediaExport]
+enabled=true
+title=$title
+uris=$media
+extract-metadata=true
+monitor-changes=false
+virtual-folders=true
+[Tracker3]
+enabled=false
+[Playbin]
+enabled=false
+CONF
+    start_bus_at "$folder/bus"
+    server_kind[$name]=rygel
+    serve_on_host "$name" env DBUS_SESSION_BUS_ADDRESS="unix:path=$folder/bus" HOME="$folder" \
+        XDG_CONFIG_HOME="$folder" XDG_CACHE_HOME="$folder/cache" rygel
+}
+
+# rygel_has_indexed NAME COUNT: it tells in its log when all is done.
+rygel_has_indexed() {
+    grep -q "Harvesting of .* done" "$WORLD_DIR/$1.log"
+}
+
 # gerbera_container HOST OBJECT TITLE: id and child count of a container, by its title.
 gerbera_container() {
     browse "$1" 49152 /upnp/control/cds "$2" 2>/dev/null | sed 's/&lt;container/\n&/g' | grep -F "title&gt;$3&lt;" |
