@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+namespace bridge {
+
+enum class LogLevel { Warning, Info, Debug };
+
+/// Lines above this level are not written. Warning is what a service says unasked.
+void setLogLevel(LogLevel level);
+bool isLogged(LogLevel level);
+
+/// One line on standard error, from any thread.
+void logLine(LogLevel level, const std::string &text);
+inline void logWarning(const std::string &text)
+{
+    logLine(LogLevel::Warning, text);
+}
+inline void logInfo(const std::string &text)
+{
+    logLine(LogLevel::Info, text);
+}
+inline void logDebug(const std::string &text)
+{
+    logLine(LogLevel::Debug, text);
+}
+
+/// Sends what the libraries have to say about odd packets and descriptions to Debug, so that a
+/// careless device doesn't fill the log.
+void captureLibraryLog();
+
+} // namespace bridge

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/Failure.h"
+#include "core/Glib.h"
+
+#include <memory>
+#include <string>
+
+namespace bridge {
+
+/// One method call that waits for its answer. Exactly one answer goes out: a second is dropped, and
+/// a call that is let go unanswered is answered with an error, so no caller ever waits for nothing.
+class BusCall
+{
+public:
+    BusCall(GDBusConnection *connection, GDBusMessage *message);
+    ~BusCall();
+    BusCall(const BusCall &) = delete;
+    BusCall &operator=(const BusCall &) = delete;
+
+    const std::string &path() const { return m_path; }
+    const std::string &interface() const { return m_interface; }
+    const std::string &member() const { return m_member; }
+    const std::string &sender() const { return m_sender; }
+    /// The arguments, always a tuple.
+    GVariant *arguments() const { return m_arguments.get(); }
+    /// Cancelled with the call; for the work that is done for it.
+    GCancellable *cancellable() const { return m_cancellable.get(); }
+    bool isAnswered() const { return m_isAnswered; }
+
+    /// Answers with `values`, a tuple, floating or not; null for none.
+    void reply(GVariant *values);
+    void fail(const Failure &failure);
+    /// Ends the work behind the call and answers that it was cancelled.
+    void cancel();
+
+private:
+    void send(GDBusMessage *answer);
+
+    Ref<GDBusConnection> m_connection;
+    Ref<GDBusMessage> m_message;
+    std::string m_path;
+    std::string m_interface;
+    std::string m_member;
+    std::string m_sender;
+    Variant m_arguments;
+    Ref<GCancellable> m_cancellable{g_cancellable_new()};
+    bool m_isAnswered = false;
+};
+
+using BusCallPtr = std::shared_ptr<BusCall>;
+
+} // namespace bridge

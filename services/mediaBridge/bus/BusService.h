@@ -1,0 +1,64 @@
+#pragma once
+
+#include "bus/BusCall.h"
+
+#include <functional>
+#include <map>
+#include <set>
+#include <vector>
+
+namespace bridge {
+
+/// The service's place on the bus: its name, the calls that come in, and who makes them.
+class BusService
+{
+public:
+    static constexpr const char *busName = "com.intel.dleyna-server";
+
+    BusService() = default;
+    ~BusService();
+    BusService(const BusService &) = delete;
+    BusService &operator=(const BusService &) = delete;
+
+    /// `where` is "session", "system" or a D-Bus address. Gives a sentence on failure, else
+    /// nothing.
+    std::string connect(const std::string &where);
+    /// Takes the name, from a running service only with `replace`. Failure as above. Calls are
+    /// answered from then on.
+    std::string ownName(bool replace);
+    /// Bytes that one reply may hold on this bus.
+    size_t maxReplyBytes() const { return m_maxReplyBytes; }
+
+    /// Every call to a path of the service, on the main thread.
+    std::function<void(const BusCallPtr &)> onCall;
+    /// The last client left or released the service.
+    std::function<void()> onLastClientGone;
+    /// A client came where there was none.
+    std::function<void()> onFirstClient;
+    /// The bus is gone, or another service took the name: a sentence says which.
+    std::function<void(const std::string &)> onEnd;
+
+    void emitManagerSignal(const char *name, const std::string &path);
+    /// Cancels what `sender` asked of objects at or below `path`; of everybody if it is empty.
+    void cancelCalls(const std::string &path, const std::string &sender);
+    /// Stops to count this client, as if it had left.
+    void releaseClient(const std::string &sender);
+    bool hasClients() const { return !m_clients.empty(); }
+
+private:
+    struct QueuedCall;
+    static GDBusMessage *filter(
+        GDBusConnection *connection, GDBusMessage *message, gboolean incoming, gpointer self);
+    void receive(BusCallPtr call);
+    void countClient(const std::string &sender);
+
+    Ref<GDBusConnection> m_connection;
+    size_t m_maxReplyBytes = 0;
+    guint m_filter = 0;
+    guint m_nameLost = 0;
+    /// Watch of each client that has made a call.
+    std::map<std::string, guint> m_clients;
+    std::vector<std::weak_ptr<BusCall>> m_calls;
+};
+
+} // namespace bridge

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "bus/BusService.h"
+#include "upnp/Listing.h"
+#include "upnp/ServerRegistry.h"
+
+namespace bridge {
+
+/// Answers every call: finds the object, checks that it has the method and that the arguments fit,
+/// and does what is asked. Main thread only.
+class MediaService
+{
+public:
+    MediaService(BusService &bus, ServerRegistry &registry);
+
+    /// Starts the search for servers. GetServers waits for its first round, so that a client that
+    /// has only just started the service doesn't get an empty list for "nobody there".
+    void start();
+
+private:
+    /// The object that a call is for.
+    struct Target
+    {
+        std::shared_ptr<MediaServer> server;
+        std::string objectId;
+    };
+    using Handler = void (MediaService::*)(const BusCallPtr &, const Target &);
+    struct Method
+    {
+        const char *interface;
+        const char *name;
+        Handler handler;
+    };
+    static const std::vector<Method> &methods();
+
+    // MediaService.cpp: routing and introspection
+    void serverChanged(const MediaServer &server, bool isThere);
+    void handle(const BusCallPtr &call);
+    void handleObject(const BusCallPtr &call);
+    bool introspectAncestor(const BusCallPtr &call);
+    void invoke(
+        const BusCallPtr &call, const Target &target, const std::vector<const char *> &available);
+    void introspect(const BusCallPtr &call, const Target &target);
+    void refuseChange(const BusCallPtr &call, const Target &target);
+
+    // ManagerMethods.cpp
+    void getServers(const BusCallPtr &call, const Target &);
+    void getVersion(const BusCallPtr &call, const Target &);
+    void release(const BusCallPtr &call, const Target &);
+    void accept(const BusCallPtr &call, const Target &);
+    void rescan(const BusCallPtr &call, const Target &);
+    void cancel(const BusCallPtr &call, const Target &target);
+    void answerGetServers(const BusCallPtr &call);
+
+    // ContainerMethods.cpp
+    void listChildren(const BusCallPtr &call, const Target &target);
+    void listContainers(const BusCallPtr &call, const Target &target);
+    void listItems(const BusCallPtr &call, const Target &target);
+    void search(const BusCallPtr &call, const Target &target);
+    void list(const BusCallPtr &call, const Target &target, ListKind kind);
+    void runListing(
+        const BusCallPtr &call, const Target &target, ListRequest request, bool withTotal);
+
+    // PropertyMethods.cpp
+    void get(const BusCallPtr &call, const Target &target);
+    void getAll(const BusCallPtr &call, const Target &target);
+    void getAllOfDevice(const BusCallPtr &call, const Target &target);
+    void getAllOfObject(const BusCallPtr &call, const Target &target, const std::string &interface);
+    void set(const BusCallPtr &call, const Target &target);
+    void getDeviceProperty(const BusCallPtr &call, const Target &target, const std::string &name);
+    void getObjectProperty(const BusCallPtr &call, const Target &target,
+        const std::string &interface, const std::string &name);
+    void getChildCount(const BusCallPtr &call, const Target &target, const std::string &interface);
+    void countChildren(const BusCallPtr &call, const Target &target);
+
+    BusService &m_bus;
+    ServerRegistry &m_registry;
+    std::vector<BusCallPtr> m_waitingForServers;
+    Timer m_firstSearch;
+};
+
+} // namespace bridge

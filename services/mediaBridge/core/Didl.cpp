@@ -1,0 +1,209 @@
+#include "core/Didl.h"
+
+#include "core/Numbers.h"
+#include "core/Xml.h"
+
+#include <cstdlib>
+
+namespace bridge {
+
+namespace {
+
+/// Splits `protocol:network:mimeType:additional`, whose last field may hold more colons.
+void readProtocolInfo(Resource &resource, std::string_view info)
+{
+    std::string_view fields[4];
+    for (int i = 0; i < 3; ++i) {
+        const size_t colon = info.find(':');
+        fields[i] = info.substr(0, colon);
+        info = colon == std::string_view::npos ? std::string_view() : info.substr(colon + 1);
+    }
+    fields[3] = info;
+    resource.protocol = fields[0];
+    if (fields[2] != "*")
+        resource.mimeType = fields[2];
+
+    std::string_view parameters = fields[3];
+    while (!parameters.empty()) {
+        const size_t end = parameters.find(';');
+        const std::string_view parameter = parameters.substr(0, end);
+        constexpr std::string_view profileKey = "DLNA.ORG_PN=";
+        if (parameter.substr(0, profileKey.size()) == profileKey)
+            resource.dlnaProfile = parameter.substr(profileKey.size());
+        else if (parameter == "DLNA.ORG_CI=1")
+            resource.isConverted = true;
+        parameters =
+            end == std::string_view::npos ? std::string_view() : parameters.substr(end + 1);
+    }
+}
+
+void readResolution(Resource &resource, std::string_view text)
+{
+    const size_t by = text.find('x');
+    if (by == std::string_view::npos)
+        return;
+    resource.width = parseAs<int32_t>(text.substr(0, by));
+    resource.height = parseAs<int32_t>(text.substr(by + 1));
+}
+
+Resource readResource(const xmlNode *element)
+{
+    Resource resource;
+    resource.uri = elementText(element);
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
+        const std::string_view name = localName(attribute->name);
+        const std::string value = attributeText(attribute);
+        if (name == "protocolInfo")
+            readProtocolInfo(resource, value);
+        else if (name == "size")
+            resource.size = parseNumber(value);
+        else if (name == "duration")
+            resource.duration = parseDuration(value);
+        else if (name == "bitrate")
+            resource.rawBitrate = parseAs<int32_t>(value);
+        else if (name == "sampleFrequency")
+            resource.sampleRate = parseAs<int32_t>(value);
+        else if (name == "bitsPerSample")
+            resource.bitsPerSample = parseAs<int32_t>(value);
+        else if (name == "resolution")
+            readResolution(resource, value);
+        else if (name == "colorDepth")
+            resource.colorDepth = parseAs<int32_t>(value);
+    }
+    return resource;
+}
+
+void readObjectAttributes(MediaObject &object, const xmlNode *element)
+{
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
+        const std::string_view name = localName(attribute->name);
+        std::string value = attributeText(attribute);
+        if (name == "id")
+            object.id = std::move(value);
+        else if (name == "parentID")
+            object.parentId = std::move(value);
+        else if (name == "refID")
+            object.refId = std::move(value);
+        else if (name == "restricted")
+            object.restricted = parseBool(value);
+        else if (name == "searchable")
+            object.searchable = parseBool(value);
+        else if (name == "childCount")
+            object.childCount = parseAs<uint32_t>(value);
+        else if (name == "dlnaManaged")
+            object.dlnaManaged = static_cast<uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
+    }
+}
+
+std::pair<std::string, bool> readCreateClass(const xmlNode *element)
+{
+    bool includeDerived = false;
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
+        if (localName(attribute->name) == "includeDerived")
+            includeDerived = parseBool(attributeText(attribute)).value_or(false);
+    }
+    return {elementText(element), includeDerived};
+}
+
+/// Sets a text that hasn't been set before: the first of several wins.
+void setOnce(std::string &field, const xmlNode *element)
+{
+    if (field.empty())
+        field = elementText(element);
+}
+
+bool readText(MediaObject &object, std::string_view name, const xmlNode *element)
+{
+    struct TextField
+    {
+        std::string_view name;
+        std::string MediaObject::*field;
+    };
+    static constexpr TextField fields[] = {
+        {"title", &MediaObject::title},
+        {"class", &MediaObject::upnpClass},
+        {"creator", &MediaObject::creator},
+        {"album", &MediaObject::album},
+        {"genre", &MediaObject::genre},
+        {"date", &MediaObject::date},
+        {"albumArtURI", &MediaObject::albumArtUri},
+    };
+    for (const TextField &known : fields) {
+        if (name == known.name) {
+            setOnce(object.*known.field, element);
+            return true;
+        }
+    }
+    return false;
+}
+
+void readChild(MediaObject &object, const xmlNode *element)
+{
+    const std::string_view name = localName(element->name);
+    if (readText(object, name, element))
+        return;
+    if (name == "res")
+        object.resources.push_back(readResource(element));
+    else if (name == "artist")
+        object.artists.push_back(elementText(element));
+    else if (name == "originalTrackNumber")
+        object.trackNumber = parseAs<int32_t>(elementText(element));
+    else if (name == "objectUpdateID")
+        object.objectUpdateId = parseAs<uint32_t>(elementText(element));
+    else if (name == "containerUpdateID")
+        object.containerUpdateId = parseAs<uint32_t>(elementText(element));
+    else if (name == "totalDeletedChildCount")
+        object.totalDeletedChildCount = parseAs<uint32_t>(elementText(element));
+    else if (name == "createClass")
+        object.createClasses.push_back(readCreateClass(element));
+}
+
+MediaObject readObject(const xmlNode *element, bool isContainer)
+{
+    MediaObject object;
+    object.isContainer = isContainer;
+    readObjectAttributes(object, element);
+    for (const xmlNode *child = elementFrom(element->children); child;
+         child = elementFrom(child->next))
+        readChild(object, child);
+    return object;
+}
+
+} // namespace
+
+const Resource *MediaObject::primaryResource() const
+{
+    const Resource *best = nullptr;
+    int bestRank = 0;
+    for (const Resource &resource : resources) {
+        const int rank = resource.protocol != "http-get" ? 1 : resource.isConverted ? 2 : 3;
+        if (rank > bestRank) {
+            best = &resource;
+            bestRank = rank;
+        }
+    }
+    return best;
+}
+
+std::optional<std::vector<MediaObject>> parseDidl(std::string_view didl)
+{
+    std::vector<MediaObject> objects;
+    if (didl.find_first_not_of(" \t\r\n") == std::string_view::npos)
+        return objects;
+    // It came inside a decoded XML text, so it is UTF-8 whatever its declaration says.
+    const XmlDoc doc = parseXml(didl, "UTF-8");
+    if (!doc)
+        return std::nullopt;
+    const xmlNode *root = xmlDocGetRootElement(doc.get());
+    if (localName(root->name) != "DIDL-Lite")
+        return std::nullopt;
+    for (const xmlNode *element = elementFrom(root->children); element;
+         element = elementFrom(element->next)) {
+        const std::string_view name = localName(element->name);
+        if (name == "container" || name == "item")
+            objects.push_back(readObject(element, name == "container"));
+    }
+    return objects;
+}
+
+} // namespace bridge

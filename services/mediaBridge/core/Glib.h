@@ -1,0 +1,86 @@
+#pragma once
+
+#include <gio/gio.h>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace bridge {
+
+/// Owns one reference to a GObject.
+template<typename T>
+class Ref
+{
+public:
+    Ref() = default;
+    /// Takes over the caller's reference.
+    explicit Ref(T *object)
+        : m_object(object)
+    {
+    }
+    Ref(const Ref &other)
+        : m_object(other.m_object ? static_cast<T *>(g_object_ref(other.m_object)) : nullptr)
+    {
+    }
+    Ref(Ref &&other) noexcept
+        : m_object(std::exchange(other.m_object, nullptr))
+    {
+    }
+    Ref &operator=(Ref other) noexcept
+    {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    ~Ref()
+    {
+        if (m_object)
+            g_object_unref(m_object);
+    }
+    /// Adds a reference to an object that somebody else owns.
+    static Ref share(T *object)
+    {
+        return Ref(object ? static_cast<T *>(g_object_ref(object)) : nullptr);
+    }
+    T *get() const { return m_object; }
+    explicit operator bool() const { return m_object != nullptr; }
+
+private:
+    T *m_object = nullptr;
+};
+
+struct VariantUnref
+{
+    void operator()(GVariant *value) const { g_variant_unref(value); }
+};
+/// Owns one reference to a GVariant that isn't floating.
+using Variant = std::unique_ptr<GVariant, VariantUnref>;
+
+/// Takes over a new value, floating or not.
+inline Variant ownVariant(GVariant *value)
+{
+    return Variant(g_variant_take_ref(value));
+}
+
+/// Copies and frees a text of GLib's; null gives an empty one.
+inline std::string takeString(char *text)
+{
+    std::string copy = text ? text : "";
+    g_free(text);
+    return copy;
+}
+
+/// Copies a text that may be null.
+inline std::string textOrEmpty(const char *text)
+{
+    return text ? text : "";
+}
+
+/// The message of `error`, which is freed and reset.
+inline std::string takeMessage(GError *&error)
+{
+    std::string message = error ? error->message : "";
+    g_clear_error(&error);
+    return message;
+}
+
+} // namespace bridge

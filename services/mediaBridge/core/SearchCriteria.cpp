@@ -1,0 +1,201 @@
+#include "core/SearchCriteria.h"
+
+#include "core/Glib.h"
+#include "core/MediaClass.h"
+#include "core/ObjectPath.h"
+#include "core/Properties.h"
+
+#include <algorithm>
+#include <libgupnp-av/gupnp-av.h>
+
+namespace bridge {
+
+namespace {
+
+constexpr std::string_view space = " \t\r\n\v\f";
+
+/// One pass over a query that copies it and replaces what has another name on the server.
+class Rewriter
+{
+public:
+    Rewriter(std::string_view query, std::string_view serverPath)
+        : m_rest(query)
+        , m_serverPath(serverPath)
+    {
+    }
+
+    Criteria run()
+    {
+        while (m_problem.empty() && !m_rest.empty()) {
+            if (m_rest.front() == '"')
+                rewriteValue(takeQuoted());
+            else if (isWordCharacter(m_rest.front()))
+                rewriteWord(takeWhile(isWordCharacter));
+            else
+                m_text += takeWhile([](char c) { return c != '"' && !isWordCharacter(c); });
+        }
+        return {std::move(m_text), std::move(m_problem)};
+    }
+
+private:
+    static bool isWordCharacter(char c)
+    {
+        return g_ascii_isalnum(c) || c == '@' || c == ':' || c == '_' || c == '.' || c == '-';
+    }
+
+    template<typename Predicate>
+    std::string_view takeWhile(Predicate predicate)
+    {
+        const auto end = std::find_if_not(m_rest.begin(), m_rest.end(), predicate);
+        return take(static_cast<size_t>(end - m_rest.begin()));
+    }
+
+    std::string_view take(size_t length)
+    {
+        const std::string_view taken = m_rest.substr(0, length);
+        m_rest.remove_prefix(taken.size());
+        return taken;
+    }
+
+    /// A quoted text with its quotes; without the closing one where it never comes.
+    std::string_view takeQuoted()
+    {
+        size_t end = 1;
+        while (end < m_rest.size() && m_rest[end] != '"')
+            end += m_rest[end] == '\\' ? 2 : 1;
+        return take(end + 1);
+    }
+
+    void rewriteWord(std::string_view word)
+    {
+        static constexpr std::string_view words[] = {"and", "or", "contains", "doesNotContain",
+            "startsWith", "derivedfrom", "exists", "true", "false"};
+        if (std::find(std::begin(words), std::end(words), word) != std::end(words)) {
+            m_text += word;
+            return;
+        }
+        m_property = findProperty(word);
+        if (m_property && m_property->didlName)
+            m_text += m_property->didlName;
+        else
+            m_problem = "There is no searchable property \"" + std::string(word) + "\".";
+    }
+
+    void rewriteValue(std::string_view quoted)
+    {
+        const std::string_view value =
+            quoted.size() < 2 ? std::string_view() : quoted.substr(1, quoted.size() - 2);
+        std::string mapped;
+        if (m_property && m_property->didlName == std::string_view("upnp:class"))
+            mapped = classOfMediaType(value);
+        else if (m_property && m_property->signature[0] == 'o')
+            mapped = objectId(value);
+        m_text += mapped.empty() ? std::string(quoted) : '"' + mapped + '"';
+    }
+
+    std::string objectId(std::string_view path)
+    {
+        const auto address = parseObjectPath(path);
+        const size_t nameStart = serverRootPath.size() + 1;
+        if (!address || address->serverName != m_serverPath.substr(nameStart)) {
+            m_problem =
+                "\"" + std::string(path) + "\" is not the path of an object of this server.";
+            return {};
+        }
+        std::string id;
+        for (const char c : address->objectId) {
+            if (c == '"' || c == '\\')
+                id += '\\';
+            id += c;
+        }
+        return id;
+    }
+
+    std::string_view m_rest;
+    std::string_view m_serverPath;
+    const PropInfo *m_property = nullptr;
+    std::string m_text;
+    std::string m_problem;
+};
+
+std::string parserProblem(const std::string &criteria)
+{
+    const Ref<GUPnPSearchCriteriaParser> parser(gupnp_search_criteria_parser_new());
+    // Without a handler an expression counts as refused.
+    g_signal_connect(parser.get(), "expression",
+        G_CALLBACK(+[](GUPnPSearchCriteriaParser *, const char *, GUPnPSearchCriteriaOp,
+                        const char *, GError **, void *) -> gboolean { return TRUE; }),
+        nullptr);
+    GError *error = nullptr;
+    if (gupnp_search_criteria_parser_parse_text(parser.get(), criteria.c_str(), &error))
+        return {};
+    const std::string detail = takeMessage(error);
+    return detail.empty() ? "It can't be parsed." : detail;
+}
+
+} // namespace
+
+Criteria searchCriteria(const std::string &query, std::string_view serverPath)
+{
+    if (query.find_first_not_of(space) == std::string::npos)
+        return {"*", {}};
+    Criteria criteria = Rewriter(query, serverPath).run();
+    if (criteria.isValid())
+        criteria.problem = parserProblem(criteria.text);
+    return criteria;
+}
+
+Criteria sortCriteria(const std::string &sort, const std::vector<std::string> &sortCaps)
+{
+    const auto canSortBy = [&](std::string_view name) {
+        return std::any_of(sortCaps.begin(), sortCaps.end(),
+            [&](const std::string &cap) { return cap == "*" || cap == name; });
+    };
+    Criteria criteria;
+    for (const std::string &term : splitList(sort)) {
+        const bool hasSign = term.front() == '+' || term.front() == '-';
+        const std::string_view name = std::string_view(term).substr(hasSign ? 1 : 0);
+        const PropInfo *info = findProperty(name);
+        if (!info || !info->didlName) {
+            criteria.problem = "There is no property \"" + std::string(name) + "\" to sort by.";
+            return criteria;
+        }
+        if (!canSortBy(info->didlName))
+            continue;
+        if (!criteria.text.empty())
+            criteria.text += ',';
+        criteria.text += hasSign ? term.front() : '+';
+        criteria.text += info->didlName;
+    }
+    return criteria;
+}
+
+std::vector<std::string> capabilityNames(const std::vector<std::string> &didlNames)
+{
+    std::vector<std::string> names;
+    for (const std::string &didlName : didlNames) {
+        if (didlName == "*")
+            return {"*"};
+        for (const PropInfo *info : propertiesOfDidlName(didlName))
+            names.emplace_back(info->name);
+    }
+    return names;
+}
+
+std::vector<std::string> splitList(std::string_view list)
+{
+    std::vector<std::string> parts;
+    while (!list.empty()) {
+        const size_t comma = std::min(list.find(','), list.size());
+        std::string_view part = list.substr(0, comma);
+        list.remove_prefix(std::min(comma + 1, list.size()));
+        const size_t first = part.find_first_not_of(space);
+        if (first == std::string_view::npos)
+            continue;
+        part = part.substr(first, part.find_last_not_of(space) - first + 1);
+        parts.emplace_back(part);
+    }
+    return parts;
+}
+
+} // namespace bridge

@@ -1,0 +1,65 @@
+#include "core/SoapMessage.h"
+
+#include "core/Glib.h"
+#include "core/Numbers.h"
+#include "core/Xml.h"
+
+namespace bridge {
+
+namespace {
+
+SoapAnswer readFault(const xmlNode *fault)
+{
+    SoapAnswer answer;
+    answer.kind = SoapAnswer::Kind::Fault;
+    const xmlNode *error = childElement(childElement(fault, "detail"), "UPnPError");
+    answer.faultCode = parseAs<int32_t>(elementText(childElement(error, "errorCode"))).value_or(0);
+    answer.faultText = elementText(childElement(error, "errorDescription"));
+    if (answer.faultText.empty())
+        answer.faultText = elementText(childElement(fault, "faultstring"));
+    return answer;
+}
+
+} // namespace
+
+std::string soapEnvelope(
+    const std::string &serviceType, const std::string &action, const SoapArguments &arguments)
+{
+    std::string body = "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
+                       "<s:Envelope xmlns:s=\"http://schemas.xmlsoap.org/soap/envelope/\" "
+                       "s:encodingStyle=\"http://schemas.xmlsoap.org/soap/encoding/\"><s:Body>";
+    body += "<u:" + action + " xmlns:u=\"" + serviceType + "\">";
+    for (const auto &[name, value] : arguments) {
+        body += std::string("<") + name + '>';
+        body += takeString(g_markup_escape_text(value.c_str(), static_cast<gssize>(value.size())));
+        body += std::string("</") + name + '>';
+    }
+    return body + "</u:" + action + "></s:Body></s:Envelope>";
+}
+
+std::string SoapAnswer::value(std::string_view name) const
+{
+    const auto found = values.find(name);
+    return found == values.end() ? std::string() : found->second;
+}
+
+SoapAnswer parseSoapAnswer(std::string_view body, const std::string &action)
+{
+    SoapAnswer answer;
+    const XmlDoc doc = parseXml(body);
+    if (!doc)
+        return answer;
+    const xmlNode *soapBody = childElement(xmlDocGetRootElement(doc.get()), "Body");
+    if (const xmlNode *fault = childElement(soapBody, "Fault"))
+        return readFault(fault);
+    const xmlNode *response = childElement(soapBody, action + "Response");
+    if (!response)
+        return answer;
+    answer.kind = SoapAnswer::Kind::Result;
+    for (const xmlNode *value = elementFrom(response->children); value;
+         value = elementFrom(value->next))
+        answer.values[std::string(localName(value->name))] = rawElementText(value);
+    return answer;
+}
+
+} // namespace bridge

@@ -1,0 +1,96 @@
+#include "Log.h"
+#include "Options.h"
+#include "bus/MediaService.h"
+
+#include <cstdio>
+#include <glib-unix.h>
+#include <libxml/parser.h>
+
+namespace bridge {
+
+namespace {
+
+enum ExitStatus { Ended = 0, WrongUsage = 2, NoService = 3 };
+
+int say(ExitStatus status, const std::string &text)
+{
+    std::fprintf(stderr, "orka-media-bridge: %s\n", text.c_str());
+    return status;
+}
+
+gboolean quit(gpointer loop)
+{
+    g_main_loop_quit(static_cast<GMainLoop *>(loop));
+    return G_SOURCE_CONTINUE;
+}
+
+/// Ends the loop when there has been no client for a while.
+void watchIdle(BusService &bus, Timer &idle, GMainLoop *loop, int seconds)
+{
+    if (seconds == 0)
+        return;
+    const auto wait = [&idle, loop, seconds] {
+        idle.start(static_cast<unsigned>(seconds) * 1000U, [loop] {
+            logInfo("no client is left, ending");
+            g_main_loop_quit(loop);
+        });
+    };
+    bus.onFirstClient = [&idle] {
+        idle.stop();
+    };
+    bus.onLastClientGone = wait;
+    wait();
+}
+
+int serve(const Options &options, GMainLoop *loop)
+{
+    int status = Ended;
+    Timer idle;
+    BusService bus;
+    bus.onEnd = [&](const std::string &sentence) {
+        status = say(NoService, sentence);
+        g_main_loop_quit(loop);
+    };
+    std::string problem = bus.connect(options.bus);
+    if (!problem.empty())
+        return say(NoService, problem);
+    ServerRegistry registry(options.interfaces);
+    MediaService service(bus, registry);
+    problem = bus.ownName(options.replace);
+    if (!problem.empty())
+        return say(NoService, problem);
+    service.start();
+    watchIdle(bus, idle, loop, options.idleExitSeconds);
+    logInfo("serving " + std::string(BusService::busName));
+    g_main_loop_run(loop);
+    return status;
+}
+
+int run(int argc, char **argv)
+{
+    const Options options = parseOptions(argc, argv);
+    if (!options.problem.empty())
+        return say(WrongUsage, options.problem + ". Try --help.");
+    if (options.showVersion) {
+        std::printf("orka-media-bridge %s\n", ORKA_VERSION);
+        return Ended;
+    }
+    setLogLevel(options.logLevel);
+    captureLibraryLog();
+    xmlInitParser();
+    GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
+    g_unix_signal_add(SIGTERM, quit, loop);
+    g_unix_signal_add(SIGINT, quit, loop);
+    const int status = serve(options, loop);
+    g_main_loop_unref(loop);
+    return status;
+}
+
+} // namespace
+
+} // namespace bridge
+
+int main(int argc, char **argv)
+{
+    return bridge::run(argc, argv);
+}

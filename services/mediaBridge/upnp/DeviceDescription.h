@@ -1,0 +1,42 @@
+#pragma once
+
+#include <libgupnp/gupnp.h>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bridge {
+
+/// What a device description says of a media server. A text that it lacks is empty.
+struct DeviceDescription
+{
+    std::string udn;
+    std::string location;
+    std::string deviceType;
+    std::string friendlyName;
+    std::string manufacturer;
+    std::string manufacturerUrl;
+    std::string modelDescription;
+    std::string modelName;
+    std::string modelNumber;
+    std::string modelUrl;
+    std::string serialNumber;
+    std::string presentationUrl;
+    std::string iconUrl;
+    /// Such as "srs-rt-retention-period"; values that are numbers keep them.
+    std::vector<std::pair<std::string, uint32_t>> dlnaCaps;
+    /// Of the content directory.
+    std::string serviceType;
+    std::string controlUrl;
+    /// Where relative URLs in listings start from.
+    std::string baseUrl;
+};
+
+/// Reads the description of the device `udn` (which may be embedded in another) out of `body`,
+/// which was loaded from `location` in `context`. Nothing comes back where there is no such device,
+/// or one without a content directory that can be called.
+std::optional<DeviceDescription> readDescription(std::string_view body, const std::string &udn,
+    const std::string &location, GUPnPContext *context);
+
+} // namespace bridge

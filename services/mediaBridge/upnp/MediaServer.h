@@ -1,0 +1,79 @@
+#pragma once
+
+#include "core/Failure.h"
+#include "core/MediaObject.h"
+#include "core/Properties.h"
+#include "core/PropertyMap.h"
+#include "core/SoapMessage.h"
+#include "upnp/DeviceDescription.h"
+#include "upnp/Http.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace bridge {
+
+/// How an action of a server's content directory ended.
+struct ActionReply
+{
+    /// Empty name: the action succeeded and `answer` holds its result.
+    Failure failure;
+    SoapAnswer answer;
+    HttpOutcome outcome = HttpOutcome::Answered;
+
+    bool isError() const { return !failure.name.empty(); }
+};
+
+using ActionCallback = std::function<void(ActionReply)>;
+/// The failure's name is empty where there is an object.
+using ObjectCallback = std::function<void(const Failure &, const MediaObject &)>;
+
+/// A media server whose description has been read: its content directory, and what is known of it.
+/// Main thread only. Calls that are under way keep it alive.
+class MediaServer : public std::enable_shared_from_this<MediaServer>
+{
+public:
+    MediaServer(DeviceDescription description, Ref<SoupSession> session);
+
+    const DeviceDescription &description() const { return m_description; }
+    /// D-Bus path and URL base, for mapping its objects.
+    const ServerContext &context() const { return m_context; }
+
+    /// What it can search and sort by, in UPnP names; absent where it could not be read.
+    const std::optional<std::vector<std::string>> &searchCaps() const { return m_searchCaps; }
+    const std::optional<std::vector<std::string>> &sortCaps() const { return m_sortCaps; }
+
+    /// Reads both lists of capabilities, waiting two seconds at most for a server that doesn't
+    /// answer. `done` is called once, whether or not they could be read.
+    void readCapabilities(std::function<void()> done);
+
+    /// Calls an action. `operation` begins the failure's sentence ("Browse"). `done` is called
+    /// once, from the main loop, after `timeoutMs` at most.
+    void call(const std::string &action, const std::string &operation,
+        const SoapArguments &arguments, unsigned timeoutMs, GCancellable *cancellable,
+        ActionCallback done);
+
+    /// Reads one object with what `wanted` needs.
+    void readObject(const std::string &objectId, const PropertySet &wanted,
+        GCancellable *cancellable, ObjectCallback done);
+
+    /// Called with each call that found nobody listening.
+    std::function<void()> onUnreachable;
+
+    /// Longest wait for one answer, in milliseconds: below the 25 s after which a D-Bus caller
+    /// gives up by itself, with room for what comes after.
+    static constexpr unsigned answerTimeoutMs = 12'000;
+
+private:
+    Failure failureOf(const std::string &operation, const HttpReply &reply,
+        const SoapAnswer &answer, unsigned timeoutMs) const;
+
+    DeviceDescription m_description;
+    ServerContext m_context;
+    Ref<SoupSession> m_session;
+    std::optional<std::vector<std::string>> m_searchCaps;
+    std::optional<std::vector<std::string>> m_sortCaps;
+};
+
+} // namespace bridge
