@@ -27,6 +27,12 @@ bool isMediaInterface(const std::string &name)
         || name == interfaces::item;
 }
 
+bool isWithoutProperties(const std::string &name)
+{
+    return name == interfaces::properties || name == interfaces::introspectable
+        || name == interfaces::peer;
+}
+
 /// The failure's name is empty where an object has this interface.
 Failure checkInterface(const std::string &name, const MediaObject &object)
 {
@@ -197,16 +203,14 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
     const char *name = nullptr;
     g_variant_get(call->arguments(), "(&s)", &name);
     const std::string interface = name;
-    if (!target.server) {
-        const bool isKnown = interface.empty() || interface == interfaces::manager;
-        if (isKnown)
-            call->reply(g_variant_new("(@a{sv})", g_variant_new("a{sv}", nullptr)));
-        else
-            call->fail(unknownInterface(interface));
-        return;
-    }
     const bool isRoot = target.objectId == rootObjectId;
-    if (isRoot && interface == interfaces::device)
+    const bool isManager =
+        !target.server && (interface.empty() || interface == interfaces::manager);
+    if (isManager || isWithoutProperties(interface))
+        call->reply(g_variant_new("(@a{sv})", g_variant_new("a{sv}", nullptr)));
+    else if (!target.server)
+        call->fail(unknownInterface(interface));
+    else if (isRoot && interface == interfaces::device)
         getAllOfDevice(call, target);
     else if (isMediaInterface(interface))
         getAllOfObject(call, target, interface);

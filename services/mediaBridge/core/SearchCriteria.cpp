@@ -139,6 +139,9 @@ Criteria searchCriteria(const std::string &query, std::string_view serverPath)
 {
     if (query.find_first_not_of(space) == std::string::npos)
         return {"*", {}};
+    // D-Bus lets nothing else through; GUPnP's parser leaks over it.
+    if (!g_utf8_validate(query.c_str(), static_cast<gssize>(query.size()), nullptr))
+        return {{}, "It isn't UTF-8."};
     Criteria criteria = Rewriter(query, serverPath).run();
     if (criteria.isValid())
         criteria.problem = parserProblem(criteria.text);

@@ -45,7 +45,8 @@ Ref<GUPnPDeviceInfo> deviceInfo(
     const Ref<GUPnPXMLDoc> wrapped(gupnp_xml_doc_new(doc));
     auto *info = static_cast<GUPnPDeviceInfo *>(g_object_new(GUPNP_TYPE_DEVICE_PROXY, "context",
         context, "document", wrapped.get(), "element", device, "udn", description.udn.c_str(),
-        "location", description.location.c_str(), "url-base", base, nullptr));
+        "location", description.location.c_str(), "url-base", base, "resource-factory",
+        gupnp_resource_factory_get_default(), nullptr));
     if (base)
         g_uri_unref(base);
     return Ref<GUPnPDeviceInfo>(info);
