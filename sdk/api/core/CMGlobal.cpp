@@ -4,8 +4,25 @@ QVariantList CMGlobal::itemRolesToList(const QStringList &roles, const OrkaRoles
 {
     QVariantList values;
     values.reserve(roles.size());
-    for (const QString &role : roles)
-        values.append(record.value(role));
+    for (const QString &role : roles) {
+        const QVariant *const value = record.find(role);
+        values.append(value ? *value : QVariant());
+    }
+    return values;
+}
+
+QVariantList CMGlobal::itemRolesToList(const QStringList &roles, OrkaRoles &&record)
+{
+    QVariantList values;
+    values.reserve(roles.size());
+    for (const QString &role : roles) {
+        // A role that is asked for twice has been moved to where it first stands.
+        QVariant *const value = record.find(role);
+        const int first = value && !value->isValid() ? roles.indexOf(role) : values.size();
+        values.append(first < values.size() ? values.at(first) : QVariant());
+        if (value && value->isValid())
+            values.last().swap(*value);
+    }
     return values;
 }
 

@@ -1,7 +1,9 @@
 #include "CMPath.h"
 
+#include <QPair>
 #include <QStringList>
 #include <QTextCodec>
+#include <QVector>
 
 #include <optional>
 
@@ -10,7 +12,21 @@ class CMPathData : public QSharedData
 public:
     QString prefix;
     QString base;
-    QMap<QString, QString> params;
+    // Ascending keys, each once; a path has one or two, for which this is smaller than a map.
+    QVector<QPair<QString, QString>> params;
+
+    /// Where the key is or would be.
+    int indexOf(const QString &key) const
+    {
+        int index = 0;
+        while (index < params.size() && params.at(index).first < key)
+            ++index;
+        return index;
+    }
+    bool isAt(int index, const QString &key) const
+    {
+        return index < params.size() && params.at(index).first == key;
+    }
 };
 
 namespace {
@@ -111,23 +127,32 @@ QString CMPath::base() const
 
 QMap<QString, QString> CMPath::params() const
 {
-    return d->params;
+    QMap<QString, QString> params;
+    for (const auto &param : d->params)
+        params.insert(param.first, param.second);
+    return params;
 }
 
 QString CMPath::param(const QString &key) const
 {
-    return d->params.value(key);
+    const int index = d->indexOf(key);
+    return d->isAt(index, key) ? d->params.at(index).second : QString();
 }
 
 bool CMPath::hasParam(const QString &key) const
 {
-    return d->params.contains(key);
+    return d->isAt(d->indexOf(key), key);
 }
 
 CMPath &CMPath::addParam(const QString &key, const QString &value)
 {
     // A null value would read as an absent parameter.
-    d->params.insert(key, value.isNull() ? QStringLiteral("") : value);
+    const QString present = value.isNull() ? QStringLiteral("") : value;
+    const int index = d->indexOf(key);
+    if (d->isAt(index, key))
+        d->params[index].second = present;
+    else
+        d->params.insert(index, {key, present});
     return *this;
 }
 
@@ -140,8 +165,9 @@ QString CMPath::toEncoded() const
 {
     QString text = percentEncoded(d->prefix) + QLatin1Char(':') + percentEncoded(d->base, "/:");
     QChar separator = QLatin1Char('?');
-    for (auto it = d->params.begin(); it != d->params.end(); ++it) {
-        text += separator + percentEncoded(it.key()) + QLatin1Char('=') + percentEncoded(*it);
+    for (const auto &param : d->params) {
+        text += separator + percentEncoded(param.first) + QLatin1Char('=')
+            + percentEncoded(param.second);
         separator = QLatin1Char('&');
     }
     return text;

@@ -3,6 +3,12 @@
 #include <QVariantHash>
 
 #include <algorithm>
+#include <utility>
+
+namespace {
+// Most records have no more keys; growing step by step would move them three times.
+constexpr int usualSize = 8;
+} // namespace
 
 OrkaHash::OrkaHash(const QVariantHash &hash)
 {
@@ -30,17 +36,32 @@ QStringList OrkaHash::keys() const
 
 QVariant OrkaHash::value(const QString &key) const
 {
-    const int index = indexOf(key);
-    return index < 0 ? QVariant() : m_entries.at(index).second;
+    const QVariant *const found = find(key);
+    return found ? *found : QVariant();
 }
 
-void OrkaHash::setValue(const QString &key, const QVariant &value)
+const QVariant *OrkaHash::find(const QString &key) const
 {
     const int index = indexOf(key);
-    if (index < 0)
-        m_entries.append({key, value});
-    else
-        m_entries[index].second = value;
+    return index < 0 ? nullptr : &m_entries.at(index).second;
+}
+
+QVariant *OrkaHash::find(const QString &key)
+{
+    const int index = indexOf(key);
+    return index < 0 ? nullptr : &m_entries[index].second;
+}
+
+void OrkaHash::setValue(const QString &key, QVariant value)
+{
+    const int index = indexOf(key);
+    if (index >= 0) {
+        m_entries[index].second = std::move(value);
+        return;
+    }
+    if (m_entries.isEmpty())
+        m_entries.reserve(usualSize);
+    m_entries.append(Entry(key, std::move(value)));
 }
 
 void OrkaHash::remove(const QString &key)

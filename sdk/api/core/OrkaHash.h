@@ -28,7 +28,10 @@ public:
     QStringList keys() const;
     /// An absent key gives an invalid variant.
     QVariant value(const QString &key) const;
-    void setValue(const QString &key, const QVariant &value);
+    /// The value where it is, until the record changes; null for an absent key.
+    const QVariant *find(const QString &key) const;
+    QVariant *find(const QString &key);
+    void setValue(const QString &key, QVariant value);
     void remove(const QString &key);
 
     QVariantHash toHash() const;

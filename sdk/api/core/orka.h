@@ -31,8 +31,9 @@ ORKA_API_EXPORT QMetaObject::Connection orkaConnect(const QObject *sender, const
 ORKA_API_EXPORT QDBusConnection orkaDBusConnection();
 
 /// Chooses the bus of `orkaDBusConnection()`: "session" (the default), "system" or a D-Bus
-/// address; closes the connection that is open. Returns whether the new one could be opened; its
-/// `lastError()` says why not. For hosts and tests, while no worker is loaded.
+/// address; lets go of the connection that is open, which closes with the last copy of it. Returns
+/// whether the new one could be opened; its `lastError()` says why not. For hosts and tests, while
+/// no worker is loaded. Without it, the environment variable ORKA_DBUS chooses.
 ORKA_API_EXPORT bool orkaOpenDBusConnection(const QString &bus);
 
 /// Key of the service id in a worker's configuration hash.
