@@ -25,9 +25,12 @@ echo "Starting a media server (MiniDLNA) with $(library_size) tracks on a networ
 furnish
 
 show "The media servers on this network:" orka servers
-show "A folder:" orka ls "Demo Music/Music"
+show "A folder:" orka ls "Demo Music/Music/Album"
 show "An album:" orka ls "Demo Music/Music/Album/Punctuation"
 show "All that is known of one track:" orka info "Demo Music/Music/Album/Punctuation/Say \"Hello\""
+show "A search:" orka search "Demo Music" --artist Überläufer
+show "Every sixth row of a longer folder:" orka sample "Demo Music/Browse Folders/Long List/Twenty-Five" 0,24,6
+show "The playlist of an artist's folder:" orka queue "Demo Music/Browse Folders/Ada Quartz"
 
 if [ -t 0 ] && [ -t 1 ]; then
     echo

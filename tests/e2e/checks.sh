@@ -46,7 +46,7 @@ rows() {
 # The same fields of a row and of a file's tags.
 # shellcheck disable=SC2034,SC2016 # for who sources this
 row_fields='[.title, .mediaData.metaData.artist, .mediaData.metaData.album, .mediaData.metaData.genre,
-    (.mediaData.metaData.date // "" | tostring | .[0:4]), (.mediaData.resources[0].duration // 0) / 1000]'
+    (.mediaData.metaData.date / 1000 | todate | .[0:4]), (.mediaData.resources[0].duration // 0) / 1000]'
 tag_fields='[.title, .artist, .album, .genre, .date, .seconds]'
 
 # tags_of FOLDER…: the tags of every music file in it, as ffprobe reads them.

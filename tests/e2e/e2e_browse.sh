@@ -8,24 +8,24 @@ set -euo pipefail
 world_lan
 world_host nas 2
 make_library "$WORLD_DIR/music"
-start_minidlna nas "$WORLD_DIR/music" "Test & Music"
+start_minidlna nas "$WORLD_DIR/music" "Test Music"
 wait_indexed nas "$(library_size)"
 start_bus
 start_bridge
 
-check "the server's row" "Test & Music server" \
+check "the server's row" "Test Music server" \
     "$(orka --json servers | jq -r '.rows[] | .title + " " + (.path | capture("itemType=(?<t>[a-z]+)").t)')"
 check "every track, with its tags" "$(tags_of "$WORLD_DIR/music" | sort)" \
-    "$(rows "$row_fields" ls "Test & Music/Music/All Music" --rows 0-99 | sort)"
+    "$(rows "$row_fields" ls "Test Music/Music/All Music" --rows 0-99 | sort)"
 check "an album in its order" "$(tags_of "$WORLD_DIR/music/Odd Signs")" \
-    "$(rows "$row_fields" ls "Test & Music/Music/Album/Punctuation")"
+    "$(rows "$row_fields" ls "Test Music/Music/Album/Punctuation")"
 check "a folder's page and its total" $'25\nPiece 10\nPiece 11\nPiece 12' \
-    "$(orka --json ls "Test & Music/Browse Folders/Long List/Twenty-Five" --rows 9-11 | jq -r '.rowsCount, .rows[].title')"
+    "$(orka --json ls "Test Music/Browse Folders/Long List/Twenty-Five" --rows 9-11 | jq -r '.rowsCount, .rows[].title')"
 check "rows beyond the end" 25 \
-    "$(orka --json ls "Test & Music/Browse Folders/Long List/Twenty-Five" --rows 25-40 | jq -r '.rowsCount, .rows[].title')"
+    "$(orka --json ls "Test Music/Browse Folders/Long List/Twenty-Five" --rows 25-40 | jq -r '.rowsCount, .rows[].title')"
 
 # A path is all that a program needs: the listing's paths lead on.
-album=$(orka --json ls "Test & Music/Music/Album" --rows 0-99 | jq -r '.rows[] | select(.title == "夜の海").path')
+album=$(orka --json ls "Test Music/Music/Album" --rows 0-99 | jq -r '.rows[] | select(.title == "夜の海").path')
 check "a container's path says what it is" container "$(sed -n 's/.*itemType=\([a-z]*\).*/\1/p' <<<"$album")"
 check "its tracks, by that path" $'夜の海\n灯台' "$(orka --json ls "$album" | jq -r '.rows[].title')"
 track=$(orka --json ls "$album" | jq -r '.rows[1].path')

@@ -18,9 +18,12 @@ queue() {
     orka --json queue "$@" | jq -r '(.error.message // empty | "error: " + .), (.items[]? | [.title, .artist, .album] | @tsv)'
 }
 
-# tags FOLDER…: title, artist and album of its files in the order of their names.
-tags() {
-    tags_of "$@" | cut -f 1-3
+# nested ALBUM…: what a queue holds of these nested albums.
+nested() {
+    local album
+    for album; do
+        printf 'Track %s\tArtist 000\tAlbum %s\n' 00001 "$album" 00002 "$album"
+    done
 }
 
 world_lan
@@ -35,30 +38,31 @@ wait_indexed gerbera 50
 start_bus
 start_bridge
 
-music=$WORLD_DIR/music
-check "a track" "$(tags "$music/Odd Signs" | head -n 1)" \
-    "$(queue 'Searches/Music/Album/Punctuation/Say "Hello"')"
-check "an album of a searching server" "$(tags "$music/Odd Signs")" "$(queue Searches/Music/Album/Punctuation)"
-check "a nested folder of a searching server" "$(tags "$music/Ada Quartz" | sort)" \
+all=$(tags_of "$WORLD_DIR/music" | cut -f 1-3)
+signs=$(grep Punctuation <<<"$all")
+hello='Searches/Music/Album/Punctuation/Say "Hello"'
+check "a track" "$(head -n 1 <<<"$signs")" "$(queue "$hello")"
+check "an album of a searching server" "$signs" "$(queue Searches/Music/Album/Punctuation)"
+check "a nested folder of a searching server" "$(grep Quartz <<<"$all" | sort)" \
     "$(queue "Searches/Browse Folders/Ada Quartz" | sort)"
-check "a whole searching server" "$(tags "$music" | sort)" "$(queue Searches | sort -u)"
-check "a track named twice" "$(tags "$music/Odd Signs" | head -n 1 | sed 'p')" \
-    "$(queue 'Searches/Music/Album/Punctuation/Say "Hello"' 'Searches/Music/Album/Punctuation/Say "Hello"')"
+check "a whole searching server" "$(sort <<<"$all")" "$(queue Searches | sort -u)"
+check "a track named twice" "$(head -n 1 <<<"$signs" | sed p)" "$(queue "$hello" "$hello")"
 
-shelf="Walks/PC Directory/${WORLD_DIR#/}/nested/Shelf"
-check "an album of a server that can't search" "$(tags "$WORLD_DIR/nested/Shelf/Album 07")" "$(queue "$shelf/Album 07")"
-check "25 nested albums of a server that can't search, each track once" "$(tags "$WORLD_DIR/nested" | sort)" \
-    "$(queue "$shelf" | sort)"
-check "a track of a server that can't search" "$(tags "$WORLD_DIR/nested/Shelf/Album 07" | head -n 1)" \
-    "$(queue "$shelf/Album 07/Track 00001")"
+albums=Walks/Audio/Albums
+check "an album of a server that can't search" "$(nested 07)" "$(queue "$albums/Album 07")"
+check "a track of a server that can't search" "$(nested 07 | head -n 1)" "$(queue "$albums/Album 07/Track 00001")"
+# The walk goes to the tenth and later folders first.
+check "25 nested albums of a server that can't search, each track once and in order" \
+    "$(nested $(seq 10 25) $(seq -f '%02g' 9))" "$(queue "$albums")"
+check "the folders on its disk" 50 "$(queue "Walks/PC Directory" | wc -l)"
 
 # Read back by other programs, every character of a title in its place.
 orka queue "Searches/Music/Album/Punctuation" --format xspf >"$WORLD_DIR/list.xspf"
-check "XSPF for programs" "$(tags "$music/Odd Signs" | cut -f 1 | sed 's/\\\\/\\/g')" \
+check "XSPF for programs" "$(cut -f 1 <<<"$signs" | sed 's/\\\\/\\/g')" \
     "$(xmllint --xpath '//*[local-name()="track"]/*[local-name()="title"]/text()' "$WORLD_DIR/list.xspf" |
         sed 's/&lt;/</g; s/&gt;/>/g; s/&quot;/"/g; s/&amp;/\&/g')"
 orka queue "Searches/Music/Album/Punctuation" --format m3u8 >"$WORLD_DIR/list.m3u8"
-check "M3U8 for players: the files it names" "$(tags "$music/Odd Signs" | cut -f 1)" \
+check "M3U8 for players: the files it names" "$(cut -f 1 <<<"$signs")" \
     "$(grep -v '^#' "$WORLD_DIR/list.m3u8" | while read -r address; do
         ffprobe -v error -show_entries format_tags=title -of json "$address"
     done | jq -r '[.format.tags.title] | @tsv')"
