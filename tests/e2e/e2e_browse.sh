@@ -35,4 +35,10 @@ check "one track, by its path" "灯台 林檎楽団 2000 audio/mpeg" "$(orka --j
 uri=$(orka --json info "$track" | jq -r '.roles.mediaData.resources[0].uri')
 check "what the track's address gives" 灯台 \
     "$(ffprobe -v error -show_entries format_tags=title -of default=noprint_wrappers=1:nokey=1 "$uri")"
+
+# Covers come by way of the device's own proxy, at the address that this network gave it.
+icon=$(orka --json ls "Test Music/Music/Album/Glass Rivers" --rows 0-0 | jq -r '.rows[0].icon')
+check "an album's cover, by the device's proxy" https://10.77.0.1/proxy "${icon%/*}"
+check "what the proxy is to fetch" "mjpeg" \
+    "$(ffprobe -v error -show_entries stream=codec_name -of csv=p=0 "$(base64 -d <<<"${icon##*/}")")"
 finish
