@@ -32,10 +32,12 @@ ObjectProperties::ObjectProperties(const QVariantMap &map)
     : m_map(map)
 {
     // Both sides ascend, so they are walked side by side.
+    const auto &sorted = names();
     auto entry = map.constBegin();
     int name = 0;
     while (entry != map.constEnd() && name < Count) {
-        const int order = entry.key().compare(names()[std::size_t(name)]);
+        const QString &known = sorted[std::size_t(name)];
+        const int order = entry.key() == known ? 0 : entry.key().compare(known);
         if (order == 0)
             m_values[std::size_t(name)] = &entry.value();
         if (order <= 0)

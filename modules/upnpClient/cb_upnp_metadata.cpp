@@ -164,8 +164,11 @@ QString CMUPnPWorker::handleAlbumArtUrl(const QString &url, const QString &addre
         LOG4CPLUS_INFO(upnpLog(), "CB_UPNP: resource urlout = " << url);
         return url;
     }
-    const QString proxied = QLatin1String("https://") + address + QLatin1String("/proxy/")
-        + QString::fromLatin1(url.toUtf8().toBase64());
+    const QByteArray encoded = url.toUtf8().toBase64();
+    QString proxied;
+    proxied.reserve(address.size() + encoded.size() + 16);
+    proxied.append(QLatin1String("https://")).append(address);
+    proxied.append(QLatin1String("/proxy/")).append(QLatin1String(encoded));
     LOG4CPLUS_DEBUG(
         upnpLog(), LEAVE << "Got HTTP album art URL, using reverse proxy to serve: " << proxied);
     return proxied;
