@@ -265,6 +265,8 @@ QList<QVariantMap> FakeTree::slice(
     const QStringList &paths, uint offset, uint max, const QStringList &filter) const
 {
     QList<QVariantMap> rows;
+    if (offset >= uint(paths.size()))
+        return rows;
     for (const QString &path : paths.mid(int(offset), max == 0 ? -1 : int(max))) {
         QVariantMap all = ofInterface(m_objects.value(path), QString());
         QVariantMap row;

@@ -55,7 +55,7 @@ bool handleEvents()
 PrivateBus::PrivateBus(Limits limits)
     : m_daemon(std::make_unique<BusDaemon>())
 {
-    m_daemon->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_daemon->setStandardErrorFile(QProcess::nullDevice());
     m_daemon->start(QStringLiteral("dbus-daemon"),
         {QStringLiteral("--nofork"), QStringLiteral("--nosyslog"),
             QStringLiteral("--print-address"),
