@@ -3,6 +3,7 @@
 #include "Bus.h"
 #include "Failure.h"
 #include "Installation.h"
+#include "Interrupt.h"
 #include "Output.h"
 #include "SafeText.h"
 #include "Wait.h"
@@ -10,6 +11,9 @@
 #include <api/core/orka.h>
 
 #include <QDBusError>
+
+#include <future>
+#include <thread>
 
 namespace {
 
@@ -22,7 +26,35 @@ QString describeBus(const QString &bus)
         : QStringLiteral("the bus at %1").arg(quoted(bus));
 }
 
+/// Opens the workers' connection. That blocks, for minutes where the bus hangs, so it happens in a
+/// thread of its own, which is left behind then.
+bool openInTime(const QString &bus, std::chrono::milliseconds limit)
+{
+    std::packaged_task<bool()> opening([bus] { return orkaOpenDBusConnection(bus); });
+    const std::future<bool> opened = opening.get_future();
+    std::thread(std::move(opening)).detach();
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (opened.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        if (Interrupt::received() != 0) {
+            throw InterruptedBySignal{Interrupt::received()};
+        }
+        if (std::chrono::steady_clock::now() > deadline) {
+            throw StuckBus(describeBus(bus));
+        }
+    }
+    return orkaDBusConnection().isConnected();
+}
+
 } // namespace
+
+StuckBus::StuckBus(const QString &bus)
+    : Failure(NoAnswer, QStringLiteral("noAnswer"),
+        QStringLiteral("Nothing can be asked: %1 takes the connection but doesn't answer. Restart "
+                       "it, or name another "
+                       "with --bus.")
+            .arg(bus))
+{
+}
 
 MediaService::MediaService(const Options &options)
     : m_options(options)
@@ -47,7 +79,7 @@ MediaService::~MediaService()
 void MediaService::openBus()
 {
     m_busDescription = describeBus(m_options.bus);
-    if (orkaOpenDBusConnection(m_options.bus)) {
+    if (openInTime(m_options.bus, m_options.timeout)) {
         return;
     }
     const QString why = orkaDBusConnection().lastError().message();
@@ -66,7 +98,7 @@ void MediaService::openPrivateBus()
 {
     m_busDaemon = std::make_unique<BusDaemon>();
     m_busDescription = QStringLiteral("a private bus of ours");
-    if (!orkaOpenDBusConnection(m_busDaemon->address())) {
+    if (!openInTime(m_busDaemon->address(), m_options.timeout)) {
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The private bus at %1 was started but can't be reached: %2. Name a bus "
                            "with --bus ADDRESS.")

@@ -52,7 +52,7 @@ Place parsePlace(const QString &text, const QString &prefix)
 
 CMPath parsePath(const QString &text)
 {
-    const CMPath path = CMPath::fromEncoded(text);
+    CMPath path = CMPath::fromEncoded(text);
     if (path.isEmpty()) {
         throw wrongUsage(
             QStringLiteral("%1 is no node path. A node path looks like "

@@ -13,6 +13,9 @@
 #include <QStandardPaths>
 #include <QTemporaryFile>
 
+#include <cstdio>
+#include <unistd.h>
+
 namespace {
 
 QString findPlayer(const QString &name)
@@ -44,6 +47,9 @@ void tellTrack(const PlayListItems &items, int position)
     }
     const OrkaPlayListItem &item = items.at(position);
     const QString length = lengthText(item.durationSeconds() * 1000LL);
+    if (isatty(STDERR_FILENO) != 0) {
+        std::fputs("\r\033[K", stderr); // over the player's status line
+    }
     tell(QStringLiteral("Playing %1 of %2: %3%4")
              .arg(QString::number(position + 1), QString::number(items.size()),
                  safeText(itemName(item)),

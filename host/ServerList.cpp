@@ -47,7 +47,7 @@ QString ServerList::serverBase(const CMPath &path)
     return QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
 }
 
-bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit)
+bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) const
 {
     Wait wait(limit, QStringLiteral("Looking for media servers"));
     connect(this, &ServerList::changed, &wait, &Wait::wake);

@@ -39,7 +39,7 @@ signals:
     void changed();
 
 private:
-    bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit);
+    bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) const;
 
     Session &m_session;
     Servers m_servers;

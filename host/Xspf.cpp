@@ -18,35 +18,41 @@ QString withoutForbidden(const QString &text)
     return QString::fromUcs4(characters.constData(), characters.size());
 }
 
-/// An element, left out where there is nothing to say.
-void writeElement(QXmlStreamWriter &xml, const char *name, const QString &text)
+/// A carriage return is written as a reference, since a reader turns a bare one into a newline.
+void writeCharacters(QXmlStreamWriter &xml, const QString &text)
 {
-    if (!text.isEmpty()) {
-        xml.writeStartElement(QString::fromLatin1(name));
-        const QStringList pieces = withoutForbidden(text).split(QLatin1Char('\r'));
-        for (int i = 0; i < pieces.size(); ++i) {
-            if (i > 0) {
-                // As a reference: a reader turns a bare carriage return into a newline.
-                xml.writeEntityReference(QStringLiteral("#13"));
-            }
-            xml.writeCharacters(pieces.at(i));
-        }
-        xml.writeEndElement();
+    const QStringList pieces = withoutForbidden(text).split(QLatin1Char('\r'));
+    xml.writeCharacters(pieces.first());
+    for (const QString &piece : pieces.mid(1)) {
+        xml.writeEntityReference(QStringLiteral("#13"));
+        xml.writeCharacters(piece);
     }
+}
+
+/// An element, left out where there is nothing to say.
+void writeElement(QXmlStreamWriter &xml, const QString &name, const QString &text)
+{
+    if (text.isEmpty()) {
+        return;
+    }
+    xml.writeStartElement(name);
+    writeCharacters(xml, text);
+    xml.writeEndElement();
 }
 
 void writeTrack(QXmlStreamWriter &xml, const OrkaPlayListItem &item)
 {
     xml.writeStartElement(QStringLiteral("track"));
-    writeElement(xml, "location", safeUrl(item.url()));
-    writeElement(xml, "title", item.title());
-    writeElement(xml, "creator", item.artist());
+    writeElement(xml, QStringLiteral("location"), safeUrl(item.url()));
+    writeElement(xml, QStringLiteral("title"), item.title());
+    writeElement(xml, QStringLiteral("creator"), item.artist());
     if (isPlayableUrl(item.artworkUrl())) {
-        writeElement(xml, "image", safeUrl(item.artworkUrl()));
+        writeElement(xml, QStringLiteral("image"), safeUrl(item.artworkUrl()));
     }
-    writeElement(xml, "album", item.album());
+    writeElement(xml, QStringLiteral("album"), item.album());
     if (item.durationSeconds() > 0) {
-        writeElement(xml, "duration", QString::number(item.durationSeconds() * 1000LL));
+        writeElement(
+            xml, QStringLiteral("duration"), QString::number(item.durationSeconds() * 1000LL));
     }
     xml.writeEndElement();
 }

@@ -2,6 +2,7 @@
 #include "Interrupt.h"
 #include "JsonOutput.h"
 #include "Logging.h"
+#include "MediaService.h"
 #include "Options.h"
 #include "Output.h"
 #include "Progress.h"
@@ -12,6 +13,7 @@
 #include <QTextCodec>
 
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
 
 namespace {
@@ -61,6 +63,8 @@ int run(Command &command, const Options &options)
     try {
         startLogging(options);
         return command.run(options);
+    } catch (const StuckBus &failure) {
+        std::_Exit(report(failure, options.json));
     } catch (const Failure &failure) {
         return report(failure, options.json);
     } catch (const InterruptedBySignal &interrupt) {
@@ -78,9 +82,7 @@ std::vector<std::string> argumentsOf(int argc, char **argv)
     return arguments;
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int runProgram(int argc, char **argv)
 {
     int applicationArgc = 1; // all others are the parser's
     const QCoreApplication application(applicationArgc, argv);
@@ -107,4 +109,16 @@ int main(int argc, char **argv)
         }
     }
     return WrongUsage;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        return runProgram(argc, argv);
+    } catch (const std::exception &error) { // no memory left, say
+        std::fprintf(stderr, "orka: The program can't go on: %s.\n", error.what());
+        return AnsweredWithError;
+    }
 }

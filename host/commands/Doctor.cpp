@@ -152,7 +152,7 @@ public:
         try {
             checkChain(findings, options);
         } catch (const Failure &failure) {
-            if (failure.status() == WrongUsage) {
+            if (failure.status() == WrongUsage || failure.status() == NoAnswer) {
                 throw;
             }
             findings.add(Findings::Missing, "the chain", failure.sentence());
