@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <glib-unix.h>
 #include <libxml/parser.h>
+#include <malloc.h>
 
 namespace bridge {
 
@@ -78,6 +79,9 @@ int run(int argc, char **argv)
     setLogLevel(options.logLevel);
     captureLibraryLog();
     xmlInitParser();
+    // Rows are made on one thread and freed on another; with an arena for each, memory would grow
+    // with the number of threads instead of with what is in use.
+    mallopt(M_ARENA_MAX, 2);
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
     g_unix_signal_add(SIGTERM, quit, loop);
     g_unix_signal_add(SIGINT, quit, loop);
