@@ -32,6 +32,6 @@ struct ReplyContext
     /// The device's address for album art; empty when it has none.
     std::optional<QString> address;
     /// Tracks of an album have the same date.
-    QString dateText;
+    std::optional<QString> dateText;
     qint64 dateMilliseconds = 0;
 };

@@ -23,7 +23,7 @@ const UPnPPath::Query &itemTypeQuery(const QString &type)
 
 qint64 milliseconds(const QString &date, ReplyContext *context)
 {
-    if (date.isNull() || context->dateText != date) {
+    if (context->dateText != date) {
         context->dateText = date;
         context->dateMilliseconds = QDateTime::fromString(date, Qt::ISODate).toMSecsSinceEpoch();
     }

@@ -190,7 +190,7 @@ void tst_texts::streamedValues()
            << QDBusObjectPath("/x") << '|' << QString::fromUtf8("\xc3\xa4");
     QCOMPARE(QString::fromStdString(stream.str()),
         QString::fromUtf8(
-            "(a, 1, (x, y), true, (invalid))|QMap((a, t), (b, 2))"
+            "(a, 1, (x, y), true, (invalid))|QMap((a, t)(b, 2))"
             "|(upnp:/a%20b, upnp:/a%20b)|{\"string_\":\"abba\"}|upnp:/a%20b|/x|\xc3\xa4"));
 }
 

@@ -82,11 +82,8 @@ std::ostream &operator<<(std::ostream &stream, const QVariantList &values)
 std::ostream &operator<<(std::ostream &stream, const QVariantMap &map)
 {
     stream << "QMap(";
-    const char *separator = "";
-    for (auto it = map.begin(); it != map.end(); ++it) {
-        stream << separator << '(' << it.key() << ", " << it.value() << ')';
-        separator = ", ";
-    }
+    for (auto it = map.begin(); it != map.end(); ++it)
+        stream << '(' << it.key() << ", " << it.value() << ')';
     return stream << ')';
 }
 
