@@ -1,0 +1,143 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCall>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QVariantMap>
+#include <QVector>
+
+#include <memory>
+
+class ScriptedUpnpServer;
+
+/// What one call brought: the values, or the error's name and text.
+struct Answer
+{
+    QVariantList values;
+    QString error, message;
+    qint64 milliseconds = 0;
+
+    bool ok() const { return error.isEmpty(); }
+    /// The first value as a list of property maps.
+    QVector<QVariantMap> rows() const;
+    QVariant value() const { return values.value(0); }
+    QVariantMap map() const;
+};
+
+/// A call under way.
+class Call
+{
+public:
+    explicit Call(const QDBusPendingCall &pending);
+    /// Runs the event loop until the answer is there, 30 seconds at most.
+    Answer wait();
+    bool isFinished() const { return m_pending.isFinished(); }
+
+private:
+    QDBusPendingCall m_pending;
+    QElapsedTimer m_since;
+};
+
+/// A process that ends with the test process, however that ends.
+class ChildProcess : public QProcess
+{
+public:
+    ~ChildProcess() override;
+    /// Starts it and waits for a line on standard output, 10 seconds at most; empty where none
+    /// came.
+    QString startAndReadLine(const QString &program, const QStringList &arguments);
+
+protected:
+    void setupChildProcess() override;
+};
+
+/// A dbus-daemon of the test's own, the bridge on it, and a client of the bridge. Keeps the
+/// FoundServer and LostServer signals in order.
+class BridgeFixture : public QObject
+{
+    Q_OBJECT
+public:
+    enum Start {
+        Running, ///< the program is started at once and owns its name when the constructor returns
+        Activated ///< the bus starts it with the first call, and again when it has died
+    };
+
+    explicit BridgeFixture(Start start = Running, const QStringList &options = {});
+    /// Ends the program with SIGTERM and warns where its exit status isn't 0.
+    ~BridgeFixture() override;
+
+    const QString &address() const { return m_address; }
+    QDBusConnection bus() const { return m_bus; }
+    qint64 pid();
+    /// Standard error of the program, as far as it came.
+    QByteArray log();
+
+    Call start(const QString &path, const QString &interface, const QString &method,
+        const QVariantList &arguments = {});
+    Answer call(const QString &path, const QString &interface, const QString &method,
+        const QVariantList &arguments = {});
+    Answer get(const QString &path, const QString &interface, const QString &property);
+    Answer getAll(const QString &path, const QString &interface);
+    Call startListing(const QString &path, uint offset, uint max,
+        const QStringList &filter = {QStringLiteral("*")});
+    Answer list(const QString &path, uint offset = 0, uint max = 0,
+        const QStringList &filter = {QStringLiteral("*")});
+    /// The rows and, as the second value, the total.
+    Answer search(const QString &path, const QString &query, uint offset = 0, uint max = 0,
+        const QStringList &filter = {QStringLiteral("*")}, const QString &sort = QString());
+    QStringList servers();
+
+    /// Starts the server and waits until the service has announced it; its path, and "" where it
+    /// never came.
+    QString add(ScriptedUpnpServer &server);
+    /// Waits for the server's FoundServer since the last `forgetSignals()`; its path, empty after
+    /// 10 seconds.
+    QString waitForServer(const QString &udn);
+    const QStringList &found() const { return m_found; }
+    const QStringList &lost() const { return m_lost; }
+    void forgetSignals();
+
+private Q_SLOTS:
+    void onFound(const QDBusObjectPath &path) { m_found.append(path.path()); }
+    void onLost(const QDBusObjectPath &path) { m_lost.append(path.path()); }
+
+private:
+    QString busConfiguration(Start start, const QStringList &options);
+
+    QTemporaryDir m_folder;
+    ChildProcess m_daemon, m_program;
+    QString m_address;
+    QDBusConnection m_bus;
+    QStringList m_found, m_lost;
+};
+
+extern const QString serviceName, managerPath, managerInterface, deviceInterface, objectInterface,
+    containerInterface, itemInterface, propertiesInterface;
+
+/// A UDN that no other server of this test process has.
+QString newUdn();
+/// The paths that the service gives a server and an object on it.
+QString serverPath(const QString &udn);
+QString objectPath(const QString &udn, const QString &objectId);
+
+/// A main() that runs the test in a namespace with the interface lan0; the test skips where none
+/// may be made.
+#define BRIDGE_TEST_MAIN(TestClass)                \
+    int main(int argc, char **argv)                \
+    {                                              \
+        const QString why = enterTestLan();        \
+        if (!why.isEmpty()) {                      \
+            qWarning("SKIP: %s", qPrintable(why)); \
+            return skippedTest;                    \
+        }                                          \
+        QCoreApplication app(argc, argv);          \
+        TestClass test;                            \
+        return QTest::qExec(&test, argc, argv);    \
+    }
+
+/// Exit status by which CTest knows a skipped test.
+constexpr int skippedTest = 77;

@@ -1,0 +1,328 @@
+#include "core/Bitrate.h"
+#include "core/Didl.h"
+#include "core/MediaClass.h"
+#include "core/Numbers.h"
+#include "core/ObjectPath.h"
+#include "core/PropertyMap.h"
+#include "core/SearchCriteria.h"
+
+#include <QTest>
+
+using namespace bridge;
+
+namespace {
+
+const std::string server = "/com/intel/dLeynaServer/server/uuid_3a1";
+
+std::string didl(const std::string &objects)
+{
+    return "<DIDL-Lite xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\" "
+           "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+           "xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\">"
+        + objects + "</DIDL-Lite>";
+}
+
+/// The wanted properties of every object, as GLib writes them, one object a line.
+QString propertiesOf(const std::string &document, const std::vector<std::string> &filter)
+{
+    const auto objects = parseDidl(document);
+    if (!objects)
+        return QStringLiteral("no DIDL-Lite");
+    QStringList lines;
+    for (const MediaObject &object : *objects) {
+        const Variant map = ownVariant(
+            propertyMap(object, propertySetFromFilter(filter), {server, "http://10.0.0.1:8200/"}));
+        lines.append(QString::fromStdString(takeString(g_variant_print(map.get(), FALSE))));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+std::optional<int64_t> noNumber()
+{
+    return std::nullopt;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(std::string)
+Q_DECLARE_METATYPE(std::vector<std::string>)
+Q_DECLARE_METATYPE(std::optional<int64_t>)
+
+class tst_BridgeCore : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void serverPathsKeepOnlyLettersAndDigits()
+    {
+        QCOMPARE(
+            serverPathFromUdn("uuid:4d69-1"), "/com/intel/dLeynaServer/server/uuid_3a4d69_2d1");
+        QCOMPARE(serverPathFromUdn("A_z\xc3\xa4"), "/com/intel/dLeynaServer/server/A_5fz_c3_a4");
+    }
+
+    void objectPathsGoThereAndBack()
+    {
+        for (const std::string id : {"0", "64", "64$1$A", " ", "\xff\x01", "ä/ö?%", "00"}) {
+            const auto address = parseObjectPath(objectPath(server, id));
+            QVERIFY2(address, id.c_str());
+            QCOMPARE(address->objectId, id);
+            QCOMPARE(address->serverName, "uuid_3a1");
+        }
+        QCOMPARE(objectPath(server, "64$a"), server + "/36342461");
+        QCOMPARE(objectPath(server, "0"), server);
+        QCOMPARE(objectPath(server, std::string(95, 'x')).size(), server.size() + 1 + 190);
+    }
+
+    void badlyFormedPathsNameNothing()
+    {
+        for (const std::string &path :
+            {std::string(serverRootPath), std::string(managerPath), std::string("/"), std::string(),
+                server + "/", server + "/3", server + "/3g", server + "/36/34", server + "/ 6",
+                server + "/00", server + "/+6", std::string("/com/intel/dLeynaServer/serverX/a")})
+            QVERIFY2(!parseObjectPath(path), path.c_str());
+    }
+
+    void durationsAreRead_data()
+    {
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<std::optional<int64_t>>("milliseconds");
+        const auto row = [](const char *text, std::optional<int64_t> milliseconds) {
+            QTest::newRow(text) << std::string(text) << milliseconds;
+        };
+        row("0:00:01", 1000);
+        row("8:17.493", 497493);
+        row("0:03:25.480", 205480);
+        row("99:59:59.999", 359999999);
+        row("100:00:00", 360000000);
+        row("0:00:01.5/10", 1500);
+        row("1:02:03.1/4", 3723250);
+        row("42", 42000);
+        row("", noNumber());
+        row("abc", noNumber());
+        row("-1:00:00", noNumber());
+        row("99999999999999999999:00:00", noNumber());
+        row(":::", noNumber());
+    }
+    void durationsAreRead()
+    {
+        QFETCH(std::string, text);
+        QFETCH(std::optional<int64_t>, milliseconds);
+        const auto read = parseDuration(text);
+        QCOMPARE(read.value_or(-1), milliseconds.value_or(-1));
+    }
+
+    void bitratesAreInBitsPerSecond_data()
+    {
+        QTest::addColumn<QString>("res");
+        QTest::addColumn<int>("bits");
+        const auto row = [](const char *name, const char *res, int bits) {
+            QTest::newRow(name) << QString::fromLatin1(res) << bits;
+        };
+        row("bytes, held against size and duration",
+            "bitrate='8189' size='819200' duration='0:01:40'", 65512);
+        row("bits, held against size and duration",
+            "bitrate='64000' size='819200' duration='0:01:40'", 64000);
+        row("bits, a little off", "bitrate='320000' size='4100000' duration='0:01:40'", 320000);
+        row("bytes, variable rate", "bitrate='24000' size='2000000' duration='0:01:40'", 192000);
+        row("none", "size='819200' duration='0:01:40'", -1);
+        row("no number", "bitrate='fast' size='819200' duration='0:01:40'", -1);
+        row("too big for its type", "bitrate='99999999999'", -1);
+    }
+    void bitratesAreInBitsPerSecond()
+    {
+        QFETCH(QString, res);
+        QFETCH(int, bits);
+        const auto objects = parseDidl(didl("<item id='1'><res " + res.toStdString()
+            + " protocolInfo='http-get:*:audio/mpeg:*'>http://a/b</res></item>"));
+        QVERIFY(objects && objects->size() == 1 && objects->front().resources.size() == 1);
+        QCOMPARE(bitsPerSecond(objects->front().resources.front()).value_or(-1), bits);
+    }
+
+    void objectsBecomeProperties_data()
+    {
+        QTest::addColumn<std::string>("document");
+        QTest::addColumn<std::vector<std::string>>("filter");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char *name, const std::string &document,
+                             const std::vector<std::string> &filter, const char *expected) {
+            QTest::newRow(name) << document << filter << QString::fromUtf8(expected);
+        };
+        const std::string track =
+            "<item id='7' parentID='64' restricted='1'><dc:title>A &amp; B</dc:title>"
+            "<upnp:class>object.item.audioItem.musicTrack</upnp:class><upnp:artist>X</upnp:artist>"
+            "<upnp:artist role='Composer'>Y</upnp:artist><dc:date>2001-01-01</dc:date>"
+            "<upnp:originalTrackNumber>3</upnp:originalTrackNumber>"
+            "<res duration='0:03:25.480' sampleFrequency='44100' "
+            "protocolInfo='http-get:*:audio/mpeg:DLNA.ORG_PN=MP3'>"
+            "http://h/7.mp3</res></item>";
+        row("a track", didl(track),
+            {"DisplayName", "Path", "Parent", "Type", "TypeEx", "Artist", "Date", "TrackNumber",
+                "Duration", "URLs", "MIMEType", "SampleRate", "Album", "ChildCount"},
+            "{'DisplayName': <'A & B'>, 'Path': <objectpath "
+            "'/com/intel/dLeynaServer/server/uuid_3a1/37'>, "
+            "'Parent': <objectpath '/com/intel/dLeynaServer/server/uuid_3a1/3634'>, 'Type': "
+            "<'music'>, "
+            "'TypeEx': <'music'>, 'Artist': <'X'>, 'Date': <'2001-01-01'>, 'TrackNumber': <3>, "
+            "'URLs': <['http://h/7.mp3']>, 'MIMEType': <'audio/mpeg'>, 'Duration': <205>, "
+            "'SampleRate': <44100>}");
+        row("a container",
+            didl("<container id='64' parentID='0' childCount='5' "
+                 "searchable='1'><dc:title>M</dc:title>"
+                 "<upnp:class>object.container.album.musicAlbum</upnp:class></container>"),
+            {"DisplayName", "Parent", "Type", "TypeEx", "ChildCount"},
+            "{'DisplayName': <'M'>, 'Parent': <objectpath "
+            "'/com/intel/dLeynaServer/server/uuid_3a1'>, "
+            "'Type': <'container'>, 'TypeEx': <'container.album.musicAlbum'>, 'ChildCount': "
+            "<uint32 5>}");
+        row("without filter there are no keys", didl(track), {}, "{}");
+        row("unknown names are ignored and case matters", didl(track), {"Bogus", "type", "Type"},
+            "{'Type': <'music'>}");
+        row("a class nobody knows",
+            didl("<item "
+                 "id='1'><dc:title>T</dc:title><upnp:class>object.item.hologram</upnp:class></"
+                 "item>"),
+            {"DisplayName", "Type", "TypeEx"},
+            "{'DisplayName': <'T'>, 'Type': <'item.unclassified'>, 'TypeEx': "
+            "<'item.unclassified'>}");
+        row("no class", didl("<item id='1'/><container id='2'/>"), {"Type"},
+            "{'Type': <'item.unclassified'>}\n{'Type': <'container'>}");
+        row("control characters, a declaration",
+            "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
+                + didl("<item id='1'><dc:title>a\x01"
+                       "b &amp; c</dc:title></item>"
+                       "<item id='2'><dc:title>next</dc:title></item>"),
+            {"DisplayName"}, "{'DisplayName': <'ab & c'>}\n{'DisplayName': <'next'>}");
+        row("a relative cover",
+            didl("<item id='1'><upnp:albumArtURI>/art/1.jpg</upnp:albumArtURI></item>"),
+            {"AlbumArtURL"}, "{'AlbumArtURL': <'http://10.0.0.1:8200/art/1.jpg'>}");
+        row("numbers that aren't",
+            didl("<item id='1'><upnp:originalTrackNumber>x</upnp:originalTrackNumber>"
+                 "<res duration='never' bitrate='' size='-1'>http://a</res></item>"),
+            {"TrackNumber", "Duration", "Bitrate", "Size"}, "{}");
+        row("undeclared prefixes",
+            "<DIDL-Lite><item id='1'><dc:title>T</dc:title></item></DIDL-Lite>", {"DisplayName"},
+            "{'DisplayName': <'T'>}");
+        row("nothing in it", didl("\n <!-- -->\n"), {"*"}, "");
+        row("an empty text", "", {"*"}, "");
+        row("another document", "<html><body/></html>", {"*"}, "no DIDL-Lite");
+        row("no document", "Internal error", {"*"}, "no DIDL-Lite");
+    }
+    void objectsBecomeProperties()
+    {
+        QFETCH(std::string, document);
+        QFETCH(std::vector<std::string>, filter);
+        QFETCH(QString, expected);
+        QCOMPARE(propertiesOf(document, filter), expected);
+    }
+
+    void entitiesDoNotBlowUp()
+    {
+        std::string bomb = "<!DOCTYPE d [<!ENTITY a \"aaaaaaaaaa\">";
+        for (char name = 'b'; name <= 'j'; ++name) {
+            const std::string before = "&" + std::string(1, char(name - 1)) + ";";
+            bomb += "<!ENTITY " + std::string(1, name) + " \"";
+            for (int i = 0; i < 10; ++i)
+                bomb += before;
+            bomb += "\">";
+        }
+        QVERIFY(propertiesOf(bomb + "]>" + didl("<item id='1'><dc:title>&j;</dc:title></item>"),
+                    {"DisplayName"})
+                    .size()
+            < 1000);
+    }
+
+    void typesAreNamedAfterClasses_data()
+    {
+        QTest::addColumn<QString>("upnpClass");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("typeEx");
+        const auto row = [](const char *upnpClass, const char *type, const char *typeEx) {
+            QTest::newRow(upnpClass) << QString::fromLatin1(upnpClass) << QString::fromLatin1(type)
+                                     << QString::fromLatin1(typeEx);
+        };
+        row("object.item.audioItem.musicTrack", "music", "music");
+        row("object.item.audioItem", "audio", "audio");
+        row("object.item.audioItem.audioBook", "audio", "audio.audioBook");
+        row("object.item.videoItem", "video", "video");
+        row("object.item.videoItem.movie", "video.movie", "video.movie");
+        row("object.item.imageItem", "image", "image");
+        row("object.item.imageItem.photo", "image.photo", "image.photo");
+        row("object.container.storageFolder", "container", "container.storageFolder");
+        row("object.container.person.musicArtist", "container", "container.person.musicArtist");
+        row("object.container", "container", "container");
+        row("object.item", "item.unclassified", "item.unclassified");
+        row("object.itemized", "item.unclassified", "item.unclassified");
+    }
+    void typesAreNamedAfterClasses()
+    {
+        QFETCH(QString, upnpClass);
+        const MediaType type = mediaTypeOfClass(
+            upnpClass.toStdString(), upnpClass.contains(QLatin1String("container")));
+        QTEST(QString::fromUtf8(type.type.data(), int(type.type.size())), "type");
+        QTEST(QString::fromStdString(type.typeEx), "typeEx");
+    }
+
+    void criteriaAreTranslated_data()
+    {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<QString>("criteria"); // null: a problem
+        const auto row = [](const char *query, const char *criteria) {
+            QTest::newRow(query) << QString::fromUtf8(query)
+                                 << (criteria ? QString::fromUtf8(criteria) : QString());
+        };
+        row("", "*");
+        row("*", "*");
+        row(R"(Artist contains "Alpha")", R"(upnp:artist contains "Alpha")");
+        row(R"(Type derivedfrom "audio" and (Artist = "A" or Album = "B"))",
+            R"(upnp:class derivedfrom "object.item.audioItem" and (upnp:artist = "A" or upnp:album = "B"))");
+        row(R"(Type = "music")", R"(upnp:class = "object.item.audioItem.musicTrack")");
+        row(R"(TypeEx = "container.album.musicAlbum")",
+            R"(upnp:class = "object.container.album.musicAlbum")");
+        row(R"(DisplayName contains "Say \"Hello\" \\o/")",
+            R"(dc:title contains "Say \"Hello\" \\o/")");
+        row(R"(DisplayName contains "Artist contains")", R"(dc:title contains "Artist contains")");
+        row(R"(DisplayName contains "Ärzte & <b>")", R"(dc:title contains "Ärzte & <b>")");
+        row("Artist exists true", "upnp:artist exists true");
+        row(R"(Parent = "/com/intel/dLeynaServer/server/uuid_3a1/3634")", R"(@parentID = "64")");
+        row(R"(Path = "/com/intel/dLeynaServer/server/uuid_3a1")", R"(@id = "0")");
+        row(R"(Parent = "/com/intel/dLeynaServer/server/uuid_3a2/3634")", nullptr);
+        row(R"(Bogus contains "x")", nullptr);
+        row(R"(artist contains "x")", nullptr);
+        row(R"(Artist contains "open)", nullptr);
+        row(R"(Artist contains "x" and)", nullptr);
+        row(R"(Artist "x")", nullptr);
+        row("(((", nullptr);
+    }
+    void criteriaAreTranslated()
+    {
+        QFETCH(QString, query);
+        QFETCH(QString, criteria);
+        const Criteria made = searchCriteria(query.toStdString(), server);
+        QCOMPARE(made.isValid(), !criteria.isNull());
+        if (made.isValid())
+            QCOMPARE(QString::fromStdString(made.text), criteria);
+    }
+
+    void sortingIsLimitedToWhatTheServerCan()
+    {
+        const std::vector<std::string> caps{"dc:title", "dc:date"};
+        QCOMPARE(sortCriteria("+Date,-DisplayName", caps).text, "+dc:date,-dc:title");
+        QCOMPARE(sortCriteria("DisplayName,-Artist", caps).text, "+dc:title");
+        QCOMPARE(sortCriteria("-Artist", {"*"}).text, "-upnp:artist");
+        QCOMPARE(sortCriteria("-Artist", {}).text, "");
+        QCOMPARE(sortCriteria("", caps).text, "");
+        QVERIFY(!sortCriteria("+Bogus", caps).isValid());
+    }
+
+    void capabilitiesGetTheServicesNames()
+    {
+        const std::vector<std::string> names =
+            capabilityNames({"dc:title", "upnp:class", "x:unknown", "@id"});
+        QCOMPARE(names, (std::vector<std::string>{"DisplayName", "Type", "TypeEx", "Path"}));
+        QCOMPARE(capabilityNames({"*"}), std::vector<std::string>{"*"});
+        QCOMPARE(splitList(" dc:title, ,upnp:artist "),
+            (std::vector<std::string>{"dc:title", "upnp:artist"}));
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_BridgeCore)
+#include "tst_BridgeCore.moc"

@@ -1,0 +1,189 @@
+#include "BridgeFixture.h"
+#include "ScriptedUpnpServer.h"
+#include "TestNamespace.h"
+
+#include <QDBusConnectionInterface>
+#include <QTest>
+
+namespace {
+
+struct Ended
+{
+    int status = -1;
+    QByteArray output, errors;
+};
+
+Ended runBridge(const QStringList &arguments)
+{
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(
+        QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere/bus"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(BRIDGE_PROGRAM), arguments);
+    if (!process.waitForFinished(10000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+} // namespace
+
+class tst_BridgeProgram : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void wrongUseEndsWithASentence_data();
+    void wrongUseEndsWithASentence();
+    void theNameIsNeverTakenUnasked();
+    void replacesWhenAskedTo();
+    void endsWithTheBus();
+    void staysWhileItHasClients();
+    void managerAnswers();
+    void pathsNobodyHasAreErrors_data();
+    void pathsNobodyHasAreErrors();
+};
+
+void tst_BridgeProgram::wrongUseEndsWithASentence_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("says");
+    const auto row = [](const char *arguments, int status, const char *says) {
+        QTest::newRow(arguments) << QString::fromLatin1(arguments).split(QLatin1Char(' ')) << status
+                                 << QString::fromLatin1(says);
+    };
+    row("--version", 0, "orka-media-bridge");
+    row("--help", 0, "--idle-exit");
+    row("--bogus", 2, "--bogus");
+    row("--idle-exit soon", 2, "--idle-exit");
+    row("--idle-exit -1", 2, "--idle-exit");
+    row("stray", 2, "stray");
+    row("--bus unix:path=/nowhere/at-all", 3, "/nowhere/at-all");
+    row("--bus nonsense", 3, "nonsense");
+    row("--bus session", 3, "session");
+}
+
+void tst_BridgeProgram::wrongUseEndsWithASentence()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, says);
+    const Ended ended = runBridge(arguments);
+    const QByteArray said = ended.status == 0 ? ended.output : ended.errors;
+    QTEST(ended.status, "status");
+    QVERIFY2(said.contains(says.toLatin1()), said.constData());
+}
+
+void tst_BridgeProgram::theNameIsNeverTakenUnasked()
+{
+    BridgeFixture bridge;
+    const qint64 owner = bridge.pid();
+    const Ended second = runBridge({QStringLiteral("--bus"), bridge.address()});
+    QCOMPARE(second.status, 3);
+    QVERIFY2(second.errors.contains(serviceName.toLatin1()), second.errors.constData());
+    QCOMPARE(bridge.pid(), owner);
+}
+
+/// Of the two owners the first allows it or not; whichever it is, one is left and answers.
+void tst_BridgeProgram::replacesWhenAskedTo()
+{
+    BridgeFixture bridge;
+    const qint64 owner = bridge.pid();
+    ChildProcess second;
+    second.start(QStringLiteral(BRIDGE_PROGRAM),
+        {QStringLiteral("--bus"), bridge.address(), QStringLiteral("--replace")});
+    QVERIFY(second.waitForStarted());
+    QTRY_VERIFY(bridge.pid() == second.processId() || second.state() == QProcess::NotRunning);
+    QVERIFY2(bridge.pid() != owner, second.readAllStandardError().constData());
+    QVERIFY(bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion")).ok());
+    second.terminate();
+    QVERIFY(second.waitForFinished(2000));
+    QCOMPARE(second.exitCode(), 0);
+}
+
+void tst_BridgeProgram::endsWithTheBus()
+{
+    ChildProcess program;
+    {
+        BridgeFixture bus(BridgeFixture::Activated);
+        program.start(QStringLiteral(BRIDGE_PROGRAM), {QStringLiteral("--bus"), bus.address()});
+        QTRY_VERIFY(bus.bus().interface()->isServiceRegistered(serviceName));
+    }
+    QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(5000));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+}
+
+void tst_BridgeProgram::staysWhileItHasClients()
+{
+    BridgeFixture bridge(
+        BridgeFixture::Activated, {QStringLiteral("--idle-exit"), QStringLiteral("1")});
+    const auto running = [&bridge] {
+        return bool(bridge.bus().interface()->isServiceRegistered(serviceName));
+    };
+    {
+        QDBusConnection client =
+            QDBusConnection::connectToBus(bridge.address(), QStringLiteral("client"));
+        QDBusMessage hello = QDBusMessage::createMethodCall(
+            serviceName, managerPath, managerInterface, QStringLiteral("GetServers"));
+        QVERIFY(Call(client.asyncCall(hello)).wait().ok());
+        QVERIFY(!QTest::qWaitFor([&] { return !running(); }, 2500));
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+    QTRY_VERIFY(!running());
+
+    QVERIFY(bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion")).ok());
+    QVERIFY(running());
+    bridge.call(managerPath, managerInterface, QStringLiteral("Release"));
+    QTRY_VERIFY(!running());
+}
+
+void tst_BridgeProgram::managerAnswers()
+{
+    BridgeFixture bridge;
+    QVERIFY(!bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion"))
+                 .value()
+                 .toString()
+                 .isEmpty());
+    const QVector<QPair<QString, QVariantList>> accepted{{QStringLiteral("Rescan"), {}},
+        {QStringLiteral("SetProtocolInfo"), {QStringLiteral("http-get:*:audio/mpeg:*")}},
+        {QStringLiteral("PreferLocalAddresses"), {true}}};
+    for (const auto &[method, arguments] : accepted)
+        QCOMPARE(bridge.call(managerPath, managerInterface, method, arguments).message, QString());
+    QCOMPARE(bridge.call(managerPath, managerInterface, QStringLiteral("Rescan"), {1}).error,
+        QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
+    QCOMPARE(bridge.call(managerPath, managerInterface, QStringLiteral("Bogus")).error,
+        QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
+    QVERIFY(
+        bridge
+            .call(managerPath, QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))
+            .ok());
+}
+
+void tst_BridgeProgram::pathsNobodyHasAreErrors_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("error");
+    const QString unknown = QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod");
+    const QString bad = QStringLiteral("com.intel.dleyna.BadPath"),
+                  udn = QStringLiteral("uuid:known");
+    QTest::newRow("no server of this name") << serverPath(QStringLiteral("uuid:none")) << unknown;
+    QTest::newRow("an object of no server")
+        << objectPath(QStringLiteral("uuid:none"), QStringLiteral("1")) << unknown;
+    QTest::newRow("no hex") << serverPath(udn) + QStringLiteral("/xyz") << bad;
+    QTest::newRow("an odd number of digits") << serverPath(udn) + QStringLiteral("/123") << bad;
+    QTest::newRow("two elements") << serverPath(udn) + QStringLiteral("/31/32") << bad;
+    QTest::newRow("above the servers") << managerPath + QStringLiteral("/server") << unknown;
+    QTest::newRow("elsewhere") << QStringLiteral("/org/example") << unknown;
+}
+
+void tst_BridgeProgram::pathsNobodyHasAreErrors()
+{
+    BridgeFixture bridge;
+    ScriptedUpnpServer server(QStringLiteral("uuid:known"));
+    QVERIFY(!bridge.add(server).isEmpty());
+    QFETCH(QString, path);
+    QTEST(bridge.list(path).error, "error");
+    QVERIFY(!bridge.list(path).message.isEmpty());
+}
+
+BRIDGE_TEST_MAIN(tst_BridgeProgram)
+#include "tst_BridgeProgram.moc"

@@ -1,0 +1,288 @@
+#include "BridgeFixture.h"
+#include "ScriptedUpnpServer.h"
+#include "TestNamespace.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+const QString folder = QStringLiteral("f");
+
+/// A server with a folder of ten.
+std::unique_ptr<ScriptedUpnpServer> newServer(const QString &udn = newUdn())
+{
+    auto server = std::make_unique<ScriptedUpnpServer>(udn);
+    server->tree.addFolder(folder, QStringLiteral("0"), QStringLiteral("Folder"), 10);
+    return server;
+}
+
+/// A scripted server in a process of its own, which can be stopped and killed.
+class ServerProcess
+{
+public:
+    explicit ServerProcess(const QString &udn)
+    {
+        QFile script(m_folder.filePath(QStringLiteral("script.json")));
+        if (!script.open(QIODevice::WriteOnly))
+            qFatal("%s", qPrintable(script.errorString()));
+        script.write(QStringLiteral(R"({"udn":"%1","objects":[{"id":"f","generated":10}]})")
+                         .arg(udn)
+                         .toUtf8());
+        script.close();
+        start();
+    }
+    void start()
+    {
+        const QString ready = m_process.startAndReadLine(QStringLiteral(SCRIPTED_UPNP_SERVER),
+            {m_folder.filePath(QStringLiteral("script.json"))});
+        QVERIFY2(ready.startsWith(QLatin1String("listening")),
+            m_process.readAllStandardError().constData());
+    }
+    void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    ChildProcess m_process;
+};
+
+} // namespace
+
+class tst_BridgeServers : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<BridgeFixture> bridge;
+
+    Answer listFolder(const QString &udn) { return bridge->list(objectPath(udn, folder)); }
+    int foundCount(const QString &path) const { return bridge->found().count(path); }
+    int lostCount(const QString &path) const { return bridge->lost().count(path); }
+
+private Q_SLOTS:
+    void init() { bridge = std::make_unique<BridgeFixture>(); }
+    void cleanup() { bridge.reset(); }
+
+    void serversThatHangDelayOnlyThemselves();
+    void callsToOneServerOverlap();
+    void droppedConnectionsLoseNoServer();
+    void aServerOnSeveralAddressesIsOne();
+    void aKilledServerIsLostAndFoundAgain();
+    void aServerThatVanishesAndReturnsElsewhereIsFoundAgain();
+    void onlyWhatWasAnnouncedIsLost();
+    void aBounceIsSettledInside();
+    void pendingCallsOfALostServerEnd();
+    void aStartingServiceMissesNoServer();
+    void aCrashOfTheServiceIsSurvived();
+};
+
+void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
+{
+    const auto good = newServer(), hanging = newServer();
+    const QString stoppedUdn = newUdn();
+    ServerProcess stopped(stoppedUdn);
+    QVERIFY(!bridge->add(*good).isEmpty());
+    QVERIFY(!bridge->add(*hanging).isEmpty());
+    QVERIFY(!bridge->waitForServer(stoppedUdn).isEmpty());
+    hanging->behaviour.hang = QStringList{QStringLiteral("Browse"), QStringLiteral("Search")};
+    stopped.signal(SIGSTOP);
+    QVector<Call> stuck;
+    for (const QString &udn : {hanging->udn(), stoppedUdn})
+        stuck += {bridge->startListing(objectPath(udn, folder), 0, 0),
+            bridge->start(serverPath(udn), containerInterface, QStringLiteral("SearchObjectsEx"),
+                {QStringLiteral("Artist = \"x\""), 0U, 0U, QStringList(), QString()})};
+    QVERIFY(QTest::qWaitFor([&] { return hanging->held() == 2; }));
+
+    for (int i = 0; i < 20; ++i) {
+        const Answer answer = listFolder(good->udn());
+        QCOMPARE(answer.message, QString());
+        QVERIFY2(answer.milliseconds < 500, qPrintable(QString::number(answer.milliseconds)));
+    }
+    QCOMPARE(bridge->servers().size(), 3);
+    for (Call &call : stuck) {
+        const Answer answer = call.wait();
+        QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));
+        QVERIFY2(answer.message.contains(QLatin1String("second"), Qt::CaseInsensitive)
+                || answer.message.contains(QLatin1String("time"), Qt::CaseInsensitive),
+            qPrintable(answer.message));
+        QVERIFY2(answer.milliseconds <= 15000, qPrintable(QString::number(answer.milliseconds)));
+    }
+    stopped.signal(SIGCONT);
+    hanging->behaviour.hang.clear();
+    QTRY_COMPARE_WITH_TIMEOUT(listFolder(stoppedUdn).rows().size(), 10, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(listFolder(hanging->udn()).rows().size(), 10, 5000);
+}
+
+void tst_BridgeServers::callsToOneServerOverlap()
+{
+    const auto server = newServer();
+    QVERIFY(!bridge->add(*server).isEmpty());
+    server->behaviour.delay = 400;
+    QVector<Call> calls;
+    for (int i = 0; i < 5; ++i)
+        calls.append(bridge->startListing(objectPath(server->udn(), folder), 0, 0));
+    for (Call &call : calls) {
+        const Answer answer = call.wait();
+        QCOMPARE(answer.rows().size(), 10);
+        QVERIFY2(answer.milliseconds < 1600, qPrintable(QString::number(answer.milliseconds)));
+    }
+}
+
+void tst_BridgeServers::droppedConnectionsLoseNoServer()
+{
+    const auto server = newServer();
+    const QString path = bridge->add(*server);
+    server->behaviour.drop = QStringList{QStringLiteral("Browse")};
+    const Answer answer = listFolder(server->udn());
+    QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));
+    QVERIFY(answer.milliseconds < 5000);
+    server->behaviour.drop.clear();
+    QCOMPARE(listFolder(server->udn()).rows().size(), 10);
+    server->leave();
+    QTRY_COMPARE(lostCount(path), 1);
+    QCOMPARE(foundCount(path), 1);
+}
+
+void tst_BridgeServers::aServerOnSeveralAddressesIsOne()
+{
+    QCOMPARE(addTestInterface(QStringLiteral("lan1"),
+                 {QStringLiteral("10.78.0.1/24"), QStringLiteral("fd78::1/64")}),
+        QString());
+    QCOMPARE(addTestInterface(QStringLiteral("lan2"),
+                 {QStringLiteral("10.79.0.1/24"), QStringLiteral("fd79::1/64")}),
+        QString());
+    bridge = std::make_unique<BridgeFixture>();
+    const auto server = newServer(), other = newServer();
+    const QString path = bridge->add(*server);
+    QVERIFY(!bridge->add(*other).isEmpty());
+    QCOMPARE(bridge->servers().count(path), 1);
+    QCOMPARE(bridge->servers().size(), 2);
+    QCOMPARE(foundCount(path), 1);
+
+    removeTestInterface(QStringLiteral("lan1"));
+    removeTestInterface(QStringLiteral("lan2"));
+    QTRY_COMPARE_WITH_TIMEOUT(listFolder(server->udn()).rows().size(), 10, 20000);
+    server->leave();
+    QTRY_COMPARE(lostCount(path), 1);
+    QCOMPARE(foundCount(path), 1);
+    QCOMPARE(bridge->servers(), QStringList{serverPath(other->udn())});
+}
+
+void tst_BridgeServers::aKilledServerIsLostAndFoundAgain()
+{
+    const QString udn = newUdn(), path = serverPath(udn);
+    ServerProcess server(udn);
+    QVERIFY(!bridge->waitForServer(udn).isEmpty());
+    QCOMPARE(listFolder(udn).rows().size(), 10);
+    server.kill();
+    QVERIFY(!listFolder(udn).ok());
+    QTRY_COMPARE_WITH_TIMEOUT(lostCount(path), 1, 5000);
+    QCOMPARE(bridge->servers(), QStringList());
+    QCOMPARE(listFolder(udn).error, QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
+    bridge->forgetSignals();
+    server.start();
+    QTRY_COMPARE_WITH_TIMEOUT(foundCount(path), 1, 2000);
+    QCOMPARE(listFolder(udn).rows().size(), 10);
+}
+
+/// A router gave it another port, and it never said that it had gone.
+void tst_BridgeServers::aServerThatVanishesAndReturnsElsewhereIsFoundAgain()
+{
+    const QString udn = newUdn();
+    auto server = newServer(udn);
+    QVERIFY(!bridge->add(*server).isEmpty());
+    server->vanish();
+    server = newServer(udn);
+    QCOMPARE(server->start(), QString());
+    QTRY_COMPARE_WITH_TIMEOUT(listFolder(udn).rows().size(), 10, 10000);
+    QCOMPARE(bridge->servers(), QStringList{serverPath(udn)});
+}
+
+void tst_BridgeServers::onlyWhatWasAnnouncedIsLost()
+{
+    const auto good = newServer();
+    std::vector<std::unique_ptr<ScriptedUpnpServer>> bad;
+    for (const bool hangs : {true, false}) {
+        bad.push_back(newServer());
+        (hangs ? bad.back()->behaviour.hang : bad.back()->behaviour.drop)
+            .append(QStringLiteral("description"));
+        QCOMPARE(bad.back()->start(), QString());
+    }
+    QVERIFY(!bridge->add(*good).isEmpty());
+    QTRY_COMPARE(bad.front()->held(), 1);
+    QCOMPARE(bridge->servers(), QStringList{serverPath(good->udn())});
+    for (const auto &server : bad)
+        server->leave();
+    good->leave();
+    QTRY_COMPARE(bridge->lost(), QStringList{serverPath(good->udn())});
+    QCOMPARE(bridge->found(), QStringList{serverPath(good->udn())});
+}
+
+void tst_BridgeServers::aBounceIsSettledInside()
+{
+    const auto server = newServer();
+    const QString path = bridge->add(*server);
+    server->leave();
+    QCOMPARE(server->start(), QString());
+    QTRY_COMPARE(listFolder(server->udn()).rows().size(), 10);
+    server->leave();
+    QTRY_COMPARE(lostCount(path), 1);
+    QCOMPARE(foundCount(path), 1);
+    QCOMPARE(bridge->servers(), QStringList());
+}
+
+void tst_BridgeServers::pendingCallsOfALostServerEnd()
+{
+    const auto server = newServer();
+    const QString path = bridge->add(*server);
+    server->behaviour.hang = QStringList{QStringLiteral("Browse")};
+    Call call = bridge->startListing(path, 0, 0);
+    QTRY_COMPARE(server->held(), 1);
+    server->leave();
+    const Answer answer = call.wait();
+    QVERIFY(!answer.ok() && !answer.message.isEmpty());
+    QVERIFY2(answer.milliseconds < 5000, qPrintable(QString::number(answer.milliseconds)));
+    QTRY_COMPARE(lostCount(path), 1);
+}
+
+void tst_BridgeServers::aStartingServiceMissesNoServer()
+{
+    const auto early = newServer(), another = newServer();
+    QCOMPARE(early->start(), QString());
+    QCOMPARE(another->start(), QString());
+    bridge = std::make_unique<BridgeFixture>(BridgeFixture::Activated);
+    const QStringList listed = bridge->servers();
+    bridge->forgetSignals(); // a client listens only from here on
+    for (const auto &server : {early.get(), another.get()}) {
+        const QString path = serverPath(server->udn());
+        QTRY_COMPARE(listed.count(path) + foundCount(path), 1);
+        QCOMPARE(listFolder(server->udn()).rows().size(), 10);
+    }
+}
+
+void tst_BridgeServers::aCrashOfTheServiceIsSurvived()
+{
+    bridge = std::make_unique<BridgeFixture>(BridgeFixture::Activated);
+    QCOMPARE(bridge->servers(), QStringList());
+    const auto server = newServer();
+    const QString path = bridge->add(*server);
+    QVERIFY(!path.isEmpty());
+    bridge->forgetSignals();
+    const qint64 before = bridge->pid();
+    QVERIFY(before > 0);
+    ::kill(pid_t(before), SIGKILL);
+    QTRY_VERIFY(bridge->pid() != before);
+    const QStringList listed = bridge->servers();
+    QTRY_VERIFY(listed.contains(path) || foundCount(path) == 1);
+    QVERIFY(bridge->pid() != before);
+    QCOMPARE(listFolder(server->udn()).rows().size(), 10);
+}
+
+BRIDGE_TEST_MAIN(tst_BridgeServers)
+#include "tst_BridgeServers.moc"

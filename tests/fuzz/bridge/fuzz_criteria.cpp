@@ -1,0 +1,17 @@
+#include "core/SearchCriteria.h"
+
+#include <cstdlib>
+
+using namespace bridge;
+
+/// A query is either translated or has a sentence that says why not.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const std::string text(reinterpret_cast<const char *>(data), size);
+    const Criteria search = searchCriteria(text, "/com/intel/dLeynaServer/server/uuid_3a1");
+    if (search.isValid() && search.text.empty())
+        abort();
+    sortCriteria(text, splitList(text));
+    capabilityNames(splitList(text));
+    return 0;
+}
