@@ -115,8 +115,14 @@ void tst_CMWorker::aDestroyedWorkerIsForgotten()
         QVERIFY(CMRoot()->mount(&sync));
     }
     QVERIFY(askSet(*CMRoot(), "brief", 1).error().isError());
-    HeldWorker next("brief");
-    QVERIFY(CMRoot()->mount(&next));
+    // Heard before the root hears of it: the worker is still mounted and already gone.
+    CMReply<QVariant> meanwhile;
+    auto next = std::make_unique<HeldWorker>("brief");
+    connect(next.get(), &QObject::destroyed, this,
+        [&meanwhile] { meanwhile = askSet(*CMRoot(), "brief", 1); });
+    QVERIFY(CMRoot()->mount(next.get()));
+    next.reset();
+    QVERIFY(meanwhile.error().message().toString().contains("gone"));
 }
 
 void tst_CMWorker::requestsInFlightEndUnanswered()
