@@ -11,8 +11,9 @@ std::vector<std::string> stringsOf(GVariant *list)
     std::vector<std::string> strings;
     GVariantIter iter;
     const char *text = nullptr;
+    const bool isPaths = g_variant_is_of_type(list, G_VARIANT_TYPE_OBJECT_PATH_ARRAY) != FALSE;
     g_variant_iter_init(&iter, list);
-    while (g_variant_iter_loop(&iter, "&s", &text))
+    while (g_variant_iter_next(&iter, isPaths ? "&o" : "&s", &text))
         strings.emplace_back(text);
     return strings;
 }
@@ -26,6 +27,29 @@ GVariant *rowsVariant(std::vector<Variant> &rows)
         children.push_back(row.get());
     return g_variant_new_array(G_VARIANT_TYPE_VARDICT, children.data(), children.size());
 }
+
+/// Property map of an object that could not be read, floating.
+GVariant *errorRow(const std::string &path, const Failure &failure)
+{
+    GVariantBuilder row;
+    g_variant_builder_init(&row, G_VARIANT_TYPE_VARDICT);
+    GVariantDict error;
+    g_variant_dict_init(&error, nullptr);
+    g_variant_dict_insert(&error, "ID", "i", 0);
+    g_variant_dict_insert_value(&error, "Message", textVariant(failure.text));
+    g_variant_builder_add(&row, "{sv}", "Path", g_variant_new_object_path(path.c_str()));
+    g_variant_builder_add(&row, "{sv}", "Error", g_variant_dict_end(&error));
+    return g_variant_builder_end(&row);
+}
+
+/// The rows of several objects that are read at once; answers when the last reader lets go of it.
+struct ObjectRows
+{
+    BusCallPtr call;
+    std::vector<Variant> rows;
+
+    ~ObjectRows() { call->reply(g_variant_new("(@aa{sv})", rowsVariant(rows))); }
+};
 
 } // namespace
 
@@ -98,6 +122,35 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     request.criteria = criteria.text;
     request.sort = order.text;
     runListing(call, target, std::move(request), isExtended);
+}
+
+/// Reads each object by itself; one that fails has its error in its row.
+void MediaService::browseObjects(const BusCallPtr &call, const Target &target)
+{
+    GVariant *paths = nullptr;
+    GVariant *filter = nullptr;
+    g_variant_get(call->arguments(), "(@ao@as)", &paths, &filter);
+    const PropertySet wanted = propertySetFromFilter(stringsOf(ownVariant(filter).get()));
+    const auto result = std::make_shared<ObjectRows>();
+    result->call = call;
+    const std::vector<std::string> objects = stringsOf(ownVariant(paths).get());
+    result->rows.resize(objects.size());
+    for (size_t i = 0; i < objects.size(); ++i) {
+        const auto address = parseObjectPath(objects[i]);
+        const std::string serverPath = target.server->context().path;
+        if (!address || objectPath(serverPath, address->objectId) != objects[i]) {
+            const Failure failure{errors::badPath, "The path is not one of this server's objects."};
+            result->rows[i] = ownVariant(errorRow(objects[i], failure));
+            continue;
+        }
+        target.server->readObject(address->objectId, wanted, call->cancellable(),
+            [result, wanted, i, path = objects[i], server = target.server](
+                const Failure &failure, const MediaObject &object) {
+                result->rows[i] =
+                    ownVariant(failure.name.empty() ? propertyMap(object, wanted, server->context())
+                                                    : errorRow(path, failure));
+            });
+    }
 }
 
 void MediaService::runListing(

@@ -38,6 +38,9 @@ constexpr const char *fixedInterfaces = R"xml(
 </interface>
 <interface name="com.intel.dLeynaServer.MediaDevice">
  <method name="Cancel"/>
+ <method name="BrowseObjects">
+  <arg name="Objects" type="ao"/><arg name="Filter" type="as"/>
+  <arg name="Children" type="aa{sv}" direction="out"/></method>
  <method name="UploadToAnyContainer">
   <arg name="DisplayName" type="s"/><arg name="FilePath" type="s"/>
   <arg name="UploadId" type="u" direction="out"/><arg name="Path" type="o" direction="out"/></method>

@@ -87,6 +87,7 @@ const std::vector<MediaService::Method> &MediaService::methods()
         {interfaces::manager, "PreferLocalAddresses", &S::accept},
         {interfaces::manager, "Rescan", &S::rescan},
         {interfaces::device, "Cancel", &S::cancel},
+        {interfaces::device, "BrowseObjects", &S::browseObjects},
         {interfaces::device, "UploadToAnyContainer", &S::refuseChange},
         {interfaces::device, "CreateContainerInAnyContainer", &S::refuseChange},
         {interfaces::object, "Delete", &S::refuseChange},

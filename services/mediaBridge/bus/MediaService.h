@@ -58,6 +58,7 @@ private:
     void listItems(const BusCallPtr &call, const Target &target);
     void search(const BusCallPtr &call, const Target &target);
     void list(const BusCallPtr &call, const Target &target, ListKind kind);
+    void browseObjects(const BusCallPtr &call, const Target &target);
     void runListing(
         const BusCallPtr &call, const Target &target, ListRequest request, bool withTotal);
 

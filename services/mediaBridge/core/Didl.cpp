@@ -3,9 +3,7 @@
 #include "core/Numbers.h"
 #include "core/Xml.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <glib.h>
 
 namespace bridge {
 
@@ -95,49 +93,6 @@ void readObjectAttributes(MediaObject &object, const xmlNode *element)
         else if (name == "dlnaManaged")
             object.dlnaManaged = static_cast<uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
     }
-}
-
-/// Whether what follows an "&" makes it a reference, as in `amp;` or `#38;`.
-bool isReference(std::string_view rest)
-{
-    constexpr size_t longest = 10;
-    const size_t end = rest.substr(0, longest).find(';');
-    if (end == std::string_view::npos || end == 0)
-        return false;
-    const auto isNameCharacter = [](char c) {
-        return g_ascii_isalnum(c) || c == '#';
-    };
-    return std::all_of(rest.begin(), rest.begin() + static_cast<long>(end), isNameCharacter);
-}
-
-/// Where the next character stands that XML doesn't allow as it is.
-size_t findForbidden(std::string_view text, size_t start)
-{
-    for (size_t i = start; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        const bool isControl = c < 0x20 && c != '\t' && c != '\n' && c != '\r';
-        if (isControl || (c == '&' && !isReference(text.substr(i + 1))))
-            return i;
-    }
-    return std::string_view::npos;
-}
-
-/// The text without control characters and with every lone "&" escaped: behind one of those, the
-/// parser's recovery loses more than the character.
-std::string repaired(std::string_view text)
-{
-    std::string clean;
-    clean.reserve(text.size() + 64);
-    size_t done = 0;
-    for (size_t bad = findForbidden(text, 0); bad != std::string_view::npos;
-         bad = findForbidden(text, done)) {
-        clean += text.substr(done, bad - done);
-        if (text[bad] == '&')
-            clean += "&amp;";
-        done = bad + 1;
-    }
-    clean += text.substr(done);
-    return clean;
 }
 
 std::pair<std::string, bool> readCreateClass(const xmlNode *element)
@@ -236,8 +191,7 @@ std::optional<std::vector<MediaObject>> parseDidl(std::string_view didl)
     if (didl.find_first_not_of(" \t\r\n") == std::string_view::npos)
         return objects;
     // It came inside a decoded XML text, so it is UTF-8 whatever its declaration says.
-    const bool isClean = findForbidden(didl, 0) == std::string_view::npos;
-    const XmlDoc doc = isClean ? parseXml(didl, "UTF-8") : parseXml(repaired(didl), "UTF-8");
+    const XmlDoc doc = parseXml(didl, "UTF-8");
     if (!doc)
         return std::nullopt;
     const xmlNode *root = xmlDocGetRootElement(doc.get());

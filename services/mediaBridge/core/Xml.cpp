@@ -1,11 +1,56 @@
 #include "core/Xml.h"
 
+#include <algorithm>
 #include <climits>
+#include <glib.h>
 #include <libxml/parser.h>
 
 namespace bridge {
 
 namespace {
+
+/// Whether what follows an "&" makes it a reference, as in `amp;` or `#38;`.
+bool isReference(std::string_view rest)
+{
+    constexpr size_t longest = 10;
+    const size_t end = rest.substr(0, longest).find(';');
+    if (end == std::string_view::npos || end == 0)
+        return false;
+    const auto isNameCharacter = [](char c) {
+        return g_ascii_isalnum(c) || c == '#';
+    };
+    return std::all_of(rest.begin(), rest.begin() + static_cast<long>(end), isNameCharacter);
+}
+
+/// Where the next character stands that XML doesn't allow as it is.
+size_t findForbidden(std::string_view text, size_t start)
+{
+    for (size_t i = start; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        const bool isControl = c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+        if (isControl || (c == '&' && !isReference(text.substr(i + 1))))
+            return i;
+    }
+    return std::string_view::npos;
+}
+
+/// The text without control characters and with every lone "&" escaped: behind one of those, the
+/// parser's recovery loses more than the character.
+std::string repaired(std::string_view text)
+{
+    std::string clean;
+    clean.reserve(text.size() + 64);
+    size_t done = 0;
+    for (size_t bad = findForbidden(text, 0); bad != std::string_view::npos;
+         bad = findForbidden(text, done)) {
+        clean += text.substr(done, bad - done);
+        if (text[bad] == '&')
+            clean += "&amp;";
+        done = bad + 1;
+    }
+    clean += text.substr(done);
+    return clean;
+}
 
 std::string_view view(const xmlChar *text)
 {
@@ -42,6 +87,11 @@ XmlDoc parseXml(std::string_view text, const char *encoding)
     if (start == std::string_view::npos || text.size() > INT_MAX)
         return nullptr;
     text.remove_prefix(start);
+    std::string clean;
+    if (findForbidden(text, 0) != std::string_view::npos) {
+        clean = repaired(text);
+        text = clean;
+    }
     constexpr int options = XML_PARSE_RECOVER | XML_PARSE_NONET | XML_PARSE_NOERROR
         | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
     XmlDoc doc(
