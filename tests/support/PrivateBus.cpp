@@ -10,6 +10,7 @@
 #include <QProcess>
 
 #include <csignal>
+#include <dbus/dbus.h>
 #include <sys/prctl.h>
 
 namespace {
@@ -81,6 +82,12 @@ QDBusConnection PrivateBus::open(const QString &name) const
 void PrivateBus::close(const QString &name)
 {
     QDBusConnection::disconnectFromBus(name);
+}
+
+void PrivateBus::limitUnreleasedReplies(long bytes)
+{
+    auto *connection = static_cast<DBusConnection *>(orkaDBusConnection().internalPointer());
+    dbus_connection_set_max_received_size(connection, bytes);
 }
 
 void PrivateBus::settle(const QDBusConnection &service, const std::function<int()> &activity)

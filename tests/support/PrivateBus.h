@@ -30,6 +30,10 @@ public:
     QDBusConnection open(const QString &name) const;
     static void close(const QString &name);
 
+    /// How many bytes of replies the SDK's connection holds that nobody has released, before it
+    /// stops receiving.
+    static void limitUnreleasedReplies(long bytes);
+
     /// Returns when everything has come to rest that the program and `service` still had to tell
     /// each other: no event is left to handle and two rounds to the daemon and back on both
     /// connections moved nothing that `activity` counts. What is held on purpose stays held.

@@ -25,6 +25,7 @@ private slots:
     void dropsALongAnswerWithItsWorker();
     void leavesRequestsUnansweredWhenTheWorkerGoes();
     void answersTenThousandRows();
+    void keepsNoReplyItHasRead();
 };
 
 namespace {
@@ -312,6 +313,36 @@ void tst_Listing::answersTenThousandRows()
     QCOMPARE(rows.value().rows().size(), 10000);
     QCOMPARE(rows.value().rowsCount(), 10000);
     QCOMPARE(firstColumn(rows.value()), numbers(0, 9999));
+}
+
+// On a connection that holds four such replies: read ones, those of another signature, one that was
+// being read when its worker went.
+void tst_Listing::keepsNoReplyItHasRead()
+{
+    World w;
+    PrivateBus::limitUnreleasedReplies(4 << 20);
+    w.addTracks(350);
+    w.start();
+    w.log.setLevel(log4cplus::TRACE_LOG_LEVEL);
+    const QString padding(3000, 'x');
+    for (int i = 0; i < 350; ++i)
+        w.service.tree.setProperty(
+            FakeTree::objectPath(w.server, "t" + QByteArray::number(i)), "Genre", padding);
+    const QVariantList wrong{QString(1 << 20, 'x')};
+    for (int round = 0; round < 6; ++round) {
+        w.log.clear();
+        w.askRows("/uuid:1/31", 0, 349);
+        beginAnswer(&w);
+        w.stop();
+        w.start();
+        w.service.answer({"ListChildren", {}, {}, 1}, wrong);
+        const auto refused = w.askRows("/uuid:1/31", 0, 349);
+        w.settle();
+        const auto rows = w.askRows("/uuid:1/31", 0, 349);
+        w.settle();
+        QCOMPARE(refused.outcome(), failed);
+        QCOMPARE(rows.value().rows().size(), 350);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Listing)

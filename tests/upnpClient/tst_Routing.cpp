@@ -1,5 +1,6 @@
 #include "PluginFixture.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 /// Which call goes out, or which answer comes at once, for which request. Every case has a worker
@@ -17,6 +18,7 @@ private slots:
     void setDataGoesWhereItsPathSays();
     void offersTheContextMenuOfWhatCanBePlayed();
     void anUnknownServerStaysKnownToDataRequests();
+    void tracesWhatItEnters();
 };
 
 namespace {
@@ -272,6 +274,50 @@ void tst_Routing::anUnknownServerStaysKnownToDataRequests()
     QCOMPARE(w.log.count(noNode.arg("upnp:/uuid:2")), 2);
     // Its objects have a path on the bus, though nobody answers there.
     QCOMPARE(object.outcome(), QString("error internal: Failed to retrieve content"));
+}
+
+void tst_Routing::tracesWhatItEnters()
+{
+    World w;
+    w.service.fail({"SearchObjectsEx"});
+    w.askRows("/uuid:1/31", 0, 0);
+    w.settle();
+    w.askData("/uuid:1/31");
+    w.settle();
+    w.askRows("/uuid:1?search=menu", 0, 0);
+    w.askRows("/uuid:1?search=artist&query=x", 0, 0);
+    w.settle();
+    w.askRows("context?path=upnp%3A%2Fuuid%3A1%2F32%3FitemType%3Dtrack", 0, 0);
+    w.askPrepare({"/uuid:1/31?itemType=container"});
+    w.settle();
+    QStringList lines = w.log.lines("TRACE CB_UPnP: ");
+    lines.replaceInStrings("TRACE CB_UPnP: ", "").replaceInStrings("Enter CMUPnPWorker::", "> ");
+    for (const QString &line :
+        lines.filter(QRegularExpression("^> (fillin_roles|checkSearchCap)|^ret=")))
+        lines.removeOne(line);
+    QCOMPARE(lines.join('\n'),
+        QString(
+            "> getRowsRequest: \n"
+            "> handleListRowsRequest: \n"
+            "> on_handleListRows_finished: \n"
+            "> getDataRequest: \n"
+            "> handleListDataRequest: \n"
+            "> on_handleListData_finished: \n"
+            "> getRowsRequest: \n"
+            "> handleSearchMenuRowsRequest: search: menu query: \n"
+            "> getRowsRequest: \n"
+            "> handleSearchRowsRequest: search : artist query x\n"
+            "> on_handleSearchRows_finished: \n"
+            "> getRowsRequest: \n"
+            "Context request path: upnp:context?path=upnp%3A%2Fuuid%3A1%2F32%3FitemType%3Dtrack\n"
+            "sent reply with 3 lines\n"
+            "> setDataRequest: (upnp:/uuid:1/31?itemType=container), path: "
+            "upnp:playlist/prepareItems\n"
+            "> preparePlaylistItems: (upnp:/uuid:1/31?itemType=container)\n"
+            "Preparing search item: upnp:/uuid:1/31?itemType=container\n"
+            "> on_preparePlaylistItems_finished: \n"
+            "> browsePlaylistItems: \n"
+            "> on_browsePlaylistItems_finished: "));
 }
 
 QTEST_GUILESS_MAIN(tst_Routing)

@@ -18,6 +18,7 @@ private slots:
     void answersAnErrorWhereThereIsNoRow_data();
     void answersAnErrorWhereThereIsNoRow();
     void believesTheFirstTotal();
+    void takesTheFirstOfTooManyRows();
     void runsBesideOthersAndGoesWithItsWorker();
 };
 
@@ -168,6 +169,19 @@ void tst_Sampler::believesTheFirstTotal()
     const auto rows = w.sample("0,99,10", 99);
     QCOMPARE(firstColumn(rows.value()), QString("0 10"));
     QCOMPARE(rows.value().rowsCount(), 20);
+}
+
+void tst_Sampler::takesTheFirstOfTooManyRows()
+{
+    World w(9);
+    w.service.answer({"ListChildren"}, [&w](const FakeCall &call) {
+        const uint offset = call.arguments().first().toUInt();
+        return w.service.tree.answer(
+            call.path(), call.member(), {offset, 3U, call.arguments().last()});
+    });
+    const auto rows = w.sample("0,8,4", 9);
+    QCOMPARE(firstColumn(rows.value()), QString("0 4 8"));
+    QCOMPARE(w.log.count("WARN CB_UPnP: Incorrect number of rows in the reply: 3"), 2);
 }
 
 void tst_Sampler::runsBesideOthersAndGoesWithItsWorker()

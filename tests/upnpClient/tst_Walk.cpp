@@ -21,6 +21,7 @@ private slots:
     void takesWhateverIsNoContainerAndHasAUrl();
     void goesAThousandContainersDeep();
     void survivesMoreThanAConnectionHolds();
+    void releasesRepliesAsItGoes();
     void goesOnWhenTheAnswersComeOutOfOrder();
     void dropsALongWalkWithItsWorker();
 };
@@ -270,6 +271,22 @@ void tst_Walk::survivesMoreThanAConnectionHolds()
     const auto rows = w.askRows("/uuid:1/31", 0, 0);
     w.settle();
     QCOMPARE(rows.value().rowsCount(), 12);
+}
+
+// Twenty containers, one in the other, on a connection that holds the listings of four.
+void tst_Walk::releasesRepliesAsItGoes()
+{
+    World w;
+    PrivateBus::limitUnreleasedReplies(4 << 20);
+    w.log.setLevel(log4cplus::ERROR_LOG_LEVEL);
+    QString container = w.folder;
+    for (int depth = 0; depth < 20; ++depth) {
+        const QByteArray number = QByteArray::number(depth);
+        w.tree.addTrack(container, "t" + number, number, {{"Genre", QString(1 << 20, 'x')}});
+        container = w.nest(container, "c" + number);
+    }
+    w.start();
+    QCOMPARE(w.walk().value().toList().size(), 20);
 }
 
 void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()
