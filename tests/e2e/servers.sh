@@ -19,6 +19,7 @@ log_dir=$folder
 network_interface=eth0
 port=8200
 inotify=no
+album_art_names=cover.jpg
 uuid=4d696e69-444c-4e41-9d41-$(printf %s "$name" | cksum | awk '{ printf "%012x", $1 }')
 CONF
     server_kind[$name]=minidlna
