@@ -144,7 +144,10 @@ void writeRows(const Rows &rows, int first, int step)
         number += step;
     }
     table.write();
-    writeLine(QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount));
+    // A server that doesn't know how many there are says 0.
+    writeLine(rows.rowsCount < rows.rows.size()
+            ? QStringLiteral("%1 rows.").arg(rows.rows.size())
+            : QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount));
 }
 
 void writeRoles(const OrkaHash &roles)
