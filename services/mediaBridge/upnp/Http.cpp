@@ -7,7 +7,7 @@ namespace bridge {
 namespace {
 
 constexpr size_t maxBodySize = size_t{64} << 20;
-constexpr size_t chunkSize = size_t{32} << 10;
+constexpr size_t chunkSize = size_t{128} << 10;
 
 /// One request on its way. Owned by itself until it has called back.
 class HttpRequest
