@@ -136,6 +136,16 @@ void checkPlayer(Findings &findings)
               : QStringLiteral("mpv isn't installed; \"orka play\" needs it, or --player."));
 }
 
+/// The part of the chain that is missing, as the failure names it.
+const char *partOf(const Failure &failure)
+{
+    const QString name = failure.error().name();
+    return name == QLatin1String("noBus")         ? "bus"
+        : name == QLatin1String("noMediaService") ? "media service"
+        : name == QLatin1String("noPlugin")       ? "plug-in"
+                                                  : "answer";
+}
+
 class Doctor : public Command
 {
 public:
@@ -155,7 +165,7 @@ public:
             if (failure.status() == WrongUsage || failure.status() == NoAnswer) {
                 throw;
             }
-            findings.add(Findings::Missing, "the chain", failure.sentence());
+            findings.add(Findings::Missing, partOf(failure), failure.sentence());
         }
         return findings.finish();
     }
