@@ -46,4 +46,8 @@ kill "$watching" 2>/dev/null || true
 wait "$watching" || true
 start_bridge
 check "a new run works" Comes "$(orka --json servers | jq -r '.rows[].title')"
+
+status=0
+timeout --preserve-status --signal INT --kill-after 1 3 orka servers --watch >/dev/null 2>&1 || status=$?
+check "an interrupted run ends within a second" 130 "$status"
 finish

@@ -2,6 +2,7 @@
 # The whole chain under use for a long time: the answers stay the same, the media service doesn't grow, and a
 # watching orka sees every departure. Not a part of the tests:
 #   ./run world bash tests/e2e/soak.sh [MINUTES]
+# shellcheck disable=SC2317 # functions that others call
 set -euo pipefail
 . "$WORLD_ROOT/tests/e2e/world.sh"
 . "$WORLD_ROOT/tests/e2e/library.sh"
