@@ -43,6 +43,14 @@ void watchIdle(BusService &bus, Timer &idle, GMainLoop *loop, int seconds)
     wait();
 }
 
+/// Requests that went with their servers end here, and whoever waits for one is told.
+void finishRequests()
+{
+    constexpr int enough = 1000;
+    for (int i = 0; i < enough && g_main_context_iteration(nullptr, FALSE) != FALSE; ++i) {
+    }
+}
+
 int serve(const Options &options, GMainLoop *loop)
 {
     int status = Ended;
@@ -55,15 +63,20 @@ int serve(const Options &options, GMainLoop *loop)
     std::string problem = bus.connect(options.bus);
     if (!problem.empty())
         return say(NoService, problem);
-    ServerRegistry registry(options.interfaces);
-    MediaService service(bus, registry);
-    problem = bus.ownName(options.replace);
-    if (!problem.empty())
-        return say(NoService, problem);
-    service.start();
-    watchIdle(bus, idle, loop, options.idleExitSeconds);
-    logInfo("serving " + std::string(BusService::busName));
-    g_main_loop_run(loop);
+    {
+        ServerRegistry registry(options.interfaces);
+        MediaService service(bus, registry);
+        problem = bus.ownName(options.replace);
+        if (!problem.empty())
+            return say(NoService, problem);
+        service.start();
+        watchIdle(bus, idle, loop, options.idleExitSeconds);
+        logInfo("serving " + std::string(BusService::busName));
+        g_main_loop_run(loop);
+        bus.onCall = [](const BusCallPtr &) {
+        };
+    }
+    finishRequests();
     return status;
 }
 

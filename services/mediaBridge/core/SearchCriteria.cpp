@@ -14,6 +14,23 @@ namespace {
 
 constexpr std::string_view space = " \t\r\n\v\f";
 
+// GUPnP's parser descends into itself with every parenthesis and every "and".
+constexpr size_t maxQueryBytes = 32768;
+constexpr size_t maxNesting = 100;
+
+size_t nestingDepth(std::string_view query)
+{
+    size_t depth = 0;
+    size_t deepest = 0;
+    for (const char c : query) {
+        if (c == '(')
+            deepest = std::max(deepest, ++depth);
+        else if (c == ')' && depth > 0)
+            --depth;
+    }
+    return deepest;
+}
+
 /// One pass over a query that copies it and replaces what has another name on the server.
 class Rewriter
 {
@@ -118,16 +135,25 @@ private:
     std::string m_problem;
 };
 
+/// Made once: every parser that goes leaves a few bytes behind.
+GUPnPSearchCriteriaParser *parser()
+{
+    static GUPnPSearchCriteriaParser *const parser = [] {
+        GUPnPSearchCriteriaParser *made = gupnp_search_criteria_parser_new();
+        // Without a handler an expression counts as refused.
+        g_signal_connect(made, "expression",
+            G_CALLBACK(+[](GUPnPSearchCriteriaParser *, const char *, GUPnPSearchCriteriaOp,
+                            const char *, GError **, void *) -> gboolean { return TRUE; }),
+            nullptr);
+        return made;
+    }();
+    return parser;
+}
+
 std::string parserProblem(const std::string &criteria)
 {
-    const Ref<GUPnPSearchCriteriaParser> parser(gupnp_search_criteria_parser_new());
-    // Without a handler an expression counts as refused.
-    g_signal_connect(parser.get(), "expression",
-        G_CALLBACK(+[](GUPnPSearchCriteriaParser *, const char *, GUPnPSearchCriteriaOp,
-                        const char *, GError **, void *) -> gboolean { return TRUE; }),
-        nullptr);
     GError *error = nullptr;
-    if (gupnp_search_criteria_parser_parse_text(parser.get(), criteria.c_str(), &error))
+    if (gupnp_search_criteria_parser_parse_text(parser(), criteria.c_str(), &error))
         return {};
     const std::string detail = takeMessage(error);
     return detail.empty() ? "It can't be parsed." : detail;
@@ -142,6 +168,8 @@ Criteria searchCriteria(const std::string &query, std::string_view serverPath)
     // D-Bus lets nothing else through; GUPnP's parser leaks over it.
     if (!g_utf8_validate(query.c_str(), static_cast<gssize>(query.size()), nullptr))
         return {{}, "It isn't UTF-8."};
+    if (query.size() > maxQueryBytes || nestingDepth(query) > maxNesting)
+        return {{}, "It is too long or nested too deeply."};
     Criteria criteria = Rewriter(query, serverPath).run();
     if (criteria.isValid())
         criteria.problem = parserProblem(criteria.text);

@@ -157,7 +157,7 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
 bool Listing::isEndOfUnknown(const ActionReply &reply) const
 {
     constexpr int invalidArguments = 402;
-    return m_total == 0 && !m_result.rows.empty() && reply.answer.faultCode == invalidArguments;
+    return m_total == 0 && !m_lastFirstId.empty() && reply.answer.faultCode == invalidArguments;
 }
 
 /// A server that breaks down over a big page may well manage a small one.

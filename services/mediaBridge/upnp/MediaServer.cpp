@@ -42,6 +42,14 @@ void MediaServer::readCapabilities(std::function<void()> done)
     read("GetSortCapabilities", "SortCaps", &MediaServer::m_sortCaps);
 }
 
+void MediaServer::inheritCapabilities(const MediaServer &earlier)
+{
+    if (!m_searchCaps)
+        m_searchCaps = earlier.m_searchCaps;
+    if (!m_sortCaps)
+        m_sortCaps = earlier.m_sortCaps;
+}
+
 void MediaServer::call(const std::string &action, const std::string &operation,
     const SoapArguments &arguments, unsigned timeoutMs, GCancellable *cancellable,
     ActionCallback done)

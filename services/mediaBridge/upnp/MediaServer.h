@@ -48,6 +48,9 @@ public:
     /// answer. `done` is called once, whether or not they could be read.
     void readCapabilities(std::function<void()> done);
 
+    /// Takes what could not be read from an earlier look at the same server.
+    void inheritCapabilities(const MediaServer &earlier);
+
     /// Calls an action. `operation` begins the failure's sentence ("Browse"). `done` is called
     /// once, from the main loop, after `timeoutMs` at most.
     void call(const std::string &action, const std::string &operation,

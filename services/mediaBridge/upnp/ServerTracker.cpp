@@ -14,6 +14,8 @@ constexpr unsigned settleMs = 1'000;
 constexpr unsigned retryMs = 1'000;
 // After ten minutes of asking every second, every ten seconds will do.
 constexpr unsigned patientRetries = 600;
+constexpr unsigned capabilityRetryMs = 5'000;
+constexpr unsigned maxCapabilityRetries = 5;
 constexpr unsigned slowRetryMs = 10'000;
 
 bool looksTheSame(const MediaServer &a, const MediaServer &b)
@@ -50,6 +52,11 @@ ServerTracker::ServerTracker(std::string udn, Announce announce)
     : m_udn(std::move(udn))
     , m_announce(std::move(announce))
 {
+}
+
+ServerTracker::~ServerTracker()
+{
+    soup_session_abort(m_session.get());
 }
 
 void ServerTracker::addRoute(const Route &route)
@@ -136,6 +143,8 @@ void ServerTracker::accept(std::shared_ptr<MediaServer> server)
         return;
     }
     m_withdrawal.stop();
+    if (m_isAnnounced)
+        server->inheritCapabilities(*m_server);
     if (m_isAnnounced && !looksTheSame(*server, *m_server))
         withdraw();
     m_server = std::move(server);
@@ -144,6 +153,17 @@ void ServerTracker::accept(std::shared_ptr<MediaServer> server)
         m_announce(m_server, true);
     }
     finishProbe(true);
+    askAgainForCapabilities();
+}
+
+/// A server that was too busy to say what it can search is asked again; clients hear of the answer
+/// as of a change.
+void ServerTracker::askAgainForCapabilities()
+{
+    if (m_server->searchCaps() || m_capabilityRetries >= maxCapabilityRetries)
+        return;
+    ++m_capabilityRetries;
+    m_retry.start(capabilityRetryMs, [this] { probe(); });
 }
 
 void ServerTracker::finishProbe(bool success)
@@ -166,7 +186,9 @@ void ServerTracker::goneForNow()
 {
     if (m_withdrawal.isRunning())
         return;
-    m_withdrawal.start(settleMs, [self = shared_from_this()] {
+    m_withdrawal.start(settleMs, [weak = weak_from_this()] {
+        // Held, since forgetting it takes it out of the list it is in.
+        const auto self = weak.lock();
         self->withdraw();
         if (self->isForgettable() && self->onForgettable)
             self->onForgettable();

@@ -35,6 +35,10 @@ public:
     using Announce = std::function<void(const std::shared_ptr<MediaServer> &, bool isThere)>;
 
     ServerTracker(std::string udn, Announce announce);
+    /// Ends what is still asked of the server.
+    ~ServerTracker();
+    ServerTracker(const ServerTracker &) = delete;
+    ServerTracker &operator=(const ServerTracker &) = delete;
 
     void addRoute(const Route &route);
     void removeRoute(GUPnPContext *context);
@@ -55,6 +59,7 @@ private:
     void accept(std::shared_ptr<MediaServer> server);
     void finishProbe(bool success);
     void goneForNow();
+    void askAgainForCapabilities();
 
     std::string m_udn;
     Announce m_announce;
@@ -66,6 +71,7 @@ private:
     bool m_mustProbeAgain = false;
     bool m_sawRefusal = false;
     unsigned m_failedProbes = 0;
+    unsigned m_capabilityRetries = 0;
     Timer m_withdrawal;
     Timer m_retry;
 };
