@@ -30,7 +30,7 @@ ContainerWalk::ContainerWalk(CMUPnPWorker *worker, DBusBarrier *barrier)
 
 bool ContainerWalk::step()
 {
-    QVariantMap object;
+    ObjectProperties object;
     if (m_objects.next(&object)) {
         visit(object);
         return true;
@@ -67,20 +67,20 @@ void ContainerWalk::readCall(QDBusPendingCallWatcher *call)
     m_context = ReplyContext();
     LOG4CPLUS_DEBUG(upnpLog(), "browse finished call: " << m_callName);
     if (m_callName == walk::trackCall())
-        visit(QDBusPendingReply<QVariantMap>(*call).value());
+        visit(ObjectProperties(QDBusPendingReply<QVariantMap>(*call).value()));
     else
         m_objects.open(QDBusPendingReply<PropertyMaps>(*call).reply());
 }
 
-void ContainerWalk::visit(const QVariantMap &object)
+void ContainerWalk::visit(const ObjectProperties &object)
 {
     ++m_position;
-    const auto path = object.value(QStringLiteral("Path")).value<QDBusObjectPath>();
+    const auto path = object.value(ObjectProperties::Path).value<QDBusObjectPath>();
     if (m_barrier->visited.contains(path.path()))
         return;
     m_barrier->visited.insert(path.path());
 
-    if (object.value(QStringLiteral("Type")).toString() == QLatin1String("container")) {
+    if (object.string(ObjectProperties::Type) == QLatin1String("container")) {
         // '_' sorts after the digits, so containers at larger positions are visited first.
         const QString name =
             m_callName + QStringLiteral("%1").arg(m_position, 5, 10, QLatin1Char('_'));

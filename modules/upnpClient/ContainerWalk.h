@@ -40,7 +40,7 @@ private:
     bool step() override;
     bool takeCall();
     void readCall(QDBusPendingCallWatcher *call);
-    void visit(const QVariantMap &object);
+    void visit(const ObjectProperties &object);
     void listSubContainers();
     void answer();
 

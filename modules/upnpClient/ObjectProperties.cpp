@@ -1,12 +1,10 @@
 #include "ObjectProperties.h"
 
-#include <QStringList>
-
 namespace {
 
 const std::array<QString, ObjectProperties::Count> &names()
 {
-    static const std::array<QString, ObjectProperties::Count> sorted = {
+    static const std::array<QString, ObjectProperties::Count> list = {
         QStringLiteral("Album"),
         QStringLiteral("AlbumArtURL"),
         QStringLiteral("Artist"),
@@ -23,7 +21,7 @@ const std::array<QString, ObjectProperties::Count> &names()
         QStringLiteral("Type"),
         QStringLiteral("URLs"),
     };
-    return sorted;
+    return list;
 }
 
 } // namespace
@@ -31,23 +29,26 @@ const std::array<QString, ObjectProperties::Count> &names()
 ObjectProperties::ObjectProperties(const QVariantMap &map)
     : m_map(map)
 {
-    // Both sides ascend, so they are walked side by side.
-    const auto &sorted = names();
-    auto entry = map.constBegin();
-    int name = 0;
-    while (entry != map.constEnd() && name < Count) {
-        const QString &known = sorted[std::size_t(name)];
-        const int order = entry.key() == known ? 0 : entry.key().compare(known);
-        if (order == 0)
-            m_values[std::size_t(name)] = &entry.value();
-        if (order <= 0)
-            ++entry;
-        if (order >= 0)
-            ++name;
-    }
+    for (auto entry = map.begin(); entry != map.end(); ++entry)
+        set(nameOf(entry.key()), entry.value());
 }
 
-QStringList ObjectProperties::strings(Name name) const
+ObjectProperties::Name ObjectProperties::nameOf(const QString &text)
 {
-    return has(name) ? m_values[name]->toStringList() : QStringList();
+    // Most names differ in their length already, so looking at all of them is the quickest way.
+    int name = 0;
+    for (const QString &known : names()) {
+        if (known.size() == text.size() && known == text)
+            break;
+        ++name;
+    }
+    return Name(name);
+}
+
+void ObjectProperties::set(Name name, const QVariant &value)
+{
+    if (name == Count)
+        return;
+    m_values[std::size_t(name)] = value;
+    m_present |= 1U << name;
 }

@@ -4,12 +4,10 @@
 
 #include <array>
 
-/// The properties of one media object that the plug-in knows, found in its property map in one
-/// pass. Keeps a reference to the map.
+/// The properties of one media object that the plug-in uses, each in a place of its own.
 class ObjectProperties
 {
 public:
-    /// In the ascending order of their names, which the pass relies on.
     enum Name {
         Album,
         AlbumArtURL,
@@ -29,17 +27,27 @@ public:
         Count
     };
 
+    ObjectProperties() = default;
     explicit ObjectProperties(const QVariantMap &map);
 
+    /// `Count` for a name that the plug-in has no use for.
+    static Name nameOf(const QString &text);
+
+    void set(Name name, const QVariant &value);
+    bool has(Name name) const { return (m_present >> name & 1U) != 0; }
+    /// Each converts as Qt does; what is absent gives an invalid value, an empty text, 0 or an
+    /// empty list.
+    const QVariant &value(Name name) const { return m_values[std::size_t(name)]; }
+    QString string(Name name) const { return value(name).toString(); }
+    int integer(Name name) const { return value(name).toInt(); }
+    QStringList strings(Name name) const { return value(name).toStringList(); }
+
+    /// The map that this was made from; empty when the properties came one by one.
     const QVariantMap &map() const { return m_map; }
-    bool has(Name name) const { return m_values[name] != nullptr; }
-    /// Each converts as Qt does; what is absent gives an empty text, 0 or an empty list.
-    QString string(Name name) const { return has(name) ? m_values[name]->toString() : QString(); }
-    int integer(Name name) const { return has(name) ? m_values[name]->toInt() : 0; }
-    QStringList strings(Name name) const;
-    QVariant value(Name name) const { return has(name) ? *m_values[name] : QVariant(); }
 
 private:
-    const QVariantMap &m_map;
-    std::array<const QVariant *, Count> m_values{};
+    std::array<QVariant, Count> m_values;
+    /// A bit for each name: an invalid value can be present.
+    unsigned m_present = 0;
+    QVariantMap m_map;
 };

@@ -46,7 +46,7 @@ PreparedItems::PreparedItems(CMUPnPWorker *worker, DBusBarrier *barrier)
 
 bool PreparedItems::step()
 {
-    QVariantMap object;
+    ObjectProperties object;
     if (m_found.next(&object))
         append(object);
     else if (m_barrier->containsCall(preparation::directItemCall(m_track)))
@@ -68,7 +68,7 @@ void PreparedItems::takeTrack()
         takeProperties(m_barrier->getCall(preparation::directObjectCall(m_track)));
     for (auto it = objectProperties.begin(); it != objectProperties.end(); ++it)
         properties.insert(it.key(), it.value());
-    append(properties);
+    append(ObjectProperties(properties));
     ++m_track;
 }
 
@@ -87,7 +87,7 @@ void PreparedItems::openSearch()
     ++m_search;
 }
 
-void PreparedItems::append(const QVariantMap &object)
+void PreparedItems::append(const ObjectProperties &object)
 {
     const OrkaPlayListItem item = m_worker->fillin_playlistItem(object, &m_context);
     if (!item.isEmpty())

@@ -30,7 +30,7 @@ private:
     bool step() override;
     void takeTrack();
     void openSearch();
-    void append(const QVariantMap &object);
+    void append(const ObjectProperties &object);
     void answer();
 
     CMUPnPWorker *m_worker;

@@ -1,17 +1,29 @@
 #include "PropertyMapReader.h"
 
+#include "log.h"
+
 #include <QDBusVariant>
 
 #include <utility>
 
-PropertyMapReader::PropertyMapReader(const QDBusMessage &reply)
+namespace {
+
+using P = ObjectProperties;
+
+/// The whole map, for the line that shows it.
+QVariantMap readMap(const QDBusArgument &argument)
 {
-    open(reply);
+    QVariantMap map;
+    argument >> map;
+    return map;
 }
 
-void PropertyMapReader::open(const QDBusMessage &reply)
+} // namespace
+
+void PropertyMapReader::open(const QDBusMessage &reply, const WantedRoles &wanted)
 {
     close();
+    m_wantsMediaData = wanted.mediaData;
     const QVariant list = reply.arguments().value(0);
     if (list.userType() != qMetaTypeId<QDBusArgument>())
         return;
@@ -19,7 +31,23 @@ void PropertyMapReader::open(const QDBusMessage &reply)
     std::as_const(*m_argument).beginArray();
 }
 
-bool PropertyMapReader::next(QVariantMap *map)
+bool PropertyMapReader::isWanted(P::Name name) const
+{
+    switch (name) {
+    case P::AlbumArtURL:
+    case P::DisplayName:
+    case P::MIMEType:
+    case P::Path:
+    case P::Type:
+        return true;
+    case P::Count:
+        return false;
+    default:
+        return m_wantsMediaData;
+    }
+}
+
+bool PropertyMapReader::next(P *properties)
 {
     if (!m_argument)
         return false;
@@ -29,15 +57,25 @@ bool PropertyMapReader::next(QVariantMap *map)
         close();
         return false;
     }
-    map->clear();
+    if (upnpLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
+        *properties = P(readMap(argument));
+        return true;
+    }
+
+    *properties = P();
     argument.beginMap();
-    QString name;
+    QString text;
     QDBusVariant value;
     while (!argument.atEnd()) {
         argument.beginMapEntry();
-        argument >> name >> value;
+        argument >> text;
+        const P::Name name = P::nameOf(text);
+        // An entry may be left before its value has been read.
+        if (isWanted(name)) {
+            argument >> value;
+            properties->set(name, value.variant());
+        }
         argument.endMapEntry();
-        map->insert(name, value.variant());
     }
     argument.endMap();
     return true;

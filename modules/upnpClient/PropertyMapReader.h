@@ -1,32 +1,35 @@
 #pragma once
 
+#include "ObjectProperties.h"
+#include "ReplyContext.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QVariantMap>
 
 #include <optional>
 
 /// Reads the property maps of a reply (its first argument, aa{sv}) one by one, straight from the
-/// message: nothing is decoded twice and no second copy of a long list is held. The reply's
-/// signature has been checked before. Keeps the message until the last map has been read.
+/// message: nothing is decoded twice, no second copy of a long list is held, and what nobody asks
+/// for is passed over. The reply's signature has been checked before. Keeps the message until the
+/// last map has been read.
 class PropertyMapReader
 {
 public:
-    /// Reads nothing.
     PropertyMapReader() = default;
-    explicit PropertyMapReader(const QDBusMessage &reply);
     PropertyMapReader(const PropertyMapReader &) = delete;
     PropertyMapReader &operator=(const PropertyMapReader &) = delete;
     ~PropertyMapReader() { close(); }
 
-    /// Turns to another reply.
-    void open(const QDBusMessage &reply);
-    /// The next map; false at the end, with `map` untouched.
-    bool next(QVariantMap *map);
+    /// Turns to a reply; `wanted` are the roles that will be made of its objects.
+    void open(const QDBusMessage &reply, const WantedRoles &wanted = WantedRoles());
+    /// The next object; false at the end, or when nothing is open.
+    bool next(ObjectProperties *properties);
 
 private:
+    bool isWanted(ObjectProperties::Name name) const;
     void close();
 
     /// Inside its array.
     std::optional<QDBusArgument> m_argument;
+    bool m_wantsMediaData = true;
 };

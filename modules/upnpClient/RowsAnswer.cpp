@@ -7,10 +7,10 @@ RowsAnswer::RowsAnswer(
     : SlicedWork(worker)
     , m_worker(worker)
     , m_request(request)
-    , m_reader(reply)
     , m_count(count)
 {
     m_context.wanted = WantedRoles(request.roles());
+    m_reader.open(reply, m_context.wanted);
 }
 
 void RowsAnswer::start(
@@ -22,7 +22,7 @@ void RowsAnswer::start(
 
 bool RowsAnswer::step()
 {
-    QVariantMap properties;
+    ObjectProperties properties;
     if (m_reader.next(&properties)) {
         m_rows.append(
             QVariant(m_worker->fillin_childRoles(properties, m_request.roles(), &m_context)));

@@ -52,7 +52,7 @@ public:
     /// One row: the values of `roles`, in their order.
     QVariantList fillin_childRoles(const QVariantMap &properties, const QStringList &roles);
     QVariantList fillin_childRoles(
-        const QVariantMap &properties, const QStringList &roles, ReplyContext *context);
+        const ObjectProperties &properties, const QStringList &roles, ReplyContext *context);
     /// A plain HTTP URL as one on the device's own HTTPS proxy; any other as it is.
     QString handleAlbumArtUrl(const QString &url);
 
@@ -72,7 +72,7 @@ public:
     // cb_upnp_playlist.cpp
     /// An object whose list of URLs is empty gives an empty item.
     OrkaPlayListItem fillin_playlistItem(const QVariantMap &props);
-    OrkaPlayListItem fillin_playlistItem(const QVariantMap &props, ReplyContext *context);
+    OrkaPlayListItem fillin_playlistItem(const ObjectProperties &properties, ReplyContext *context);
     void preparePlaylistItems(const QList<CMPath> &paths, CMSetDataRequest request);
     void browsePlaylistItems(CMSetDataRequest request);
 

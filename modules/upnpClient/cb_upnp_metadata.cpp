@@ -73,13 +73,13 @@ QVariantList CMUPnPWorker::fillin_childRoles(
 {
     ReplyContext context;
     context.wanted = WantedRoles(roles);
-    return fillin_childRoles(properties, roles, &context);
+    return fillin_childRoles(ObjectProperties(properties), roles, &context);
 }
 
 QVariantList CMUPnPWorker::fillin_childRoles(
-    const QVariantMap &properties, const QStringList &roles, ReplyContext *context)
+    const ObjectProperties &properties, const QStringList &roles, ReplyContext *context)
 {
-    return CMGlobal::itemRolesToList(roles, fillin_roles(ObjectProperties(properties), context));
+    return CMGlobal::itemRolesToList(roles, fillin_roles(properties, context));
 }
 
 OrkaRoles CMUPnPWorker::fillin_roles(const ObjectProperties &properties, ReplyContext *context)

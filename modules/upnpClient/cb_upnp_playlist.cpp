@@ -40,12 +40,12 @@ QDBusPendingCall getAll(const QString &path, const QString &interface)
 OrkaPlayListItem CMUPnPWorker::fillin_playlistItem(const QVariantMap &props)
 {
     ReplyContext context;
-    return fillin_playlistItem(props, &context);
+    return fillin_playlistItem(ObjectProperties(props), &context);
 }
 
-OrkaPlayListItem CMUPnPWorker::fillin_playlistItem(const QVariantMap &props, ReplyContext *context)
+OrkaPlayListItem CMUPnPWorker::fillin_playlistItem(
+    const ObjectProperties &properties, ReplyContext *context)
 {
-    const ObjectProperties properties(props);
     OrkaPlayListItem item;
     item.setServiceId(m_serviceId);
     item.setOrkaRoles(fillin_roles(properties, context).toJsonString());
