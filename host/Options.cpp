@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <map>
+#include <regex>
 
 namespace {
 
@@ -10,12 +11,22 @@ constexpr double longest = 86400; // seconds
 
 using Milliseconds = std::chrono::milliseconds;
 
-void addText(CLI::App &app, const char *name, QString &target, const char *help, const char *type)
+CLI::Option *addText(
+    CLI::App &app, const char *name, QString &target, const char *help, const char *type)
 {
-    app.add_option_function<std::string>(
-           name, [&target](const std::string &text) { target = argument(text); }, help)
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string &text) { target = argument(text); }, help)
         ->type_name(type)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+/// What the parser says of a prefix: nothing where it is one.
+std::string isPrefix(const std::string &text)
+{
+    static const std::regex letters("[A-Za-z0-9._-]+");
+    return std::regex_match(text, letters) ? ""
+                                           : "is made of letters, digits, \".\", \"_\" and \"-\"";
 }
 
 void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help)
@@ -40,7 +51,8 @@ void addGlobalOptions(CLI::App &app, Options &options)
     addText(app, "--plugin", options.plugin,
         "The worker's library; the one of this installation where none is named", "FILE");
     addText(app, "--prefix", options.prefix,
-        "First part of the worker's node paths (upnp where none is named)", "NAME");
+        "First part of the worker's node paths (upnp where none is named)", "NAME")
+        ->check(CLI::Validator(isPrefix, "", "prefix"));
     addText(app, "--service-id", options.serviceId, "Service id that the worker puts into its rows",
         "ID");
     addText(app, "--bus", options.bus, "session (the default), system or a D-Bus address",

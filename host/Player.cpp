@@ -89,11 +89,13 @@ int playItems(const PlayListItems &items, const QString &command, bool quietOutp
         tellTrack(items, 0);
     }
 
-    Wait wait(std::chrono::hours(24 * 24)); // what a timer can hold
+    Wait wait(std::chrono::hours(24));
     QObject::connect(&player, &QProcess::stateChanged, &wait, &Wait::wake);
     player.start(program, arguments << playlist.fileName());
     watch.start();
-    wait.until([&player] { return player.state() == QProcess::NotRunning; });
+    while (!wait.until([&player] { return player.state() == QProcess::NotRunning; })) {
+        // For days, if somebody likes.
+    }
     if (player.error() == QProcess::FailedToStart) {
         throw missing(QStringLiteral("noPlayer"),
             QStringLiteral("The player %1 can't be started: %2. Name another with --player.")

@@ -11,7 +11,9 @@ QStringList searchKinds(Session &session, const CMPath &path)
     QStringList kinds;
     const Rows rows = readRows(session, menu, {}, {OrkaRoles::Path()});
     for (const OrkaRoles &row : rows.rows) {
-        kinds.append(row.path().param(key));
+        if (row.path().hasParam(key)) {
+            kinds.append(row.path().param(key));
+        }
     }
     return kinds;
 }

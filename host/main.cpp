@@ -14,7 +14,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -72,6 +74,17 @@ int run(Command &command, const Options &options)
     }
 }
 
+/// A descriptor that the caller closed would be given to the next file that is opened, and the
+/// answer written into that. Written to this one, it fails.
+void occupyStandardDescriptors()
+{
+    int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+        descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
+    close(descriptor);
+}
+
 /// The arguments in reverse, as the parser wants them.
 std::vector<std::string> argumentsOf(int argc, char **argv)
 {
@@ -84,6 +97,7 @@ std::vector<std::string> argumentsOf(int argc, char **argv)
 
 int runProgram(int argc, char **argv)
 {
+    occupyStandardDescriptors();
     int applicationArgc = 1; // all others are the parser's
     const QCoreApplication application(applicationArgc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orka"));

@@ -17,6 +17,7 @@ private slots:
     void cleanup();
     void exitStatuses_data();
     void exitStatuses();
+    void unwritableOutputIsAnError();
     void serversThatArriveLateAreListed();
     void watchTellsArrivalsAndDepartures();
     void lsPagesThroughBigFolders();
@@ -95,6 +96,8 @@ void tst_Commands::exitStatuses_data()
     row({}, 2, "");
     row({"nonsense"}, 2, "nonsense");
     row({"ls"}, 2, "PLACE");
+    row({"ls", ""}, 2, "empty place");
+    row({"--prefix", "", "ls", "Shelf"}, 2, "--prefix");
     row({"ls", "Shelf", "--rows", "5-4"}, 2, "ends before it begins");
     row({"ls", "Shelf", "--wait", "-1"}, 2, "--wait");
     row({"ls", "Shelf", "--wait", "nan"}, 2, "--wait");
@@ -106,6 +109,8 @@ void tst_Commands::exitStatuses_data()
     row({"search", "Shelf", "--artist", "a", "--title", "b"}, 2, "--artist");
     row({"set", "upnp:/shelf", "{"}, 2, "JSON");
     row({"queue", "Shelf", "--json", "--format", "xspf"}, 2, "contradict");
+    row({"search", "/", "--title", "x"}, 1, "can't search");
+    row({"queue", "/"}, 1, "can't be played");
     row({"servers", "--log-config", "/nonexistent"}, 2, "/nonexistent");
     row({"--wait", "0.5", "ls", "Shelv"}, 3, "Did you mean \"Shelf\"");
     row({"ls", "Shelf/Bigg"}, 3, "Did you mean \"Big\"");
@@ -132,6 +137,20 @@ void tst_Commands::exitStatuses()
     } else {
         QVERIFY(orka->errors().startsWith("orka: "));
         QCOMPARE(orka->output(), QByteArray());
+    }
+}
+
+/// Nobody who reads the answer may take half of it for the whole.
+void tst_Commands::unwritableOutputIsAnError()
+{
+    for (const char *redirection : {">/dev/full", ">&-"}) {
+        const QString command = QStringLiteral("\"%1\" --bus \"%2\" --plugin \"%3\" ls Shelf %4")
+                                    .arg(ORKA, m_bus->address(), TEST_WORKER, redirection);
+        QProcess shell;
+        shell.start("/bin/sh", {"-c", command});
+        QVERIFY(shell.waitForFinished(20000));
+        QCOMPARE(shell.exitCode(), 1);
+        QVERIFY(shell.readAllStandardError().contains("could not be written"));
     }
 }
 

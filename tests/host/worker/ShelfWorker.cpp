@@ -93,6 +93,9 @@ void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
 
 void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
 {
+    if (nodes()->getDataRequest(request)) {
+        return;
+    }
     const OrkaRoles node = ShelfTree::node(prefix(), request.path().base());
     if (node.isEmpty()) {
         request.setError(CMError(TrString(QStringLiteral("No such node"))));
