@@ -92,7 +92,7 @@ void PrivateBus::limitUnreleasedReplies(long bytes)
 
 void PrivateBus::settle(const QDBusConnection &service, const std::function<int()> &activity)
 {
-    const QDeadlineTimer deadline(20000);
+    const QDeadlineTimer deadline(45000);
     for (int quietRounds = 0; quietRounds < 2; ++quietRounds) {
         const int before = activity();
         roundTrip(orkaDBusConnection());

@@ -18,6 +18,7 @@ private slots:
     void listsOnlyWhatCanBeRead();
     void aServerFoundAgainReplacesItsRow();
     void aLostServerGoesAndNoOther();
+    void aServerThatMovedIsKnownByItsNewPath();
     void anUnknownLostServerTakesEveryRow();
     void aServerLostWhileItIsReadIsListedAllTheSame();
     void aFailedListIsFilledByLaterSignals_data();
@@ -168,6 +169,24 @@ void tst_UPnPServerList::aLostServerGoesAndNoOther()
     w.service.lose(ten);
     w.settle();
     QCOMPARE(w.rootRows().rowsCount(), 0);
+}
+
+void tst_UPnPServerList::aServerThatMovedIsKnownByItsNewPath()
+{
+    PluginFixture w;
+    const QString oldPath =
+        w.service.tree.addServer("uuid:1", "One", {}, names::serverPrefix + "3");
+    const QString newPath =
+        w.service.tree.addServer("uuid:1", "Moved", {}, names::serverPrefix + "4");
+    w.start();
+    QCOMPARE(firstColumn(w.rootRows()), QString("Moved"));
+    w.askRows("/uuid:1", 0, 9);
+    w.settle();
+    QCOMPARE(w.service.calls({"ListChildren"}).value(0).path(), newPath);
+    w.service.announceLost(oldPath);
+    w.settle();
+    QCOMPARE(w.log.count("ERROR CB_UPnP: Could not remove an UDN; server list out of sync."), 1);
+    QVERIFY(w.worker().serverList()->containsUdn("uuid:1"));
 }
 
 void tst_UPnPServerList::anUnknownLostServerTakesEveryRow()

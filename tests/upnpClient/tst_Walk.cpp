@@ -23,6 +23,7 @@ private slots:
     void survivesMoreThanAConnectionHolds();
     void releasesRepliesAsItGoes();
     void goesOnWhenTheAnswersComeOutOfOrder();
+    void looksUpTheAddressAnewForEveryListing();
     void dropsALongWalkWithItsWorker();
 };
 
@@ -308,6 +309,34 @@ void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()
         w.settle();
     }
     QCOMPARE(itemsText(items.value()), QString("T1 U1 T2 U2 T3 U3"));
+}
+
+void tst_Walk::looksUpTheAddressAnewForEveryListing()
+{
+    const auto publish = [](const QString &ip) {
+        const QVariantHash address{{"ip", ip}};
+        const QVariantHash wired{{"addresses", QVariantList{address}}};
+        CMValueStore::setValue(OrkaNetworkInfoPath(),
+            OrkaHash(QVariantHash{{"networkInfo", QVariantHash{{"wired", wired}}}}));
+    };
+    World w;
+    w.tree.addTrack(w.folder, "a", "A", {{"AlbumArtURL", "http://art"}});
+    const QString inner = w.nest(w.folder, "inner");
+    w.tree.addTrack(inner, "b", "B", {{"AlbumArtURL", "http://art"}});
+    publish("old");
+    w.start();
+    w.service.hold({"ListChildren", inner});
+    const auto items = w.walk();
+    publish("new");
+    w.settle();
+    w.service.release();
+    w.settle();
+    QStringList hosts;
+    for (const QVariant &item : items.value().toList()) {
+        const QString roles = OrkaPlayListItem(OrkaHash::fromVariant(item)).orkaRoles();
+        hosts.append(roles.section("https://", 1).section('/', 0, 0));
+    }
+    QCOMPARE(hosts, (QStringList{"old", "new"}));
 }
 
 void tst_Walk::dropsALongWalkWithItsWorker()
