@@ -138,13 +138,21 @@ BridgeFixture::BridgeFixture(Start start, const QStringList &options)
 
 BridgeFixture::~BridgeFixture()
 {
-    if (m_program.state() == QProcess::Running) {
-        m_program.terminate();
-        if (!m_program.waitForFinished(5000) || m_program.exitCode() != 0)
-            qWarning(
-                "The bridge ended with status %d: %s", m_program.exitCode(), log().constData());
+    const int status = m_stopped ? 0 : stop();
+    if (status != 0) {
+        qWarning("The bridge ended with %d: %s", status, log().constData());
+        QTest::qFail("The bridge ended with another status than 0.", __FILE__, __LINE__);
     }
     QDBusConnection::disconnectFromBus(m_address);
+}
+
+int BridgeFixture::stop()
+{
+    m_stopped = true;
+    if (m_program.state() == QProcess::Running)
+        m_program.terminate();
+    const bool ended = m_program.state() == QProcess::NotRunning || m_program.waitForFinished(5000);
+    return ended && m_program.exitStatus() == QProcess::NormalExit ? m_program.exitCode() : -1;
 }
 
 /// A configuration that can activate nothing, or nothing but the bridge.

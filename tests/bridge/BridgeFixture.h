@@ -67,8 +67,11 @@ public:
     };
 
     explicit BridgeFixture(Start start = Running, const QStringList &options = {});
-    /// Ends the program with SIGTERM and warns where its exit status isn't 0.
+    /// Stops the program; the test has failed where its exit status isn't 0.
     ~BridgeFixture() override;
+    /// Ends the program with SIGTERM, where it still runs; its exit status, -1 where it hung or
+    /// crashed.
+    int stop();
 
     const QString &address() const { return m_address; }
     QDBusConnection bus() const { return m_bus; }
@@ -106,6 +109,7 @@ private Q_SLOTS:
     void onLost(const QDBusObjectPath &path) { m_lost.append(path.path()); }
 
 private:
+    bool m_stopped = false;
     QString busConfiguration(Start start, const QStringList &options);
 
     QTemporaryDir m_folder;

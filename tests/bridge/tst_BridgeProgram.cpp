@@ -83,7 +83,6 @@ void tst_BridgeProgram::theNameIsNeverTakenUnasked()
     QCOMPARE(bridge.pid(), owner);
 }
 
-/// Of the two owners the first allows it or not; whichever it is, one is left and answers.
 void tst_BridgeProgram::replacesWhenAskedTo()
 {
     BridgeFixture bridge;
@@ -94,6 +93,7 @@ void tst_BridgeProgram::replacesWhenAskedTo()
     QVERIFY(second.waitForStarted());
     QTRY_VERIFY(bridge.pid() == second.processId() || second.state() == QProcess::NotRunning);
     QVERIFY2(bridge.pid() != owner, second.readAllStandardError().constData());
+    QCOMPARE(bridge.stop(), 3); // the first has said that it was replaced
     QVERIFY(bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion")).ok());
     second.terminate();
     QVERIFY(second.waitForFinished(2000));

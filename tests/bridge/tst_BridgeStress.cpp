@@ -60,6 +60,9 @@ private Q_SLOTS:
             qInfo("round %d: %lld KiB resident", round + 1, static_cast<long long>(resident));
         }
         QVERIFY(settled > 0);
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("Memory that is kept back for checks grows with every round.");
+#endif
         QVERIFY2(resident <= settled + settled / 10 + 2048,
             "the bridge's memory grows with every round");
     }
