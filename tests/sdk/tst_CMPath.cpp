@@ -128,9 +128,11 @@ void tst_CMPath::everyPathSurvivesTheRoundTrip()
 
 void tst_CMPath::loneSurrogatesBecomeReplacementCharacters()
 {
-    const QString text = QChar(0xd800) + QStringLiteral("a") + QChar(0xdc00);
-    const CMPath path = CMPath::fromEncoded(CMPath("p", text).toEncoded());
-    QCOMPARE(path.base(), QStringLiteral("\ufffda\ufffd"));
+    // Behind what a converter may take for a byte order mark.
+    const QString text = QChar(0xfeff) + QString(QChar(0xd800)) + "a" + QChar(0xdc00)
+        + QString::fromUcs4(U"\U0001F3B5", 1) + QChar(0xd83c);
+    const QString whole = QStringLiteral("\ufeff\ufffda\ufffd\U0001F3B5\ufffd");
+    QCOMPARE(CMPath::fromEncoded(CMPath("p", text).toEncoded()).base(), whole);
 }
 
 void tst_CMPath::tellsAnEmptyParameterFromAnAbsentOne()

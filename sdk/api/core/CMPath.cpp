@@ -5,6 +5,7 @@
 #include <QTextCodec>
 #include <QVector>
 
+#include <algorithm>
 #include <optional>
 
 class CMPathData : public QSharedData
@@ -30,14 +31,39 @@ public:
 };
 
 namespace {
-QString percentEncoded(const QString &text, const QByteArray &exclude = QByteArray())
+bool isUnreserved(QChar c)
 {
-    // Qt's UTF-8 writer would make a question mark of a lone surrogate; by way of UCS-4 it becomes
-    // the replacement character.
-    const QString valid = text.isValidUtf16()
-        ? text
-        : QString::fromUcs4(text.toUcs4().constData(), text.toUcs4().size());
-    return QString::fromLatin1(valid.toUtf8().toPercentEncoding(exclude));
+    const ushort code = c.unicode();
+    return (code >= 'a' && code <= 'z') || (code >= '0' && code <= '9')
+        || (code >= 'A' && code <= 'Z') || code == '-' || code == '.' || code == '_' || code == '~';
+}
+
+// A surrogate without its partner becomes the replacement character; Qt's UTF-8 writer would make a
+// question mark of it.
+QString withWholeCharacters(QString text)
+{
+    for (int at = 0; at < text.size(); ++at) {
+        if (!text.at(at).isSurrogate())
+            continue;
+        const bool isPair = text.at(at).isHighSurrogate() && at + 1 < text.size()
+            && text.at(at + 1).isLowSurrogate();
+        if (isPair)
+            ++at;
+        else
+            text[at] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+// Everything but unreserved characters and those in `plain`.
+QString percentEncoded(const QString &text, const QByteArray &plain = QByteArray())
+{
+    const auto isPlain = [&plain](QChar c) {
+        return isUnreserved(c) || (c.unicode() < 0x80 && plain.contains(c.toLatin1()));
+    };
+    if (std::all_of(text.begin(), text.end(), isPlain))
+        return text;
+    return QString::fromLatin1(withWholeCharacters(text).toUtf8().toPercentEncoding(plain));
 }
 
 bool isHexDigit(char c)

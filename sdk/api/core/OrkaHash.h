@@ -17,6 +17,9 @@
 class ORKA_API_EXPORT OrkaHash
 {
 public:
+    /// A key and its value.
+    using Entry = QPair<QString, QVariant>;
+
     OrkaHash() = default;
     OrkaHash(const QVariantHash &hash); // NOLINT: meant to convert
     /// The record that `value` holds: an `OrkaHash`, a variant hash or a variant map; else empty.
@@ -26,6 +29,9 @@ public:
     int size() const { return m_entries.size(); }
     bool contains(const QString &key) const { return indexOf(key) >= 0; }
     QStringList keys() const;
+    /// The entries in the order of their keys.
+    QVector<Entry>::const_iterator begin() const { return m_entries.begin(); }
+    QVector<Entry>::const_iterator end() const { return m_entries.end(); }
     /// An absent key gives an invalid variant.
     QVariant value(const QString &key) const;
     /// The value where it is, until the record changes; null for an absent key.
@@ -48,7 +54,6 @@ public:
     friend bool operator!=(const OrkaHash &a, const OrkaHash &b) { return !a.equals(b); }
 
 private:
-    using Entry = QPair<QString, QVariant>;
     int indexOf(const QString &key) const;
     bool equals(const OrkaHash &other) const;
 

@@ -191,20 +191,27 @@ void JsonWriter::write(const QVariant &value)
 void JsonWriter::writeRecord(const OrkaHash &record)
 {
     open('{');
-    for (const QString &key : record.keys())
-        writeMember(key, record.value(key));
+    for (const OrkaHash::Entry &entry : record)
+        writeMember(entry.first, entry.second);
     close('}');
 }
 
 void JsonWriter::writeCustom(const QVariant &value)
 {
     const int type = value.userType();
-    if (type == qMetaTypeId<QDBusObjectPath>())
+    // The three that every row has are read in place.
+    if (type == qMetaTypeId<OrkaHash>())
+        writeRecord(*static_cast<const OrkaHash *>(value.constData()));
+    else if (type == qMetaTypeId<TrString>())
+        writeText(static_cast<const TrString *>(value.constData())->toString());
+    else if (type == qMetaTypeId<CMPath>())
+        writeText(static_cast<const CMPath *>(value.constData())->toEncoded());
+    else if (type == qMetaTypeId<QDBusObjectPath>())
         writeText(value.value<QDBusObjectPath>().path());
     else if (type == qMetaTypeId<QDBusVariant>())
         write(value.value<QDBusVariant>().variant());
     else if (value.canConvert<OrkaHash>())
-        writeRecord(value.value<OrkaHash>());
+        writeRecord(OrkaHash::fromVariant(value));
     else if (value.canConvert<QString>())
         writeText(value.toString());
     else

@@ -21,8 +21,8 @@ class OrkaHash;
 /// ("virtual void Class::function(const T &)"); a leading "logger::" is dropped. Any thread.
 ORKA_API_EXPORT std::string dbglog_scopedFunction(const char *prettyFunction, const char *logger);
 
-/// How values look in log lines: text as it is, lists as "(a, b)", maps as "QMap((key, value)(key, value))",
-/// paths in their encoded form, records as JSON.
+/// How values look in log lines: text as it is, lists as "(a, b)", maps as "QMap((key, value)(key,
+/// value))", paths in their encoded form, records as JSON.
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QString &text);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QStringList &texts);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QVariant &value);
