@@ -1,5 +1,6 @@
 #include "upnp/Http.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace bridge {
@@ -7,7 +8,16 @@ namespace bridge {
 namespace {
 
 constexpr size_t maxBodySize = size_t{64} << 20;
-constexpr size_t chunkSize = size_t{128} << 10;
+constexpr size_t firstChunkSize = size_t{16} << 10;
+constexpr size_t largestChunkSize = size_t{256} << 10;
+
+constexpr const char *lastAnswerKey = "orka-last-answer";
+
+/// When the session's server last answered, in microseconds of the monotonic clock; 0 for never.
+int64_t &lastAnswer(SoupSession *session)
+{
+    return *static_cast<int64_t *>(g_object_get_data(G_OBJECT(session), lastAnswerKey));
+}
 
 /// One request on its way. Owned by itself until it has called back.
 class HttpRequest
@@ -17,6 +27,7 @@ public:
         GCancellable *cancellable, HttpCallback done)
     {
         auto *request = new HttpRequest(session, message, std::move(done));
+        request->m_limitMs = timeoutMs;
         request->m_timeout = g_timeout_add(timeoutMs, &HttpRequest::timeOut, request);
         if (cancellable) {
             request->m_outer = Ref<GCancellable>::share(cancellable);
@@ -41,9 +52,24 @@ private:
     {
         auto *request = static_cast<HttpRequest *>(self);
         request->m_timeout = 0;
+        const int64_t restMs = request->patienceMs();
+        if (restMs > 0) {
+            request->m_timeout =
+                g_timeout_add(static_cast<guint>(restMs), &HttpRequest::timeOut, request);
+            return G_SOURCE_REMOVE;
+        }
         request->m_hasTimedOut = true;
         g_cancellable_cancel(request->m_cancellable.get());
         return G_SOURCE_REMOVE;
+    }
+
+    /// A server that answers others is busy, not hanging: what waits its turn gets more time.
+    int64_t patienceMs() const
+    {
+        const int64_t now = g_get_monotonic_time();
+        const int64_t silentMs = (now - std::max(m_started, lastAnswer(m_session.get()))) / 1000;
+        const int64_t totalMs = (now - m_started) / 1000;
+        return std::min(m_limitMs - silentMs, m_limitMs * 5 / 3 - totalMs);
     }
 
     static void answered(GObject *, GAsyncResult *result, gpointer self)
@@ -61,6 +87,8 @@ private:
 
     void readOn()
     {
+        // Most answers are small, and many may be under way; the few big ones grow their own way.
+        const size_t chunkSize = std::clamp(m_reply.body.size(), firstChunkSize, largestChunkSize);
         g_input_stream_read_bytes_async(m_stream.get(), chunkSize, G_PRIORITY_DEFAULT,
             m_cancellable.get(), &HttpRequest::gotBytes, this);
     }
@@ -89,6 +117,7 @@ private:
 
     void succeed()
     {
+        lastAnswer(m_session.get()) = g_get_monotonic_time();
         m_reply.status = soup_message_get_status(m_message.get());
         finish(HttpOutcome::Answered, {});
     }
@@ -133,6 +162,8 @@ private:
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     Ref<GCancellable> m_outer;
     gulong m_outerHandler = 0;
+    int64_t m_started = g_get_monotonic_time();
+    int64_t m_limitMs = 0;
     guint m_timeout = 0;
     bool m_hasTimedOut = false;
     Ref<GInputStream> m_stream;
@@ -171,6 +202,8 @@ Ref<SoupSession> newHttpSession()
         "timeout", 0, "user-agent", "orka-media-bridge UPnP/1.0 DLNADOC/1.50", nullptr);
     // A proxy of the environment is for the internet, not for the machines at home.
     soup_session_set_proxy_resolver(session, nullptr);
+    g_object_set_data_full(G_OBJECT(session), lastAnswerKey, new int64_t(0),
+        [](gpointer time) { delete static_cast<int64_t *>(time); });
     return Ref<SoupSession>(session);
 }
 

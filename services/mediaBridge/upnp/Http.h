@@ -34,8 +34,9 @@ using HttpCallback = std::function<void(HttpReply)>;
 Ref<SoupSession> newHttpSession();
 
 /// GET of `url`. `done` is called exactly once, from the main loop, never from inside this call:
-/// after `timeoutMs` milliseconds at most, and soon after `cancellable` is cancelled (it may be
-/// null). An answer above 64 MiB counts as broken.
+/// when the server has been silent for `timeoutMs` milliseconds (while it answers other requests of
+/// the session, two thirds of that later at most), and soon after `cancellable` is cancelled (it
+/// may be null). An answer above 64 MiB counts as broken.
 void httpGet(SoupSession *session, const std::string &url, unsigned timeoutMs,
     GCancellable *cancellable, HttpCallback done);
 

@@ -52,7 +52,7 @@ public:
     void inheritCapabilities(const MediaServer &earlier);
 
     /// Calls an action. `operation` begins the failure's sentence ("Browse"). `done` is called
-    /// once, from the main loop, after `timeoutMs` at most.
+    /// once, from the main loop, after `timeoutMs` of the server's silence.
     void call(const std::string &action, const std::string &operation,
         const SoapArguments &arguments, unsigned timeoutMs, GCancellable *cancellable,
         ActionCallback done);
