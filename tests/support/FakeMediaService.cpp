@@ -3,7 +3,9 @@
 #include "MediaServiceNames.h"
 #include "PrivateBus.h"
 
+#include <QCoreApplication>
 #include <QDBusObjectPath>
+#include <QDeadlineTimer>
 
 #include <algorithm>
 
@@ -44,13 +46,20 @@ void FakeMediaService::appear()
     m_connectionName = QStringLiteral("fake-media-service-%1").arg(++number);
     m_connection = m_bus.open(m_connectionName);
     m_connection.registerVirtualObject(names::managerPath, this, QDBusConnection::SubPath);
-    if (!m_connection.registerService(names::service))
-        qFatal("Somebody else on the test's bus is the media service.");
+    // After a death the daemon may still be about to notice it.
+    const QDeadlineTimer deadline(5000);
+    while (!m_connection.registerService(names::service)) {
+        if (deadline.hasExpired())
+            qFatal("Somebody else on the test's bus is the media service.");
+    }
 }
 
 void FakeMediaService::vanish()
 {
     m_held.clear();
+    // Calls that have come and were not handled keep the connection open.
+    m_connection.unregisterObject(names::managerPath, QDBusConnection::UnregisterTree);
+    QCoreApplication::removePostedEvents(this);
     m_connection = QDBusConnection(QString());
     PrivateBus::close(m_connectionName);
 }
@@ -139,12 +148,17 @@ int FakeMediaService::release(const FakeMatch &match)
             ++i;
             continue;
         }
-        const FakeCall call = m_held.takeAt(i);
-        const std::optional<Rule> rule = ruleFor(call, true);
-        reply(call, rule ? rule->answer(call) : treeAnswer(call));
+        releaseAt(i);
         ++released;
     }
     return released;
+}
+
+void FakeMediaService::releaseAt(int index)
+{
+    const FakeCall call = m_held.takeAt(index);
+    const std::optional<Rule> rule = ruleFor(call, true);
+    reply(call, rule ? rule->answer(call) : treeAnswer(call));
 }
 
 QVector<FakeCall> FakeMediaService::calls(const FakeMatch &match) const

@@ -63,7 +63,11 @@ public:
 
     /// Answers the held calls that match, in the order in which they came; returns how many.
     int release(const FakeMatch &match = {});
+    /// Answers one held call, counted from 0 in the order in which they came.
+    void releaseAt(int index);
     int held() const { return m_held.size(); }
+    /// What the tree answers to this call.
+    FakeReply treeAnswer(const FakeCall &call) const;
 
     const QVector<FakeCall> &calls() const { return m_calls; }
     QVector<FakeCall> calls(const FakeMatch &match) const;
@@ -98,7 +102,6 @@ private:
     void appear();
     void announce(const QString &signal, const QString &server);
     std::optional<Rule> ruleFor(const FakeCall &call, bool releasing);
-    FakeReply treeAnswer(const FakeCall &call) const;
     void reply(const FakeCall &call, const FakeReply &reply);
 
     const PrivateBus &m_bus;

@@ -1,0 +1,119 @@
+// The fault campaign: soak [SECONDS [SEED [ROUND]]]. With a round, that round alone is replayed.
+
+#include "PrivateBus.h"
+#include "Round.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QMutex>
+
+#include <cstdio>
+#include <malloc.h>
+#include <random>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isInstrumented = true;
+#else
+constexpr bool isInstrumented = false;
+#endif
+
+/// Milliseconds; instrumented code is several times slower.
+constexpr double silenceAllowed = isInstrumented ? 500 : 50;
+/// Bytes from the second to the last quarter of a campaign.
+constexpr qint64 growthAllowed = 256 * 1024;
+constexpr int roundsToSeeGrowth = 40;
+
+QMutex warningsMutex;
+QStringList warnings;
+
+/// What Qt warns of is a fault of the program, and comes from any thread. Only that a call names an
+/// object that can't be is no more than what was asked for.
+void keepWarning(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (message.startsWith(QLatin1String("QDBusConnection: error: could not send message to")))
+        return;
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+    if (type == QtDebugMsg || type == QtInfoMsg)
+        return;
+    const QMutexLocker lock(&warningsMutex);
+    warnings.append(message);
+}
+
+/// Rounds with neighbouring numbers have nothing in common.
+quint64 seedOfRound(quint64 seed, int round)
+{
+    std::seed_seq sequence{quint32(seed), quint32(seed >> 32), quint32(round)};
+    quint32 words[2];
+    sequence.generate(words, words + 2);
+    return quint64(words[0]) << 32 | words[1];
+}
+
+void runRound(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tally &tally)
+{
+    Round(seed, service, worker, tally).run();
+    const double silence = worker.takeLongestSilence();
+    tally.longestSilence = qMax(tally.longestSilence, silence);
+    if (silence > silenceAllowed)
+        tally.failures.append(
+            QStringLiteral("The event loop did nothing else for %1 ms.").arg(silence));
+    const QMutexLocker lock(&warningsMutex);
+    tally.failures.append(warnings);
+    warnings.clear();
+    tally.heap.append(qint64(mallinfo2().uordblks));
+}
+
+bool report(const Tally &tally, quint64 seed, int lastRound)
+{
+    for (const QString &failure : tally.failures)
+        std::printf("FAILED: %s\n", qPrintable(failure));
+    if (!tally.failures.isEmpty()) {
+        std::printf(
+            "Replay it: soak 0 %llu %d\n", static_cast<unsigned long long>(seed), lastRound);
+        return false;
+    }
+    const bool hasGrown =
+        !isInstrumented && tally.rounds >= roundsToSeeGrowth && tally.growth() > growthAllowed;
+    if (hasGrown)
+        std::printf("FAILED: the heap has grown from round to round.\n");
+    return !hasGrown;
+}
+
+quint64 argument(const QStringList &arguments, int index, quint64 otherwise)
+{
+    bool isNumber = true;
+    const quint64 value =
+        arguments.size() > index ? arguments.at(index).toULongLong(&isNumber) : otherwise;
+    if (!isNumber) {
+        std::fprintf(stderr, "usage: soak [SECONDS [SEED [ROUND]]], all of them whole numbers\n");
+        std::exit(2);
+    }
+    return value;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const quint64 seconds = argument(arguments, 1, 60);
+    const quint64 seed = argument(arguments, 2, std::random_device()());
+    const bool isReplay = arguments.size() > 3;
+    int round = int(argument(arguments, 3, 0));
+
+    qInstallMessageHandler(keepWarning);
+    const PrivateBus bus;
+    FakeMediaService service(bus);
+    WorkerThread worker;
+    Tally tally;
+    QElapsedTimer clock;
+    clock.start();
+    std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+    do {
+        runRound(seedOfRound(seed, round++), service, worker, tally);
+    } while (!isReplay && tally.failures.isEmpty() && clock.elapsed() < qint64(seconds) * 1000);
+    std::printf("\n%s\n", qPrintable(tally.table()));
+    return report(tally, seed, round - 1) ? 0 : 1;
+}
