@@ -70,7 +70,7 @@ PrivateBus::PrivateBus(Limits limits)
 
 PrivateBus::~PrivateBus()
 {
-    m_daemon->kill();
+    m_daemon->terminate(); // killed, it would leave its socket behind
     m_daemon->waitForFinished();
 }
 
