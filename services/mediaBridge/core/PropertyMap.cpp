@@ -184,6 +184,41 @@ GVariant *parent(const MediaObject &object, const ServerContext &server)
     return path(server, object.parentId);
 }
 
+/// {sv} of one property, floating; null where the object has no value.
+GVariant *newEntry(const MediaObject &object, Prop prop, const ServerContext &server)
+{
+    GVariant *value = propertyValue(object, prop, server);
+    return value ? g_variant_new_dict_entry(key(prop), g_variant_new_variant(value)) : nullptr;
+}
+
+/// The text that decides a property's value, where neighbours are likely to share it; else null.
+const std::string *sharedSource(const MediaObject &object, Prop prop)
+{
+    switch (prop) {
+    case Prop::Type:
+    case Prop::TypeEx:
+        return &object.upnpClass;
+    case Prop::Parent:
+        return object.id == rootObjectId ? nullptr : &object.parentId;
+    case Prop::Creator:
+        return &object.creator;
+    case Prop::Artist:
+        return object.artists.empty() ? nullptr : &object.artists.front();
+    case Prop::Album:
+        return &object.album;
+    case Prop::Genre:
+        return &object.genre;
+    case Prop::Date:
+        return &object.date;
+    case Prop::MIMEType: {
+        const Resource *resource = object.primaryResource();
+        return resource ? &resource->mimeType : nullptr;
+    }
+    default:
+        return nullptr;
+    }
+}
+
 } // namespace
 
 GVariant *textVariant(const std::string &value)
@@ -254,18 +289,44 @@ GVariant *propertyValue(const MediaObject &object, Prop prop, const ServerContex
 GVariant *propertyMap(
     const MediaObject &object, const PropertySet &wanted, const ServerContext &server)
 {
+    return PropertyMapper(wanted, server).map(object);
+}
+
+PropertyMapper::PropertyMapper(const PropertySet &wanted, const ServerContext &server)
+    : m_wanted(wanted)
+    , m_server(server)
+{
+}
+
+GVariant *PropertyMapper::map(const MediaObject &object)
+{
     // A builder would look up types and make a text of every key; for long lists that is half the
     // time.
     std::array<GVariant *, propCount> entries{};
     size_t count = 0;
     for (const PropInfo &info : properties()) {
-        GVariant *value =
-            wanted.contains(info.prop) ? propertyValue(object, info.prop, server) : nullptr;
-        if (value)
-            entries[count++] =
-                g_variant_new_dict_entry(key(info.prop), g_variant_new_variant(value));
+        if (!m_wanted.contains(info.prop))
+            continue;
+        const std::string *source = sharedSource(object, info.prop);
+        GVariant *entry = source ? sharedEntry(object, info.prop, *source)
+                                 : newEntry(object, info.prop, m_server);
+        if (entry)
+            entries[count++] = entry;
     }
     return g_variant_new_array(G_VARIANT_TYPE("{sv}"), entries.data(), count);
+}
+
+GVariant *PropertyMapper::sharedEntry(
+    const MediaObject &object, Prop prop, const std::string &source)
+{
+    LastEntry &last = m_last[static_cast<size_t>(prop)];
+    const bool isSame =
+        last.entry && last.source == source && last.isContainer == object.isContainer;
+    if (!isSame) {
+        GVariant *entry = newEntry(object, prop, m_server);
+        last = {source, object.isContainer, entry ? ownVariant(entry) : nullptr};
+    }
+    return last.entry.get();
 }
 
 } // namespace bridge

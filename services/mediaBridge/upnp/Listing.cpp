@@ -48,12 +48,13 @@ struct Listing::ReadJob
         if (!objects->empty())
             firstId = objects->front().id;
         rows.reserve(objects->size());
+        PropertyMapper mapper(wanted, context);
         for (const MediaObject &object : *objects) {
             // Asked for the children of an item, some servers give the item itself.
             const bool isItself = !containerId.empty() && object.id == containerId;
             if (isItself || !isOfKind(object, kind))
                 continue;
-            rows.push_back(ownVariant(propertyMap(object, wanted, context)));
+            rows.push_back(ownVariant(mapper.map(object)));
             bytes += g_variant_get_size(rows.back().get());
         }
     }
