@@ -1,0 +1,72 @@
+#include "RawBrowse.h"
+
+#include "core/Properties.h"
+#include "core/SoapMessage.h"
+
+#include <arpa/inet.h>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+const char serviceType[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
+
+const std::vector<std::string> properties = {"Type", "TypeEx", "MIMEType", "DisplayName", "Artist",
+    "Album", "AlbumArtURL", "URLs", "Creator", "Genre", "Path", "Date", "TrackNumber", "Duration",
+    "Bitrate", "SampleRate", "BitsPerSample"};
+
+[[noreturn]] void fail()
+{
+    std::perror("The media server could not be asked directly");
+    std::exit(3);
+}
+
+/// Sends all and receives to the end; the answer's first bytes.
+std::string exchange(int socket, const std::string &request)
+{
+    if (send(socket, request.data(), request.size(), 0) != ssize_t(request.size()))
+        fail();
+    std::array<char, 65536> buffer;
+    std::string start;
+    ssize_t length = 0;
+    while ((length = recv(socket, buffer.data(), buffer.size(), 0)) > 0) {
+        if (start.empty())
+            start.assign(buffer.data(), std::size_t(length));
+    }
+    if (length < 0)
+        fail();
+    return start;
+}
+
+} // namespace
+
+RawBrowse::RawBrowse(const std::string &address, int port, const std::string &controlPath)
+    : m_head("POST " + controlPath + " HTTP/1.1\r\nHost: " + address + ":" + std::to_string(port)
+        + "\r\nConnection: close\r\nContent-Type: text/xml; charset=\"utf-8\"\r\nSOAPAction: \""
+        + serviceType + "#Browse\"\r\nContent-Length: ")
+{
+    m_server.sin_family = AF_INET;
+    m_server.sin_port = htons(uint16_t(port));
+    if (inet_pton(AF_INET, address.c_str(), &m_server.sin_addr) != 1)
+        fail();
+}
+
+void RawBrowse::list(const std::string &container, int count) const
+{
+    using namespace bridge;
+    const std::string body = soapEnvelope(serviceType, "Browse",
+        {{"ObjectID", container}, {"BrowseFlag", "BrowseDirectChildren"},
+            {"Filter", didlFilter(propertySetFromFilter(properties))}, {"StartingIndex", "0"},
+            {"RequestedCount", std::to_string(count)}, {"SortCriteria", ""}});
+    const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (connect(connection, reinterpret_cast<const sockaddr *>(&m_server), sizeof m_server) != 0)
+        fail();
+    const std::string answer =
+        exchange(connection, m_head + std::to_string(body.size()) + "\r\n\r\n" + body);
+    close(connection);
+    if (answer.find(" 200 ") > 12)
+        fail();
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <netinet/in.h>
+#include <string>
+
+/// A ContentDirectory listing asked of a media server straight over its socket; the answer is
+/// received and not read. Blocking; ends the program with a sentence when the server doesn't
+/// answer.
+class RawBrowse
+{
+public:
+    /// The server's numeric IPv4 address, its port and the path of its control URL.
+    RawBrowse(const std::string &address, int port, const std::string &controlPath);
+
+    /// Children 0 to `count` - 1 of `container`, with the properties that the plug-in asks for.
+    void list(const std::string &container, int count) const;
+
+private:
+    sockaddr_in m_server = {};
+    std::string m_head;
+};

@@ -1,0 +1,42 @@
+// bm_chain ADDRESS PORT CONTROL-PATH CONTAINER: rows of a real media server through the whole chain
+// on the session bus, beside one raw request to the same server with the same filter. CONTAINER is
+// the UPnP id of a folder of 1,000 tracks or more.
+
+#include "Comparison.h"
+#include "PluginClient.h"
+#include "RawBrowse.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc != 5) {
+        std::fputs("usage: bm_chain ADDRESS PORT CONTROL-PATH CONTAINER\n", stderr);
+        return 2;
+    }
+    const std::string container = argv[4];
+    const RawBrowse raw(argv[1], QByteArray(argv[2]).toInt(), argv[3]);
+    prepareProcess();
+    PluginClient plugin(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+    const OrkaRowsRoles server =
+        plugin.list(plugin.worker().addPrefix(QString()), 0, 0, {OrkaRoles::Path()});
+    const auto serverPath = server.rows().first().toList().first().value<CMPath>();
+    const CMPath folder = plugin.worker().addPrefix(serverPath.base() + QLatin1Char('/')
+        + QString::fromLatin1(QByteArray::fromStdString(container).toHex()));
+
+    const auto compare = [&](const char *name, int rows, int repetitions, double seconds) {
+        const auto directly = [&] {
+            raw.list(container, rows);
+            return QVariant();
+        };
+        const auto byPlugin = [&] {
+            return plugin.list(folder, 0, rows - 1, OrkaRoles::all()).toVariant();
+        };
+        Comparison{name, repetitions, seconds, directly, "raw Browse", byPlugin}.run();
+    };
+    compare("chain 20", 20, 3, 6);
+    compare("chain 1000", 1000, 1, 10);
+}

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# chain.sh PROGRAMS: measures the whole chain on a MiniDLNA with a folder of 1,000 tracks; run by enter-world.sh
+# in a world of its own.
+set -euo pipefail
+# shellcheck source=tests/e2e/world.sh
+. "$WORLD_ROOT/tests/e2e/world.sh"
+
+world_lan
+world_host nas 2
+"$1/bench-make-tracks" "$WORLD_DIR/music/big" 1000
+start_minidlna nas "$WORLD_DIR/music" Big
+wait_indexed nas 1000
+start_bus
+start_bridge
+"$1/bm_chain" "${host_address[nas]}" 8200 /ctl/ContentDir '64$0'

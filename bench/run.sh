@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# run.sh PROGRAMS [--quick | --record]: measures everything and prints a table of target, measured, ratio, and
+# pass or short; the figures are in PROGRAMS/figures.json afterwards. PROGRAMS is the bench folder of a build.
+#   --quick    only the instruction counts, which hardly vary; status 1 when one is more than 10 % above recorded.json
+#   --record   the same, and records them
+# Status of the whole run: 0 also when a target is missed; the table tells.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+programs=$(cd "${1:?names the folder with the measuring programs}" && pwd)
+lines=$(mktemp)
+trap 'rm -f "$lines"' EXIT
+
+# measure WHAT COMMAND…: its figures go to the others.
+measure() {
+    printf '%s: %s …\n' "$(date +%T)" "$1" >&2
+    shift
+    "$@" >>"$lines"
+}
+
+work_figures() {
+    "$programs/bm_work" --benchmark_format=json --benchmark_min_time=0.5 |
+        jq -c '.benchmarks[] | {name, value: (1e6 / .items_per_second)}'
+}
+
+# Where no network may be made for the media server, the chain is left out and the table says so.
+chain_figures() {
+    WORLD_REFUSED_STATUS=0 ORKA_BUILD=$(dirname "$programs") \
+        "$here/../tests/e2e/enter-world.sh" "$here/chain.sh" "$programs"
+}
+
+print_table() {
+    jq -rn --slurpfile targets "$here/targets.json" --slurpfile figures "$lines" '
+        ($figures | map({(.name): .value}) | add) as $measured |
+        def rounded: if . >= 100 then round else . * 100 | round / 100 end;
+        ["what", "target", "measured", "of target", "", "unit"],
+        ($targets[0][] | $measured[.name] as $value |
+            if $value == null then [.what, .target, "-", "-", "not measured", .unit]
+            else [.what, .target, ($value | rounded), ($value / .target | rounded),
+                (if $value <= .target then "pass" else "short" end), .unit] end) | @tsv' |
+        column -t -s "$(printf '\t')"
+}
+
+save() {
+    jq -s 'map({(.name): .value}) | add' "$lines"
+}
+
+# regressions: those counts that are over a tenth above what was recorded, one a line.
+regressions() {
+    jq -rn --slurpfile recorded "$here/recorded.json" --slurpfile figures "$lines" '
+        $recorded[0] as $before | $figures[] | select($before[.name] and .value > 1.1 * $before[.name]) |
+        "\(.name): \(.value), recorded \($before[.name])"'
+}
+
+quick() {
+    measure "instructions" "$here/instructions.sh" "$programs"
+    save
+    if [ "${1:-}" = --record ]; then
+        save >"$here/recorded.json"
+        return
+    fi
+    local worse
+    worse=$(regressions)
+    [ -z "$worse" ] || {
+        printf 'More than 10 %% over the recorded figures:\n%s\nIf that is meant: bench/run.sh PROGRAMS --record\n' \
+            "$worse" >&2
+        exit 1
+    }
+}
+
+case ${2:-} in
+--quick | --record) quick "$2" ;;
+"")
+    measure "rows and properties beside the floor" "$programs/bm_listing"
+    measure "instructions" "$here/instructions.sh" "$programs"
+    measure "mapping, paths, calls" work_figures
+    measure "start, turns, messages" "$programs/bm_worker"
+    measure "memory" "$programs/bm_memory"
+    measure "the whole chain" chain_figures
+    measure "growth" "$programs/bm_growth" "$programs/growth.svg"
+    measure "side by side" "$here/side-by-side.sh" "$programs"
+    save >"$programs/figures.json"
+    print_table
+    printf '\nAll figures: %s; growth: %s; load now: %s\n' "$programs/figures.json" "$programs/growth.svg" \
+        "$(cut -d ' ' -f 1-3 /proc/loadavg)"
+    ;;
+*)
+    echo "bench/run.sh knows --quick and --record, not $2." >&2
+    exit 2
+    ;;
+esac
