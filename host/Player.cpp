@@ -20,7 +20,7 @@ namespace {
 
 QString findPlayer(const QString &name)
 {
-    const QString program = QStandardPaths::findExecutable(name);
+    QString program = QStandardPaths::findExecutable(name);
     if (program.isEmpty()) {
         throw missing(QStringLiteral("noPlayer"),
             QStringLiteral("There is no player %1. Install it, or name another with --player; "

@@ -53,6 +53,34 @@ QString valueText(const QString &key, const QVariant &value)
     return value.userType() == QMetaType::QString ? value.toString() : orkaToJson(value);
 }
 
+/// What part of the whole the rows are.
+QString whatPart(const Rows &rows)
+{
+    if (rows.rows.isEmpty()) {
+        return rows.rowsCount == 0
+            ? QStringLiteral("There are no rows.")
+            : QStringLiteral("None of %1 rows is in this range.").arg(rows.rowsCount);
+    }
+    // A server that doesn't know how many there are says 0.
+    return rows.rowsCount < rows.rows.size()
+        ? QStringLiteral("%1 rows.").arg(rows.rows.size())
+        : QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount);
+}
+
+Table rowsTable(const QVector<OrkaRoles> &rows, long long first, int step)
+{
+    Table table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
+        QStringLiteral("artist"), QStringLiteral("album"), QStringLiteral("length")});
+    long long number = first;
+    for (const OrkaRoles &row : rows) {
+        const OrkaMediaData media = row.mediaData();
+        table.add({QString::number(number), kindOf(row), row.title().toString(),
+            media.metaData().artist(), media.metaData().album(), rowLength(media)});
+        number += step;
+    }
+    return table;
+}
+
 bool isList(const QVariant &value)
 {
     return value.userType() == QMetaType::QVariantList
@@ -128,26 +156,10 @@ QString lengthText(long long milliseconds)
 
 void writeRows(const Rows &rows, int first, int step)
 {
-    if (rows.rows.isEmpty()) {
-        writeLine(rows.rowsCount == 0
-                ? QStringLiteral("There are no rows.")
-                : QStringLiteral("None of %1 rows is in this range.").arg(rows.rowsCount));
-        return;
+    if (!rows.rows.isEmpty()) {
+        rowsTable(rows.rows, first, step).write();
     }
-    Table table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
-        QStringLiteral("artist"), QStringLiteral("album"), QStringLiteral("length")});
-    long long number = first;
-    for (const OrkaRoles &row : rows.rows) {
-        const OrkaMediaData media = row.mediaData();
-        table.add({QString::number(number), kindOf(row), row.title().toString(),
-            media.metaData().artist(), media.metaData().album(), rowLength(media)});
-        number += step;
-    }
-    table.write();
-    // A server that doesn't know how many there are says 0.
-    writeLine(rows.rowsCount < rows.rows.size()
-            ? QStringLiteral("%1 rows.").arg(rows.rows.size())
-            : QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount));
+    writeLine(whatPart(rows));
 }
 
 void writeRoles(const OrkaHash &roles)
