@@ -27,7 +27,7 @@ private Q_SLOTS:
     {
         const bool full = qEnvironmentVariableIsSet("ORKA_STRESS");
         constexpr int rowCount = 10;
-        const int serverCount = full ? 100 : 10, callCount = full ? 1000 : 500,
+        const int serverCount = full ? 100 : 10, callCount = full ? 1000 : 200,
                   rounds = full ? 10 : 6;
         BridgeFixture bridge;
         std::vector<std::unique_ptr<ScriptedUpnpServer>> servers;
