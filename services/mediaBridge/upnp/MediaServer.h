@@ -66,7 +66,7 @@ public:
 
     /// Longest wait for one answer, in milliseconds: below the 25 s after which a D-Bus caller
     /// gives up by itself, with room for what comes after.
-    static constexpr unsigned answerTimeoutMs = 12'000;
+    static constexpr unsigned answerTimeoutMs = 10'000;
 
 private:
     Failure failureOf(const std::string &operation, const HttpReply &reply,
