@@ -176,6 +176,7 @@ QString CMUPnPWorker::handleAlbumArtUrl(const QString &url, const QString &addre
 
 void CMUPnPWorker::on_networkInfo_changed(const OrkaValue &newValue)
 {
+    TRACE_ENTER();
     LOG4CPLUS_INFO(upnpLog(), newValue);
     // Dropped ahead of the comparison, so every notification with an address writes the line.
     m_localAddresses.clear();

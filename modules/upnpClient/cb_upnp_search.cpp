@@ -110,6 +110,7 @@ void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
 void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
     const QString &search, const QString &query)
 {
+    TRACE_ENTER();
     Q_UNUSED(query)
     OrkaRoles roles;
     if (search == menuValue) {
