@@ -70,13 +70,15 @@ QString Tally::table() const
         "\n| %1 rounds | |\n|---|---|\n| calls that reached the media service | %6 |\n"
         "| requests and barriers left over | %2 |\n| kept by preparations without an answer, until "
         "the worker went | "
-        "%3 |\n| longest silence of the event loop | %4 ms |\n| growth of the "
+        "%3 |\n| longest silence of the event loop | %4 ms |\n| rounds run again after a longer "
+        "silence, which did not come again | %7 |\n| growth of the "
         "heap, second to last quarter | %5 KiB |\n")
                 .arg(rounds)
                 .arg(leftovers)
                 .arg(keptByDesign)
                 .arg(longestSilence, 0, 'f', 1)
                 .arg(growth() / 1024)
-                .arg(calls);
+                .arg(calls)
+                .arg(silencesOnce);
     return text;
 }
