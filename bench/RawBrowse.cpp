@@ -14,7 +14,7 @@ namespace {
 
 const char serviceType[] = "urn:schemas-upnp-org:service:ContentDirectory:1";
 
-const std::vector<std::string> properties = {"Type", "TypeEx", "MIMEType", "DisplayName", "Artist",
+const std::vector<std::string> askedFor = {"Type", "TypeEx", "MIMEType", "DisplayName", "Artist",
     "Album", "AlbumArtURL", "URLs", "Creator", "Genre", "Path", "Date", "TrackNumber", "Duration",
     "Bitrate", "SampleRate", "BitsPerSample"};
 
@@ -25,7 +25,7 @@ const std::vector<std::string> properties = {"Type", "TypeEx", "MIMEType", "Disp
 }
 
 /// Sends all and receives to the end; the answer's first bytes.
-std::string exchange(int socket, const std::string &request)
+std::string converse(int socket, const std::string &request)
 {
     if (send(socket, request.data(), request.size(), 0) != ssize_t(request.size()))
         fail();
@@ -59,13 +59,13 @@ void RawBrowse::list(const std::string &container, int count) const
     using namespace bridge;
     const std::string body = soapEnvelope(serviceType, "Browse",
         {{"ObjectID", container}, {"BrowseFlag", "BrowseDirectChildren"},
-            {"Filter", didlFilter(propertySetFromFilter(properties))}, {"StartingIndex", "0"},
+            {"Filter", didlFilter(propertySetFromFilter(askedFor))}, {"StartingIndex", "0"},
             {"RequestedCount", std::to_string(count)}, {"SortCriteria", ""}});
     const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (connect(connection, reinterpret_cast<const sockaddr *>(&m_server), sizeof m_server) != 0)
         fail();
     const std::string answer =
-        exchange(connection, m_head + std::to_string(body.size()) + "\r\n\r\n" + body);
+        converse(connection, m_head + std::to_string(body.size()) + "\r\n\r\n" + body);
     close(connection);
     if (answer.find(" 200 ") > 12)
         fail();

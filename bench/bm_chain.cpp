@@ -3,6 +3,7 @@
 // the UPnP id of a folder of 1,000 tracks or more.
 
 #include "Comparison.h"
+#include "FloorClient.h"
 #include "PluginClient.h"
 #include "RawBrowse.h"
 
@@ -27,6 +28,23 @@ int main(int argc, char **argv)
     const CMPath folder = plugin.worker().addPrefix(serverPath.base() + QLatin1Char('/')
         + QString::fromLatin1(QByteArray::fromStdString(container).toHex()));
 
+    FloorClient floor(qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString());
+    const std::string object =
+        UPnPPath::fromOrka(&plugin.worker(), plugin.worker().serverList(), folder)
+            .dbusPath()
+            .path()
+            .toStdString();
+    const auto compareService = [&](const char *name, int rows) {
+        const auto directly = [&] {
+            raw.list(container, rows);
+            return QVariant();
+        };
+        const auto byFloor = [&] {
+            floor.list(object, 0, unsigned(rows));
+            return QVariant();
+        };
+        Comparison{name, 1, 4, directly, "raw Browse", byFloor}.run();
+    };
     const auto compare = [&](const char *name, int rows, int repetitions, double seconds) {
         const auto directly = [&] {
             raw.list(container, rows);
@@ -39,4 +57,7 @@ int main(int argc, char **argv)
     };
     compare("chain 20", 20, 3, 6);
     compare("chain 1000", 1000, 1, 10);
+    // The media service alone, its replies not decoded.
+    compareService("chain without plug-in 20", 20);
+    compareService("chain without plug-in 1000", 1000);
 }

@@ -7,9 +7,10 @@ set -euo pipefail
 
 world_lan
 world_host nas 2
-"$1/bench-make-tracks" "$WORLD_DIR/music/big" 1000
+"$1/bench-make-tracks" "$WORLD_DIR/music/big" "${2:-1000}"
 start_minidlna nas "$WORLD_DIR/music" Big
-wait_indexed nas 1000
+wait_indexed nas "${2:-1000}"
 start_bus
 start_bridge
+# shellcheck disable=SC2154,SC2016 # declared by world.sh; the id is meant as it stands
 "$1/bm_chain" "${host_address[nas]}" 8200 /ctl/ContentDir '64$0'

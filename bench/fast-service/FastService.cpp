@@ -169,7 +169,9 @@ Message FastService::answerGetAll(DBusMessage *call)
 {
     const std::string path = dbus_message_get_path(call);
     const ObjectPath parsed(path);
-    const bool isTrack = !parsed.isServer && parsed.number == 20;
+    if (parsed.isServer)
+        return m_replies.server(path);
+    const bool isTrack = parsed.number == 20;
     return isTrack ? m_replies.track() : m_replies.container(path);
 }
 

@@ -30,8 +30,10 @@ ObjectPath::ObjectPath(const std::string &path)
     const std::size_t slash = path.find('/', serverPrefix.size());
     server = path.substr(0, slash);
     isServer = slash == std::string::npos;
-    if (isServer)
+    if (isServer) {
+        number = 1000;
         return;
+    }
     std::string text = fromHex(path.substr(slash + 1));
     if (takePrefix(&text, "deep"))
         kind = Deep;

@@ -4,7 +4,7 @@
 
 /// What an object path of the fast service asks for. Paths below a server are the hex digits of a
 /// text: "rows1000" is a container of 1,000 tracks, "deep30" one at the top of a chain of 30
-/// containers, each with one track. Everything else, a server itself too, is a container of 20.
+/// containers, each with one track. A server itself is a container of 1,000, everything else of 20.
 struct ObjectPath
 {
     enum Kind { Rows, Deep };

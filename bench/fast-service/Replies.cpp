@@ -22,6 +22,16 @@ Message listReply(AppendMaps appendMaps)
     return reply;
 }
 
+template<typename AppendMap>
+Message mapReply(AppendMap appendMap)
+{
+    Message reply = emptyReply();
+    DBusMessageIter body;
+    dbus_message_iter_init_append(reply.get(), &body);
+    appendMap(&body);
+    return reply;
+}
+
 Message tracks(unsigned count)
 {
     return listReply([count](DBusMessageIter *list) {
@@ -63,18 +73,17 @@ Message Replies::found(unsigned count)
 
 Message Replies::track()
 {
-    Message reply = emptyReply();
-    DBusMessageIter body;
-    dbus_message_iter_init_append(reply.get(), &body);
-    rows::appendTrack(&body, 0);
-    return reply;
+    return mapReply([](DBusMessageIter *body) { rows::appendTrack(body, 0); });
+}
+
+Message Replies::server(const std::string &path)
+{
+    return mapReply([&path](DBusMessageIter *body) {
+        rows::appendServer(body, path.c_str(), serverNumber(path));
+    });
 }
 
 Message Replies::container(const std::string &path)
 {
-    Message reply = emptyReply();
-    DBusMessageIter body;
-    dbus_message_iter_init_append(reply.get(), &body);
-    rows::appendContainer(&body, path.c_str());
-    return reply;
+    return mapReply([&path](DBusMessageIter *body) { rows::appendContainer(body, path.c_str()); });
 }

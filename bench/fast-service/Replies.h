@@ -18,6 +18,8 @@ public:
     Message found(unsigned count);
     /// GetAll of a track.
     Message track();
+    /// GetAll of a server.
+    Message server(const std::string &path);
     /// GetAll of a container.
     Message container(const std::string &path);
 

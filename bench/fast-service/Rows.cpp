@@ -110,3 +110,16 @@ void rows::appendContainer(DBusMessageIter *parent, const char *path)
     container.text("DisplayName", "Folder");
     container.text("Path", path, "o");
 }
+
+void rows::appendServer(DBusMessageIter *parent, const char *path, unsigned number)
+{
+    PropertyMap server(parent);
+    server.text("FriendlyName", formatted("Fast media server %u", number));
+    server.text("UDN", formatted("uuid:fast-%u", number));
+    server.text("Location", "http://192.168.178.20:8200/rootDesc.xml");
+    server.text("DeviceType", "urn:schemas-upnp-org:device:MediaServer:1");
+    server.list("SearchCaps", "DisplayName");
+    server.text("Type", "container");
+    server.text("DisplayName", "root");
+    server.text("Path", path, "o");
+}

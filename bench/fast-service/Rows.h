@@ -12,4 +12,7 @@ void appendTrack(DBusMessageIter *parent, unsigned number);
 /// Appends a container as one a{sv}; `path` is its object path.
 void appendContainer(DBusMessageIter *parent, const char *path);
 
+/// Appends what a server tells of itself as one a{sv}; `number` counts from 0.
+void appendServer(DBusMessageIter *parent, const char *path, unsigned number);
+
 } // namespace rows
