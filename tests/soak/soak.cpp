@@ -56,7 +56,7 @@ double silenceOfRound(quint64 seed, FakeMediaService &service, WorkerThread &wor
 {
     Round(seed, service, worker, tally).run();
     double silence = worker.takeLongestSilence();
-    for (int again = 0; again < 2 && silence > silenceAllowed; ++again) {
+    for (int again = 0; again < 5 && silence > silenceAllowed; ++again) {
         ++tally.silencesOnce;
         Round(seed, service, worker, tally).run();
         silence = qMin(silence, worker.takeLongestSilence());
