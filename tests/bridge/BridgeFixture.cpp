@@ -129,6 +129,8 @@ BridgeFixture::BridgeFixture(Start start, const QStringList &options)
         return;
     m_program.start(
         QStringLiteral(BRIDGE_PROGRAM), QStringList{QStringLiteral("--bus"), m_address} + options);
+    // Else a program that owns its name at once would still count as starting when it is to end.
+    m_program.waitForStarted();
     const auto owned = [this] {
         return bool(m_bus.interface()->isServiceRegistered(serviceName));
     };
