@@ -2,6 +2,8 @@
 
 #include "cb_upnp.h"
 
+#include <utility>
+
 RowsAnswer::RowsAnswer(
     CMUPnPWorker *worker, const CMGetRowsRequest &request, const QDBusMessage &reply, int count)
     : SlicedWork(worker)
@@ -30,7 +32,8 @@ bool RowsAnswer::step()
     }
     OrkaRowsRoles answer;
     answer.setRowsVersion(0);
-    answer.setRows(m_rows);
+    // The answer holds them from here on.
+    answer.setRows(std::exchange(m_rows, {}));
     answer.setRowsCount(m_count);
     m_request.reply().setValue(answer);
     return false;
