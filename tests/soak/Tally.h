@@ -67,7 +67,8 @@ public:
     QStringList failures;
 
     Outcome total() const;
-    /// Bytes by which the heap of the last quarter of the rounds exceeds that of the second.
+    /// Bytes by which the smallest heap of the last quarter of the rounds exceeds that of the
+    /// second.
     qint64 growth() const;
     /// The tables of the report, in Markdown.
     QString table() const;
