@@ -87,11 +87,12 @@ QVariant OrkaHash::toVariant() const
 
 int OrkaHash::indexOf(const QString &key) const
 {
-    for (int i = 0; i < m_entries.size(); ++i) {
-        const QString &candidate = m_entries.at(i).first;
-        if (candidate.constData() == key.constData()
-            || (candidate.size() == key.size() && candidate == key))
-            return i;
+    const Entry *const first = m_entries.constData();
+    const Entry *const end = first + m_entries.size();
+    for (const Entry *entry = first; entry != end; ++entry) {
+        const QString &candidate = entry->first;
+        if (candidate.isSharedWith(key) || (candidate.size() == key.size() && candidate == key))
+            return int(entry - first);
     }
     return -1;
 }
