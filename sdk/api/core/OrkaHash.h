@@ -70,12 +70,7 @@ public:
         : QVariantList(list)
     {
     }
-    void append(const Record &record)
-    {
-        // Moved into its place; what QList appends, it copies.
-        QVariantList::append(QVariant());
-        QVariantList::last() = record.toVariant();
-    }
+    void append(const Record &record) { QVariantList::append(record.toVariant()); }
     Record at(int index) const { return Record(OrkaHash::fromVariant(QVariantList::at(index))); }
     Record first() const { return at(0); }
 };
