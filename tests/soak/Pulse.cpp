@@ -4,8 +4,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-Pulse::Pulse()
-    : m_schedule(open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC))
+Pulse::Pulse(Waiting waiting)
+    : m_schedule(
+        waiting == NotCounted ? open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC) : -1)
 {
     m_clock.start();
     m_lastWaited = waitedForProcessor();

@@ -9,10 +9,13 @@
 class Pulse : public QObject
 {
 public:
-    Pulse();
+    enum Waiting { Counted, NotCounted };
+
+    /// Whether the time in which the thread was ready and had no processor counts as silence.
+    explicit Pulse(Waiting waiting);
     ~Pulse() override;
 
-    /// Milliseconds, waiting for a processor not counted; starts anew.
+    /// Milliseconds; starts anew.
     double takeLongestSilence();
 
 private:

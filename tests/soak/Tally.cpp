@@ -63,19 +63,17 @@ QString Tally::table() const
     text += QStringLiteral("\n| fault | times |\n|---|---|\n");
     for (int i = 0; i < int(Fault::Count); ++i)
         text += QStringLiteral("| %1 | %2 |\n").arg(QLatin1String(faultNames[i])).arg(m_faults[i]);
-    text += QStringLiteral(
-        "\n| %1 rounds | |\n|---|---|\n| calls that reached the media service | %6 |\n"
-        "| requests and barriers left over | %2 |\n| kept by preparations without an answer, until "
-        "the worker went | "
-        "%3 |\n| longest silence of the event loop | %4 ms |\n| rounds run again after a longer "
-        "silence, which did not come again | %7 |\n| growth of the "
-        "heap, second to last quarter | %5 KiB |\n")
-                .arg(rounds)
-                .arg(leftovers)
-                .arg(keptByDesign)
-                .arg(longestSilence, 0, 'f', 1)
-                .arg(growth() / 1024)
-                .arg(calls)
-                .arg(silencesOnce);
+    const auto line = [&text](const char *what, const QString &figure) {
+        text += QStringLiteral("| %1 | %2 |\n").arg(QLatin1String(what), figure);
+    };
+    text += QStringLiteral("\n| %1 rounds | |\n|---|---|\n").arg(rounds);
+    line("calls that reached the media service", QString::number(calls));
+    line("requests and barriers left over", QString::number(leftovers));
+    line("kept for preparations without an answer, until the worker went",
+        QString::number(keptByDesign));
+    line("longest silence of the event loop", QString::number(longestSilence, 'f', 1) + " ms");
+    line("rounds run again because an idle thread had to wait too",
+        QString::number(silencesUnknown));
+    line("growth of the heap, second to last quarter", QString::number(growth() / 1024) + " KiB");
     return text;
 }

@@ -59,8 +59,8 @@ public:
     int keptByDesign = 0;
     /// Milliseconds.
     double longestSilence = 0;
-    /// Rounds that ran again because of a longer silence than allowed.
-    int silencesOnce = 0;
+    /// Rounds that ran again because the machine had no time for an idle thread either.
+    int silencesUnknown = 0;
     /// The heap in use after each round, in bytes.
     QVector<qint64> heap;
     /// What broke a promise, one sentence each.

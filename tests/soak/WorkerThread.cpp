@@ -9,11 +9,24 @@
 
 extern "C" void *worker_create(const char *name, void *config);
 
+namespace {
+
+/// Runs `work` on the thread of `context` and waits for it.
+void runOn(QObject *context, const std::function<void()> &work)
+{
+    QMetaObject::invokeMethod(context, work, Qt::BlockingQueuedConnection);
+}
+
+} // namespace
+
 WorkerThread::WorkerThread()
 {
     m_context.moveToThread(&m_thread);
     m_thread.start();
-    run([this] { m_pulse = std::make_unique<Pulse>(); });
+    run([this] { m_pulse = std::make_unique<Pulse>(Pulse::NotCounted); });
+    m_idleContext.moveToThread(&m_idleThread);
+    m_idleThread.start();
+    runOn(&m_idleContext, [this] { m_idlePulse = std::make_unique<Pulse>(Pulse::Counted); });
 }
 
 WorkerThread::~WorkerThread()
@@ -22,8 +35,11 @@ WorkerThread::~WorkerThread()
         m_sync.reset();
         m_pulse.reset();
     });
-    m_thread.quit();
-    m_thread.wait();
+    runOn(&m_idleContext, [this] { m_idlePulse.reset(); });
+    for (QThread *thread : {&m_thread, &m_idleThread}) {
+        thread->quit();
+        thread->wait();
+    }
 }
 
 void WorkerThread::start()
@@ -71,7 +87,14 @@ double WorkerThread::takeLongestSilence()
     return silence;
 }
 
+double WorkerThread::takeMachinesSilence()
+{
+    double silence = 0;
+    runOn(&m_idleContext, [this, &silence] { silence = m_idlePulse->takeLongestSilence(); });
+    return silence;
+}
+
 void WorkerThread::run(const std::function<void()> &work)
 {
-    QMetaObject::invokeMethod(&m_context, work, Qt::BlockingQueuedConnection);
+    runOn(&m_context, work);
 }

@@ -30,6 +30,9 @@ public:
     /// Milliseconds in which the event loop did nothing else, since the last call of this; the time
     /// in which the machine had no processor for the thread is taken off.
     double takeLongestSilence();
+    /// The same of a thread that does nothing: what the machine alone is to blame for, waiting for
+    /// a processor included.
+    double takeMachinesSilence();
 
 private:
     void run(const std::function<void()> &work);
@@ -37,5 +40,8 @@ private:
     QThread m_thread;
     QObject m_context;
     std::unique_ptr<Pulse> m_pulse;
+    QThread m_idleThread;
+    QObject m_idleContext;
+    std::unique_ptr<Pulse> m_idlePulse;
     std::unique_ptr<CMSyncWorker> m_sync;
 };

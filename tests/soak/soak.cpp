@@ -21,18 +21,22 @@ constexpr bool isInstrumented = false;
 
 /// Milliseconds; instrumented code is several times slower.
 constexpr double silenceAllowed = isInstrumented ? 500 : 50;
-/// Bytes from the second to the last quarter of a campaign.
-constexpr qint64 growthAllowed = 256 * 1024;
+/// Bytes from the second to the last quarter of a campaign. The D-Bus library keeps buffers of the
+/// size of the largest message, so some megabytes come and go; a request that leaked, of many
+/// thousands, would be more. AddressSanitizer's builds find what leaks less often.
+constexpr qint64 growthAllowed = 3 * 1024 * 1024;
 constexpr int roundsToSeeGrowth = 40;
 
 QMutex warningsMutex;
 QStringList warnings;
 
 /// What Qt warns of is a fault of the program, and comes from any thread. Only that a call names an
-/// object that can't be is no more than what was asked for.
+/// object that can't be is no more than what was asked for, and that a service is back before it
+/// was missed is what the campaign does.
 void keepWarning(QtMsgType type, const QMessageLogContext &, const QString &message)
 {
-    if (message.startsWith(QLatin1String("QDBusConnection: error: could not send message to")))
+    if (message.startsWith(QLatin1String("QDBusConnection: error: could not send message to"))
+        || message.contains(QLatin1String("' but we thought it was '")))
         return;
     std::fprintf(stderr, "%s\n", qPrintable(message));
     if (type == QtDebugMsg || type == QtInfoMsg)
@@ -51,17 +55,18 @@ quint64 seedOfRound(quint64 seed, int round)
 }
 
 /// Runs a round and returns how long its event loop was silent. A machine that has more to do than
-/// processors stops threads that hold a lock, too; such a silence doesn't come a second time.
+/// processors also stops threads that hold a lock; so where a thread that does nothing had to wait
+/// too, nothing is known, and the round runs again.
 double silenceOfRound(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tally &tally)
 {
-    Round(seed, service, worker, tally).run();
-    double silence = worker.takeLongestSilence();
-    for (int again = 0; again < 5 && silence > silenceAllowed; ++again) {
-        ++tally.silencesOnce;
+    for (int again = 0; again < 5; ++again) {
         Round(seed, service, worker, tally).run();
-        silence = qMin(silence, worker.takeLongestSilence());
+        const double silence = worker.takeLongestSilence();
+        if (worker.takeMachinesSilence() < silenceAllowed / 2 || silence < silenceAllowed)
+            return silence;
+        ++tally.silencesUnknown;
     }
-    return silence;
+    return 0;
 }
 
 void runRound(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tally &tally)
@@ -88,8 +93,12 @@ bool report(const Tally &tally, quint64 seed, int lastRound)
     }
     const bool hasGrown =
         !isInstrumented && tally.rounds >= roundsToSeeGrowth && tally.growth() > growthAllowed;
-    if (hasGrown)
-        std::printf("FAILED: the heap has grown from round to round.\n");
+    if (hasGrown) {
+        std::printf("FAILED: the heap has grown from round to round; KiB after each:");
+        for (const qint64 bytes : tally.heap)
+            std::printf(" %lld", static_cast<long long>(bytes / 1024));
+        std::printf("\n");
+    }
     return !hasGrown;
 }
 
