@@ -111,7 +111,7 @@ struct World
     }
 
     /// Memory after two fifths of the rounds against memory after all.
-    void expectNoGrowth(int rounds, const std::function<void()> &round)
+    void expectNoGrowth(int rounds, qint64 limit, const std::function<void()> &round)
     {
 #ifdef __SANITIZE_ADDRESS__
         rounds = 5; // has an allocator of its own, and finds leaks itself
@@ -123,7 +123,7 @@ struct World
                 before = mallinfo2().uordblks;
         }
         const qint64 growth = qint64(mallinfo2().uordblks) - qint64(before);
-        QVERIFY2(growth < 64 * 1024, qPrintable(QString("%1 bytes more").arg(growth)));
+        QVERIFY2(growth < limit, qPrintable(QString("%1 bytes more").arg(growth)));
     }
 };
 
@@ -165,7 +165,8 @@ void tst_Plugin::makesIndependentWorkers()
 void tst_Plugin::growsWithNothingOverAHundredLives()
 {
     World w;
-    w.expectNoGrowth(100, [&w] {
+    // Qt and libdbus keep up to a kilobyte a life; a worker left behind would be many.
+    w.expectNoGrowth(100, 256 * 1024, [&w] {
         const auto worker = create(load(), "upnp");
         QVERIFY(servers(&w.service, "upnp") != "[]");
         w.askEverything(worker.get());
@@ -177,7 +178,7 @@ void tst_Plugin::growsWithNothingOverHundredsOfRequests()
     World w;
     const auto worker = create(load(), "upnp");
     servers(&w.service, "upnp");
-    w.expectNoGrowth(80, [&] { w.askEverything(worker.get()); });
+    w.expectNoGrowth(80, 64 * 1024, [&] { w.askEverything(worker.get()); });
 }
 
 QTEST_GUILESS_MAIN(tst_Plugin)
