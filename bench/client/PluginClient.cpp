@@ -34,7 +34,7 @@ QString elementOf(const QString &container)
 int serverRows(CMUPnPWorker &worker)
 {
     const CMReply<OrkaRowsRoles> reply;
-    worker.getRowsRequest({worker.addPrefix(QString()), 0, 99999, -1, {OrkaRoles::Title()}, reply});
+    worker.getRowsRequest({worker.addPrefix(QString()), 0, 0, -1, {OrkaRoles::Title()}, reply});
     return reply.value().rowsCount();
 }
 

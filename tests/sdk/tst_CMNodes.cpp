@@ -15,6 +15,7 @@ private slots:
     void everyChangeIsANewVersion();
     void removesByPath_data();
     void removesByPath();
+    void removesRowsOfOneBaseOneByOne();
     void theWorkerAnswersWhatNoNodeTook();
 };
 
@@ -163,6 +164,24 @@ void tst_CMNodes::removesByPath()
     for (int i = 0; i < node->rowsCount(); ++i)
         titles.append(node->row(i).title().toString());
     QCOMPARE(titles, left);
+}
+
+void tst_CMNodes::removesRowsOfOneBaseOneByOne()
+{
+    CMNodes nodes;
+    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
+    for (const char *each : {"u:/1?a=1", "u:/1?a=2", "u:/1/64", "u:/1?a=1"})
+        node->rowsAppend(row(each));
+    const auto removed = [node](const char *path) {
+        return node->rowsRemoveStartingWithPath(CMPath::fromEncoded(path));
+    };
+    QCOMPARE(removed("u:/1?a=1"), 2);
+    QCOMPARE(removed("u:/1?a=1"), 0);
+    QCOMPARE(removed("u:/1/"), 1);
+    QCOMPARE(removed("u:/1"), 1);
+    QCOMPARE(removed("u:/1"), 0);
+    node->rowsAppend(row("u:/1"));
+    QCOMPARE(removed("u:/1"), 1);
 }
 
 void tst_CMNodes::theWorkerAnswersWhatNoNodeTook()

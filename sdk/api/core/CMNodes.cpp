@@ -59,16 +59,15 @@ CMListRowsNode *CMListRowsNode::create(CMNodes *nodes, const CMPath &path)
 void CMListRowsNode::rowsAppend(const OrkaRoles &row)
 {
     m_rows.append(row);
+    m_bases.insert(row.path().base());
     changed();
 }
 
 namespace {
-bool isAtOrBelow(const QString &base, const QString &top)
+/// What the bases below `top` start with.
+QString startBelow(const QString &top)
 {
-    if (!base.startsWith(top))
-        return false;
-    return base.size() == top.size() || top.endsWith(QLatin1Char('/'))
-        || base.at(top.size()) == QLatin1Char('/');
+    return top.endsWith(QLatin1Char('/')) ? top : top + QLatin1Char('/');
 }
 
 bool hasParams(const CMPath &path, const QMap<QString, QString> &wanted)
@@ -83,17 +82,30 @@ bool hasParams(const CMPath &path, const QMap<QString, QString> &wanted)
 }
 } // namespace
 
+bool CMListRowsNode::mayHaveRowsAtOrBelow(const QString &base) const
+{
+    const QString start = startBelow(base);
+    const auto below = m_bases.lower_bound(start);
+    return m_bases.find(base) != m_bases.end()
+        || (below != m_bases.end() && below->startsWith(start));
+}
+
 int CMListRowsNode::rowsRemoveStartingWithPath(const CMPath &path)
 {
-    const QMap<QString, QString> params = path.params();
-    const auto matches = [&path, &params](const OrkaRoles &row) {
+    const QString base = path.base();
+    if (!mayHaveRowsAtOrBelow(base))
+        return 0;
+    const auto stays = [&path, &base, start = startBelow(base), params = path.params()](
+                           const OrkaRoles &row) {
         const CMPath rowPath = row.path();
-        return rowPath.prefix() == path.prefix() && isAtOrBelow(rowPath.base(), path.base())
-            && hasParams(rowPath, params);
+        const bool isAtOrBelow = rowPath.base() == base || rowPath.base().startsWith(start);
+        return !isAtOrBelow || rowPath.prefix() != path.prefix() || !hasParams(rowPath, params);
     };
-    const int before = m_rows.size();
-    m_rows.erase(std::remove_if(m_rows.begin(), m_rows.end(), matches), m_rows.end());
-    const int removed = before - m_rows.size();
+    const auto firstRemoved = std::stable_partition(m_rows.begin(), m_rows.end(), stays);
+    const int removed = int(m_rows.end() - firstRemoved);
+    for (auto row = firstRemoved; row != m_rows.end(); ++row)
+        m_bases.erase(m_bases.find(row->path().base()));
+    m_rows.erase(firstRemoved, m_rows.end());
     if (removed > 0)
         changed();
     return removed;

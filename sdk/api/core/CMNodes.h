@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 class CMListRowsNode;
@@ -60,6 +61,7 @@ public:
 private:
     friend class CMNodes;
     CMListRowsNode(CMNodes *nodes, const CMPath &path);
+    bool mayHaveRowsAtOrBelow(const QString &base) const;
     void answerRows(const CMGetRowsRequest &request) const;
     void answerData(const CMGetDataRequest &request) const;
     OrkaRoles ownRoles() const;
@@ -69,5 +71,7 @@ private:
     CMPath m_path;
     TrString m_title;
     QVector<OrkaRoles> m_rows;
+    /// The bases of all rows' paths, so that a removal that finds nothing needn't look at each row.
+    std::multiset<QString> m_bases;
     int m_rowsVersion = 0;
 };
