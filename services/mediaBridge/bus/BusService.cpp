@@ -5,6 +5,7 @@
 #include "core/ObjectPath.h"
 
 #include <algorithm>
+#include <malloc.h>
 
 namespace bridge {
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr const char *daemonName = "org.freedesktop.DBus";
 constexpr size_t mebibyte = size_t{1} << 20;
+constexpr unsigned quietMs = 1'000;
 
 std::string addressOf(const std::string &where, GError **error)
 {
@@ -144,7 +146,23 @@ void BusService::receive(BusCallPtr call)
                       [](const auto &known) { return known.expired(); }),
         m_calls.end());
     m_calls.push_back(call);
+    giveMemoryBackWhenQuiet();
     onCall(call);
+}
+
+/// A long list takes many times what the service needs between calls; the allocator would keep it.
+void BusService::giveMemoryBackWhenQuiet()
+{
+    m_quiet.start(quietMs, [this] {
+        const bool isBusy = std::any_of(
+            m_calls.begin(), m_calls.end(), [](const auto &call) { return !call.expired(); });
+        if (isBusy) {
+            giveMemoryBackWhenQuiet();
+            return;
+        }
+        malloc_trim(0);
+        logDebug("quiet, " + std::to_string(mallinfo2().uordblks >> 10) + " KiB in use");
+    });
 }
 
 void BusService::countClient(const std::string &sender)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/BusCall.h"
+#include "core/Timer.h"
 
 #include <functional>
 #include <map>
@@ -51,6 +52,7 @@ private:
         GDBusConnection *connection, GDBusMessage *message, gboolean incoming, gpointer self);
     void receive(BusCallPtr call);
     void countClient(const std::string &sender);
+    void giveMemoryBackWhenQuiet();
 
     Ref<GDBusConnection> m_connection;
     size_t m_maxReplyBytes = 0;
@@ -59,6 +61,7 @@ private:
     /// Watch of each client that has made a call.
     std::map<std::string, guint> m_clients;
     std::vector<std::weak_ptr<BusCall>> m_calls;
+    Timer m_quiet;
 };
 
 } // namespace bridge

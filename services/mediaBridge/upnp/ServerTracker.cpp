@@ -26,28 +26,6 @@ bool looksTheSame(const MediaServer &a, const MediaServer &b)
 
 } // namespace
 
-void Timer::start(unsigned ms, std::function<void()> expired)
-{
-    stop();
-    m_expired = std::move(expired);
-    m_source = g_timeout_add(
-        ms,
-        [](gpointer self) -> gboolean {
-            auto *timer = static_cast<Timer *>(self);
-            timer->m_source = 0;
-            const auto call = std::move(timer->m_expired);
-            call();
-            return G_SOURCE_REMOVE;
-        },
-        this);
-}
-
-void Timer::stop()
-{
-    if (m_source != 0)
-        g_source_remove(std::exchange(m_source, 0));
-}
-
 ServerTracker::ServerTracker(std::string udn, Announce announce)
     : m_udn(std::move(udn))
     , m_announce(std::move(announce))

@@ -1,29 +1,12 @@
 #pragma once
 
+#include "core/Timer.h"
 #include "upnp/Discovery.h"
 #include "upnp/MediaServer.h"
 
 #include <memory>
 
 namespace bridge {
-
-/// A one-shot timer of the main loop that goes with its owner.
-class Timer
-{
-public:
-    Timer() = default;
-    ~Timer() { stop(); }
-    Timer(const Timer &) = delete;
-    Timer &operator=(const Timer &) = delete;
-    /// Replaces what was set before.
-    void start(unsigned ms, std::function<void()> expired);
-    void stop();
-    bool isRunning() const { return m_source != 0; }
-
-private:
-    guint m_source = 0;
-    std::function<void()> m_expired;
-};
 
 /// Follows one UDN: the ways to it, whether it answers, and what clients were told about it.
 /// Announced once description and capabilities were read; withdrawn a second after it went, so that

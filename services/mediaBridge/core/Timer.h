@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <glib.h>
+#include <utility>
+
+namespace bridge {
+
+/// A one-shot timer of the main loop that goes with its owner.
+class Timer
+{
+public:
+    Timer() = default;
+    ~Timer() { stop(); }
+    Timer(const Timer &) = delete;
+    Timer &operator=(const Timer &) = delete;
+
+    /// Replaces what was set before.
+    void start(unsigned ms, std::function<void()> expired)
+    {
+        stop();
+        m_expired = std::move(expired);
+        m_source = g_timeout_add(
+            ms,
+            [](gpointer self) -> gboolean {
+                auto *timer = static_cast<Timer *>(self);
+                timer->m_source = 0;
+                const auto call = std::move(timer->m_expired);
+                call();
+                return G_SOURCE_REMOVE;
+            },
+            this);
+    }
+    void stop()
+    {
+        if (m_source != 0)
+            g_source_remove(std::exchange(m_source, 0));
+    }
+    bool isRunning() const { return m_source != 0; }
+
+private:
+    guint m_source = 0;
+    std::function<void()> m_expired;
+};
+
+} // namespace bridge
