@@ -6,6 +6,7 @@
 #include "log.h"
 
 #include <QDBusMessage>
+#include <QStringBuilder>
 
 #include <algorithm>
 
@@ -145,7 +146,7 @@ QDBusObjectPath UPnPPath::dbusPath() const
     const QDBusObjectPath server = m_serverList->serverPath(m_udn);
     if (objectId.isEmpty())
         return server;
-    return QDBusObjectPath(server.path() + QLatin1Char('/') + objectId);
+    return QDBusObjectPath(QString(server.path() % QLatin1Char('/') % objectId));
 }
 
 UPnPPath UPnPPath::withoutQuery(const QString &key) const

@@ -61,7 +61,9 @@ void OrkaHash::setValue(const QString &key, QVariant value)
     }
     if (m_entries.isEmpty())
         m_entries.reserve(usualSize);
-    m_entries.append(Entry(key, std::move(value)));
+    // A pair made of both would copy the value.
+    m_entries.append(Entry(key, QVariant()));
+    m_entries.last().second = std::move(value);
 }
 
 void OrkaHash::remove(const QString &key)
