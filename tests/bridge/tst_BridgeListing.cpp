@@ -43,11 +43,12 @@ private Q_SLOTS:
     void initTestCase()
     {
         bridge = std::make_unique<BridgeFixture>();
-        server = std::make_unique<ScriptedUpnpServer>(newUdn(), QStringLiteral("NAS <1>"));
+        server = std::make_unique<ScriptedUpnpServer>(newUdn(), QStringLiteral("Test & Music <1>"));
         server->tree.addFolder(
             numbers, QStringLiteral("0"), QStringLiteral("Numbers"), numberCount);
         server->tree.addFolder(empty, QStringLiteral("0"), QStringLiteral("Empty"));
         addOddObjects();
+        server->behaviour.bareAmpersands = true;
         root = bridge->add(*server);
         QVERIFY(!root.isEmpty());
     }
@@ -101,6 +102,7 @@ void tst_BridgeListing::addOddObjects()
         "<res duration=\"99:59:59.999\" protocolInfo=\"http-get:*:audio/mpeg:*\">$BASE/8</res>");
     add("9", "last", "object.item.audioItem.musicTrack",
         "<upnp:albumArtURI>http://10.77.0.1/9.jpg</upnp:albumArtURI>");
+    add("10", "Rock & Roll &c; <live>", "object.item.audioItem.musicTrack", "");
 }
 
 void tst_BridgeListing::listsAreCompleteWhateverThePages_data()
@@ -179,10 +181,11 @@ void tst_BridgeListing::emptyAnswersAreEmptyLists()
 void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
 {
     server->behaviour.xmlDeclaration = true;
+    server->behaviour.bareAmpersands = true;
     const Answer answer = bridge->list(path(odd));
     QCOMPARE(answer.message, QString());
     const auto rows = answer.rows();
-    QCOMPARE(rows.size(), 9);
+    QCOMPARE(rows.size(), 10);
     const auto value = [&rows](int row, const char *key) {
         return rows[row].value(QLatin1String(key));
     };
@@ -197,6 +200,7 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
     QCOMPARE(value(6, "Duration").toInt(), 1);
     QCOMPARE(value(7, "Duration").toInt(), 359999);
     QCOMPARE(value(8, "AlbumArtURL").toString(), QStringLiteral("http://10.77.0.1/9.jpg"));
+    QCOMPARE(value(9, "DisplayName").toString(), QStringLiteral("Rock & Roll &c; <live>"));
 }
 
 /// Either the bridge gets what is missing, or it says so.
@@ -214,7 +218,7 @@ void tst_BridgeListing::deviceTellsWhatItsDescriptionSays_data()
     const auto row = [](const char *name, const QVariant &expected) {
         QTest::newRow(name) << expected;
     };
-    row("FriendlyName", QStringLiteral("NAS <1>"));
+    row("FriendlyName", QStringLiteral("Test & Music <1>"));
     row("UDN", QVariant());
     row("DeviceType", QStringLiteral("urn:schemas-upnp-org:device:MediaServer:1"));
     row("Manufacturer", QStringLiteral("Scripted Makers"));

@@ -2,24 +2,25 @@
 
 #include <algorithm>
 #include <climits>
-#include <glib.h>
 #include <libxml/parser.h>
 
 namespace bridge {
 
 namespace {
 
-/// Whether what follows an "&" makes it a reference, as in `amp;` or `#38;`.
+/// Whether what follows an "&" makes it a reference that every parser knows, as in `amp;` or
+/// `#38;`.
 bool isReference(std::string_view rest)
 {
+    constexpr std::string_view names[] = {"amp", "lt", "gt", "quot", "apos"};
     constexpr size_t longest = 10;
     const size_t end = rest.substr(0, longest).find(';');
-    if (end == std::string_view::npos || end == 0)
+    if (end == std::string_view::npos)
         return false;
-    const auto isNameCharacter = [](char c) {
-        return g_ascii_isalnum(c) || c == '#';
-    };
-    return std::all_of(rest.begin(), rest.begin() + static_cast<long>(end), isNameCharacter);
+    const std::string_view name = rest.substr(0, end);
+    const bool isNumber = name.size() > 1 && name[0] == '#'
+        && name.find_first_not_of("0123456789abcdefABCDEFx", 1) == std::string_view::npos;
+    return isNumber || std::find(std::begin(names), std::end(names), name) != std::end(names);
 }
 
 /// Where the next character stands that XML doesn't allow as it is.
@@ -84,18 +85,18 @@ XmlDoc parseXml(std::string_view text, const char *encoding)
 {
     // libxml2 takes white space before an XML declaration for a fault.
     const size_t start = text.find('<');
-    if (start == std::string_view::npos || text.size() > INT_MAX)
+    if (start == std::string_view::npos || text.size() > INT_MAX / 8)
         return nullptr;
     text.remove_prefix(start);
-    std::string clean;
-    if (findForbidden(text, 0) != std::string_view::npos) {
-        clean = repaired(text);
-        text = clean;
-    }
-    constexpr int options = XML_PARSE_RECOVER | XML_PARSE_NONET | XML_PARSE_NOERROR
-        | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
-    XmlDoc doc(
-        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, encoding, options));
+    const auto parse = [encoding](std::string_view document, int more) {
+        constexpr int options =
+            XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
+        return XmlDoc(xmlReadMemory(
+            document.data(), static_cast<int>(document.size()), nullptr, encoding, options | more));
+    };
+    XmlDoc doc = parse(text, 0);
+    if (!doc)
+        doc = parse(repaired(text), XML_PARSE_RECOVER);
     if (!doc || !xmlDocGetRootElement(doc.get()))
         return nullptr;
     return doc;

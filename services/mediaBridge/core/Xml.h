@@ -13,8 +13,9 @@ struct XmlDocDeleter
 };
 using XmlDoc = std::unique_ptr<xmlDoc, XmlDocDeleter>;
 
-/// Parses as much as can be made sense of, fetching nothing: characters that XML forbids are left
-/// out, a lone "&" is taken for itself. Null where there is no element at all.
+/// Parses as much as can be made sense of, fetching nothing: in a document that isn't well-formed,
+/// characters that XML forbids are left out and an "&" that begins no reference is taken for itself.
+/// Null where there is no element at all.
 /// `encoding` overrules what the document says of itself; null leaves it to the document.
 XmlDoc parseXml(std::string_view text, const char *encoding = nullptr);
 

@@ -57,6 +57,8 @@ struct Page
         if (objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::EmptyWrapped)
             text += QStringLiteral("\n  <!-- nothing -->\n");
         text += objects + QStringLiteral("</DIDL-Lite>");
+        if (behaviour.bareAmpersands)
+            text.replace(QLatin1String("&amp;"), QLatin1String("&"));
         return behaviour.cutResult ? text.left(text.size() / 2) : text;
     }
 };

@@ -29,6 +29,11 @@ struct ScriptedUpnpServer::Private
     };
     std::vector<std::unique_ptr<HeldRequest>> held;
 
+    QByteArray description(bool bareAmpersands) const
+    {
+        QByteArray text = deviceDescription(udn, friendlyName);
+        return bareAmpersands ? text.replace("&amp;", "&") : text;
+    }
     void close();
     void release(HeldRequest *request);
     void hold(ScriptedUpnpServer *server, SoupServerMessage *message, const QByteArray &body,
@@ -234,7 +239,7 @@ void ScriptedUpnpServer::Private::handle(
         server->d->handleControl(server, message);
     else if (place == QLatin1String("/description.xml"))
         server->d->reply(server, message, QStringLiteral("description"),
-            deviceDescription(server->d->udn, server->d->friendlyName), SOUP_STATUS_OK);
+            server->d->description(server->behaviour.bareAmpersands), SOUP_STATUS_OK);
     else if (place.endsWith(QLatin1String(".xml")))
         send(message, serviceDescription(place.startsWith(QLatin1String("/ContentD"))),
             SOUP_STATUS_OK);

@@ -22,6 +22,7 @@ struct ServerBehaviour
     EmptyResult emptyResult = EmptyDidl;
     bool xmlDeclaration = false; ///< the Result begins with an XML declaration
     bool cutResult = false; ///< the Result ends in the middle
+    bool bareAmpersands = false; ///< description and Result have every "&" as it is
     QStringList hang; ///< actions that never get an answer
     QStringList drop; ///< actions whose connection is closed without an answer
     QMap<QString, int> fail; ///< actions that are refused with this UPnP error code

@@ -65,6 +65,7 @@ QMap<QString, Setter> setters()
         {QStringLiteral("totalIsZero"), setter(&B::totalIsZero, flag)},
         {QStringLiteral("xmlDeclaration"), setter(&B::xmlDeclaration, flag)},
         {QStringLiteral("cutResult"), setter(&B::cutResult, flag)},
+        {QStringLiteral("bareAmpersands"), setter(&B::bareAmpersands, flag)},
         {QStringLiteral("hang"), setter(&B::hang, texts)},
         {QStringLiteral("drop"), setter(&B::drop, texts)},
         {QStringLiteral("fail"), setter(&B::fail, codes)},
