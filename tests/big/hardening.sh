@@ -1,5 +1,5 @@
 #!/bin/sh
-# Is the plug-in hardened as it was told to be? hardening.sh LIBRARY COMPILE-COMMANDS BUILD-TYPE
+# Is the plug-in linked and hardened as it was told to be? hardening.sh LIBRARY COMPILE-COMMANDS BUILD-TYPE
 set -eu
 library=$1 commands=$2 build_type=$3
 failed=0
@@ -20,6 +20,8 @@ segments=$(readelf --segments --wide "$library")
 # shellcheck disable=SC2317 # called through want
 finds() { printf '%s\n' "$2" | grep -E "$1"; }
 
+# It lives beside a host's own symbols and those of other plug-ins.
+want "worker_create as its only export" [ "$(nm --dynamic --defined-only "$library" | cut -d ' ' -f 2-)" = "T worker_create" ]
 want "immediate binding (-z now)" finds 'FLAGS.*NOW' "$dynamic"
 want "read-only relocations (-z relro)" finds 'GNU_RELRO' "$segments"
 want "-z nodelete" finds 'NODELETE' "$dynamic"

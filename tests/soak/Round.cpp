@@ -107,7 +107,7 @@ void Round::comeToRest()
         if (!isAtRest())
             continue;
         // Signals that are still on their way start new work.
-        PrivateBus::settle(m_service.connection(), [this] { return m_service.activity(); });
+        m_service.settle();
         m_worker.catchUp();
     } while (!isAtRest() && !deadline.hasExpired());
     if (const int work = m_worker.openWork()) {

@@ -19,8 +19,14 @@ constexpr bool isInstrumented = true;
 constexpr bool isInstrumented = false;
 #endif
 
-/// Milliseconds; instrumented code is several times slower.
-constexpr double silenceAllowed = isInstrumented ? 500 : 50;
+#ifdef __OPTIMIZE__
+constexpr bool isOptimised = true;
+#else
+constexpr bool isOptimised = false;
+#endif
+
+/// Milliseconds; code that isn't optimised or that watches itself is several times slower.
+constexpr double silenceAllowed = isInstrumented ? 500 : isOptimised ? 50 : 150;
 /// Bytes from the second to the last quarter of a campaign. The D-Bus library keeps buffers of the
 /// size of the largest message, so some megabytes come and go; a request that leaked, of many
 /// thousands, would be more. AddressSanitizer's builds find what leaks less often.

@@ -76,7 +76,7 @@ void FakeMediaService::fail(const FakeMatch &match, const QString &message, cons
 
 void FakeMediaService::answer(const FakeMatch &match, const QVariantList &values)
 {
-    answer(match, [=](const FakeCall &) { return FakeReply{values, {}, {}}; });
+    answer(match, [=](const FakeCall &) { return FakeReply{values}; });
 }
 
 void FakeMediaService::announce(const QString &signal, const QString &server)
@@ -84,7 +84,7 @@ void FakeMediaService::announce(const QString &signal, const QString &server)
     QDBusMessage message = QDBusMessage::createSignal(names::managerPath, names::manager, signal);
     message << QVariant::fromValue(QDBusObjectPath(server));
     m_connection.send(message);
-    ++m_sent;
+    ++m_activity;
 }
 
 void FakeMediaService::lose(const QString &server)
@@ -98,7 +98,7 @@ bool FakeMediaService::handleMessage(const QDBusMessage &message, const QDBusCon
     if (message.type() != QDBusMessage::MethodCallMessage)
         return false;
     const FakeCall call{message};
-    ++m_received;
+    ++m_activity;
     m_calls.append(call);
     const std::optional<Rule> rule = ruleFor(call, false);
     if (rule && !rule->answer)
@@ -129,12 +129,12 @@ FakeReply FakeMediaService::treeAnswer(const FakeCall &call) const
     QList<QDBusObjectPath> servers;
     for (const QString &path : tree.servers())
         servers.append(QDBusObjectPath(path));
-    return {{QVariant::fromValue(servers)}, {}, {}};
+    return {{QVariant::fromValue(servers)}};
 }
 
 void FakeMediaService::reply(const FakeCall &call, const FakeReply &reply)
 {
-    ++m_sent;
+    ++m_activity;
     m_connection.send(reply.isError()
             ? call.message.createErrorReply(reply.errorName, reply.errorMessage)
             : call.message.createReply(reply.values));
@@ -159,6 +159,11 @@ void FakeMediaService::releaseAt(int index)
     const FakeCall call = m_held.takeAt(index);
     const std::optional<Rule> rule = ruleFor(call, true);
     reply(call, rule ? rule->answer(call) : treeAnswer(call));
+}
+
+void FakeMediaService::settle() const
+{
+    PrivateBus::settle(m_connection, [this] { return m_activity; });
 }
 
 QVector<FakeCall> FakeMediaService::calls(const FakeMatch &match) const

@@ -75,8 +75,9 @@ public:
     void forgetCalls() { m_calls.clear(); }
     /// The calls one a line, for people.
     QString callsText() const;
-    /// Grows with everything that comes and goes.
-    int activity() const { return m_received + m_sent; }
+    /// Returns when the program and the service have told each other everything, see
+    /// `PrivateBus::settle()`.
+    void settle() const;
 
     void announceFound(const QString &server) { announce(QStringLiteral("FoundServer"), server); }
     void announceLost(const QString &server) { announce(QStringLiteral("LostServer"), server); }
@@ -110,6 +111,6 @@ private:
     QVector<Rule> m_rules;
     QVector<FakeCall> m_calls;
     QVector<FakeCall> m_held;
-    int m_received = 0;
-    int m_sent = 0;
+    /// Messages that have come and gone.
+    int m_activity = 0;
 };

@@ -213,20 +213,20 @@ FakeReply FakeTree::get(const Object &object, const QString &interface, const QS
         count ? uint(object.children.size()) : ofInterface(object, interface).value(name);
     if (!value.isValid())
         return FakeReply::error(names::unknownProperty, QStringLiteral("Unknown property ") + name);
-    return {{QVariant::fromValue(QDBusVariant(value))}, {}, {}};
+    return {{QVariant::fromValue(QDBusVariant(value))}};
 }
 
 FakeReply FakeTree::getAll(const Object &object, const QString &interface) const
 {
     const FakeReply wrong = interfaceError(object, interface);
-    return wrong.isError() ? wrong : FakeReply{{ofInterface(object, interface)}, {}, {}};
+    return wrong.isError() ? wrong : FakeReply{{ofInterface(object, interface)}};
 }
 
 FakeReply FakeTree::listChildren(const Object &object, const QVariantList &arguments) const
 {
     const QList<QVariantMap> rows = slice(object.children, arguments.value(0).toUInt(),
         arguments.value(1).toUInt(), arguments.value(2).toStringList());
-    return {{propertyMaps(rows)}, {}, {}};
+    return {{propertyMaps(rows)}};
 }
 
 FakeReply FakeTree::search(const QString &path, const QVariantList &arguments) const
@@ -248,7 +248,7 @@ FakeReply FakeTree::search(const QString &path, const QVariantList &arguments) c
     }
     const QList<QVariantMap> rows = slice(found, arguments.value(1).toUInt(),
         arguments.value(2).toUInt(), arguments.value(3).toStringList());
-    return {{propertyMaps(rows), uint(found.size())}, {}, {}};
+    return {{propertyMaps(rows), uint(found.size())}};
 }
 
 void FakeTree::collect(const QString &path, QStringList *found) const

@@ -1,17 +1,16 @@
 #pragma once
 
 #include <QHash>
-#include <QMap>
-#include <QString>
+#include <QMetaType>
 #include <QStringList>
 #include <QVariantMap>
 
 /// What a call is answered with: values, or an error.
 struct FakeReply
 {
-    QVariantList values;
-    QString errorName;
-    QString errorMessage;
+    QVariantList values = {};
+    QString errorName = {};
+    QString errorMessage = {};
 
     bool isError() const { return !errorName.isEmpty(); }
     static FakeReply error(const QString &name, const QString &message)
@@ -19,6 +18,8 @@ struct FakeReply
         return {{}, name, message};
     }
 };
+
+Q_DECLARE_METATYPE(FakeReply)
 
 /// A list of property maps as it travels (aa{sv}), made without the plug-in's registered types.
 QVariant propertyMaps(const QList<QVariantMap> &maps);

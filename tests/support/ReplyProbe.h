@@ -22,29 +22,30 @@ public:
 
     const CMReply<T> &reply() const { return m_state->reply; }
     T value() const { return m_state->reply.value(); }
-    QString message() const { return m_state->reply.error().message().sourceString(); }
+    CMError error() const { return m_state->reply.error(); }
     int announcements() const { return m_state->announcements; }
 
-    /// "value", "error NAME: MESSAGE", "nothing" while there is no answer, or what is wrong. An
-    /// answered request that somebody still keeps is wrong too.
+    /// "value" or "error NAME: MESSAGE"; without an answer "pending" while somebody keeps the
+    /// request and "dropped" when nobody does; or what is wrong, such as an answered request that
+    /// is still kept.
     QString outcome() const
     {
+        // The probe's and its watcher's.
+        const bool isKept = m_state->reply.handles() > 2;
         if (announcements() > 1)
             return QStringLiteral("announced %1 times").arg(announcements());
+        if (announcements() == 0 && m_state->reply.isFinished())
+            return QStringLiteral("not announced");
         if (announcements() == 0)
-            return m_state->reply.isFinished() ? QStringLiteral("not announced")
-                                               : QStringLiteral("nothing");
-        if (m_state->reply.handles() > ownHandles)
+            return isKept ? QStringLiteral("pending") : QStringLiteral("dropped");
+        if (isKept)
             return QStringLiteral("answered, but its request is still kept");
-        const CMError error = m_state->reply.error();
-        return error.isError() ? QStringLiteral("error %1: %2").arg(error.name(), message())
-                               : QStringLiteral("value");
+        return error().isError()
+            ? QStringLiteral("error %1: %2").arg(error().name(), error().message().sourceString())
+            : QStringLiteral("value");
     }
 
 private:
-    /// The probe's and its watcher's.
-    static constexpr long ownHandles = 2;
-
     struct State
     {
         CMReply<T> reply;

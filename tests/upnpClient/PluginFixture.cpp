@@ -19,6 +19,11 @@ void failOnWarning(QtMsgType type, const QMessageLogContext &context, const QStr
         QTest::qFail(qPrintable(message), __FILE__, __LINE__);
 }
 
+CMPath encoded(const QString &path)
+{
+    return CMPath::fromEncoded(QStringLiteral("upnp:") + path);
+}
+
 } // namespace
 
 PluginFixture::PluginFixture(PrivateBus::Limits limits)
@@ -30,6 +35,11 @@ PluginFixture::PluginFixture(PrivateBus::Limits limits)
 
 PluginFixture::~PluginFixture()
 {
+    if (m_sync && !QTest::currentTestFailed()) {
+        service.release();
+        settle();
+        QTest::qCompare(openWork(worker()), 0, "work left in the worker", "", __FILE__, __LINE__);
+    }
     qInstallMessageHandler(previousHandler);
     // Two answers of one kind to one request: the SDK drops the second and says so.
     for (const QString &line : log.lines(QStringLiteral("WARN CM:")))
@@ -41,54 +51,49 @@ PluginFixture::~PluginFixture()
             + log.lines().filter(QRegularExpression("^(?!TRACE)")).join('\n');
 }
 
-void PluginFixture::start(const QVariantHash &config)
+void PluginFixture::start()
 {
-    QVariantHash full = config;
-    full.insert(CMWorker::Prefix_(), QStringLiteral("upnp"));
-    m_sync.reset(static_cast<CMSyncWorker *>(worker_create("upnpClient", &full)));
+    QVariantHash config{{CMWorker::Prefix_(), "upnp"}, {OrkaService_Id(), "media"}};
+    m_sync.reset(static_cast<CMSyncWorker *>(worker_create("upnpClient", &config)));
     if (!CMRoot()->mount(m_sync.get()))
         qFatal("The prefix of an earlier test is still there.");
     settle();
 }
 
-void PluginFixture::settle()
+void PluginFixture::runUntilLogged(const QString &start) const
 {
-    PrivateBus::settle(service.connection(), [this] { return service.activity(); });
-}
-
-CMPath PluginFixture::path(const QString &path)
-{
-    return CMPath::fromEncoded(QStringLiteral("upnp:") + path);
+    while (log.lines(start).isEmpty())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 ReplyProbe<OrkaRowsRoles> PluginFixture::askRows(
-    const QString &at, int first, int last, const QStringList &roles)
+    const QString &path, int first, int last, const QStringList &roles)
 {
     ReplyProbe<OrkaRowsRoles> probe;
-    m_sync->getRows(path(at), first, last, -1, roles, probe.reply());
+    m_sync->getRows(encoded(path), first, last, -1, roles, probe.reply());
     return probe;
 }
 
-ReplyProbe<QVariantList> PluginFixture::askData(const QString &at, const QStringList &roles)
+ReplyProbe<QVariantList> PluginFixture::askData(const QString &path, const QStringList &roles)
 {
     ReplyProbe<QVariantList> probe;
-    m_sync->getData(path(at), roles, probe.reply());
+    m_sync->getData(encoded(path), roles, probe.reply());
     return probe;
 }
 
-ReplyProbe<QVariant> PluginFixture::askSet(const QString &at, const QVariant &value)
+ReplyProbe<QVariant> PluginFixture::askSet(const QString &path, const QVariant &value)
 {
     ReplyProbe<QVariant> probe;
-    m_sync->setData(path(at), value, probe.reply());
+    m_sync->setData(encoded(path), value, probe.reply());
     return probe;
 }
 
 ReplyProbe<QVariant> PluginFixture::askPrepare(const QStringList &paths)
 {
-    QVariantList encoded;
-    for (const QString &at : paths)
-        encoded.append(path(at).toEncoded());
-    return askSet(QStringLiteral("playlist/prepareItems"), encoded);
+    QVariantList all;
+    for (const QString &path : paths)
+        all.append(encoded(path).toEncoded());
+    return askSet(QStringLiteral("playlist/prepareItems"), all);
 }
 
 OrkaRowsRoles PluginFixture::rootRows(const QStringList &roles)
@@ -98,15 +103,15 @@ OrkaRowsRoles PluginFixture::rootRows(const QStringList &roles)
     return reply.value();
 }
 
-int PluginFixture::openWork()
+int openWork(const CMUPnPWorker &worker)
 {
-    int work = 0;
-    for (const QObject *child : worker().children())
-        work += child->inherits("CMNodes") || child->inherits("CMValueItem")
-                || child->inherits("UPnPServerList")
-            ? 0
-            : 1;
-    return work + worker().serverList()->findChildren<DBusBarrier *>().size();
+    int work = worker.serverList()->findChildren<DBusBarrier *>().size();
+    for (const QObject *child : worker.children()) {
+        const bool stays = child->inherits("CMNodes") || child->inherits("CMValueItem")
+            || child->inherits("UPnPServerList");
+        work += stays ? 0 : 1;
+    }
+    return work;
 }
 
 QString rowsText(const OrkaRowsRoles &rows)
@@ -131,4 +136,9 @@ QString itemsText(const QVariant &items, const QString &key)
     for (const QVariant &item : items.toList())
         texts.append(OrkaHash::fromVariant(item).value(key).toString());
     return texts.join(QLatin1Char(' '));
+}
+
+QVariantList propertyValue(const QVariant &value)
+{
+    return {QVariant::fromValue(QDBusVariant(value))};
 }

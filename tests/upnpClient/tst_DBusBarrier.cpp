@@ -1,10 +1,10 @@
 #include "DBusBarrier.h"
 #include "PluginFixture.h"
+#include "Table.h"
 
 #include <QDBusPendingReply>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTest>
 
 /// Calls to a real bus; which of them come back, and in which order, is up to the test.
 class tst_DBusBarrier : public QObject
@@ -14,9 +14,7 @@ class tst_DBusBarrier : public QObject
 private slots:
     void finishesOnceAfterItsLastCall_data();
     void finishesOnceAfterItsLastCall();
-    void handsOverTheUserDataOfThatMoment();
-    void neverFinishesWithoutCalls();
-    void neverFinishesInsideAddCall();
+    void neverFinishesWithoutCallsOrInsideAddCall();
     void finishesAgainWhenCallsAreAddedLater();
     void aRepeatedNameWaitsForBothAndNamesTheNewer();
     void handsOutFinishedCallsInTheOrderOfTheirNames();
@@ -37,40 +35,36 @@ struct World
     QSignalSpy finished{barrier.get(), &DBusBarrier::finished};
 
     World() { service.hold({}); }
-    void settle()
+    void add(const QString &name, const QString &property)
     {
-        PrivateBus::settle(service.connection(), [this] { return service.activity(); });
-    }
-    QDBusPendingCall ask(const QString &property)
-    {
-        return getPropertyAsync(names::service, server, names::device, property);
+        barrier->addCall(name, getPropertyAsync(names::service, server, names::device, property));
     }
     void add(const QStringList &properties)
     {
         for (const QString &property : properties)
-            barrier->addCall(property, ask(property));
-        settle();
+            add(property, property);
+        service.settle();
     }
     void release(const QString &property)
     {
         service.release({{}, {}, property});
-        settle();
+        service.settle();
+    }
+    QString text(const QString &name)
+    {
+        const QDBusPendingReply<QDBusVariant> reply = barrier->getCall(name);
+        return reply.isError() ? reply.error().name() : reply.value().variant().toString();
     }
 };
-
-QString text(const QDBusPendingReply<QDBusVariant> &reply)
-{
-    return reply.isError() ? reply.error().name() : reply.value().variant().toString();
-}
 
 } // namespace
 
 void tst_DBusBarrier::finishesOnceAfterItsLastCall_data()
 {
-    QTest::addColumn<QStringList>("order");
-    QTest::newRow("as asked") << QStringList{"FriendlyName", "UDN", "NoSuch"};
-    QTest::newRow("reversed") << QStringList{"NoSuch", "UDN", "FriendlyName"};
-    QTest::newRow("a failure in between") << QStringList{"UDN", "NoSuch", "FriendlyName"};
+    columns<QStringList>("order");
+    row("as asked", QStringList{"FriendlyName", "UDN", "NoSuch"});
+    row("reversed", QStringList{"NoSuch", "UDN", "FriendlyName"});
+    row("a failure in between", QStringList{"UDN", "NoSuch", "FriendlyName"});
 }
 
 void tst_DBusBarrier::finishesOnceAfterItsLastCall()
@@ -78,6 +72,8 @@ void tst_DBusBarrier::finishesOnceAfterItsLastCall()
     QFETCH(QStringList, order);
     World w;
     w.add({"FriendlyName", "UDN", "NoSuch"});
+    int later = 0;
+    w.barrier->setUserData(&later);
     for (const QString &property : order) {
         QCOMPARE(w.finished.count(), 0);
         QVERIFY(!w.barrier->isFinished());
@@ -86,39 +82,24 @@ void tst_DBusBarrier::finishesOnceAfterItsLastCall()
     QVERIFY(w.barrier->isFinished());
     QCOMPARE(w.finished.count(), 1);
     QCOMPARE(w.finished[0][0].value<DBusBarrier *>(), w.barrier.get());
-    QCOMPARE(text(w.barrier->getCall("FriendlyName")), QString("Music"));
-    QCOMPARE(text(w.barrier->getCall("UDN")), QString("uuid:1"));
-    QCOMPARE(text(w.barrier->getCall("NoSuch")), names::unknownProperty);
-}
-
-void tst_DBusBarrier::handsOverTheUserDataOfThatMoment()
-{
-    World w;
-    w.add({"UDN"});
-    int later = 0;
-    w.barrier->setUserData(&later);
-    w.release("UDN");
     QCOMPARE(w.finished[0][1].value<void *>(), static_cast<void *>(&later));
+    QCOMPARE(w.text("FriendlyName"), "Music");
+    QCOMPARE(w.text("UDN"), "uuid:1");
+    QCOMPARE(w.text("NoSuch"), names::unknownProperty);
 }
 
-void tst_DBusBarrier::neverFinishesWithoutCalls()
+void tst_DBusBarrier::neverFinishesWithoutCallsOrInsideAddCall()
 {
     World w;
-    w.settle();
+    w.service.settle();
     QVERIFY(w.barrier->isFinished());
     QVERIFY(!w.barrier->takeFinishedCall(nullptr));
-    QCOMPARE(w.finished.count(), 0);
-}
-
-void tst_DBusBarrier::neverFinishesInsideAddCall()
-{
-    World w;
     const auto failed = QDBusPendingCall::fromError(QDBusError(QDBusError::Failed, "no bus"));
     w.barrier->addCall("one", failed);
     w.barrier->addCall("two", failed);
     QCOMPARE(w.finished.count(), 0);
     QVERIFY(!w.barrier->isFinished());
-    w.settle();
+    w.service.settle();
     QCOMPARE(w.finished.count(), 1);
 }
 
@@ -136,14 +117,14 @@ void tst_DBusBarrier::finishesAgainWhenCallsAreAddedLater()
 void tst_DBusBarrier::aRepeatedNameWaitsForBothAndNamesTheNewer()
 {
     World w;
-    w.barrier->addCall("name", w.ask("UDN"));
-    w.barrier->addCall("name", w.ask("FriendlyName"));
-    w.settle();
+    w.add("name", "UDN");
+    w.add("name", "FriendlyName");
+    w.service.settle();
     w.release("FriendlyName");
     QCOMPARE(w.finished.count(), 0);
     w.release("UDN");
     QCOMPARE(w.finished.count(), 1);
-    QCOMPARE(text(w.barrier->getCall("name")), QString("Music"));
+    QCOMPARE(w.text("name"), "Music");
     QVERIFY(w.barrier->takeFinishedCall(nullptr));
     QVERIFY(!w.barrier->takeFinishedCall(nullptr));
 }
@@ -152,10 +133,8 @@ void tst_DBusBarrier::handsOutFinishedCallsInTheOrderOfTheirNames()
 {
     World w;
     w.add({"b", "d", "a", "c"});
-    w.release("c");
-    w.release("b");
-    w.release("d");
-
+    for (const char *name : {"c", "b", "d"})
+        w.release(name);
     QString taken;
     QString name = "untouched";
     while (QDBusPendingCallWatcher *watcher = w.barrier->takeFinishedCall(&name)) {
@@ -164,8 +143,8 @@ void tst_DBusBarrier::handsOutFinishedCallsInTheOrderOfTheirNames()
         QVERIFY(!w.barrier->containsCall(name));
         taken += name;
     }
-    QCOMPARE(taken, QString("bcd"));
-    QCOMPARE(name, QString("d"));
+    QCOMPARE(taken, "bcd");
+    QCOMPARE(name, "d");
     QVERIFY(w.barrier->containsCall("a"));
     w.release("a");
     QVERIFY(w.barrier->takeFinishedCall(nullptr));
@@ -174,15 +153,13 @@ void tst_DBusBarrier::handsOutFinishedCallsInTheOrderOfTheirNames()
 void tst_DBusBarrier::takesKeptUserDataWithItUnlessItWasTaken()
 {
     const auto data = std::make_shared<int>(1);
-    auto kept = std::make_unique<DBusBarrier>(nullptr);
-    kept->keepUserData(std::make_unique<std::shared_ptr<int>>(data));
-    auto emptied = std::make_unique<DBusBarrier>(nullptr);
-    emptied->keepUserData(std::make_unique<std::shared_ptr<int>>(data));
-    const auto taken = emptied->takeUserData<std::shared_ptr<int>>();
-    QCOMPARE(data.use_count(), 3);
-    kept.reset();
-    emptied.reset();
-    QCOMPARE(data.use_count(), 2);
+    for (const bool isTaken : {false, true}) {
+        DBusBarrier barrier(nullptr);
+        barrier.keepUserData(std::make_unique<std::shared_ptr<int>>(data));
+        const auto taken = isTaken ? barrier.takeUserData<std::shared_ptr<int>>() : nullptr;
+        QCOMPARE(data.use_count(), 2);
+    }
+    QCOMPARE(data.use_count(), 1);
 }
 
 void tst_DBusBarrier::isSilentWhenItGoesWithCallsPending()
