@@ -1,7 +1,8 @@
+#include "Table.h"
+
 #include <api/core/CMNodesWorker.h>
 
 #include <QSignalSpy>
-#include <QTest>
 
 class tst_CMNodes : public QObject
 {
@@ -10,8 +11,7 @@ class tst_CMNodes : public QObject
 private slots:
     void answersARange_data();
     void answersARange();
-    void answersItsOwnData();
-    void takesItsOwnPathOnly();
+    void answersItsOwnDataAtItsOwnPathOnly();
     void everyChangeIsANewVersion();
     void removesByPath_data();
     void removesByPath();
@@ -22,7 +22,7 @@ private slots:
 namespace {
 const CMPath root("upnp", "");
 
-OrkaRoles row(const QString &encodedPath)
+OrkaRoles rolesAt(const QString &encodedPath)
 {
     OrkaRoles roles;
     roles.setPath(CMPath::fromEncoded(encodedPath));
@@ -30,99 +30,98 @@ OrkaRoles row(const QString &encodedPath)
     return roles;
 }
 
-CMReply<OrkaRowsRoles> askRows(CMNodes &nodes, const CMPath &path, int first, int last)
+/// The rows of a node at the root, named by their titles.
+struct Node
 {
-    CMReply<OrkaRowsRoles> reply;
-    nodes.getRowsRequest(CMGetRowsRequest(path, first, last, -1, {"title", "icon"}, reply));
-    return reply;
-}
+    explicit Node(const QStringList &paths)
+    {
+        for (const QString &path : paths)
+            node->rowsAppend(rolesAt(path));
+    }
+    CMReply<OrkaRowsRoles> ask(const CMPath &path, int first, int last)
+    {
+        CMReply<OrkaRowsRoles> reply;
+        nodes.getRowsRequest(CMGetRowsRequest(path, first, last, -1, {"title", "icon"}, reply));
+        return reply;
+    }
+    QStringList titles(int first = 0, int last = 99)
+    {
+        QStringList titles;
+        for (const QVariant &row : ask(root, first, last).value().rows())
+            titles.append(row.toList().first().toString());
+        return titles;
+    }
+    int remove(const QString &path)
+    {
+        return node->rowsRemoveStartingWithPath(CMPath::fromEncoded(path));
+    }
 
-QString titlesOf(const OrkaRowsRoles &answer)
-{
-    QString titles;
-    for (const QVariant &row : answer.rows())
-        titles += row.toList().first().toString();
-    return titles;
-}
+    CMNodes nodes;
+    CMListRowsNode *node = CMListRowsNode::create(&nodes, root);
+};
 } // namespace
 
 void tst_CMNodes::answersARange_data()
 {
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<QString>("titles");
-    QTest::newRow("all") << 0 << 2 << "p:0p:1p:2";
-    QTest::newRow("one") << 1 << 1 << "p:1";
-    QTest::newRow("past the end") << 2 << 1000 << "p:2";
-    QTest::newRow("beyond") << 3 << 9 << "";
-    QTest::newRow("end before start") << 1 << 0 << "";
-    QTest::newRow("before the start") << -5 << 0 << "p:0";
-    QTest::newRow("everything an int holds")
-        << std::numeric_limits<int>::min() << std::numeric_limits<int>::max() << "p:0p:1p:2";
+    columns<int, int, QString>("first", "last", "titles");
+    row("all", 0, 2, "p:0 p:1 p:2");
+    row("one", 1, 1, "p:1");
+    row("past the end", 2, 1000, "p:2");
+    row("beyond", 3, 9, "");
+    row("end before start", 1, 0, "");
+    row("before the start", -5, 0, "p:0");
+    row("everything an int holds", std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
+        "p:0 p:1 p:2");
 }
 
 void tst_CMNodes::answersARange()
 {
     QFETCH(int, first);
     QFETCH(int, last);
-    QFETCH(QString, titles);
-    CMNodes nodes;
-    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
-    node->setTitle(TrString("servers"));
-    for (const char *path : {"p:0", "p:1", "p:2"})
-        node->rowsAppend(row(path));
-
-    const OrkaRowsRoles answer = askRows(nodes, root, first, last).value();
-    QCOMPARE(titlesOf(answer), titles);
+    Node n({"p:0", "p:1", "p:2"});
+    n.node->setTitle(TrString("servers"));
+    QTEST(n.titles(first, last).join(' '), "titles");
+    const OrkaRowsRoles answer = n.ask(root, first, last).value();
     QCOMPARE(answer.rowsCount(), 3);
     QCOMPARE(answer.rowsVersion(), 3);
-    QCOMPARE(answer.roles().title().toString(), QStringLiteral("servers"));
+    QCOMPARE(answer.roles().title().toString(), "servers");
     for (const QVariant &values : answer.rows()) {
         QCOMPARE(values.toList().size(), 2);
         QVERIFY(!values.toList().last().isValid());
     }
 }
 
-void tst_CMNodes::answersItsOwnData()
+void tst_CMNodes::answersItsOwnDataAtItsOwnPathOnly()
 {
-    CMNodes nodes;
-    CMListRowsNode::create(&nodes, root)->setTitle(TrString("servers"));
-    CMReply<QVariantList> reply;
-    QVERIFY(nodes.getDataRequest(CMGetDataRequest(root, {"type", "icon", "title", "path"}, reply)));
-    QCOMPARE(reply.value(),
-        (QVariantList{
-            1, QVariant(), QVariant::fromValue(TrString("servers")), QVariant::fromValue(root)}));
-}
+    Node n({"upnp:/uuid:1"});
+    n.node->setTitle(TrString("servers"));
+    CMReply<QVariantList> data;
+    const CMGetDataRequest request(root, {"type", "icon", "title", "path"}, data);
+    QVERIFY(n.nodes.getDataRequest(request));
+    QCOMPARE(orkaToJson(data.value()), R"([1,null,"servers","upnp:"])");
+    QVERIFY(n.ask(CMPath(root).addParam("sample", "0,1,1"), 0, 9).isFinished());
+    QVERIFY(!n.ask(CMPath("upnp", "/uuid:1"), 0, 9).isFinished());
+    QVERIFY(!n.ask(CMPath("other", ""), 0, 9).isFinished());
+    CMReply<QVariant> set;
+    QVERIFY(!n.nodes.setDataRequest(CMSetDataRequest(root, 1, set)));
+    QVERIFY(!set.isFinished());
 
-void tst_CMNodes::takesItsOwnPathOnly()
-{
-    CMNodes nodes;
-    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
-    node->rowsAppend(row("upnp:/uuid:1"));
-    QVERIFY(askRows(nodes, CMPath(root).addParam("sample", "0,1,1"), 0, 9).isFinished());
-    QVERIFY(!askRows(nodes, CMPath("upnp", "/uuid:1"), 0, 9).isFinished());
-    QVERIFY(!askRows(nodes, CMPath("other", ""), 0, 9).isFinished());
-    CMReply<QVariant> reply;
-    QVERIFY(!nodes.setDataRequest(CMSetDataRequest(root, 1, reply)));
-    QVERIFY(!reply.isFinished());
-
-    QCOMPARE(CMListRowsNode::create(&nodes, root), node);
-    CMListRowsNode *const other = CMListRowsNode::create(&nodes, CMPath("upnp", "/favourites"));
-    QVERIFY(other != node);
-    QCOMPARE(askRows(nodes, other->path(), 0, 9).value().rowsCount(), 0);
+    QCOMPARE(CMListRowsNode::create(&n.nodes, root), n.node);
+    CMListRowsNode *const other = CMListRowsNode::create(&n.nodes, CMPath("upnp", "/favourites"));
+    QVERIFY(other != n.node);
+    QCOMPARE(n.ask(other->path(), 0, 9).value().rowsCount(), 0);
 }
 
 void tst_CMNodes::everyChangeIsANewVersion()
 {
-    CMNodes nodes;
-    QSignalSpy spy(&nodes, &CMNodes::rowsChanged);
-    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
-    QCOMPARE(node->rowsVersion(), 0);
-    node->rowsAppend(row("upnp:/1"));
-    node->rowsAppend(row("upnp:/2"));
-    QCOMPARE(node->rowsRemoveStartingWithPath(CMPath("upnp", "/3")), 0);
-    QCOMPARE(node->rowsRemoveStartingWithPath(CMPath("upnp", "/")), 2);
-    QCOMPARE(node->rowsVersion(), 3);
+    Node n({});
+    QSignalSpy spy(&n.nodes, &CMNodes::rowsChanged);
+    QCOMPARE(n.node->rowsVersion(), 0);
+    n.node->rowsAppend(rolesAt("upnp:/1"));
+    n.node->rowsAppend(rolesAt("upnp:/2"));
+    QCOMPARE(n.remove("upnp:/3"), 0);
+    QCOMPARE(n.remove("upnp:/"), 2);
+    QCOMPARE(n.node->rowsVersion(), 3);
     QCOMPARE(spy.count(), 3);
     QVERIFY(spy.last().at(0).value<CMPath>() == root);
     QCOMPARE(spy.last().at(1).toInt(), 3);
@@ -130,87 +129,71 @@ void tst_CMNodes::everyChangeIsANewVersion()
 
 void tst_CMNodes::removesByPath_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QStringList>("left");
-
+    columns<QString, QStringList>("path", "left");
     const QString one = "u:/uuid:1?itemType=server", below = "u:/uuid:1/64",
                   ten = "u:/uuid:10?itemType=server", other = "v:/uuid:1";
-    QTest::newRow("base and what is below it") << "u:/uuid:1" << QStringList{ten, other};
-    QTest::newRow("with the parameter")
-        << "u:/uuid:1?itemType=server" << QStringList{below, ten, other};
-    QTest::newRow("with another value")
-        << "u:/uuid:1?itemType=track" << QStringList{one, below, ten, other};
-    QTest::newRow("with an empty value")
-        << "u:/uuid:1?itemType=" << QStringList{one, below, ten, other};
-    QTest::newRow("half a name") << "u:/uuid:" << QStringList{one, below, ten, other};
-    QTest::newRow("trailing slash") << "u:/uuid:1/" << QStringList{one, ten, other};
-    QTest::newRow("everything below") << "u:/" << QStringList{other};
-    QTest::newRow("the root") << "u:" << QStringList{other};
-    QTest::newRow("another prefix") << "v:/uuid:1" << QStringList{one, below, ten};
-    QTest::newRow("child only") << "u:/uuid:1/64" << QStringList{one, ten, other};
+    const QStringList all{one, below, ten, other};
+    row("base and what is below it", "u:/uuid:1", QStringList{ten, other});
+    row("with the parameter", "u:/uuid:1?itemType=server", QStringList{below, ten, other});
+    row("with another value", "u:/uuid:1?itemType=track", all);
+    row("with an empty value", "u:/uuid:1?itemType=", all);
+    row("half a name", "u:/uuid:", all);
+    row("trailing slash", "u:/uuid:1/", QStringList{one, ten, other});
+    row("everything below", "u:/", QStringList{other});
+    row("the root", "u:", QStringList{other});
+    row("another prefix", "v:/uuid:1", QStringList{one, below, ten});
+    row("child only", "u:/uuid:1/64", QStringList{one, ten, other});
 }
 
 void tst_CMNodes::removesByPath()
 {
     QFETCH(QString, path);
     QFETCH(QStringList, left);
-    CMNodes nodes;
-    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
-    for (const char *each :
-        {"u:/uuid:1?itemType=server", "u:/uuid:1/64", "u:/uuid:10?itemType=server", "v:/uuid:1"})
-        node->rowsAppend(row(each));
-    QCOMPARE(node->rowsRemoveStartingWithPath(CMPath::fromEncoded(path)), 4 - left.size());
-    QStringList titles;
-    for (int i = 0; i < node->rowsCount(); ++i)
-        titles.append(node->row(i).title().toString());
-    QCOMPARE(titles, left);
+    Node n(
+        {"u:/uuid:1?itemType=server", "u:/uuid:1/64", "u:/uuid:10?itemType=server", "v:/uuid:1"});
+    QCOMPARE(n.remove(path), 4 - left.size());
+    QCOMPARE(n.titles(), left);
 }
 
 void tst_CMNodes::removesRowsOfOneBaseOneByOne()
 {
-    CMNodes nodes;
-    CMListRowsNode *const node = CMListRowsNode::create(&nodes, root);
-    for (const char *each : {"u:/1?a=1", "u:/1?a=2", "u:/1/64", "u:/1?a=1"})
-        node->rowsAppend(row(each));
-    const auto removed = [node](const char *path) {
-        return node->rowsRemoveStartingWithPath(CMPath::fromEncoded(path));
-    };
-    QCOMPARE(removed("u:/1?a=1"), 2);
-    QCOMPARE(removed("u:/1?a=1"), 0);
-    QCOMPARE(removed("u:/1/"), 1);
-    QCOMPARE(removed("u:/1"), 1);
-    QCOMPARE(removed("u:/1"), 0);
-    node->rowsAppend(row("u:/1"));
-    QCOMPARE(removed("u:/1"), 1);
+    Node n({"u:/1?a=1", "u:/1?a=2", "u:/1/64", "u:/1?a=1"});
+    QCOMPARE(n.remove("u:/1?a=1"), 2);
+    QCOMPARE(n.remove("u:/1?a=1"), 0);
+    QCOMPARE(n.remove("u:/1/"), 1);
+    QCOMPARE(n.remove("u:/1"), 1);
+    QCOMPARE(n.remove("u:/1"), 0);
+    n.node->rowsAppend(rolesAt("u:/1"));
+    QCOMPARE(n.remove("u:/1"), 1);
 }
 
 void tst_CMNodes::theWorkerAnswersWhatNoNodeTook()
 {
     CMNodesWorker worker({{CMWorker::Prefix_(), "media"}}, "Name");
+    const CMPath a = worker.addPrefix("/a"), b = worker.addPrefix("/b");
     QSignalSpy spy(&worker, &CMAbstractWorker::rowsChanged);
-    CMListRowsNode::create(worker.nodes(), worker.addPrefix("/a"))->rowsAppend(row("media:/a/1"));
+    CMListRowsNode::create(worker.nodes(), a)->rowsAppend(rolesAt("media:/a/1"));
     QCOMPARE(spy.count(), 1);
-    QCOMPARE(CMNodesWorker({}, "Name").prefix(), QStringLiteral("Name"));
+    QCOMPARE(CMNodesWorker({}, "Name").prefix(), "Name");
     QVERIFY(worker.addPrefix("/x?y=%20") == CMPath("media", "/x?y=%20"));
 
-    CMReply<OrkaRowsRoles> rows, missing, oneRow, noRow;
     CMReply<QVariantList> data;
-    CMReply<QVariant> set;
-    worker.getRows(worker.addPrefix("/a"), 0, 9, -1, {"title"}, rows);
-    QVERIFY(!rows.error().isError());
-    worker.getRows(worker.addPrefix("/b"), 0, 9, -1, {"title"}, missing);
-    QVERIFY(missing.error().isError());
-    worker.getData(worker.addPrefix("/b"), {"title"}, data);
+    worker.getData(b, {"title"}, data);
     QVERIFY(data.error().isError());
-    worker.setData(worker.addPrefix("/a"), 1, set);
+    CMReply<QVariant> set;
+    worker.setData(a, 1, set);
     QVERIFY(set.error().isError());
-
-    worker.getRows(worker.addPrefix("/a"), 0, 0, -1, {"title"}, oneRow);
-    QVERIFY(!oneRow.error().isError());
-    QCOMPARE(oneRow.value().rows().size(), 1);
-    worker.getRows(worker.addPrefix("/a"), 1, 1, -1, {"title"}, noRow);
-    QVERIFY(noRow.error().isError());
-    QVERIFY(noRow.value().isEmpty());
+    const auto rows = [&worker](const CMPath &path, int first, int last) {
+        CMReply<OrkaRowsRoles> reply;
+        worker.getRows(path, first, last, -1, {"title"}, reply);
+        return reply.error().isError() && reply.value().isEmpty() ? -1
+                                                                  : reply.value().rows().size();
+    };
+    QCOMPARE(rows(a, 0, 9), 1);
+    QCOMPARE(rows(b, 0, 9), -1);
+    QCOMPARE(rows(a, 0, 0), 1);
+    QCOMPARE(rows(a, 1, 1), -1);
+    QCOMPARE(rows(a, 1, 9), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_CMNodes)

@@ -1,7 +1,8 @@
+#include "Table.h"
+
 #include <api/core/CMPath.h>
 
 #include <QRandomGenerator>
-#include <QTest>
 
 class tst_CMPath : public QObject
 {
@@ -10,7 +11,6 @@ class tst_CMPath : public QObject
 private slots:
     void encodedForm_data();
     void encodedForm();
-    void undecodableTextGivesAnEmptyPath_data();
     void undecodableTextGivesAnEmptyPath();
     void leavesDecodedTextAsItIs();
     void everyPathSurvivesTheRoundTrip();
@@ -20,21 +20,18 @@ private slots:
 };
 
 namespace {
-// Characters that a grammar, an escape or a converter may trip over, and some that are harmless.
-const ushort pieces[] = {0, '\n', ' ', '%', '+', '&', '=', '?', '#', '/', ':', '"', '\\', 'a', 'Z',
-    '0', '-', '.', '_', '~', 0x7f, 0xe4, 0xfeff, 0xfffe, 0xffff, 0xfffd, 0x4e2d, 0x0301};
-
 QString randomText(QRandomGenerator &random)
 {
-    QString text;
-    for (int length = random.bounded(8); length > 0; --length) {
-        const int piece = random.bounded(int(std::size(pieces)) + 1);
-        if (piece < int(std::size(pieces)))
-            text += QChar(pieces[piece]);
-        else
-            text += QString::fromUcs4(U"\U0001F3B5", 1);
-    }
-    return text;
+    // Characters that a grammar, an escape or a converter may trip over, and some harmless ones.
+    static const QVector<uint> pieces =
+        QStringLiteral("\n %+&=?#/:\"\\aZ0-._~\x7f\u00e4\ufeff\ufffe\uffff\ufffd\u4e2d\u0301"
+                       "\U0001F3B5")
+            .toUcs4()
+        + QVector<uint>{0};
+    QVector<uint> text;
+    for (int length = random.bounded(8); length > 0; --length)
+        text.append(pieces[random.bounded(pieces.size())]);
+    return QString::fromUcs4(text.constData(), text.size());
 }
 
 CMPath randomPath(QRandomGenerator &random)
@@ -48,20 +45,16 @@ CMPath randomPath(QRandomGenerator &random)
 
 void tst_CMPath::encodedForm_data()
 {
-    QTest::addColumn<CMPath>("path");
-    QTest::addColumn<QString>("encoded");
-
-    const QString upnp = QStringLiteral("upnp");
-    QTest::newRow("server") << CMPath(upnp, "/uuid:4d69-1").addParam("itemType", "server")
-                            << "upnp:/uuid:4d69-1?itemType=server";
-    QTest::newRow("fixed base") << CMPath(upnp, "playlist/prepareItems")
-                                << "upnp:playlist/prepareItems";
-    QTest::newRow("space and plus") << CMPath(upnp, "/a b+c") << "upnp:/a%20b%2Bc";
-    QTest::newRow("keys ascend") << CMPath(upnp, "/x").addParam("b", "").addParam("a", "/:")
-                                 << "upnp:/x?a=%2F%3A&b=";
-    QTest::newRow("umlaut") << CMPath(upnp, QString::fromUtf8("/\xc3\xa4")) << "upnp:/%C3%A4";
-    QTest::newRow("colon in prefix") << CMPath("a:b", "c") << "a%3Ab:c";
-    QTest::newRow("empty") << CMPath() << ":";
+    columns<CMPath, QString>("path", "encoded");
+    row("server", CMPath("upnp", "/uuid:4d69-1").addParam("itemType", "server"),
+        "upnp:/uuid:4d69-1?itemType=server");
+    row("fixed base", CMPath("upnp", "playlist/prepareItems"), "upnp:playlist/prepareItems");
+    row("space and plus", CMPath("upnp", "/a b+c"), "upnp:/a%20b%2Bc");
+    row("keys ascend", CMPath("upnp", "/x").addParam("b", "").addParam("a", "/:"),
+        "upnp:/x?a=%2F%3A&b=");
+    row("umlaut", CMPath("upnp", QString::fromUtf8("/\xc3\xa4")), "upnp:/%C3%A4");
+    row("colon in prefix", CMPath("a:b", "c"), "a%3Ab:c");
+    row("empty", CMPath(), ":");
 }
 
 void tst_CMPath::encodedForm()
@@ -72,41 +65,21 @@ void tst_CMPath::encodedForm()
     QVERIFY(CMPath::fromEncoded(encoded) == path);
 }
 
-void tst_CMPath::undecodableTextGivesAnEmptyPath_data()
-{
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("nothing") << QString();
-    QTest::newRow("no colon") << "upnp";
-    QTest::newRow("colon in the parameters only") << "upnp?a=b:c";
-    QTest::newRow("half an escape") << "upnp:/a%2";
-    QTest::newRow("escape without digits") << "upnp:/a%zz";
-    QTest::newRow("lone percent") << "upnp:/100%";
-    QTest::newRow("not UTF-8") << "upnp:/%ff";
-    QTest::newRow("UTF-8 cut off") << "upnp:/%C3";
-    QTest::newRow("encoded surrogate") << "upnp:/%ED%A0%80";
-    QTest::newRow("overlong") << "upnp:/%C0%AF";
-    QTest::newRow("broken parameter") << "upnp:/a?k=%";
-    QTest::newRow("broken key") << "upnp:/a?%=k";
-    QTest::newRow("parameter without =") << "upnp:/a?b";
-    QTest::newRow("question mark alone") << "upnp:/a?";
-    QTest::newRow("trailing &") << "upnp:/a?b=c&";
-    QTest::newRow("parameter twice") << "upnp:/a?b=c&b=c";
-    QTest::newRow("parameter twice, once encoded") << "upnp:/a?b=c&%62=d";
-}
-
 void tst_CMPath::undecodableTextGivesAnEmptyPath()
 {
-    QFETCH(QString, text);
-    const CMPath path = CMPath::fromEncoded(text);
-    QVERIFY2(path.isEmpty(), qPrintable(path.toEncoded()));
+    for (const char *text : {"", "upnp", "upnp?a=b:c", // no colon ahead of the parameters
+             "upnp:/a%2", "upnp:/a%zz", "upnp:/100%", "upnp:/a?k=%", "upnp:/a?%=k", // escapes
+             "upnp:/%ff", "upnp:/%C3", "upnp:/%ED%A0%80", "upnp:/%C0%AF", // not UTF-8
+             "upnp:/a?b", "upnp:/a?", "upnp:/a?b=c&", // parameters without =
+             "upnp:/a?b=c&b=c", "upnp:/a?b=c&%62=d"}) // and twice
+        QVERIFY2(CMPath::fromEncoded(text).isEmpty(), text);
 }
 
 void tst_CMPath::leavesDecodedTextAsItIs()
 {
     const CMPath path = CMPath::fromEncoded(QString::fromUtf8("upnp:/\xc3\xa4 +?k=a=b/?c"));
     QCOMPARE(path.base(), QString::fromUtf8("/\xc3\xa4 +"));
-    QCOMPARE(path.param("k"), QStringLiteral("a=b/?c"));
+    QCOMPARE(path.param("k"), "a=b/?c");
 }
 
 void tst_CMPath::everyPathSurvivesTheRoundTrip()
@@ -153,8 +126,6 @@ void tst_CMPath::copiesAreIndependent()
     copy.addParam("k", "1").addParam("k", "2");
     QVERIFY(path.params().isEmpty());
     QCOMPARE(copy.params(), (QMap<QString, QString>{{"k", "2"}}));
-    const CMPath moved = std::move(copy);
-    QCOMPARE(moved.param("k"), QStringLiteral("2"));
 }
 
 QTEST_APPLESS_MAIN(tst_CMPath)

@@ -10,69 +10,52 @@ class tst_CMValueItem : public QObject
 
 private slots:
     void cleanup() { CMValueStore::setValue(OrkaNetworkInfoPath(), OrkaValue()); }
-    void announcesWhatIsThere();
-    void announcesChangesInOrder();
-    void staysSilentWhereNothingChanges();
+    void announcesWhatIsThereAndChangesInOrder();
     void anItemThatWentHearsNothing();
 };
 
 namespace {
-OrkaValue text(const QString &string)
+void publish(const QString &text)
 {
     OrkaValue value;
-    value.setString_(string);
-    return value;
+    value.setString_(text);
+    CMValueStore::setValue(OrkaNetworkInfoPath(), value);
 }
 
-QString change(const QList<QVariant> &arguments)
+/// What an item heard in one turn of the event loop, as "before>now".
+struct Listener
 {
-    return arguments.at(1).value<OrkaValue>().string_() + ">"
-        + arguments.at(0).value<OrkaValue>().string_();
-}
+    explicit Listener(const CMPath &path = OrkaNetworkInfoPath())
+        : item(nullptr, path)
+    {
+    }
+    QString heard()
+    {
+        QStringList changes{QString::number(spy.count())}; // told from the event loop only
+        QCoreApplication::processEvents();
+        for (const QList<QVariant> &change : qAsConst(spy))
+            changes.append(change.at(1).value<OrkaValue>().string_() + ">"
+                + change.at(0).value<OrkaValue>().string_());
+        spy.clear();
+        return changes.join(' ');
+    }
+
+    CMValueItem item;
+    QSignalSpy spy{&item, &CMValueItem::changed};
+};
 } // namespace
 
-void tst_CMValueItem::announcesWhatIsThere()
+void tst_CMValueItem::announcesWhatIsThereAndChangesInOrder()
 {
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("a"));
-    const CMValueItem item(nullptr, OrkaNetworkInfoPath());
-    QSignalSpy spy(&item, &CMValueItem::changed);
-    QCOMPARE(spy.count(), 0);
-    QCoreApplication::processEvents();
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(change(spy.first()), QStringLiteral(">a"));
-}
-
-void tst_CMValueItem::announcesChangesInOrder()
-{
-    const CMValueItem item(nullptr, OrkaNetworkInfoPath());
-    QSignalSpy spy(&item, &CMValueItem::changed);
-    for (const char *value : {"a", "b", "a"})
-        CMValueStore::setValue(OrkaNetworkInfoPath(), text(value));
+    publish("a");
+    Listener listener, elsewhere(CMPath("system", "other"));
+    QCOMPARE(listener.heard(), "0 >a");
+    for (const char *value : {"a", "b", "b", "a"})
+        publish(value);
     CMValueStore::setValue(OrkaNetworkInfoPath(), OrkaValue());
-    QCOMPARE(spy.count(), 0);
-    QCoreApplication::processEvents();
-    QStringList changes;
-    for (const QList<QVariant> &arguments : qAsConst(spy))
-        changes.append(change(arguments));
-    QCOMPARE(changes, (QStringList{">a", "a>b", "b>a", "a>"}));
     QVERIFY(CMValueStore::value(OrkaNetworkInfoPath()).isEmpty());
-}
-
-void tst_CMValueItem::staysSilentWhereNothingChanges()
-{
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("a"));
-    const CMValueItem item(nullptr, OrkaNetworkInfoPath());
-    const CMValueItem elsewhere(nullptr, CMPath("system", "other"));
-    QCoreApplication::processEvents();
-    QSignalSpy spy(&item, &CMValueItem::changed);
-    QSignalSpy elsewhereSpy(&elsewhere, &CMValueItem::changed);
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("a"));
-    QCoreApplication::processEvents();
-    QCOMPARE(spy.count(), 0);
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("b"));
-    QCoreApplication::processEvents();
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(elsewhereSpy.count(), 0);
+    QCOMPARE(listener.heard(), "0 a>b b>a a>");
+    QCOMPARE(Listener().heard() + elsewhere.heard(), "00");
 }
 
 void tst_CMValueItem::anItemThatWentHearsNothing()
@@ -80,14 +63,12 @@ void tst_CMValueItem::anItemThatWentHearsNothing()
     auto gone = std::make_unique<CMValueItem>(nullptr, OrkaNetworkInfoPath());
     bool heard = false;
     connect(gone.get(), &CMValueItem::changed, this, [&heard] { heard = true; });
-    const CMValueItem stays(nullptr, OrkaNetworkInfoPath());
-    QSignalSpy spy(&stays, &CMValueItem::changed);
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("a"));
+    Listener stays;
+    publish("a");
     gone.reset();
-    CMValueStore::setValue(OrkaNetworkInfoPath(), text("b"));
-    QCoreApplication::processEvents();
+    publish("b");
+    QCOMPARE(stays.heard(), "0 >a a>b");
     QVERIFY(!heard);
-    QCOMPARE(spy.count(), 2);
 }
 
 QTEST_GUILESS_MAIN(tst_CMValueItem)

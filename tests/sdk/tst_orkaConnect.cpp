@@ -1,8 +1,9 @@
+#include "Table.h"
+
 #include <api/core/CMWorker.h>
 #include <api/core/orka.h>
 
 #include <QProcess>
-#include <QTest>
 #include <QThread>
 
 struct Unregistered
@@ -28,7 +29,7 @@ public:
 
 public slots:
     void onPlain(int) { heard.append("plain"); }
-    void onPointer(Unregistered *) { heard.append("pointer"); }
+    void onPointer(Unregistered *) {}
     void onForeign(const Unregistered &) { heard.append("foreign"); }
     void onPath(const CMPath &, int) { heard.append("path"); }
 };
@@ -49,9 +50,10 @@ static void makeConnection(const QByteArray &kind)
     Sender sender;
     Receiver receiver;
     QThread thread;
-    const auto connectForeign = [&](Qt::ConnectionType type) {
-        orkaConnect(
-            &sender, SIGNAL(foreign(Unregistered)), &receiver, SLOT(onForeign(Unregistered)), type);
+    const auto connectForeign = [&](int type) {
+        orkaConnect(&sender,
+            SIGNAL(foreign(Unregistered)), &receiver,
+                SLOT(onForeign(Unregistered)), Qt::ConnectionType(type));
     };
     if (kind == "otherThread") {
         receiver.moveToThread(&thread);
@@ -59,7 +61,7 @@ static void makeConnection(const QByteArray &kind)
     } else if (kind == "queued") {
         connectForeign(Qt::QueuedConnection);
     } else if (kind == "uniqueQueued") {
-        connectForeign(Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
+        connectForeign(Qt::QueuedConnection | Qt::UniqueConnection);
     } else if (kind == "noSuchSignal") {
         orkaConnect(&sender, SIGNAL(nothing()), &receiver, SLOT(onPlain(int)));
     } else if (kind == "noSuchSlot") {
@@ -74,7 +76,7 @@ static void makeConnection(const QByteArray &kind)
 void tst_orkaConnect::connectsWhatCanTravel()
 {
     Sender sender;
-    Receiver receiver;
+    Receiver receiver, elsewhere;
     orkaConnect(&sender, SIGNAL(foreign(Unregistered)), &receiver, SLOT(onForeign(Unregistered)));
     orkaConnect(&sender, SIGNAL(plain(int)), &receiver, SLOT(onPlain(int)), Qt::QueuedConnection);
     orkaConnect(&sender,
@@ -87,7 +89,6 @@ void tst_orkaConnect::connectsWhatCanTravel()
     QCOMPARE(receiver.heard, (QStringList{"foreign", "plain", "path"}));
 
     QThread thread;
-    Receiver elsewhere;
     elsewhere.moveToThread(&thread);
     QVERIFY(bool(orkaConnect(
         &sender, SIGNAL(pointer(Unregistered*)), &elsewhere, SLOT(onPointer(Unregistered*)))));
@@ -95,17 +96,12 @@ void tst_orkaConnect::connectsWhatCanTravel()
 
 void tst_orkaConnect::stopsTheProgram_data()
 {
-    QTest::addColumn<QString>("assertion");
-    const QString parameters =
-        QStringLiteral("verifyConnectionSignalParameters(sender, signal, receiver, type)");
-    const QString connection = QStringLiteral("connection");
-    QTest::newRow("otherThread") << parameters;
-    QTest::newRow("queued") << parameters;
-    QTest::newRow("uniqueQueued") << parameters;
-    QTest::newRow("noSuchSignal") << connection;
-    QTest::newRow("noSuchSlot") << connection;
-    QTest::newRow("nobody") << connection;
-    QTest::newRow("invalidReply") << QStringLiteral("isValid()");
+    columns<QString>("assertion");
+    for (const char *kind : {"otherThread", "queued", "uniqueQueued"})
+        row(kind, "verifyConnectionSignalParameters(sender, signal, receiver, type)");
+    for (const char *kind : {"noSuchSignal", "noSuchSlot", "nobody"})
+        row(kind, "connection");
+    row("invalidReply", "isValid()");
 }
 
 void tst_orkaConnect::stopsTheProgram()

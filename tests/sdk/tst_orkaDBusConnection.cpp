@@ -8,18 +8,14 @@
 #include <QDBusVirtualObject>
 #include <QTest>
 
-#include <vector>
-
-/// Answers every call with a big byte array.
+/// Answers every call with 8 MiB.
 class BigReplies : public QDBusVirtualObject
 {
 public:
-    static constexpr int bytes = 8 * 1024 * 1024;
-
     QString introspect(const QString &) const override { return QString(); }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
     {
-        return connection.send(message.createReply(QByteArray(bytes, 'x')));
+        return connection.send(message.createReply(QByteArray(8 << 20, 'x')));
     }
 };
 
@@ -59,24 +55,22 @@ void tst_orkaDBusConnection::tellsWhyItCouldNotBeOpened()
     QVERIFY(orkaDBusConnection().isConnected());
 }
 
+// 80 MiB, with the limit at 63.
 void tst_orkaDBusConnection::takesMoreUnreleasedRepliesThanTheBusLibrarysLimit()
 {
-    constexpr int calls = 10; // 80 MiB, with the limit at 63
     PrivateBus bus;
-    QVERIFY(orkaOpenDBusConnection(bus.address()));
     BigReplies replies;
-    QDBusConnection service = QDBusConnection::connectToBus(bus.address(), "bigReplies");
+    QDBusConnection service = bus.open("bigReplies");
     QVERIFY(service.registerVirtualObject("/", &replies));
-    std::vector<QDBusPendingReply<QByteArray>> pending;
-    for (int i = 0; i < calls; ++i) {
-        pending.emplace_back(orkaDBusConnection().asyncCall(
-            QDBusMessage::createMethodCall(service.baseService(), "/", "test.Big", "Get")));
-    }
-    for (const QDBusPendingReply<QByteArray> &reply : pending) {
+    const auto call = QDBusMessage::createMethodCall(service.baseService(), "/", "test.Big", "Get");
+    QList<QDBusPendingReply<QByteArray>> pending;
+    for (int i = 0; i < 10; ++i)
+        pending.append(orkaDBusConnection().asyncCall(call));
+    for (const QDBusPendingReply<QByteArray> &reply : qAsConst(pending)) {
         QTRY_VERIFY_WITH_TIMEOUT(reply.isFinished(), 10000);
         QVERIFY2(!reply.isError(), qPrintable(reply.error().message()));
     }
-    QDBusConnection::disconnectFromBus("bigReplies");
+    PrivateBus::close("bigReplies");
 }
 
 QTEST_GUILESS_MAIN(tst_orkaDBusConnection)
