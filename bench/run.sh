@@ -45,11 +45,11 @@ save() {
     jq -s 'map({(.name): .value}) | add' "$lines"
 }
 
-# regressions: those counts that are over a tenth above what was recorded, one a line.
+# regressions: those counts that are over a tenth above what was recorded, or never were recorded, one a line.
 regressions() {
     jq -rn --slurpfile recorded "$here/recorded.json" --slurpfile figures "$lines" '
-        $recorded[0] as $before | $figures[] | select($before[.name] and .value > 1.1 * $before[.name]) |
-        "\(.name): \(.value), recorded \($before[.name])"'
+        $recorded[0] as $before | $figures[] | select(.value > 1.1 * ($before[.name] // 0)) |
+        "\(.name): \(.value), recorded: \($before[.name] // "nothing")"'
 }
 
 quick() {
@@ -62,7 +62,7 @@ quick() {
     local worse
     worse=$(regressions)
     [ -z "$worse" ] || {
-        printf 'More than 10 %% over the recorded figures:\n%s\nIf that is meant: bench/run.sh PROGRAMS --record\n' \
+        printf 'More than 10 %% over the recorded figures:\n%s\nIf that is meant, record them: ./run bench --record\n' \
             "$worse" >&2
         exit 1
     }
