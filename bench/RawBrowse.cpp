@@ -54,12 +54,12 @@ RawBrowse::RawBrowse(const std::string &address, int port, const std::string &co
         fail();
 }
 
-void RawBrowse::list(const std::string &container, int count) const
+void RawBrowse::list(const std::string &container, int first, int count) const
 {
     using namespace bridge;
     const std::string body = soapEnvelope(serviceType, "Browse",
         {{"ObjectID", container}, {"BrowseFlag", "BrowseDirectChildren"},
-            {"Filter", didlFilter(propertySetFromFilter(askedFor))}, {"StartingIndex", "0"},
+            {"Filter", didlFilter(propertySetFromFilter(askedFor))}, {"StartingIndex", std::to_string(first)},
             {"RequestedCount", std::to_string(count)}, {"SortCriteria", ""}});
     const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (connect(connection, reinterpret_cast<const sockaddr *>(&m_server), sizeof m_server) != 0)

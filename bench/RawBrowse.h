@@ -12,8 +12,8 @@ public:
     /// The server's numeric IPv4 address, its port and the path of its control URL.
     RawBrowse(const std::string &address, int port, const std::string &controlPath);
 
-    /// Children 0 to `count` - 1 of `container`, with the properties that the plug-in asks for.
-    void list(const std::string &container, int count) const;
+    /// `count` children of `container` from `first` on, with the properties that the plug-in asks for.
+    void list(const std::string &container, int first, int count) const;
 
 private:
     sockaddr_in m_server = {};

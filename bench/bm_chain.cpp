@@ -36,7 +36,7 @@ int main(int argc, char **argv)
             .toStdString();
     const auto compareService = [&](const char *name, int rows) {
         const auto directly = [&] {
-            raw.list(container, rows);
+            raw.list(container, 0, rows);
             return QVariant();
         };
         const auto byFloor = [&] {
@@ -47,7 +47,7 @@ int main(int argc, char **argv)
     };
     const auto compare = [&](const char *name, int rows, int repetitions, double seconds) {
         const auto directly = [&] {
-            raw.list(container, rows);
+            raw.list(container, 0, rows);
             return QVariant();
         };
         const auto byPlugin = [&] {
@@ -60,4 +60,18 @@ int main(int argc, char **argv)
     // The media service alone, its replies not decoded.
     compareService("chain without plug-in 20", 20);
     compareService("chain without plug-in 1000", 1000);
+    constexpr int many = 10'000;
+    if (plugin.list(folder, many - 1, many - 1, {OrkaRoles::Path()}).rows().isEmpty())
+        return 0;
+    const auto walk = [&] {
+        for (int first = 0; first < many; first += 1000)
+            raw.list(container, first, 1000);
+        return QVariant();
+    };
+    const auto listAll = [&] {
+        floor.list(object, 0, many);
+        return QVariant();
+    };
+    Comparison{"chain without plug-in 10000", 1, 10, walk, "raw walk", listAll}.run();
+    return 0;
 }

@@ -4,24 +4,10 @@
 
 #include <cstdio>
 #include <glib-unix.h>
-#include <libxml/parser.h>
-#include <malloc.h>
 
 namespace bridge {
 
 namespace {
-
-// GLib's slices stay with whichever thread freed them, and rows are made on one thread and freed on
-// another: what is kept grows for a long time. The choice must be made before GLib's own start.
-// (GLib 2.76 has no slices any more.)
-void useNoSlices(int, char **, char **)
-{
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    g_slice_set_config(G_SLICE_CONFIG_ALWAYS_MALLOC, TRUE);
-    G_GNUC_END_IGNORE_DEPRECATIONS
-}
-__attribute__((section(".preinit_array"), used)) void (*const beforeGLib)(
-    int, char **, char **) = useNoSlices;
 
 enum ExitStatus { Ended = 0, WrongUsage = 2, NoService = 3 };
 
@@ -103,9 +89,6 @@ int run(int argc, char **argv)
     }
     setLogLevel(options.logLevel);
     captureLibraryLog();
-    xmlInitParser();
-    // With an arena a thread, memory would grow with the number of threads too.
-    mallopt(M_ARENA_MAX, 2);
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
     g_unix_signal_add(SIGTERM, quit, loop);
     g_unix_signal_add(SIGINT, quit, loop);

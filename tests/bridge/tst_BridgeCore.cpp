@@ -22,17 +22,49 @@ std::string didl(const std::string &objects)
         + objects + "</DIDL-Lite>";
 }
 
-/// The wanted properties of every object, as GLib writes them, one object a line.
+QString quoted(const std::string &text)
+{
+    return QLatin1Char('\'') + QString::fromStdString(text) + QLatin1Char('\'');
+}
+
+/// A value as these tests write it.
+struct Printer
+{
+    QString operator()(const std::string &text) const { return quoted(text); }
+    QString operator()(const ObjectPath &path) const
+    {
+        return QStringLiteral("path ") + quoted(path.text);
+    }
+    QString operator()(int32_t number) const { return QString::number(number); }
+    QString operator()(uint32_t number) const { return QStringLiteral("uint32 %1").arg(number); }
+    QString operator()(const std::vector<std::string> &texts) const
+    {
+        QStringList parts;
+        for (const std::string &text : texts)
+            parts.append(quoted(text));
+        return QLatin1Char('[') + parts.join(QStringLiteral(", ")) + QLatin1Char(']');
+    }
+    template<typename Other>
+    QString operator()(const Other &) const
+    {
+        return QStringLiteral("a type that no row expects");
+    }
+};
+
+/// The wanted properties of every object, one object a line.
 QString propertiesOf(const std::string &document, const std::vector<std::string> &filter)
 {
-    const auto objects = parseDidl(document);
-    if (!objects)
+    const auto list = parseDidl(document);
+    if (!list)
         return QStringLiteral("no DIDL-Lite");
     QStringList lines;
-    for (const MediaObject &object : *objects) {
-        const Variant map = ownVariant(
-            propertyMap(object, propertySetFromFilter(filter), {server, "http://10.0.0.1:8200/"}));
-        lines.append(QString::fromStdString(takeString(g_variant_print(map.get(), FALSE))));
+    for (const MediaObject &object : list->objects) {
+        QStringList parts;
+        for (const auto &[name, value] :
+            propertyMap(object, propertySetFromFilter(filter), {server, "http://10.0.0.1:8200/"}))
+            parts.append(QString::fromStdString(name) + QStringLiteral(": ")
+                + std::visit(Printer(), static_cast<const Value::variant &>(value)));
+        lines.append(parts.join(QStringLiteral(", ")));
     }
     return lines.join(QLatin1Char('\n'));
 }
@@ -131,10 +163,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, res);
         QFETCH(int, bits);
-        const auto objects = parseDidl(didl("<item id='1'><res " + res.toStdString()
+        const auto list = parseDidl(didl("<item id='1'><res " + res.toStdString()
             + " protocolInfo='http-get:*:audio/mpeg:*'>http://a/b</res></item>"));
-        QVERIFY(objects && objects->size() == 1 && objects->front().resources.size() == 1);
-        QCOMPARE(bitsPerSecond(objects->front().resources.front()).value_or(-1), bits);
+        QVERIFY(list && list->objects.size() == 1 && list->objects.front().resources.size() == 1);
+        QCOMPARE(bitsPerSecond(list->objects.front().resources.front()).value_or(-1), bits);
     }
 
     void objectsBecomeProperties_data()
@@ -157,50 +189,49 @@ private Q_SLOTS:
         row("a track", didl(track),
             {"DisplayName", "Path", "Parent", "Type", "TypeEx", "Artist", "Date", "TrackNumber",
                 "Duration", "URLs", "MIMEType", "SampleRate", "Album", "ChildCount"},
-            "{'DisplayName': <'A & B'>, 'Path': <objectpath "
-            "'/com/intel/dLeynaServer/server/uuid_3a1/37'>, "
-            "'Parent': <objectpath '/com/intel/dLeynaServer/server/uuid_3a1/3634'>, 'Type': "
-            "<'music'>, "
-            "'TypeEx': <'music'>, 'Artist': <'X'>, 'Date': <'2001-01-01'>, 'TrackNumber': <3>, "
-            "'URLs': <['http://h/7.mp3']>, 'MIMEType': <'audio/mpeg'>, 'Duration': <205>, "
-            "'SampleRate': <44100>}");
+            "DisplayName: 'A & B', Path: path '/com/intel/dLeynaServer/server/uuid_3a1/37', "
+            "Parent: path '/com/intel/dLeynaServer/server/uuid_3a1/3634', Type: 'music', "
+            "TypeEx: 'music', Artist: 'X', Date: '2001-01-01', TrackNumber: 3, "
+            "URLs: ['http://h/7.mp3'], MIMEType: 'audio/mpeg', Duration: 205, SampleRate: 44100");
         row("a container",
             didl("<container id='64' parentID='0' childCount='5' "
                  "searchable='1'><dc:title>M</dc:title>"
                  "<upnp:class>object.container.album.musicAlbum</upnp:class></container>"),
             {"DisplayName", "Parent", "Type", "TypeEx", "ChildCount"},
-            "{'DisplayName': <'M'>, 'Parent': <objectpath "
-            "'/com/intel/dLeynaServer/server/uuid_3a1'>, "
-            "'Type': <'container'>, 'TypeEx': <'container.album.musicAlbum'>, 'ChildCount': "
-            "<uint32 5>}");
-        row("without filter there are no keys", didl(track), {}, "{}");
+            "DisplayName: 'M', Parent: path '/com/intel/dLeynaServer/server/uuid_3a1', "
+            "Type: 'container', TypeEx: 'container.album.musicAlbum', ChildCount: uint32 5");
+        row("without filter there are no keys", didl(track), {}, "");
         row("unknown names are ignored and case matters", didl(track), {"Bogus", "type", "Type"},
-            "{'Type': <'music'>}");
+            "Type: 'music'");
         row("a class nobody knows",
             didl("<item "
                  "id='1'><dc:title>T</dc:title><upnp:class>object.item.hologram</upnp:class></"
                  "item>"),
             {"DisplayName", "Type", "TypeEx"},
-            "{'DisplayName': <'T'>, 'Type': <'item.unclassified'>, 'TypeEx': "
-            "<'item.unclassified'>}");
+            "DisplayName: 'T', Type: 'item.unclassified', TypeEx: 'item.unclassified'");
         row("no class", didl("<item id='1'/><container id='2'/>"), {"Type"},
-            "{'Type': <'item.unclassified'>}\n{'Type': <'container'>}");
+            "Type: 'item.unclassified'\nType: 'container'");
         row("control characters, a declaration",
             "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
                 + didl("<item id='1'><dc:title>a\x01"
                        "b &amp; c</dc:title></item>"
                        "<item id='2'><dc:title>next</dc:title></item>"),
-            {"DisplayName"}, "{'DisplayName': <'ab & c'>}\n{'DisplayName': <'next'>}");
+            {"DisplayName"}, "DisplayName: 'ab & c'\nDisplayName: 'next'");
+        row("an ampersand that nobody escaped",
+            didl("<item id='1'><dc:title>Rhythm & Blues &lt;live&gt; &nothing;</dc:title></item>"),
+            {"DisplayName"}, "DisplayName: 'Rhythm & Blues <live> &nothing;'");
+        row("a NUL", didl(std::string("<item id='1'><dc:title>a\0b</dc:title></item>", 44)),
+            {"DisplayName"}, "DisplayName: 'ab'");
         row("a relative cover",
             didl("<item id='1'><upnp:albumArtURI>/art/1.jpg</upnp:albumArtURI></item>"),
-            {"AlbumArtURL"}, "{'AlbumArtURL': <'http://10.0.0.1:8200/art/1.jpg'>}");
+            {"AlbumArtURL"}, "AlbumArtURL: 'http://10.0.0.1:8200/art/1.jpg'");
         row("numbers that aren't",
             didl("<item id='1'><upnp:originalTrackNumber>x</upnp:originalTrackNumber>"
                  "<res duration='never' bitrate='' size='-1'>http://a</res></item>"),
-            {"TrackNumber", "Duration", "Bitrate", "Size"}, "{}");
+            {"TrackNumber", "Duration", "Bitrate", "Size"}, "");
         row("undeclared prefixes",
             "<DIDL-Lite><item id='1'><dc:title>T</dc:title></item></DIDL-Lite>", {"DisplayName"},
-            "{'DisplayName': <'T'>}");
+            "DisplayName: 'T'");
         row("nothing in it", didl("\n <!-- -->\n"), {"*"}, "");
         row("an empty text", "", {"*"}, "");
         row("another document", "<html><body/></html>", {"*"}, "no DIDL-Lite");
@@ -212,6 +243,16 @@ private Q_SLOTS:
         QFETCH(std::vector<std::string>, filter);
         QFETCH(QString, expected);
         QCOMPARE(propertiesOf(document, filter), expected);
+    }
+
+    void malformedListsKeepWhatCameBefore()
+    {
+        const auto list = parseDidl("<DIDL-Lite><item id='1'><dc:title>A</dc:title></item>"
+                                    "<item id='2'><dc:title>I <3 you</dc:title></item>");
+        QVERIFY(list && !list->isWhole);
+        QCOMPARE(list->objects.size(), size_t(2));
+        QCOMPARE(list->objects.front().title, "A");
+        QCOMPARE(list->objects.back().id, "2");
     }
 
     void entitiesDoNotBlowUp()

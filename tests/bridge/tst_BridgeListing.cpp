@@ -103,6 +103,8 @@ void tst_BridgeListing::addOddObjects()
     add("9", "last", "object.item.audioItem.musicTrack",
         "<upnp:albumArtURI>http://10.77.0.1/9.jpg</upnp:albumArtURI>");
     add("10", "Rock & Roll &c; <live>", "object.item.audioItem.musicTrack", "");
+    add("11", "malformed", "object.item.audioItem.musicTrack", "<upnp:genre>I <3 you</upnp:genre>");
+    add("12", "after it", "object.item.audioItem.musicTrack", "");
 }
 
 void tst_BridgeListing::listsAreCompleteWhateverThePages_data()
@@ -185,7 +187,7 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
     const Answer answer = bridge->list(path(odd));
     QCOMPARE(answer.message, QString());
     const auto rows = answer.rows();
-    QCOMPARE(rows.size(), 10);
+    QCOMPARE(rows.size(), 12);
     const auto value = [&rows](int row, const char *key) {
         return rows[row].value(QLatin1String(key));
     };
@@ -201,6 +203,8 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
     QCOMPARE(value(7, "Duration").toInt(), 359999);
     QCOMPARE(value(8, "AlbumArtURL").toString(), QStringLiteral("http://10.77.0.1/9.jpg"));
     QCOMPARE(value(9, "DisplayName").toString(), QStringLiteral("Rock & Roll &c; <live>"));
+    QCOMPARE(value(10, "DisplayName").toString(), QStringLiteral("malformed"));
+    QCOMPARE(value(11, "DisplayName").toString(), QStringLiteral("after it"));
 }
 
 /// Either the bridge gets what is missing, or it says so.

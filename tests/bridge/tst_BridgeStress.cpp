@@ -49,11 +49,11 @@ private Q_SLOTS:
             resident.append(residentKibibytes(bridge));
             qInfo("round %d: %lld KiB in use, %lld resident", round + 1, inUse.last(),
                 resident.last());
-            QVERIFY(inUse.last() > 0);
         }
 #ifdef __SANITIZE_ADDRESS__
         QSKIP("The sanitizer's allocator doesn't count.");
 #endif
+        QVERIFY2(!inUse.contains(0), "the program didn't say what it uses");
         // The first round opens connections, which are kept.
         QVERIFY2(inUse.last() <= inUse[1] + 256, "something is kept of every call");
         QVERIFY2(resident.last() <= resident[1] + 4096, "memory isn't given back");
@@ -71,7 +71,7 @@ private:
             static const QRegularExpression sentence(QStringLiteral("quiet, (\\d+) KiB"));
             log += bridge.log();
             kibibytes = sentence.match(QString::fromUtf8(log)).captured(1).toLongLong();
-            return kibibytes > 0;
+            return sentence.match(QString::fromUtf8(log)).hasMatch();
         };
         return QTest::qWaitFor(said, 10000) ? kibibytes : 0;
     }

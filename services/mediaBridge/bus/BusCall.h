@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bus/Message.h"
 #include "core/Failure.h"
 #include "core/Glib.h"
 
@@ -13,7 +14,7 @@ namespace bridge {
 class BusCall
 {
 public:
-    BusCall(GDBusConnection *connection, GDBusMessage *message);
+    BusCall(DBusConnection *connection, DBusMessage *message);
     ~BusCall();
     BusCall(const BusCall &) = delete;
     BusCall &operator=(const BusCall &) = delete;
@@ -22,28 +23,31 @@ public:
     const std::string &interface() const { return m_interface; }
     const std::string &member() const { return m_member; }
     const std::string &sender() const { return m_sender; }
-    /// The arguments, always a tuple.
-    GVariant *arguments() const { return m_arguments.get(); }
+    std::string signature() const { return dbus_message_get_signature(m_message.get()); }
+    Arguments arguments() const { return Arguments(m_message.get()); }
     /// Cancelled with the call; for the work that is done for it.
     GCancellable *cancellable() const { return m_cancellable.get(); }
     bool isAnswered() const { return m_isAnswered; }
 
-    /// Answers with `values`, a tuple, floating or not; null for none.
-    void reply(GVariant *values);
+    /// Answers with nothing, one value, or one value as a variant.
+    void reply() { send(newAnswer()); }
+    void reply(const Value &value);
+    void replyVariant(const Value &value);
     void fail(const Failure &failure);
     /// Ends the work behind the call and answers that it was cancelled.
     void cancel();
 
-private:
-    void send(GDBusMessage *answer);
+    /// For an answer that is written bit by bit: an empty one, and its sending.
+    Message newAnswer() const;
+    void send(Message answer);
 
-    Ref<GDBusConnection> m_connection;
-    Ref<GDBusMessage> m_message;
+private:
+    DBusConnection *m_connection;
+    Message m_message;
     std::string m_path;
     std::string m_interface;
     std::string m_member;
     std::string m_sender;
-    Variant m_arguments;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     bool m_isAnswered = false;
 };

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "bus/BusCall.h"
-#include "core/Timer.h"
+#include "bus/BusLoop.h"
 
 #include <functional>
-#include <map>
 #include <set>
 #include <vector>
 
@@ -44,22 +43,23 @@ public:
     void cancelCalls(const std::string &path, const std::string &sender);
     /// Stops to count this client, as if it had left.
     void releaseClient(const std::string &sender);
-    bool hasClients() const { return !m_clients.empty(); }
 
 private:
-    struct QueuedCall;
-    static GDBusMessage *filter(
-        GDBusConnection *connection, GDBusMessage *message, gboolean incoming, gpointer self);
-    void receive(BusCallPtr call);
-    void countClient(const std::string &sender);
-    void giveMemoryBackWhenQuiet();
+    struct ConnectionCloser
+    {
+        void operator()(DBusConnection *connection) const;
+    };
 
-    Ref<GDBusConnection> m_connection;
+    bool receive(DBusMessage *message);
+    void receiveCall(const BusCallPtr &call);
+    void giveMemoryBackWhenQuiet();
+    void clientLeft(const std::string &name);
+
+    std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
+    std::unique_ptr<BusLoop> m_loop;
     size_t m_maxReplyBytes = 0;
-    guint m_filter = 0;
-    guint m_nameLost = 0;
-    /// Watch of each client that has made a call.
-    std::map<std::string, guint> m_clients;
+    /// Unique names of those who have made a call.
+    std::set<std::string> m_clients;
     std::vector<std::weak_ptr<BusCall>> m_calls;
     Timer m_quiet;
 };

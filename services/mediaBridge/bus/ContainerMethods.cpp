@@ -6,49 +6,68 @@ namespace bridge {
 
 namespace {
 
-std::vector<std::string> stringsOf(GVariant *list)
+/// Property map of an object that could not be read.
+PropertyMap errorRow(const std::string &path, const Failure &failure)
 {
-    std::vector<std::string> strings;
-    GVariantIter iter;
-    const char *text = nullptr;
-    const bool isPaths = g_variant_is_of_type(list, G_VARIANT_TYPE_OBJECT_PATH_ARRAY) != FALSE;
-    g_variant_iter_init(&iter, list);
-    while (g_variant_iter_next(&iter, isPaths ? "&o" : "&s", &text))
-        strings.emplace_back(text);
-    return strings;
-}
-
-/// aa{sv}, floating. The rows go over into it.
-GVariant *rowsVariant(std::vector<Variant> &rows)
-{
-    std::vector<GVariant *> children;
-    children.reserve(rows.size());
-    for (const Variant &row : rows)
-        children.push_back(row.get());
-    return g_variant_new_array(G_VARIANT_TYPE_VARDICT, children.data(), children.size());
-}
-
-/// Property map of an object that could not be read, floating.
-GVariant *errorRow(const std::string &path, const Failure &failure)
-{
-    GVariantBuilder row;
-    g_variant_builder_init(&row, G_VARIANT_TYPE_VARDICT);
-    GVariantDict error;
-    g_variant_dict_init(&error, nullptr);
-    g_variant_dict_insert(&error, "ID", "i", 0);
-    g_variant_dict_insert_value(&error, "Message", textVariant(failure.text));
-    g_variant_builder_add(&row, "{sv}", "Path", g_variant_new_object_path(path.c_str()));
-    g_variant_builder_add(&row, "{sv}", "Error", g_variant_dict_end(&error));
-    return g_variant_builder_end(&row);
+    return {{"Path", ObjectPath{path}},
+        {"Error", PropertyMap{{"ID", int32_t{0}}, {"Message", failure.text}}}};
 }
 
 /// The rows of several objects that are read at once; answers when the last reader lets go of it.
 struct ObjectRows
 {
     BusCallPtr call;
-    std::vector<Variant> rows;
+    std::vector<PropertyMap> rows;
 
-    ~ObjectRows() { call->reply(g_variant_new("(@aa{sv})", rowsVariant(rows))); }
+    ~ObjectRows() { call->reply(rows); }
+};
+
+/// What is left of the order that the last argument asks for, where there is one.
+Criteria sortOrder(Arguments &arguments, const MediaServer &server)
+{
+    return sortCriteria(arguments.hasMore() ? arguments.text() : std::string(),
+        server.sortCaps().value_or(std::vector<std::string>()));
+}
+
+/// The answer to a listing, written row by row.
+class RowsAnswer
+{
+public:
+    RowsAnswer(const BusCall &call, const PropertySet &wanted, const ServerContext &server)
+        : m_message(call.newAnswer())
+        , m_wanted(wanted)
+        , m_server(server)
+    {
+    }
+
+    /// Gives the bytes of all rows.
+    size_t add(const MediaObject &object)
+    {
+        MessageWriter row(*m_rows, DBUS_TYPE_ARRAY, "{sv}");
+        for (const PropInfo &info : properties()) {
+            if (m_wanted.contains(info.prop))
+                row.addEntry(info.name, propertyValue(object, info.prop, m_server));
+        }
+        return m_rows->bytes() + row.bytes();
+    }
+    Message finish()
+    {
+        m_rows.reset();
+        return std::move(m_message);
+    }
+    Message finish(uint32_t total)
+    {
+        m_rows.reset();
+        m_body.add(total);
+        return std::move(m_message);
+    }
+
+private:
+    Message m_message;
+    PropertySet m_wanted;
+    ServerContext m_server;
+    MessageWriter m_body{m_message.get()};
+    std::optional<MessageWriter> m_rows{std::in_place, m_body, DBUS_TYPE_ARRAY, "a{sv}"};
 };
 
 } // namespace
@@ -73,18 +92,11 @@ void MediaService::list(const BusCallPtr &call, const Target &target, ListKind k
     ListRequest request;
     request.containerId = target.objectId;
     request.kind = kind;
-    GVariant *filter = nullptr;
-    const char *sort = "";
-    const bool isSorted = g_variant_n_children(call->arguments()) == 4;
-    if (isSorted)
-        g_variant_get(
-            call->arguments(), "(uu@as&s)", &request.offset, &request.max, &filter, &sort);
-    else
-        g_variant_get(call->arguments(), "(uu@as)", &request.offset, &request.max, &filter);
-    request.wanted = propertySetFromFilter(stringsOf(ownVariant(filter).get()));
-
-    const Criteria order =
-        sortCriteria(sort, target.server->sortCaps().value_or(std::vector<std::string>()));
+    Arguments arguments = call->arguments();
+    request.offset = arguments.number();
+    request.max = arguments.number();
+    request.wanted = propertySetFromFilter(arguments.texts());
+    const Criteria order = sortOrder(arguments, *target.server);
     if (!order.isValid()) {
         call->fail({errors::badQuery, order.problem});
         return;
@@ -98,21 +110,13 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     ListRequest request;
     request.action = "Search";
     request.containerId = target.objectId;
-    GVariant *filter = nullptr;
-    const char *query = "";
-    const char *sort = "";
-    const bool isExtended = g_variant_n_children(call->arguments()) == 5;
-    if (isExtended)
-        g_variant_get(call->arguments(), "(&suu@as&s)", &query, &request.offset, &request.max,
-            &filter, &sort);
-    else
-        g_variant_get(
-            call->arguments(), "(&suu@as)", &query, &request.offset, &request.max, &filter);
-    request.wanted = propertySetFromFilter(stringsOf(ownVariant(filter).get()));
-
-    const Criteria criteria = searchCriteria(query, target.server->context().path);
-    const Criteria order =
-        sortCriteria(sort, target.server->sortCaps().value_or(std::vector<std::string>()));
+    Arguments arguments = call->arguments();
+    const Criteria criteria = searchCriteria(arguments.text(), target.server->context().path);
+    request.offset = arguments.number();
+    request.max = arguments.number();
+    request.wanted = propertySetFromFilter(arguments.texts());
+    const bool isExtended = arguments.hasMore();
+    const Criteria order = sortOrder(arguments, *target.server);
     for (const Criteria &checked : {criteria, order}) {
         if (!checked.isValid()) {
             call->fail({errors::badQuery, "Query string is not valid. " + checked.problem});
@@ -127,28 +131,26 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
 /// Reads each object by itself; one that fails has its error in its row.
 void MediaService::browseObjects(const BusCallPtr &call, const Target &target)
 {
-    GVariant *paths = nullptr;
-    GVariant *filter = nullptr;
-    g_variant_get(call->arguments(), "(@ao@as)", &paths, &filter);
-    const PropertySet wanted = propertySetFromFilter(stringsOf(ownVariant(filter).get()));
+    Arguments arguments = call->arguments();
+    const std::vector<std::string> objects = arguments.texts();
+    const PropertySet wanted = propertySetFromFilter(arguments.texts());
     const auto result = std::make_shared<ObjectRows>();
     result->call = call;
-    const std::vector<std::string> objects = stringsOf(ownVariant(paths).get());
     result->rows.resize(objects.size());
     for (size_t i = 0; i < objects.size(); ++i) {
         const auto address = parseObjectPath(objects[i]);
         const std::string serverPath = target.server->context().path;
         if (!address || objectPath(serverPath, address->objectId) != objects[i]) {
             const Failure failure{errors::badPath, "The path is not one of this server's objects."};
-            result->rows[i] = ownVariant(errorRow(objects[i], failure));
+            result->rows[i] = errorRow(objects[i], failure);
             continue;
         }
         target.server->readObject(address->objectId, wanted, call->cancellable(),
             [result, wanted, i, path = objects[i], server = target.server](
                 const Failure &failure, const MediaObject &object) {
-                result->rows[i] =
-                    ownVariant(failure.name.empty() ? propertyMap(object, wanted, server->context())
-                                                    : errorRow(path, failure));
+                result->rows[i] = failure.name.empty()
+                    ? propertyMap(object, wanted, server->context())
+                    : errorRow(path, failure);
             });
     }
 }
@@ -156,15 +158,22 @@ void MediaService::browseObjects(const BusCallPtr &call, const Target &target)
 void MediaService::runListing(
     const BusCallPtr &call, const Target &target, ListRequest request, bool withTotal)
 {
-    Listing::start(target.server, std::move(request), m_bus.maxReplyBytes(), call->cancellable(),
-        [call, withTotal](ListResult result) {
-            if (!result.failure.name.empty())
-                call->fail(result.failure);
-            else if (withTotal)
-                call->reply(g_variant_new("(@aa{sv}u)", rowsVariant(result.rows), result.total));
+    const auto answer =
+        std::make_shared<RowsAnswer>(*call, request.wanted, target.server->context());
+    const bool tellsChildCount = request.action == "Browse" && request.kind == ListKind::All;
+    const auto listing = Listing::start(
+        target.server, std::move(request), m_bus.maxReplyBytes(), call->cancellable(),
+        [answer](const MediaObject &object) { return answer->add(object); },
+        [call, answer, withTotal](const ListEnd &end) {
+            if (!end.failure.name.empty())
+                call->fail(end.failure);
             else
-                call->reply(g_variant_new("(@aa{sv})", rowsVariant(result.rows)));
+                call->send(withTotal ? answer->finish(end.total) : answer->finish());
         });
+    for (auto known = m_listings.begin(); known != m_listings.end();)
+        known = known->second.expired() ? m_listings.erase(known) : std::next(known);
+    if (tellsChildCount)
+        m_listings[call->path()] = listing;
 }
 
 } // namespace bridge

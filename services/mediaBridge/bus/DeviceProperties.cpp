@@ -28,37 +28,28 @@ constexpr TextProperty textProperties[] = {
     {"IconURL", &DeviceDescription::iconUrl},
 };
 
-GVariant *capabilities(const std::optional<std::vector<std::string>> &didlNames)
+Value capabilities(const std::optional<std::vector<std::string>> &didlNames)
 {
-    if (!didlNames)
-        return nullptr;
-    GVariantBuilder names;
-    g_variant_builder_init(&names, G_VARIANT_TYPE_STRING_ARRAY);
-    for (const std::string &name : capabilityNames(*didlNames))
-        g_variant_builder_add(&names, "s", name.c_str());
-    return g_variant_builder_end(&names);
+    return didlNames ? Value(capabilityNames(*didlNames)) : Value();
 }
 
-GVariant *dlnaCaps(const DeviceDescription &description)
+Value dlnaCaps(const DeviceDescription &description)
 {
-    if (description.dlnaCaps.empty())
-        return nullptr;
-    GVariantBuilder caps;
-    g_variant_builder_init(&caps, G_VARIANT_TYPE_VARDICT);
+    PropertyMap caps;
     for (const auto &[name, value] : description.dlnaCaps)
-        g_variant_builder_add(&caps, "{sv}", name.c_str(), g_variant_new_uint32(value));
-    return g_variant_builder_end(&caps);
+        caps.emplace_back(name, value);
+    return caps.empty() ? Value() : Value(std::move(caps));
 }
 
 } // namespace
 
-GVariant *deviceProperty(const MediaServer &server, const std::string &name)
+Value deviceProperty(const MediaServer &server, std::string_view name)
 {
     const DeviceDescription &description = server.description();
     for (const TextProperty &known : textProperties) {
         const std::string &value = description.*known.field;
         if (name == known.name)
-            return value.empty() ? nullptr : textVariant(value);
+            return value.empty() ? Value() : Value(value);
     }
     if (name == "SearchCaps")
         return capabilities(server.searchCaps());
@@ -66,15 +57,22 @@ GVariant *deviceProperty(const MediaServer &server, const std::string &name)
         return capabilities(server.sortCaps());
     if (name == "DLNACaps")
         return dlnaCaps(description);
-    return nullptr;
+    return {};
 }
 
-std::vector<std::string> devicePropertyNames()
+PropertyMap deviceProperties(const MediaServer &server)
 {
-    std::vector<std::string> names{"DLNACaps", "SearchCaps", "SortCaps"};
+    PropertyMap map;
+    const auto add = [&](const char *name) {
+        Value value = deviceProperty(server, name);
+        if (!value.isNone())
+            map.emplace_back(name, std::move(value));
+    };
+    for (const char *name : {"DLNACaps", "SearchCaps", "SortCaps"})
+        add(name);
     for (const TextProperty &known : textProperties)
-        names.emplace_back(known.name);
-    return names;
+        add(known.name);
+    return map;
 }
 
 } // namespace bridge

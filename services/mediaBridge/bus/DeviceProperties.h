@@ -2,15 +2,14 @@
 
 #include "upnp/MediaServer.h"
 
-#include <string>
-#include <vector>
+#include <string_view>
 
 namespace bridge {
 
-/// The value of a property of a server, floating; null where the server doesn't say.
-GVariant *deviceProperty(const MediaServer &server, const std::string &name);
+/// The value of a property of a server; nothing where the server doesn't say.
+Value deviceProperty(const MediaServer &server, std::string_view name);
 
-/// Names of the properties that are known without asking the server.
-std::vector<std::string> devicePropertyNames();
+/// Those of all properties that are known without asking the server.
+PropertyMap deviceProperties(const MediaServer &server);
 
 } // namespace bridge

@@ -146,10 +146,10 @@ const GDBusInterfaceInfo *interfaceInfo(const std::string &name)
 
 std::string inputSignature(const GDBusMethodInfo *method)
 {
-    std::string signature = "(";
+    std::string signature;
     for (GDBusArgInfo **argument = method->in_args; argument && *argument; ++argument)
         signature += (*argument)->signature;
-    return signature + ")";
+    return signature;
 }
 
 std::string introspectionXml(

@@ -23,7 +23,7 @@ inline constexpr const char *peer = "org.freedesktop.DBus.Peer";
 /// declared can't be called, so that introspection and behaviour are one.
 const GDBusInterfaceInfo *interfaceInfo(const std::string &name);
 
-/// Signature of a method's arguments, in parentheses.
+/// Signature of a method's arguments.
 std::string inputSignature(const GDBusMethodInfo *method);
 
 /// Introspection document of an object with these interfaces and child nodes.

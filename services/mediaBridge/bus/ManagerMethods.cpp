@@ -16,21 +16,20 @@ void MediaService::getServers(const BusCallPtr &call, const Target &)
 
 void MediaService::answerGetServers(const BusCallPtr &call)
 {
-    GVariantBuilder paths;
-    g_variant_builder_init(&paths, G_VARIANT_TYPE("ao"));
+    std::vector<ObjectPath> paths;
     for (const auto &server : m_registry.servers())
-        g_variant_builder_add(&paths, "o", server->context().path.c_str());
-    call->reply(g_variant_new("(ao)", &paths));
+        paths.push_back({server->context().path});
+    call->reply(paths);
 }
 
 void MediaService::getVersion(const BusCallPtr &call, const Target &)
 {
-    call->reply(g_variant_new("(s)", ORKA_VERSION));
+    call->reply(std::string(ORKA_VERSION));
 }
 
 void MediaService::release(const BusCallPtr &call, const Target &)
 {
-    call->reply(nullptr);
+    call->reply();
     m_bus.releaseClient(call->sender());
 }
 
@@ -38,18 +37,18 @@ void MediaService::release(const BusCallPtr &call, const Target &)
 /// addresses are chosen by how far they can be used.
 void MediaService::accept(const BusCallPtr &call, const Target &)
 {
-    call->reply(nullptr);
+    call->reply();
 }
 
 void MediaService::rescan(const BusCallPtr &call, const Target &)
 {
     m_registry.rescan();
-    call->reply(nullptr);
+    call->reply();
 }
 
 void MediaService::cancel(const BusCallPtr &call, const Target &target)
 {
-    call->reply(nullptr);
+    call->reply();
     m_bus.cancelCalls(target.server->context().path, call->sender());
 }
 

@@ -153,8 +153,7 @@ bool MediaService::introspectAncestor(const BusCallPtr &call)
         return false;
     }
     if (call->member() == "Introspect") {
-        const std::string xml = introspectionXml({interfaces::introspectable}, children);
-        call->reply(g_variant_new("(s)", xml.c_str()));
+        call->reply(introspectionXml({interfaces::introspectable}, children));
     } else {
         call->fail({errors::unknownMethod, "There is no such method at \"" + call->path() + "\"."});
     }
@@ -175,10 +174,9 @@ void MediaService::invoke(
         return;
     }
     const std::string signature = inputSignature(declared);
-    if (signature != g_variant_get_type_string(call->arguments())) {
+    if (signature != call->signature()) {
         call->fail({errors::invalidArgs,
-            where + " takes " + signature + ", not " + g_variant_get_type_string(call->arguments())
-                + "."});
+            where + " takes (" + signature + "), not (" + call->signature() + ")."});
         return;
     }
     for (const Method &method : methods()) {
@@ -190,10 +188,9 @@ void MediaService::invoke(
 void MediaService::introspect(const BusCallPtr &call, const Target &target)
 {
     if (!target.server) {
-        const std::string xml = introspectionXml({interfaces::introspectable, interfaces::peer,
-                                                     interfaces::properties, interfaces::manager},
-            {lastElement(std::string(serverRootPath))});
-        call->reply(g_variant_new("(s)", xml.c_str()));
+        call->reply(introspectionXml({interfaces::introspectable, interfaces::peer,
+                                         interfaces::properties, interfaces::manager},
+            {lastElement(std::string(serverRootPath))}));
         return;
     }
     // What an object is, only its server knows.
@@ -209,7 +206,7 @@ void MediaService::introspect(const BusCallPtr &call, const Target &target)
                 object.isContainer ? interfaces::container : interfaces::item};
             if (isRoot)
                 names.push_back(interfaces::device);
-            call->reply(g_variant_new("(s)", introspectionXml(names, {}).c_str()));
+            call->reply(introspectionXml(names, {}));
         });
 }
 

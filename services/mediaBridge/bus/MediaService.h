@@ -72,11 +72,12 @@ private:
     void getObjectProperty(const BusCallPtr &call, const Target &target,
         const std::string &interface, const std::string &name);
     void getChildCount(const BusCallPtr &call, const Target &target, const std::string &interface);
-    void countChildren(const BusCallPtr &call, const Target &target);
 
     BusService &m_bus;
     ServerRegistry &m_registry;
     std::vector<BusCallPtr> m_waitingForServers;
+    /// By the container's path: listings under way that will know its child count.
+    std::map<std::string, std::weak_ptr<Listing>> m_listings;
     Timer m_firstSearch;
 };
 

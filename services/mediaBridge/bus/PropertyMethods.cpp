@@ -61,20 +61,12 @@ PropertySet propertiesOf(const std::string &name)
     return set;
 }
 
-void replyValue(BusCall &call, const std::string &name, GVariant *value)
+void replyValue(BusCall &call, const std::string &name, const Value &value)
 {
-    if (value)
-        call.reply(g_variant_new("(v)", value));
-    else
+    if (value.isNone())
         call.fail(unknownProperty(name));
-}
-
-void addDeviceProperties(GVariantBuilder &map, const MediaServer &server)
-{
-    for (const std::string &name : devicePropertyNames()) {
-        if (GVariant *value = deviceProperty(server, name))
-            g_variant_builder_add(&map, "{sv}", name.c_str(), value);
-    }
+    else
+        call.replyVariant(value);
 }
 
 /// Calls back with the server's update id, or with nothing where it has none.
@@ -87,17 +79,61 @@ void readUpdateId(const std::shared_ptr<MediaServer> &server, const BusCallPtr &
         });
 }
 
+void countChildren(const BusCallPtr &call, const MediaServerPtr &server, const std::string &id)
+{
+    ListRequest first;
+    first.containerId = id;
+    first.max = 1;
+    ListRequest all = first;
+    all.max = 0;
+    const auto answer = [call](const ListEnd &end) {
+        if (end.failure.name.empty())
+            replyValue(*call, "ChildCount", end.total);
+        else
+            call->fail(end.failure);
+    };
+    const auto dropRow = [](const MediaObject &) {
+        return size_t{0};
+    };
+    Listing::start(server, first, 0, call->cancellable(), dropRow, [=](const ListEnd &end) {
+        if (end.isTotalKnown || end.rowCount == 0)
+            answer(end);
+        else
+            Listing::start(server, all, 0, call->cancellable(), dropRow, answer);
+    });
+}
+
+/// A count of 0, or none, is what servers give that don't know; then the children are asked for.
+void readChildCount(const BusCallPtr &call, const MediaServerPtr &server, const std::string &id,
+    const std::string &interface)
+{
+    PropertySet wanted;
+    wanted.insert(Prop::ChildCount);
+    server->readObject(
+        id, wanted, call->cancellable(), [=](const Failure &failure, const MediaObject &object) {
+            const Failure problem =
+                failure.name.empty() ? checkInterface(interface, object) : failure;
+            if (!problem.name.empty())
+                call->fail(problem);
+            else if (!object.isContainer)
+                call->fail(unknownProperty("ChildCount"));
+            else if (object.childCount.value_or(0) > 0)
+                replyValue(*call, "ChildCount", *object.childCount);
+            else
+                countChildren(call, server, id);
+        });
+}
+
 } // namespace
 
 void MediaService::get(const BusCallPtr &call, const Target &target)
 {
-    const char *interface = nullptr;
-    const char *name = nullptr;
-    g_variant_get(call->arguments(), "(&s&s)", &interface, &name);
+    Arguments arguments = call->arguments();
+    const std::string interface = arguments.text();
+    const std::string name = arguments.text();
     const bool isRoot = target.objectId == rootObjectId;
     const bool isOfDevice = isRoot
-        && (interface == std::string(interfaces::device)
-            || (interface[0] == '\0' && isDeviceProperty(name)));
+        && (interface == interfaces::device || (interface.empty() && isDeviceProperty(name)));
     if (!target.server)
         call->fail(unknownProperty(name));
     else if (isOfDevice)
@@ -114,13 +150,13 @@ void MediaService::getDeviceProperty(
     const auto &server = target.server;
     if (name == systemUpdateId) {
         readUpdateId(server, call, [call](std::optional<uint32_t> id) {
-            replyValue(*call, systemUpdateId, id ? g_variant_new_uint32(*id) : nullptr);
+            replyValue(*call, systemUpdateId, id ? Value(*id) : Value());
         });
         return;
     }
-    GVariant *value = deviceProperty(*server, name);
+    const Value value = deviceProperty(*server, name);
     const bool mayBeUnread = name == "SearchCaps" || name == "SortCaps";
-    if (value || !mayBeUnread) {
+    if (!value.isNone() || !mayBeUnread) {
         replyValue(*call, name, value);
         return;
     }
@@ -154,60 +190,36 @@ void MediaService::getObjectProperty(const BusCallPtr &call, const Target &targe
         });
 }
 
-/// A count of 0, or none, is what servers give that don't know; then the children are asked for.
+/// A listing of the container that is under way tells it too, which spares the server a question:
+/// clients ask for rows and count at once.
 void MediaService::getChildCount(
     const BusCallPtr &call, const Target &target, const std::string &interface)
 {
-    PropertySet wanted;
-    wanted.insert(Prop::ChildCount);
-    target.server->readObject(target.objectId, wanted, call->cancellable(),
-        [this, call, target, interface](const Failure &failure, const MediaObject &object) {
-            const Failure problem =
-                failure.name.empty() ? checkInterface(interface, object) : failure;
-            if (!problem.name.empty())
-                call->fail(problem);
-            else if (!object.isContainer)
-                call->fail(unknownProperty("ChildCount"));
-            else if (object.childCount.value_or(0) > 0)
-                replyValue(*call, "ChildCount", g_variant_new_uint32(*object.childCount));
-            else
-                countChildren(call, target);
-        });
-}
-
-void MediaService::countChildren(const BusCallPtr &call, const Target &target)
-{
-    ListRequest first;
-    first.containerId = target.objectId;
-    first.max = 1;
-    ListRequest all = first;
-    all.max = 0;
-    const size_t maxBytes = m_bus.maxReplyBytes();
-    const auto answer = [call](const ListResult &result) {
-        if (result.failure.name.empty())
-            replyValue(*call, "ChildCount", g_variant_new_uint32(result.total));
-        else
-            call->fail(result.failure);
+    const auto known = m_listings.find(call->path());
+    const auto listing = known == m_listings.end() ? nullptr : known->second.lock();
+    const auto read = [=, server = target.server, id = target.objectId] {
+        readChildCount(call, server, id, interface);
     };
-    Listing::start(target.server, first, maxBytes, call->cancellable(),
-        [=, server = target.server](const ListResult &result) {
-            if (result.isTotalKnown || result.rows.empty())
-                answer(result);
-            else
-                Listing::start(server, all, maxBytes, call->cancellable(), answer);
-        });
+    if (!listing || interface == interfaces::item) {
+        read();
+        return;
+    }
+    listing->whenTotalIsKnown([call, read](std::optional<uint32_t> total) {
+        if (total)
+            replyValue(*call, "ChildCount", *total);
+        else
+            read();
+    });
 }
 
 void MediaService::getAll(const BusCallPtr &call, const Target &target)
 {
-    const char *name = nullptr;
-    g_variant_get(call->arguments(), "(&s)", &name);
-    const std::string interface = name;
+    const std::string interface = call->arguments().text();
     const bool isRoot = target.objectId == rootObjectId;
     const bool isManager =
         !target.server && (interface.empty() || interface == interfaces::manager);
     if (isManager || isWithoutProperties(interface))
-        call->reply(g_variant_new("(@a{sv})", g_variant_new("a{sv}", nullptr)));
+        call->reply(PropertyMap());
     else if (!target.server)
         call->fail(unknownInterface(interface));
     else if (isRoot && interface == interfaces::device)
@@ -221,12 +233,10 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
 void MediaService::getAllOfDevice(const BusCallPtr &call, const Target &target)
 {
     readUpdateId(target.server, call, [call, server = target.server](std::optional<uint32_t> id) {
-        GVariantBuilder map;
-        g_variant_builder_init(&map, G_VARIANT_TYPE_VARDICT);
-        addDeviceProperties(map, *server);
+        PropertyMap map = deviceProperties(*server);
         if (id)
-            g_variant_builder_add(&map, "{sv}", systemUpdateId, g_variant_new_uint32(*id));
-        call->reply(g_variant_new("(a{sv})", &map));
+            map.emplace_back(systemUpdateId, *id);
+        call->reply(map);
     });
 }
 
@@ -242,28 +252,21 @@ void MediaService::getAllOfObject(
                 return;
             }
             const auto &server = *target.server;
-            GVariantBuilder map;
-            g_variant_builder_init(&map, G_VARIANT_TYPE_VARDICT);
-            const Variant values =
-                ownVariant(propertyMap(object, propertiesOf(interface), server.context()));
-            GVariantIter iter;
-            g_variant_iter_init(&iter, values.get());
-            while (GVariant *entry = g_variant_iter_next_value(&iter)) {
-                g_variant_builder_add_value(&map, entry);
-                g_variant_unref(entry);
+            PropertyMap map = propertyMap(object, propertiesOf(interface), server.context());
+            if (interface.empty() && target.objectId == rootObjectId) {
+                PropertyMap ofDevice = deviceProperties(server);
+                std::move(ofDevice.begin(), ofDevice.end(), std::back_inserter(map));
             }
-            if (interface.empty() && target.objectId == rootObjectId)
-                addDeviceProperties(map, server);
-            call->reply(g_variant_new("(a{sv})", &map));
+            call->reply(map);
         });
 }
 
 void MediaService::set(const BusCallPtr &call, const Target &)
 {
-    const char *name = nullptr;
-    g_variant_get_child(call->arguments(), 1, "&s", &name);
+    Arguments arguments = call->arguments();
+    arguments.text();
     call->fail({errors::propertyReadOnly,
-        "Property \"" + std::string(name) + "\" can't be set: this service only reads."});
+        "Property \"" + arguments.text() + "\" can't be set: this service only reads."});
 }
 
 } // namespace bridge

@@ -46,12 +46,12 @@ void readResolution(Resource &resource, std::string_view text)
     resource.height = parseAs<int32_t>(text.substr(by + 1));
 }
 
-Resource readResource(const xmlNode *element)
+Resource readResource(pugi::xml_node element)
 {
     Resource resource;
     resource.uri = elementText(element);
-    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
-        const std::string_view name = localName(attribute->name);
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+        const std::string_view name = localName(attribute.name());
         const std::string value = attributeText(attribute);
         if (name == "protocolInfo")
             readProtocolInfo(resource, value);
@@ -73,10 +73,10 @@ Resource readResource(const xmlNode *element)
     return resource;
 }
 
-void readObjectAttributes(MediaObject &object, const xmlNode *element)
+void readObjectAttributes(MediaObject &object, pugi::xml_node element)
 {
-    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
-        const std::string_view name = localName(attribute->name);
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+        const std::string_view name = localName(attribute.name());
         std::string value = attributeText(attribute);
         if (name == "id")
             object.id = std::move(value);
@@ -95,24 +95,20 @@ void readObjectAttributes(MediaObject &object, const xmlNode *element)
     }
 }
 
-std::pair<std::string, bool> readCreateClass(const xmlNode *element)
+std::pair<std::string, bool> readCreateClass(pugi::xml_node element)
 {
-    bool includeDerived = false;
-    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
-        if (localName(attribute->name) == "includeDerived")
-            includeDerived = parseBool(attributeText(attribute)).value_or(false);
-    }
-    return {elementText(element), includeDerived};
+    const std::string_view includeDerived = element.attribute("includeDerived").value();
+    return {elementText(element), parseBool(includeDerived).value_or(false)};
 }
 
 /// Sets a text that hasn't been set before: the first of several wins.
-void setOnce(std::string &field, const xmlNode *element)
+void setOnce(std::string &field, pugi::xml_node element)
 {
     if (field.empty())
         field = elementText(element);
 }
 
-bool readText(MediaObject &object, std::string_view name, const xmlNode *element)
+bool readText(MediaObject &object, std::string_view name, pugi::xml_node element)
 {
     struct TextField
     {
@@ -137,9 +133,9 @@ bool readText(MediaObject &object, std::string_view name, const xmlNode *element
     return false;
 }
 
-void readChild(MediaObject &object, const xmlNode *element)
+void readChild(MediaObject &object, pugi::xml_node element)
 {
-    const std::string_view name = localName(element->name);
+    const std::string_view name = localName(element.name());
     if (readText(object, name, element))
         return;
     if (name == "res")
@@ -158,13 +154,12 @@ void readChild(MediaObject &object, const xmlNode *element)
         object.createClasses.push_back(readCreateClass(element));
 }
 
-MediaObject readObject(const xmlNode *element, bool isContainer)
+MediaObject readObject(pugi::xml_node element, bool isContainer)
 {
     MediaObject object;
     object.isContainer = isContainer;
     readObjectAttributes(object, element);
-    for (const xmlNode *child = elementFrom(element->children); child;
-         child = elementFrom(child->next))
+    for (const pugi::xml_node child : element.children())
         readChild(object, child);
     return object;
 }
@@ -185,25 +180,21 @@ const Resource *MediaObject::primaryResource() const
     return best;
 }
 
-std::optional<std::vector<MediaObject>> parseDidl(std::string_view didl)
+std::optional<DidlList> parseDidl(std::string didl)
 {
-    std::vector<MediaObject> objects;
-    if (didl.find_first_not_of(" \t\r\n") == std::string_view::npos)
-        return objects;
-    // It came inside a decoded XML text, so it is UTF-8 whatever its declaration says.
-    const XmlDoc doc = parseXml(didl, "UTF-8");
-    if (!doc)
+    DidlList list;
+    if (didl.find_first_not_of(" \t\r\n") == std::string::npos)
+        return list;
+    const XmlDocument document(std::move(didl));
+    if (localName(document.root().name()) != "DIDL-Lite")
         return std::nullopt;
-    const xmlNode *root = xmlDocGetRootElement(doc.get());
-    if (localName(root->name) != "DIDL-Lite")
-        return std::nullopt;
-    for (const xmlNode *element = elementFrom(root->children); element;
-         element = elementFrom(element->next)) {
-        const std::string_view name = localName(element->name);
+    list.isWhole = document.isWhole();
+    for (const pugi::xml_node element : document.root().children()) {
+        const std::string_view name = localName(element.name());
         if (name == "container" || name == "item")
-            objects.push_back(readObject(element, name == "container"));
+            list.objects.push_back(readObject(element, name == "container"));
     }
-    return objects;
+    return list;
 }
 
 } // namespace bridge

@@ -3,14 +3,20 @@
 #include "core/MediaObject.h"
 
 #include <optional>
-#include <string_view>
 
 namespace bridge {
 
-/// Reads the objects of a DIDL-Lite document, in its order. Nothing comes back only where the text
-/// isn't DIDL-Lite at all; an empty text, like an empty document, is an empty list. Whatever an
-/// object lacks or has wrong costs that one value: an object is never dropped, and characters that
-/// XML forbids are skipped. May be called on any thread.
-std::optional<std::vector<MediaObject>> parseDidl(std::string_view didl);
+/// What a DIDL-Lite document holds, in its order.
+struct DidlList
+{
+    std::vector<MediaObject> objects;
+    /// False where the document is malformed: what comes after the last object is lost, and with it
+    /// perhaps a part of that object.
+    bool isWhole = true;
+};
+
+/// Nothing comes back only where the text isn't DIDL-Lite at all; an empty text is an empty list.
+/// Whatever an object lacks or has wrong costs that one value: an object is never dropped.
+std::optional<DidlList> parseDidl(std::string didl);
 
 } // namespace bridge

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gio/gio.h>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -48,19 +47,6 @@ private:
     T *m_object = nullptr;
 };
 
-struct VariantUnref
-{
-    void operator()(GVariant *value) const { g_variant_unref(value); }
-};
-/// Owns one reference to a GVariant that isn't floating.
-using Variant = std::unique_ptr<GVariant, VariantUnref>;
-
-/// Takes over a new value, floating or not.
-inline Variant ownVariant(GVariant *value)
-{
-    return Variant(g_variant_take_ref(value));
-}
-
 /// Copies and frees a text of GLib's; null gives an empty one.
 inline std::string takeString(char *text)
 {
@@ -81,6 +67,15 @@ inline std::string takeMessage(GError *&error)
     std::string message = error ? error->message : "";
     g_clear_error(&error);
     return message;
+}
+
+/// `uri` as seen from `base`; empty where there is no such URL.
+inline std::string absoluteUrl(const std::string &uri, const std::string &base)
+{
+    if (uri.empty() || uri.find("://") != std::string::npos)
+        return uri;
+    return takeString(
+        g_uri_resolve_relative(base.c_str(), uri.c_str(), G_URI_FLAGS_ENCODED, nullptr));
 }
 
 } // namespace bridge

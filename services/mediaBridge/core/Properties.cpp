@@ -66,6 +66,11 @@ const std::array<PropInfo, propCount> &properties()
     return table;
 }
 
+const PropInfo &propertyInfo(Prop prop)
+{
+    return table[static_cast<size_t>(prop)];
+}
+
 const PropInfo *findProperty(std::string_view name)
 {
     for (const PropInfo &info : table) {

@@ -80,8 +80,9 @@ private:
     std::bitset<propCount> m_bits;
 };
 
-/// Every property, indexed by its value.
+/// Every property, in their order.
 const std::array<PropInfo, propCount> &properties();
+const PropInfo &propertyInfo(Prop prop);
 /// Null for a name that isn't a property's. Case matters.
 const PropInfo *findProperty(std::string_view name);
 /// Every property that goes by this DIDL-Lite name: Type and TypeEx share upnp:class.

@@ -8,11 +8,11 @@ namespace bridge {
 
 namespace {
 
-SoapAnswer readFault(const xmlNode *fault)
+SoapAnswer readFault(pugi::xml_node fault)
 {
     SoapAnswer answer;
     answer.kind = SoapAnswer::Kind::Fault;
-    const xmlNode *error = childElement(childElement(fault, "detail"), "UPnPError");
+    const pugi::xml_node error = childElement(childElement(fault, "detail"), "UPnPError");
     answer.faultCode = parseAs<int32_t>(elementText(childElement(error, "errorCode"))).value_or(0);
     answer.faultText = elementText(childElement(error, "errorDescription"));
     if (answer.faultText.empty())
@@ -43,22 +43,22 @@ std::string SoapAnswer::value(std::string_view name) const
     return found == values.end() ? std::string() : found->second;
 }
 
-SoapAnswer parseSoapAnswer(std::string_view body, const std::string &action)
+SoapAnswer parseSoapAnswer(std::string body, const std::string &action)
 {
     SoapAnswer answer;
-    const XmlDoc doc = parseXml(body);
-    if (!doc)
-        return answer;
-    const xmlNode *soapBody = childElement(xmlDocGetRootElement(doc.get()), "Body");
-    if (const xmlNode *fault = childElement(soapBody, "Fault"))
+    const XmlDocument document(std::move(body));
+    const pugi::xml_node soapBody = childElement(document.root(), "Body");
+    if (const pugi::xml_node fault = childElement(soapBody, "Fault"))
         return readFault(fault);
-    const xmlNode *response = childElement(soapBody, action + "Response");
+    const pugi::xml_node response = childElement(soapBody, action + "Response");
     if (!response)
         return answer;
     answer.kind = SoapAnswer::Kind::Result;
-    for (const xmlNode *value = elementFrom(response->children); value;
-         value = elementFrom(value->next))
-        answer.values[std::string(localName(value->name))] = rawElementText(value);
+    for (const pugi::xml_node value : response.children()) {
+        const std::string_view name = localName(value.name());
+        if (!name.empty())
+            answer.values.emplace(name, rawElementText(value));
+    }
     return answer;
 }
 

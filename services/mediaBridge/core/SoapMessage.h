@@ -30,6 +30,6 @@ struct SoapAnswer
 };
 
 /// Reads the body of an answer. What is neither a result of `action` nor a fault is Unreadable.
-SoapAnswer parseSoapAnswer(std::string_view body, const std::string &action);
+SoapAnswer parseSoapAnswer(std::string body, const std::string &action);
 
 } // namespace bridge

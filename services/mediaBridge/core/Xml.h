@@ -1,36 +1,39 @@
 #pragma once
 
-#include <libxml/tree.h>
-#include <memory>
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 
 namespace bridge {
 
-struct XmlDocDeleter
+/// A parsed text. Takes what real servers send: an "&" that is none of XML's references stands for
+/// itself, documents can't define entities, and behind a fault everything read so far is kept.
+class XmlDocument
 {
-    void operator()(xmlDoc *doc) const { xmlFreeDoc(doc); }
+public:
+    explicit XmlDocument(std::string text);
+
+    /// The outermost element; empty where there is none.
+    pugi::xml_node root() const { return m_document.document_element(); }
+    /// Whether the text was read to its end without a fault.
+    bool isWhole() const { return m_isWhole; }
+
+private:
+    // The nodes point into it.
+    std::string m_text;
+    pugi::xml_document m_document;
+    bool m_isWhole = false;
 };
-using XmlDoc = std::unique_ptr<xmlDoc, XmlDocDeleter>;
 
-/// Parses as much as can be made sense of, fetching nothing: in a document that isn't well-formed,
-/// characters that XML forbids are left out and an "&" that begins no reference is taken for itself.
-/// Null where there is no element at all.
-/// `encoding` overrules what the document says of itself; null leaves it to the document.
-XmlDoc parseXml(std::string_view text, const char *encoding = nullptr);
-
-/// Next element from `node` on, itself included; null after the last.
-const xmlNode *elementFrom(const xmlNode *node);
-/// First child element with this local name; null where there is none.
-const xmlNode *childElement(const xmlNode *parent, std::string_view name);
 /// Name without any prefix, declared or not.
-std::string_view localName(const xmlChar *name);
-/// Text directly inside an element, white space at both ends cut off. Entities that the document
-/// defines itself are left out, so that no document can blow itself up.
-std::string elementText(const xmlNode *element);
-/// Text as it stands, without a copy of what may be megabytes more than once.
-std::string rawElementText(const xmlNode *element);
-/// Text of an attribute.
-std::string attributeText(const xmlAttr *attribute);
+std::string_view localName(const char *name);
+/// First child element with this local name; empty where there is none.
+pugi::xml_node childElement(pugi::xml_node parent, std::string_view name);
+/// Text directly inside an element as it stands.
+std::string rawElementText(pugi::xml_node element);
+/// The same for people and programs: without control characters, white space at both ends cut off.
+std::string elementText(pugi::xml_node element);
+/// The value of an attribute, without control characters.
+std::string attributeText(pugi::xml_attribute attribute);
 
 } // namespace bridge

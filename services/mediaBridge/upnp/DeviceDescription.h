@@ -1,9 +1,9 @@
 #pragma once
 
-#include <libgupnp/gupnp.h>
+#include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace bridge {
@@ -34,9 +34,9 @@ struct DeviceDescription
 };
 
 /// Reads the description of the device `udn` (which may be embedded in another) out of `body`,
-/// which was loaded from `location` in `context`. Nothing comes back where there is no such device,
-/// or one without a content directory that can be called.
-std::optional<DeviceDescription> readDescription(std::string_view body, const std::string &udn,
-    const std::string &location, GUPnPContext *context);
+/// which was loaded from `location`. Nothing comes back where there is no such device, or one
+/// without a content directory that can be called.
+std::optional<DeviceDescription> readDescription(
+    std::string body, const std::string &udn, const std::string &location);
 
 } // namespace bridge

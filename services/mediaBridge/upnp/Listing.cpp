@@ -1,7 +1,6 @@
 #include "upnp/Listing.h"
 
 #include "Log.h"
-#include "core/Didl.h"
 #include "core/Numbers.h"
 
 #include <algorithm>
@@ -12,7 +11,11 @@ namespace {
 
 // Below the 25 s after which a D-Bus caller gives up.
 constexpr auto listTimeout = std::chrono::seconds(20);
-constexpr uint32_t smallestRetry = 20;
+constexpr uint32_t smallestPage = 20;
+constexpr auto pageGoal = std::chrono::seconds(1);
+// A page below this is read at once.
+constexpr size_t smallPageBytes = 64 << 10;
+constexpr size_t sliceObjects = 20;
 
 bool isOfKind(const MediaObject &object, ListKind kind)
 {
@@ -21,51 +24,13 @@ bool isOfKind(const MediaObject &object, ListKind kind)
 
 } // namespace
 
-/// One page on its way through the reading thread, which touches nothing else.
-struct Listing::ReadJob
-{
-    std::shared_ptr<Listing> listing;
-    unsigned round = 0;
-    Page page;
-    PropertySet wanted;
-    ListKind kind = ListKind::All;
-    std::string containerId;
-    ServerContext context;
-
-    bool isReadable = false;
-    uint32_t objectCount = 0;
-    size_t bytes = 0;
-    std::string firstId;
-    std::vector<Variant> rows;
-
-    void read()
-    {
-        const auto objects = parseDidl(page.didl);
-        isReadable = objects.has_value();
-        if (!isReadable)
-            return;
-        objectCount = static_cast<uint32_t>(objects->size());
-        if (!objects->empty())
-            firstId = objects->front().id;
-        rows.reserve(objects->size());
-        PropertyMapper mapper(wanted, context);
-        for (const MediaObject &object : *objects) {
-            // Asked for the children of an item, some servers give the item itself.
-            const bool isItself = !containerId.empty() && object.id == containerId;
-            if (isItself || !isOfKind(object, kind))
-                continue;
-            rows.push_back(ownVariant(mapper.map(object)));
-            bytes += g_variant_get_size(rows.back().get());
-        }
-    }
-};
-
 Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-    GCancellable *cancellable, Done done)
+    GCancellable *cancellable, RowSink sink, Done done)
     : m_server(std::move(server))
     , m_request(std::move(request))
     , m_maxBytes(maxBytes)
     , m_cancellable(Ref<GCancellable>::share(cancellable))
+    , m_sink(std::move(sink))
     , m_done(std::move(done))
     , m_deadline(std::chrono::steady_clock::now() + listTimeout)
 {
@@ -76,23 +41,38 @@ Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_
         m_toSkip = m_request.offset;
 }
 
-void Listing::start(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-    GCancellable *cancellable, Done done)
+std::shared_ptr<Listing> Listing::start(std::shared_ptr<MediaServer> server, ListRequest request,
+    size_t maxBytes, GCancellable *cancellable, RowSink sink, Done done)
 {
-    std::make_shared<Listing>(
-        std::move(server), std::move(request), maxBytes, cancellable, std::move(done))
-        ->proceed();
+    const std::shared_ptr<Listing> listing(new Listing(std::move(server), std::move(request),
+        maxBytes, cancellable, std::move(sink), std::move(done)));
+    listing->proceed();
+    return listing;
+}
+
+void Listing::whenTotalIsKnown(TotalCallback callback)
+{
+    m_totalCallbacks.push_back(std::move(callback));
+    if (!m_done || m_rowCount > 0)
+        tellTotal();
 }
 
 void Listing::proceed()
 {
     if (!m_done)
         return;
-    if (m_page && !m_isReading)
-        readPage();
-    if (!m_isRequesting && !m_page && wantsMore())
+    const bool isNewPage = !m_reading && m_waiting;
+    if (isNewPage)
+        m_reading = std::exchange(m_waiting, std::nullopt);
+    // Where the server didn't count what it sent, the next position is known once that is read.
+    const bool isPositionKnown = !m_reading || m_reading->returned > 0;
+    if (!m_isRequesting && !m_waiting && isPositionKnown && wantsMore())
         requestPage();
-    if (!m_isRequesting && !m_isReading && !m_page)
+    if (!m_done)
+        return;
+    if (isNewPage)
+        parsePage();
+    else if (!m_isRequesting && !m_reading)
         finish();
 }
 
@@ -104,7 +84,7 @@ bool Listing::wantsMore() const
         return true;
     if (m_request.kind == ListKind::All)
         return m_position - m_request.offset < m_request.max;
-    return m_result.rows.size() < m_request.max;
+    return m_rowCount < m_request.max;
 }
 
 void Listing::requestPage()
@@ -116,11 +96,12 @@ void Listing::requestPage()
     if (timeoutMs == 0) {
         fail({errors::operationFailed,
             m_request.action + " operation failed: The list was not complete after 20 seconds ("
-                + std::to_string(m_result.rows.size())
+                + std::to_string(m_rowCount)
                 + " objects so far). Ask for fewer objects at a time."});
         return;
     }
     m_isRequesting = true;
+    m_pageStart = std::chrono::steady_clock::now();
     m_server->call(m_request.action, m_request.action, arguments(m_position, count), timeoutMs,
         m_cancellable.get(),
         [self = shared_from_this(), position = m_position, count, round = m_round](
@@ -144,14 +125,20 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     const auto total = parseAs<uint32_t>(reply.answer.value("TotalMatches")).value_or(0);
     const auto returned = parseAs<uint32_t>(reply.answer.value("NumberReturned")).value_or(0);
     m_total = std::max(m_total, total);
-    m_page = std::make_unique<Page>();
-    m_page->position = position;
-    m_page->returned = std::min(returned, asked);
-    m_page->didl = std::move(reply.answer.values["Result"]);
-    m_position = position + m_page->returned;
-    // Without a figure, what comes next is known when the page has been read.
-    m_isRequesting = m_page->returned == 0;
-    readPage();
+    m_waiting = Page{position, std::min(returned, asked), std::move(reply.answer.values["Result"])};
+    m_position = position + m_waiting->returned;
+    adaptPageSize();
+}
+
+/// Big pages are the fastest, but some servers take 10 ms an object, and go on with a page that
+/// nobody waits for any more before they look at the next call.
+void Listing::adaptPageSize()
+{
+    if (m_waiting->returned < smallestPage)
+        return;
+    const auto took = std::chrono::steady_clock::now() - m_pageStart;
+    const auto fitting = m_waiting->returned * pageGoal / std::max(took, decltype(took)(1));
+    m_pageSize = static_cast<uint32_t>(std::clamp<int64_t>(fitting, smallestPage, m_largestPage));
 }
 
 /// Past the end of a list whose length they don't know, some servers call the position invalid.
@@ -164,114 +151,123 @@ bool Listing::isEndOfUnknown(const ActionReply &reply) const
 /// A server that breaks down over a big page may well manage a small one.
 bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
 {
-    if (reply.outcome != HttpOutcome::Broken || m_pageSize <= smallestRetry)
+    if (reply.outcome != HttpOutcome::Broken || m_pageSize <= smallestPage)
         return false;
-    m_pageSize = std::max(m_pageSize / 5, smallestRetry);
+    m_pageSize = m_largestPage = std::max(m_pageSize / 5, smallestPage);
     m_position = position;
     logInfo(reply.failure.text + "; asking for " + std::to_string(m_pageSize) + " at a time");
     return true;
 }
 
-void Listing::readPage()
+void Listing::parsePage()
 {
-    if (m_isReading)
-        return;
-    m_isReading = true;
-    auto *job = new ReadJob;
-    job->listing = shared_from_this();
-    job->round = m_round;
-    job->page = std::move(*m_page);
-    m_page.reset();
-    job->wanted = m_request.wanted;
-    job->kind = m_request.kind;
-    if (m_request.action == "Browse")
-        job->containerId = m_request.containerId;
-    job->context = m_server->context();
-
-    const Ref<GTask> task(g_task_new(
-        nullptr, nullptr,
-        [](GObject *, GAsyncResult *result, gpointer) {
-            auto *finished = static_cast<ReadJob *>(g_task_get_task_data(G_TASK(result)));
-            finished->listing->pageRead(*finished);
-        },
-        nullptr));
-    g_task_set_task_data(
-        task.get(), job, [](gpointer data) { delete static_cast<ReadJob *>(data); });
-    g_task_run_in_thread(task.get(), [](GTask *running, gpointer, gpointer data, GCancellable *) {
-        static_cast<ReadJob *>(data)->read();
-        g_task_return_boolean(running, TRUE);
-    });
-}
-
-void Listing::pageRead(ReadJob &job)
-{
-    m_isReading = false;
-    if (job.page.returned == 0)
-        m_isRequesting = false;
-    if (!m_done)
-        return;
-    if (!job.isReadable) {
+    const bool isSmall = m_reading->didl.size() < smallPageBytes;
+    auto list = parseDidl(std::move(m_reading->didl));
+    if (!list || (list->objects.empty() && !list->isWhole)) {
         fail({errors::operationFailed,
             m_request.action + " operation failed: The list that \""
                 + m_server->description().friendlyName + "\" sent can't be read."});
         return;
     }
-    const bool isRepeated =
-        job.objectCount > 0 && !job.firstId.empty() && job.firstId == m_lastFirstId;
+    checkCount(*list);
+    const bool isRepeated = !list->objects.empty() && !list->objects.front().id.empty()
+        && list->objects.front().id == m_lastFirstId;
     if (isRepeated)
         logWarning("\"" + m_server->description().friendlyName
             + "\" sends the same page again and again; the list ends with its first");
-    if (job.objectCount == 0 || isRepeated) {
+    if (list->objects.empty() || isRepeated) {
         m_isAtEnd = true;
-        m_page.reset();
+        list->objects.clear();
     } else {
-        m_lastFirstId = job.firstId;
-        addRows(job);
+        m_lastFirstId = list->objects.front().id;
     }
+    m_objects = std::move(list->objects);
+    m_nextObject = 0;
+    if (isSmall)
+        readSlice();
+    else
+        m_nextSlice.start(0, [self = shared_from_this()] { self->readSlice(); });
+}
+
+/// The number that the server gave may be wrong; the objects that came are what counts.
+void Listing::checkCount(DidlList &list)
+{
+    if (!list.isWhole) {
+        logWarning("\"" + m_server->description().friendlyName
+            + "\" sends a malformed list; going on behind what could be read of it");
+        // The last object may lack something, so it is asked for again; alone, it is all there is.
+        if (list.objects.size() > 1)
+            list.objects.pop_back();
+    }
+    const auto count = static_cast<uint32_t>(list.objects.size());
+    if (count == m_reading->returned)
+        return;
+    ++m_round;
+    m_waiting.reset();
+    m_position = m_reading->position + count;
+}
+
+void Listing::readSlice()
+{
+    const size_t end = std::min(m_objects.size(), m_nextObject + sliceObjects);
+    while (m_done && m_nextObject < end)
+        readObject(m_objects[m_nextObject++]);
+    if (!m_done)
+        return;
+    if (m_rowCount > 0)
+        tellTotal();
+    if (m_nextObject < m_objects.size()) {
+        m_nextSlice.start(0, [self = shared_from_this()] { self->readSlice(); });
+        return;
+    }
+    m_objects.clear();
+    m_reading.reset();
     proceed();
 }
 
-void Listing::addRows(ReadJob &job)
+void Listing::readObject(const MediaObject &object)
 {
-    // The number that the server gave may be wrong; the objects that came are what counts.
-    if (job.objectCount != job.page.returned) {
-        ++m_round;
-        m_page.reset();
-        m_position = job.page.position + job.objectCount;
+    // Asked for the children of an item, some servers give the item itself.
+    const bool isItself = m_request.action == "Browse" && object.id == m_request.containerId;
+    const bool isEnough = m_request.max > 0 && m_rowCount >= m_request.max;
+    if (isItself || isEnough || !isOfKind(object, m_request.kind))
+        return;
+    if (m_toSkip > 0) {
+        --m_toSkip;
+        return;
     }
-    m_bytes += job.bytes;
-    if (m_bytes > m_maxBytes) {
+    ++m_rowCount;
+    if (m_sink(object) > m_maxBytes)
         fail({errors::operationFailed,
             m_request.action + " operation failed: The list is too long for one D-Bus message ("
                 + std::to_string(m_maxBytes >> 20)
                 + " MiB). Ask for fewer objects at a time, or for fewer properties."});
-        return;
-    }
-    for (Variant &row : job.rows) {
-        if (m_request.max > 0 && m_result.rows.size() >= m_request.max)
-            break;
-        if (m_toSkip > 0)
-            --m_toSkip;
-        else
-            m_result.rows.push_back(std::move(row));
-    }
+}
+
+void Listing::tellTotal()
+{
+    const auto total = m_total > 0 ? std::optional<uint32_t>(m_total) : std::nullopt;
+    for (const TotalCallback &callback : std::exchange(m_totalCallbacks, {}))
+        callback(total);
 }
 
 void Listing::fail(Failure failure)
 {
-    m_result.rows.clear();
-    m_result.failure = std::move(failure);
-    finish();
+    m_total = 0;
+    end({std::move(failure), 0, 0, false});
 }
 
 void Listing::finish()
 {
-    if (!m_done)
-        return;
-    const auto seen = static_cast<uint32_t>(m_request.offset + m_result.rows.size());
-    m_result.isTotalKnown = m_total > 0;
-    m_result.total = m_result.rows.empty() ? m_total : std::max(m_total, seen);
-    std::exchange(m_done, nullptr)(std::move(m_result));
+    const uint32_t seen = m_rowCount > 0 ? m_request.offset + m_rowCount : 0;
+    end({{}, m_rowCount, std::max(m_total, seen), m_total > 0});
+}
+
+void Listing::end(const ListEnd &result)
+{
+    const Done done = std::exchange(m_done, nullptr);
+    tellTotal();
+    done(result);
 }
 
 SoapArguments Listing::arguments(uint32_t position, uint32_t count) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Didl.h"
+#include "core/Timer.h"
 #include "upnp/MediaServer.h"
 
 #include <chrono>
@@ -27,12 +29,12 @@ struct ListRequest
     uint32_t max = 0;
 };
 
-struct ListResult
+/// How a listing ended.
+struct ListEnd
 {
     /// Empty name: success.
     Failure failure;
-    /// Property maps in the server's order.
-    std::vector<Variant> rows;
+    uint32_t rowCount = 0;
     /// How many there are beyond offset and max, as the server says, and never below what was seen.
     uint32_t total = 0;
     /// Whether the server gave a total at all.
@@ -40,42 +42,52 @@ struct ListResult
 };
 
 /// Gets a whole range of a server's listing, page by page, however small the server's pages are.
-/// The next page is under way while the last one is being read on another thread. Ends when the
-/// range is complete, when the server says that there is no more, or with an empty page; a total of
-/// 0 is taken for "unknown". Main thread, but for the reading.
+/// The next page is under way while one is being read; it is as big as the server can make it in
+/// about a second, and read in slices, so that nobody else waits. Ends when the range is complete,
+/// when the server says that there is no more, or with an empty page; a total of 0 is taken for
+/// "unknown". Main thread only.
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
-    using Done = std::function<void(ListResult)>;
+    /// Takes each object in the server's order; gives the bytes that all of them take so far.
+    using RowSink = std::function<size_t(const MediaObject &)>;
+    using Done = std::function<void(const ListEnd &)>;
+    using TotalCallback = std::function<void(std::optional<uint32_t>)>;
 
     /// `done` is called once, from the main loop, within 20 seconds. `maxBytes` bounds the rows.
-    static void start(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-        GCancellable *cancellable, Done done);
+    static std::shared_ptr<Listing> start(std::shared_ptr<MediaServer> server, ListRequest request,
+        size_t maxBytes, GCancellable *cancellable, RowSink sink, Done done);
 
-    Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-        GCancellable *cancellable, Done done);
+    /// Calls back with the server's total, once, as soon as the first rows are there; with nothing
+    /// where that never comes to be known.
+    void whenTotalIsKnown(TotalCallback callback);
 
 private:
     /// Answer of the server that still has to be read.
     struct Page
     {
-        uint32_t position;
-        uint32_t returned;
+        uint32_t position = 0;
+        uint32_t returned = 0;
         std::string didl;
     };
-    struct ReadJob;
 
+    Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
+        GCancellable *cancellable, RowSink sink, Done done);
     void proceed();
     bool wantsMore() const;
     void requestPage();
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);
+    void adaptPageSize();
     bool isEndOfUnknown(const ActionReply &reply) const;
     bool retrySmaller(const ActionReply &reply, uint32_t position);
-    void readPage();
-    void pageRead(ReadJob &job);
-    void addRows(ReadJob &job);
+    void parsePage();
+    void checkCount(DidlList &list);
+    void readSlice();
+    void readObject(const MediaObject &object);
+    void tellTotal();
     void fail(Failure failure);
     void finish();
+    void end(const ListEnd &result);
     SoapArguments arguments(uint32_t position, uint32_t count) const;
     unsigned remainingMs() const;
 
@@ -83,23 +95,31 @@ private:
     ListRequest m_request;
     size_t m_maxBytes;
     Ref<GCancellable> m_cancellable;
+    RowSink m_sink;
     Done m_done;
+    std::vector<TotalCallback> m_totalCallbacks;
     std::chrono::steady_clock::time_point m_deadline;
 
     uint32_t m_position = 0;
-    uint32_t m_pageSize = 1000;
+    /// Small at first, so that reading begins early.
+    uint32_t m_pageSize = 200;
+    uint32_t m_largestPage = 1000;
+    std::chrono::steady_clock::time_point m_pageStart;
     uint32_t m_total = 0;
     /// Matching rows to leave out before the first one given, where the server can't do it.
     uint32_t m_toSkip = 0;
-    size_t m_bytes = 0;
+    uint32_t m_rowCount = 0;
     /// Raised when the pages under way turn out to start at the wrong place.
     unsigned m_round = 0;
     bool m_isRequesting = false;
-    bool m_isReading = false;
     bool m_isAtEnd = false;
-    std::unique_ptr<Page> m_page;
     std::string m_lastFirstId;
-    ListResult m_result;
+    /// Came, and waits for the one that is being read.
+    std::optional<Page> m_waiting;
+    std::optional<Page> m_reading;
+    std::vector<MediaObject> m_objects;
+    size_t m_nextObject = 0;
+    Timer m_nextSlice;
 };
 
 } // namespace bridge

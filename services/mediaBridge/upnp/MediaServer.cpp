@@ -58,11 +58,11 @@ void MediaServer::call(const std::string &action, const std::string &operation,
     httpPostSoap(m_session.get(), m_description.controlUrl, '"' + type + '#' + action + '"',
         soapEnvelope(type, action, arguments), timeoutMs, cancellable,
         [self = shared_from_this(), action, operation, timeoutMs, done = std::move(done)](
-            const HttpReply &http) {
+            HttpReply http) {
             ActionReply reply;
             reply.outcome = http.outcome;
             if (http.outcome == HttpOutcome::Answered)
-                reply.answer = parseSoapAnswer(http.body, action);
+                reply.answer = parseSoapAnswer(std::move(http.body), action);
             if (reply.answer.kind != SoapAnswer::Kind::Result)
                 reply.failure = self->failureOf(operation, http, reply.answer, timeoutMs);
             if (http.outcome == HttpOutcome::Unreachable && self->onUnreachable)
@@ -106,19 +106,19 @@ void MediaServer::readObject(const std::string &objectId, const PropertySet &wan
         {"Filter", didlFilter(wanted)}, {"StartingIndex", "0"}, {"RequestedCount", "0"},
         {"SortCriteria", ""}};
     call("Browse", "Browse", arguments, answerTimeoutMs, cancellable,
-        [done = std::move(done)](const ActionReply &reply) {
+        [done = std::move(done)](ActionReply reply) {
             if (reply.isError()) {
                 done(reply.failure, {});
                 return;
             }
-            const auto objects = parseDidl(reply.answer.value("Result"));
-            if (!objects || objects->empty()) {
+            const auto list = parseDidl(std::move(reply.answer.values["Result"]));
+            if (!list || list->objects.empty()) {
                 done({errors::operationFailed,
                          "Browse operation failed: The server described no object."},
                     {});
                 return;
             }
-            done({}, objects->front());
+            done({}, list->objects.front());
         });
 }
 

@@ -79,4 +79,6 @@ private:
     std::optional<std::vector<std::string>> m_sortCaps;
 };
 
+using MediaServerPtr = std::shared_ptr<MediaServer>;
+
 } // namespace bridge

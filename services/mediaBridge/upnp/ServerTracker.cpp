@@ -81,13 +81,13 @@ void ServerTracker::tryRoute(size_t index)
         return;
     }
     httpGet(m_session.get(), m_routes[index].location, descriptionTimeoutMs, nullptr,
-        [weak = weak_from_this(), index](const HttpReply &reply) {
+        [weak = weak_from_this(), index](HttpReply reply) {
             if (const auto self = weak.lock())
-                self->gotDescription(index, reply);
+                self->gotDescription(index, std::move(reply));
         });
 }
 
-void ServerTracker::gotDescription(size_t index, const HttpReply &reply)
+void ServerTracker::gotDescription(size_t index, HttpReply reply)
 {
     // Routes may have come and gone meanwhile; the new ones are looked at in a probe of their own.
     if (index >= m_routes.size() || m_mustProbeAgain) {
@@ -95,7 +95,7 @@ void ServerTracker::gotDescription(size_t index, const HttpReply &reply)
         return;
     }
     const Route &route = m_routes[index];
-    auto description = readDescription(reply.body, m_udn, route.location, route.context.get());
+    auto description = readDescription(std::move(reply.body), m_udn, route.location);
     if (reply.status != 200 || !description) {
         logDebug(route.location + " gives no description of " + m_udn
             + (reply.problem.empty() ? std::string() : ": " + reply.problem));

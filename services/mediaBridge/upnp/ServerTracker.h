@@ -38,7 +38,7 @@ public:
 
 private:
     void tryRoute(size_t index);
-    void gotDescription(size_t index, const HttpReply &reply);
+    void gotDescription(size_t index, HttpReply reply);
     void accept(std::shared_ptr<MediaServer> server);
     void finishProbe(bool success);
     void goneForNow();
