@@ -1,9 +1,6 @@
 #include "MediaServiceNames.h"
+#include "NetworkInfo.h"
 #include "Round.h"
-
-#include <api/core/CMValueItem.h>
-#include <api/core/OrkaNetworkInfo.h>
-#include <api/core/orka.h>
 
 namespace {
 
@@ -22,21 +19,21 @@ void Round::furnish()
     m_nodes.clear();
     for (int number = 1; number <= 3; ++number) {
         const QString udn = QStringLiteral("uuid:soak-%1").arg(number);
-        const QString old = number == 3 ? names::serverPrefix + QLatin1Char('3') : QString();
+        const QString old = number == 3 ? names::serverPrefix + "3" : QString();
         const QVariant caps = number == 2 ? arbitraryValue(m_dice)
                                           : QVariant(QStringList{"Artist", "Album", "DisplayName"});
-        QString parent = tree.addServer(udn, m_dice.text(), caps, old);
-        m_nodes.append(QLatin1Char('/') + udn);
+        const QString server = tree.addServer(udn, m_dice.text(), caps, old);
+        const auto noted = [&](const QString &object) {
+            m_nodes.append(QString(object).replace(server, '/' + udn));
+            return object;
+        };
+        QString parent = noted(server);
         for (int depth = 0; depth < 3; ++depth) {
             const QByteArray id = QByteArray::number(depth);
-            parent = tree.addContainer(parent, id, m_dice.text());
-            m_nodes.append(QStringLiteral("/%1/%2").arg(udn, QString::fromLatin1(id.toHex())));
-            for (int track = 0; track < 8; ++track) {
-                const QByteArray trackId = id + '-' + QByteArray::number(track);
-                tree.addTrack(parent, trackId, m_dice.text(), {{"Artist", m_dice.text()}});
-                m_nodes.append(
-                    QStringLiteral("/%1/%2").arg(udn, QString::fromLatin1(trackId.toHex())));
-            }
+            parent = noted(tree.addContainer(parent, id, m_dice.text()));
+            for (int track = 0; track < 8; ++track)
+                noted(tree.addTrack(parent, id + '-' + QByteArray::number(track), m_dice.text(),
+                    {{"Artist", m_dice.text()}}));
         }
         tree.addLink(parent, parent);
     }
@@ -53,12 +50,12 @@ void Round::disturb()
 {
     using Disturbance = void (Round::*)();
     static const QList<Disturbance> all{&Round::holdSome, &Round::holdSome, &Round::releaseSome,
-        &Round::releaseSome, &Round::releaseSome, &Round::freezeOrThaw, &Round::killOrRevive,
+        &Round::releaseSome, &Round::releaseSome, &Round::freezeOrThaw, &Round::kill,
         &Round::replaceService, &Round::announceServers, &Round::announceOddities,
         &Round::changeNetwork};
     // A dead service comes back before anything else happens to it.
     if (m_isGone)
-        killOrRevive();
+        revive();
     else
         (this->*m_dice.pick(all))();
 }
@@ -67,7 +64,7 @@ void Round::holdSome()
 {
     const int calls = 1 + int(m_dice.below(15));
     m_service.hold({m_dice.pick(members), {}, {}, calls});
-    m_tally.inject(Fault::HeldReply, calls);
+    m_tally.inject("reply held", calls);
 }
 
 void Round::releaseSome()
@@ -75,7 +72,7 @@ void Round::releaseSome()
     for (quint32 left = m_dice.below(20); left > 0 && m_service.held() > 0; --left) {
         const int index = int(m_dice.below(quint32(m_service.held())));
         if (index > 0)
-            m_tally.inject(Fault::ReorderedReply);
+            m_tally.inject("replies out of order");
         m_service.releaseAt(index);
     }
 }
@@ -83,51 +80,51 @@ void Round::releaseSome()
 void Round::freezeOrThaw()
 {
     m_isFrozen = !m_isFrozen;
-    if (!m_isFrozen) {
+    if (m_isFrozen) {
+        m_service.hold({});
+        m_tally.inject("service frozen");
+    } else {
         takeRules();
         m_service.release();
-        return;
     }
-    m_service.hold({});
-    m_tally.inject(Fault::ServiceFrozen);
 }
 
-void Round::killOrRevive()
+void Round::kill()
 {
-    m_isGone = !m_isGone;
-    if (m_isGone) {
-        m_tally.inject(Fault::ServiceKilled);
-        m_service.vanish();
-        return;
-    }
+    m_tally.inject("service killed");
+    m_service.vanish();
+    m_isGone = true;
+}
+
+void Round::revive()
+{
     m_service.comeBack();
+    m_isGone = false;
     for (const QString &server : m_service.tree.servers())
         m_service.announceFound(server);
 }
 
 void Round::replaceService()
 {
-    m_tally.inject(Fault::ServiceReplaced);
+    m_tally.inject("service replaced by another");
     m_service.vanish();
     furnish();
-    m_service.comeBack();
-    for (const QString &server : m_service.tree.servers())
-        m_service.announceFound(server);
+    revive();
 }
 
 void Round::announceServers()
 {
     const QString server = m_dice.pick(m_service.tree.servers());
     if (m_dice.chance(50)) {
-        m_tally.inject(Fault::ServerLost);
+        m_tally.inject("server lost");
         m_service.announceLost(server);
     }
     if (m_dice.chance(70)) {
-        m_tally.inject(Fault::ServerFound);
+        m_tally.inject("server found");
         m_service.announceFound(server);
     }
     if (m_dice.chance(30)) {
-        m_tally.inject(Fault::ServerFoundTwice);
+        m_tally.inject("server found twice");
         m_service.announceFound(server);
         m_service.announceFound(server);
     }
@@ -136,28 +133,19 @@ void Round::announceServers()
 void Round::announceOddities()
 {
     if (m_dice.chance(50)) {
-        m_tally.inject(Fault::UnknownServerLost);
+        m_tally.inject("unknown server lost");
         m_service.announceLost(m_dice.pick(oddServers));
     } else {
-        m_tally.inject(Fault::OddServerFound);
+        m_tally.inject("found a path that is no server");
         m_service.announceFound(m_dice.pick(oddServers));
     }
 }
 
 void Round::changeNetwork()
 {
-    m_tally.inject(Fault::NetworkChanged);
-    OrkaList<OrkaNetworkAddress> addresses;
-    for (quint32 left = m_dice.below(4); left > 0; --left) {
-        OrkaNetworkAddress address;
-        address.setIp(m_dice.chance(50) ? m_dice.text() : QStringLiteral("192.168.1.7"));
-        addresses.append(address);
-    }
-    OrkaNetworkWiredInterface wired;
-    wired.setAddresses(addresses);
-    OrkaNetworkInfo info;
-    info.setWired(wired);
-    OrkaValue value;
-    value.setNetworkInfo(info);
-    CMValueStore::setValue(OrkaNetworkInfoPath(), value);
+    m_tally.inject("network addresses changed");
+    QStringList ips;
+    for (quint32 left = m_dice.below(4); left > 0; --left)
+        ips.append(m_dice.chance(50) ? m_dice.text() : "192.168.1.7");
+    publishNetwork(ips);
 }

@@ -21,7 +21,6 @@ public:
     FakeReply answer(const FakeCall &call);
 
 private:
-    FakeReply error();
     FakeReply wrongSignature();
     FakeReply strangeValues(const FakeCall &call);
     FakeReply hugeListing(const FakeCall &call);

@@ -20,10 +20,13 @@ public:
 
     /// Enters a request; `kind` is its row in the report, `text` names it when it fails.
     template<typename T>
-    CMReply<T> enter(const QString &kind, const QString &text, Promise promise)
+    CMReply<T> enter(const QString &kind, const QString &text, Promise promise = Answered)
     {
         const CMReply<T> reply;
-        add(kind, text, promise, reply);
+        m_entries.push_back(std::make_unique<Entry>(reply));
+        m_entries.back()->kind = kind;
+        m_entries.back()->text = text;
+        m_entries.back()->promise = promise;
         return reply;
     }
 
@@ -40,20 +43,19 @@ public:
 private:
     struct Entry
     {
-        QString kind;
-        QString text;
-        Promise promise;
-        CMVoidReply reply;
-        std::unique_ptr<CMReplyWatcherObject> watcher;
-        int announcements = 0;
-        bool mayDie = false;
-
+        explicit Entry(const CMVoidReply &watched);
         bool isKept() const;
         bool isOpen() const;
-    };
+        Fate fate() const;
 
-    void add(const QString &kind, const QString &text, Promise promise, const CMVoidReply &reply);
-    static Outcome outcomeOf(const Entry &entry);
+        QString kind;
+        QString text;
+        Promise promise = Answered;
+        CMVoidReply reply;
+        CMReplyWatcherObject watcher;
+        int announcements = 0;
+        bool mayDie = false;
+    };
 
     std::vector<std::unique_ptr<Entry>> m_entries;
 };

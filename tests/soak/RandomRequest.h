@@ -27,7 +27,7 @@ private:
     std::function<void()> prepare();
     std::function<void()> prepareNothing();
     CMPath path();
-    CMPath playable();
+    QString playable();
     QStringList roles();
 
     Dice &m_dice;

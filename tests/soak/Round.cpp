@@ -1,6 +1,5 @@
 #include "Round.h"
 
-#include "PrivateBus.h"
 #include "RandomRequest.h"
 
 #include <QCoreApplication>
@@ -81,7 +80,7 @@ std::vector<std::thread> Round::send(int requests)
 
 void Round::destroyInFlight()
 {
-    m_tally.inject(Fault::WorkerDestroyed);
+    m_tally.inject("worker destroyed with requests in flight");
     // Some arrive before it goes, some while, some after.
     std::vector<std::thread> threads = send(30);
     m_worker.destroy();
@@ -91,13 +90,13 @@ void Round::destroyInFlight()
 
 bool Round::isAtRest()
 {
-    return m_ledger.open() == 0 && m_worker.openWork() == 0;
+    return m_ledger.open() == 0 && m_worker.workLeft() == 0;
 }
 
 void Round::comeToRest()
 {
     if (m_isGone)
-        killOrRevive();
+        revive();
     m_isFrozen = false;
     takeRules();
     const QDeadlineTimer deadline(patience);
@@ -110,10 +109,9 @@ void Round::comeToRest()
         m_service.settle();
         m_worker.catchUp();
     } while (!isAtRest() && !deadline.hasExpired());
-    if (const int work = m_worker.openWork()) {
+    if (const int work = m_worker.workLeft()) {
         m_tally.leftovers += work;
-        m_tally.failures.append(
-            QStringLiteral("%1 pieces of work are left in the worker.").arg(work));
+        m_tally.failures.append(QString("%1 pieces of work are left in the worker.").arg(work));
     }
     m_ledger.countKept(&m_tally);
 }
@@ -124,15 +122,12 @@ void Round::lookAfterwards()
     // Late announcements, if there are any, have been posted by now.
     handleEvents(false);
     if (m_isGone)
-        killOrRevive();
+        revive();
     m_service.forgetRules();
     m_service.release();
     m_tally.calls += m_service.calls().size();
     m_service.forgetCalls();
     m_ledger.close(&m_tally);
-    for (const QString &line : m_log.lines(QStringLiteral("WARN CM:"))) {
-        if (line.contains(QStringLiteral("second value")))
-            m_tally.failures.append(line);
-    }
+    m_tally.failures += m_log.lines("WARN CM:").filter("second value");
     ++m_tally.rounds;
 }

@@ -30,7 +30,8 @@ private:
     void holdSome();
     void releaseSome();
     void freezeOrThaw();
-    void killOrRevive();
+    void kill();
+    void revive();
     void replaceService();
     void announceServers();
     void announceOddities();

@@ -1,14 +1,16 @@
 #include "Tally.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
-const char *const faultNames[int(Fault::Count)] = {"reply is an error",
-    "reply of another signature", "properties of other types", "properties missing",
-    "empty keys and values", "reply of 2,000 objects", "reply held", "replies out of order",
-    "service frozen", "service killed", "service replaced by another", "server found",
-    "server found twice", "server lost", "unknown server lost", "found a path that is no server",
+/// The faults of the campaign, rows of the report.
+const QStringList faultNames{"reply is an error", "reply of another signature",
+    "properties of other types", "properties missing", "empty keys and values",
+    "reply of 2,000 objects", "reply held", "replies out of order", "service frozen",
+    "service killed", "service replaced by another", "server found", "server found twice",
+    "server lost", "unknown server lost", "found a path that is no server",
     "network addresses changed", "worker destroyed with requests in flight"};
 
 /// What is in use when nothing more is under way than always.
@@ -17,33 +19,22 @@ qint64 base(const QVector<qint64> &heap)
     return heap.isEmpty() ? 0 : *std::min_element(heap.begin(), heap.end());
 }
 
-QString row(const QString &name, const Outcome &outcome)
+template<typename Counts>
+QString row(const QString &name, const Counts &counts)
 {
-    QStringList cells{name};
-    for (const int count : {outcome.sent, outcome.answered, outcome.unansweredByDesign,
-             outcome.diedWithWorker, outcome.unanswered, outcome.answeredTwice})
-        cells.append(QString::number(count));
-    return QStringLiteral("| %1 |\n").arg(cells.join(QStringLiteral(" | ")));
+    QString cells;
+    for (const int count : counts)
+        cells += QStringLiteral(" %1 |").arg(count);
+    return QStringLiteral("| %1 |%2\n").arg(name, cells);
 }
 
 } // namespace
 
-void Outcome::add(const Outcome &other)
+void Tally::inject(const QString &fault, int times)
 {
-    sent += other.sent;
-    answered += other.answered;
-    unansweredByDesign += other.unansweredByDesign;
-    diedWithWorker += other.diedWithWorker;
-    unanswered += other.unanswered;
-    answeredTwice += other.answeredTwice;
-}
-
-Outcome Tally::total() const
-{
-    Outcome sum;
-    for (const Outcome &outcome : outcomes)
-        sum.add(outcome);
-    return sum;
+    if (!faultNames.contains(fault))
+        qFatal("\"%s\" is no name of a fault; the names are in Tally.cpp.", qPrintable(fault));
+    m_faults[fault] += times;
 }
 
 qint64 Tally::growth() const
@@ -54,26 +45,29 @@ qint64 Tally::growth() const
 
 QString Tally::table() const
 {
-    QString text = QStringLiteral("| request | sent | answered | unanswered by design | "
-                                  "died with the worker | unanswered otherwise | "
-                                  "answered twice |\n|---|---|---|---|---|---|---|\n");
-    for (auto it = outcomes.begin(); it != outcomes.end(); ++it)
-        text += row(it.key(), it.value());
-    text += row(QStringLiteral("**all**"), total());
-    text += QStringLiteral("\n| fault | times |\n|---|---|\n");
-    for (int i = 0; i < int(Fault::Count); ++i)
-        text += QStringLiteral("| %1 | %2 |\n").arg(QLatin1String(faultNames[i])).arg(m_faults[i]);
-    const auto line = [&text](const char *what, const QString &figure) {
-        text += QStringLiteral("| %1 | %2 |\n").arg(QLatin1String(what), figure);
-    };
+    QString text = "| request | sent | answered | unanswered by design | died with the worker | "
+                   "unanswered otherwise | answered twice |\n|---|---|---|---|---|---|---|\n";
+    QVector<int> total(int(Fate::Count) + 1);
+    for (auto it = m_fates.begin(); it != m_fates.end(); ++it) {
+        QVector<int> counts(it->begin(), it->end());
+        counts.prepend(std::accumulate(it->begin(), it->end(), 0));
+        std::transform(
+            counts.begin(), counts.end(), total.begin(), total.begin(), std::plus<int>());
+        text += row(it.key(), counts);
+    }
+    text += row("**all**", total) + "\n| fault | times |\n|---|---|\n";
+    for (const QString &fault : faultNames)
+        text += row(fault, QVector<int>{m_faults.value(fault)});
     text += QStringLiteral("\n| %1 rounds | |\n|---|---|\n").arg(rounds);
-    line("calls that reached the media service", QString::number(calls));
-    line("requests and barriers left over", QString::number(leftovers));
-    line("kept for preparations without an answer, until the worker went",
-        QString::number(keptByDesign));
-    line("longest silence of the event loop", QString::number(longestSilence, 'f', 1) + " ms");
-    line("rounds run again because an idle thread had to wait too",
-        QString::number(silencesUnknown));
-    line("growth of the heap, second to last quarter", QString::number(growth() / 1024) + " KiB");
-    return text;
+    text += row("calls that reached the media service", QVector<int>{calls});
+    text += row("requests and barriers left over", QVector<int>{leftovers});
+    text += row("kept for preparations without an answer, until the worker went",
+        QVector<int>{keptByDesign});
+    text += row(
+        "rounds run again because an idle thread had to wait too", QVector<int>{silencesUnknown});
+    return text
+        + QStringLiteral("| longest silence of the event loop | %1 ms |\n"
+                         "| growth of the heap, second to last quarter | %2 KiB |\n")
+              .arg(longestSilence, 0, 'f', 1)
+              .arg(growth() / 1024);
 }

@@ -5,51 +5,26 @@
 #include <QStringList>
 #include <QVector>
 
-/// What went wrong on purpose.
-enum class Fault {
-    ErrorReply,
-    WrongSignature,
-    WrongTypes,
-    MissingKeys,
-    EmptyKeys,
-    HugeReply,
-    HeldReply,
-    ReorderedReply,
-    ServiceFrozen,
-    ServiceKilled,
-    ServiceReplaced,
-    ServerFound,
-    ServerFoundTwice,
-    ServerLost,
-    UnknownServerLost,
-    OddServerFound,
-    NetworkChanged,
-    WorkerDestroyed,
+#include <array>
+
+/// What became of a request.
+enum class Fate {
+    Answered,
+    UnansweredByDesign, ///< a preparation that names nothing preparable
+    DiedWithWorker, ///< in flight when the worker was destroyed
+    Unanswered,
+    AnsweredTwice,
     Count
-};
-
-/// How many requests of one kind were sent, and what became of them.
-struct Outcome
-{
-    int sent = 0;
-    int answered = 0;
-    /// A preparation that names nothing preparable.
-    int unansweredByDesign = 0;
-    /// In flight when the worker was destroyed.
-    int diedWithWorker = 0;
-    int unanswered = 0;
-    int answeredTwice = 0;
-
-    void add(const Outcome &other);
 };
 
 /// Everything that a campaign counts.
 class Tally
 {
 public:
-    void inject(Fault fault, int times = 1) { m_faults[int(fault)] += times; }
+    /// Counts what goes wrong on purpose; `fault` is one of the names in `Tally.cpp`.
+    void inject(const QString &fault, int times = 1);
+    void count(const QString &request, Fate fate) { ++m_fates[request][size_t(fate)]; }
 
-    QMap<QString, Outcome> outcomes;
     int rounds = 0;
     /// That reached the media service.
     int calls = 0;
@@ -66,7 +41,6 @@ public:
     /// What broke a promise, one sentence each.
     QStringList failures;
 
-    Outcome total() const;
     /// Bytes by which the smallest heap of the last quarter of the rounds exceeds that of the
     /// second.
     qint64 growth() const;
@@ -74,5 +48,8 @@ public:
     QString table() const;
 
 private:
-    int m_faults[int(Fault::Count)] = {};
+    using Fates = std::array<int, size_t(Fate::Count)>;
+
+    QMap<QString, Fates> m_fates;
+    QMap<QString, int> m_faults;
 };

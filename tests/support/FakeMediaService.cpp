@@ -14,10 +14,10 @@ QString FakeCall::text() const
     QStringList shown;
     for (const QVariant &argument : message.arguments()) {
         const bool isList = argument.userType() == QMetaType::QStringList;
-        shown.append(isList ? QStringLiteral("[%1]").arg(argument.toStringList().size())
-                            : argument.toString());
+        shown.append(
+            isList ? QString("[%1]").arg(argument.toStringList().size()) : argument.toString());
     }
-    return QStringLiteral("%1 %2 (%3)").arg(member(), path(), shown.join(QLatin1String(", ")));
+    return QStringLiteral("%1 %2 (%3)").arg(member(), path(), shown.join(", "));
 }
 
 bool FakeMatch::matches(const FakeCall &call) const
@@ -32,7 +32,7 @@ FakeMediaService::FakeMediaService(const PrivateBus &bus)
     : m_bus(bus)
     , m_connection(QString())
 {
-    appear();
+    comeBack();
 }
 
 FakeMediaService::~FakeMediaService()
@@ -40,7 +40,7 @@ FakeMediaService::~FakeMediaService()
     vanish();
 }
 
-void FakeMediaService::appear()
+void FakeMediaService::comeBack()
 {
     static int number = 0;
     m_connectionName = QStringLiteral("fake-media-service-%1").arg(++number);
@@ -62,21 +62,6 @@ void FakeMediaService::vanish()
     QCoreApplication::removePostedEvents(this);
     m_connection = QDBusConnection(QString());
     PrivateBus::close(m_connectionName);
-}
-
-void FakeMediaService::comeBack()
-{
-    appear();
-}
-
-void FakeMediaService::fail(const FakeMatch &match, const QString &message, const QString &name)
-{
-    answer(match, [=](const FakeCall &) { return FakeReply::error(name, message); });
-}
-
-void FakeMediaService::answer(const FakeMatch &match, const QVariantList &values)
-{
-    answer(match, [=](const FakeCall &) { return FakeReply{values}; });
 }
 
 void FakeMediaService::announce(const QString &signal, const QString &server)
@@ -124,8 +109,8 @@ FakeReply FakeMediaService::treeAnswer(const FakeCall &call) const
 {
     if (call.path() != names::managerPath)
         return tree.answer(call.path(), call.member(), call.arguments());
-    if (call.member() != QLatin1String("GetServers"))
-        return FakeReply::error(names::unknownMethod, QStringLiteral("No such method"));
+    if (call.member() != "GetServers")
+        return FakeReply::error(names::unknownMethod, "No such method");
     QList<QDBusObjectPath> servers;
     for (const QString &path : tree.servers())
         servers.append(QDBusObjectPath(path));

@@ -54,11 +54,21 @@ public:
 
     /// Rules are tried from the newest to the oldest; a call that none takes is the tree's.
     void hold(const FakeMatch &match) { m_rules.append({match, Answer()}); }
-    void fail(const FakeMatch &match, const QString &message = QStringLiteral("it failed"),
-        const QString &name = QStringLiteral("com.intel.dleyna.OperationFailed"));
+    void fail(const FakeMatch &match, const QString &message = "it failed",
+        const QString &name = "com.intel.dleyna.OperationFailed")
+    {
+        answer(match, FakeReply::error(name, message));
+    }
     void answer(const FakeMatch &match, const Answer &with) { m_rules.append({match, with}); }
+    void answer(const FakeMatch &match, const FakeReply &reply)
+    {
+        answer(match, [reply](const FakeCall &) { return reply; });
+    }
     /// With these values, of whatever signature.
-    void answer(const FakeMatch &match, const QVariantList &values);
+    void answer(const FakeMatch &match, const QVariantList &values)
+    {
+        answer(match, FakeReply{values});
+    }
     void forgetRules() { m_rules.clear(); }
 
     /// Answers the held calls that match, in the order in which they came; returns how many.
@@ -79,8 +89,8 @@ public:
     /// `PrivateBus::settle()`.
     void settle() const;
 
-    void announceFound(const QString &server) { announce(QStringLiteral("FoundServer"), server); }
-    void announceLost(const QString &server) { announce(QStringLiteral("LostServer"), server); }
+    void announceFound(const QString &server) { announce("FoundServer", server); }
+    void announceLost(const QString &server) { announce("LostServer", server); }
     /// Takes the server from the tree and says so.
     void lose(const QString &server);
 
@@ -88,7 +98,6 @@ public:
     void vanish();
     /// Back under its name, with the same tree; announces nothing.
     void comeBack();
-    const QDBusConnection &connection() const { return m_connection; }
 
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
     QString introspect(const QString &) const override { return QString(); }
@@ -100,7 +109,6 @@ private:
         Answer answer; // none holds the call
     };
 
-    void appear();
     void announce(const QString &signal, const QString &server);
     std::optional<Rule> ruleFor(const FakeCall &call, bool releasing);
     void reply(const FakeCall &call, const FakeReply &reply);

@@ -9,11 +9,17 @@
 
 namespace {
 
-const QString childCount = QStringLiteral("ChildCount");
+const QString childCount = "ChildCount";
 
 QVariant pathValue(const QString &path)
 {
     return QVariant::fromValue(QDBusObjectPath(path));
+}
+
+QVariantMap with(QVariantMap properties, const QVariantMap &more)
+{
+    properties.insert(more);
+    return properties;
 }
 
 /// Which interface a property belongs to; what isn't listed is an item's.
@@ -45,7 +51,7 @@ QVariant propertyMaps(const QList<QVariantMap> &maps)
 
 bool FakeTree::Object::isContainer() const
 {
-    return properties.value(QStringLiteral("Type")).toString() == QLatin1String("container");
+    return properties.value("Type").toString() == "container";
 }
 
 QString FakeTree::serverPath(const QString &udn)
@@ -74,7 +80,7 @@ QString FakeTree::addServer(
         {"Type", "container"}, {"TypeEx", "container"}, {"Path", pathValue(place)},
         {"Parent", pathValue(place)}, {"Searchable", true}};
     if (searchCaps.isValid())
-        server.properties.insert(QStringLiteral("SearchCaps"), searchCaps);
+        server.properties.insert("SearchCaps", searchCaps);
     m_objects.insert(place, server);
     m_servers.removeAll(place);
     m_servers.append(place);
@@ -84,36 +90,27 @@ QString FakeTree::addServer(
 QString FakeTree::addContainer(
     const QString &parent, const QByteArray &id, const QString &title, const QVariantMap &more)
 {
-    QVariantMap properties{{"DisplayName", title}, {"Type", "container"},
-        {"TypeEx", "container.storageFolder"}, {"Searchable", true}};
-    for (auto it = more.begin(); it != more.end(); ++it)
-        properties.insert(it.key(), it.value());
-    return insert(parent, id, properties);
-}
-
-QString FakeTree::addItem(
-    const QString &parent, const QByteArray &id, const QVariantMap &properties)
-{
-    return insert(parent, id, properties);
+    return addItem(parent, id,
+        with({{"DisplayName", title}, {"Type", "container"}, {"TypeEx", "container.storageFolder"},
+                 {"Searchable", true}},
+            more));
 }
 
 QString FakeTree::addTrack(
     const QString &parent, const QByteArray &id, const QString &title, const QVariantMap &more)
 {
-    QVariantMap properties{{"DisplayName", title}, {"Type", "music"}, {"TypeEx", "music"},
-        {"MIMEType", "audio/mpeg"},
-        {"URLs",
-            QStringList{"http://192.0.2.1:8200/MediaItems/" + QString::fromLatin1(id) + ".mp3"}}};
-    for (auto it = more.begin(); it != more.end(); ++it)
-        properties.insert(it.key(), it.value());
-    return insert(parent, id, properties);
+    const QStringList urls{"http://192.0.2.1:8200/MediaItems/" + QString(id) + ".mp3"};
+    return addItem(parent, id,
+        with({{"DisplayName", title}, {"Type", "music"}, {"TypeEx", "music"},
+                 {"MIMEType", "audio/mpeg"}, {"URLs", urls}},
+            more));
 }
 
-QString FakeTree::insert(const QString &parent, const QByteArray &id, QVariantMap properties)
+QString FakeTree::addItem(const QString &parent, const QByteArray &id, QVariantMap properties)
 {
     const QString path = objectPath(serverOf(parent), id);
-    properties.insert(QStringLiteral("Path"), pathValue(path));
-    properties.insert(QStringLiteral("Parent"), pathValue(parent));
+    properties.insert("Path", pathValue(path));
+    properties.insert("Parent", pathValue(parent));
     m_objects.insert(path, {parent, properties, {}});
     addLink(parent, path);
     return path;
@@ -144,46 +141,38 @@ void FakeTree::setProperty(const QString &path, const QString &name, const QVari
     m_objects[path].properties.insert(name, value);
 }
 
-QString FakeTree::serverOf(const QString &path) const
-{
-    return path.section(QLatin1Char('/'), 0, 5);
-}
-
 FakeReply FakeTree::answer(
     const QString &path, const QString &member, const QVariantList &arguments) const
 {
     const auto object = m_objects.find(path);
     if (object == m_objects.end())
         return missing(path);
-    if (member == QLatin1String("Get"))
+    if (member == "Get")
         return get(*object, arguments.value(0).toString(), arguments.value(1).toString());
-    if (member == QLatin1String("GetAll"))
+    if (member == "GetAll")
         return getAll(*object, arguments.value(0).toString());
-    if (member == QLatin1String("ListChildren"))
+    if (member == "ListChildren")
         return listChildren(*object, arguments);
-    if (member == QLatin1String("SearchObjectsEx"))
+    if (member == "SearchObjectsEx")
         return search(path, arguments);
-    return FakeReply::error(names::unknownMethod, QStringLiteral("No such method: ") + member);
+    return FakeReply::error(names::unknownMethod, "No such method: " + member);
 }
 
 FakeReply FakeTree::missing(const QString &path) const
 {
     if (!m_objects.contains(serverOf(path)))
-        return FakeReply::error(
-            names::unknownMethod, QStringLiteral("Object does not exist at path “%1”").arg(path));
+        return FakeReply::error(names::unknownMethod, "Object does not exist at path " + path);
     const QByteArray id = path.section(QLatin1Char('/'), 6).toLatin1();
     if (id.isEmpty() || QByteArray::fromHex(id).toHex() != id)
-        return FakeReply::error(names::badPath, QStringLiteral("object path is badly formed."));
-    return FakeReply::error(
-        names::operationFailed, QStringLiteral("Browse operation failed: No such object"));
+        return FakeReply::error(names::badPath, "object path is badly formed.");
+    return FakeReply::error(names::operationFailed, "Browse operation failed: No such object");
 }
 
 FakeReply FakeTree::interfaceError(const Object &object, const QString &interface) const
 {
     const bool container = object.isContainer();
     const QString message =
-        QStringLiteral("Interface not supported on %1.")
-            .arg(container ? QStringLiteral("container") : QStringLiteral("item"));
+        QString("Interface not supported on %1.").arg(container ? "container" : "item");
     const bool supported = interface.isEmpty() || interface == names::object
         || (interface == names::container && container) || (interface == names::item && !container)
         || (interface == names::device && object.isServer());
@@ -212,7 +201,7 @@ FakeReply FakeTree::get(const Object &object, const QString &interface, const QS
     const QVariant value =
         count ? uint(object.children.size()) : ofInterface(object, interface).value(name);
     if (!value.isValid())
-        return FakeReply::error(names::unknownProperty, QStringLiteral("Unknown property ") + name);
+        return FakeReply::error(names::unknownProperty, "Unknown property " + name);
     return {{QVariant::fromValue(QDBusVariant(value))}};
 }
 
@@ -231,14 +220,12 @@ FakeReply FakeTree::listChildren(const Object &object, const QVariantList &argum
 
 FakeReply FakeTree::search(const QString &path, const QVariantList &arguments) const
 {
-    const QStringList caps =
-        properties(serverOf(path)).value(QStringLiteral("SearchCaps")).toStringList();
+    const QStringList caps = properties(serverOf(path)).value("SearchCaps").toStringList();
     if (caps.isEmpty())
-        return FakeReply::error(
-            names::operationFailed, QStringLiteral("Search operation failed: Action Failed"));
+        return FakeReply::error(names::operationFailed, "Search operation failed: Action Failed");
     const FakeQuery query(arguments.value(0).toString());
     if (!query.isValid())
-        return FakeReply::error(names::badQuery, QStringLiteral("Query string is not valid."));
+        return FakeReply::error(names::badQuery, "Query string is not valid.");
     QStringList all;
     collect(path, &all);
     QStringList found;
@@ -271,7 +258,7 @@ QList<QVariantMap> FakeTree::slice(
         QVariantMap all = ofInterface(m_objects.value(path), QString());
         QVariantMap row;
         for (auto it = all.begin(); it != all.end(); ++it) {
-            if (filter.contains(it.key()) || filter == QStringList{QStringLiteral("*")})
+            if (filter.contains(it.key()) || filter == QStringList{"*"})
                 row.insert(it.key(), it.value());
         }
         rows.append(row);

@@ -43,7 +43,7 @@ public:
     QString addContainer(const QString &parent, const QByteArray &id, const QString &title,
         const QVariantMap &more = {});
     /// `properties` as they are, with a path and a parent.
-    QString addItem(const QString &parent, const QByteArray &id, const QVariantMap &properties);
+    QString addItem(const QString &parent, const QByteArray &id, QVariantMap properties);
     /// A music track with a URL. `more` overrides.
     QString addTrack(const QString &parent, const QByteArray &id, const QString &title,
         const QVariantMap &more = {});
@@ -53,7 +53,6 @@ public:
     void remove(const QString &path);
 
     const QStringList &servers() const { return m_servers; }
-    bool contains(const QString &path) const { return m_objects.contains(path); }
     QVariantMap properties(const QString &path) const;
     void setProperty(const QString &path, const QString &name, const QVariant &value);
 
@@ -71,8 +70,7 @@ private:
         bool isContainer() const;
     };
 
-    QString insert(const QString &parent, const QByteArray &id, QVariantMap properties);
-    QString serverOf(const QString &path) const;
+    static QString serverOf(const QString &path) { return path.section('/', 0, 5); }
     FakeReply missing(const QString &path) const;
     FakeReply interfaceError(const Object &object, const QString &interface) const;
     QVariantMap ofInterface(const Object &object, const QString &interface) const;

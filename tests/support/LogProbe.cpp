@@ -13,38 +13,19 @@ public:
     ~Collector() override { destructorImpl(); }
     void close() override {}
 
-    QStringList lines() const
-    {
-        const QMutexLocker locker(&m_mutex);
-        return m_lines;
-    }
-    void clear()
-    {
-        const QMutexLocker locker(&m_mutex);
-        m_lines.clear();
-    }
+    QMutex mutex;
+    QStringList lines;
 
 protected:
     void append(const log4cplus::spi::InternalLoggingEvent &event) override
     {
         const auto &level = log4cplus::getLogLevelManager().toString(event.getLogLevel());
         const QString line =
-            QStringLiteral("%1 %2: %3")
-                .arg(QString::fromStdString(level), QString::fromStdString(event.getLoggerName()),
-                    QString::fromStdString(event.getMessage()));
-        const QMutexLocker locker(&m_mutex);
-        m_lines.append(line);
+            QString::fromStdString(level + ' ' + event.getLoggerName() + ": " + event.getMessage());
+        const QMutexLocker locker(&mutex);
+        lines.append(line);
     }
-
-private:
-    mutable QMutex m_mutex;
-    QStringList m_lines;
 };
-
-Collector *collector(const log4cplus::SharedAppenderPtr &appender)
-{
-    return static_cast<Collector *>(appender.get());
-}
 
 } // namespace
 
@@ -65,15 +46,12 @@ void LogProbe::setLevel(log4cplus::LogLevel level)
     log4cplus::Logger::getRoot().setLogLevel(level);
 }
 
-QStringList LogProbe::lines() const
-{
-    return collector(m_appender)->lines();
-}
-
 QStringList LogProbe::lines(const QString &start) const
 {
+    auto *collector = static_cast<Collector *>(m_appender.get());
+    const QMutexLocker locker(&collector->mutex);
     QStringList found;
-    for (const QString &line : lines()) {
+    for (const QString &line : qAsConst(collector->lines)) {
         if (line.startsWith(start))
             found.append(line);
     }
@@ -82,5 +60,7 @@ QStringList LogProbe::lines(const QString &start) const
 
 void LogProbe::clear()
 {
-    collector(m_appender)->clear();
+    auto *collector = static_cast<Collector *>(m_appender.get());
+    const QMutexLocker locker(&collector->mutex);
+    collector->lines.clear();
 }

@@ -14,10 +14,9 @@ public:
     LogProbe(const LogProbe &) = delete;
     LogProbe &operator=(const LogProbe &) = delete;
 
-    void setLevel(log4cplus::LogLevel level);
-    QStringList lines() const;
-    /// The lines that start with `start`, such as "ERROR" or "INFO CB_UPnP: Updating".
-    QStringList lines(const QString &start) const;
+    static void setLevel(log4cplus::LogLevel level);
+    /// Those that start with `start`, such as "ERROR" or "INFO CB_UPnP: Updating".
+    QStringList lines(const QString &start = QString()) const;
     int count(const QString &line) const { return lines().count(line); }
     void clear();
 

@@ -73,7 +73,7 @@ void tst_Data::saysWhyTheServiceRefused()
     FolderFixture w;
     w.start();
     if (answer.isError() || !answer.values.isEmpty())
-        w.service.answer({"GetAll"}, [=](const FakeCall &) { return answer; });
+        w.service.answer({"GetAll"}, answer);
     const QString outcome = w.settled(w.askData(path)).outcome();
     const QString start = "error internal: Failed to retrieve content: ";
     QVERIFY2(outcome.startsWith(start + message), qPrintable(outcome));

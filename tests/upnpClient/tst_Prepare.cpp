@@ -231,7 +231,7 @@ void tst_Prepare::walksOnlyWhenASearchFailedAndNothingWasFound()
     QFETCH(FakeReply, answer);
     QFETCH(bool, walks);
     World w;
-    w.service.answer({"SearchObjectsEx", w.folder}, [=](const FakeCall &) { return answer; });
+    w.service.answer({"SearchObjectsEx", w.folder}, answer);
     QTEST(itemsText(w.prepared(paths)), "items");
     QCOMPARE(w.service.count({"ListChildren"}) > 0, walks);
     QCOMPARE(

@@ -134,7 +134,7 @@ void tst_SearchResults::saysWhyASearchFailed()
 {
     QFETCH(FakeReply, answer);
     World w;
-    w.service.answer({"SearchObjectsEx"}, [=](const FakeCall &) { return answer; });
+    w.service.answer({"SearchObjectsEx"}, answer);
     const QString outcome = w.search().outcome();
     const QString start = "error internal: Failed to retrieve content: ";
     QVERIFY2(outcome.startsWith(start + answer.errorMessage), qPrintable(outcome));
