@@ -5,6 +5,15 @@
 
 #include <QCoreApplication>
 
+#include <cstdlib>
+
+/// What the fuzzer takes for a finding.
+inline void require(bool holds)
+{
+    if (!holds)
+        abort();
+}
+
 /// A worker without a bus, for inputs that never get that far.
 struct LonelyWorker
 {

@@ -1,14 +1,6 @@
 #include "LonelyWorker.h"
 
-#include <cstdlib>
-
 namespace {
-
-void require(bool holds)
-{
-    if (!holds)
-        abort();
-}
 
 /// An encoded path means the same after a journey through text, and a translated path stays in its
 /// fields whatever the text was.

@@ -3,7 +3,6 @@
 
 #include <QJsonDocument>
 
-#include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 
 namespace {
@@ -34,12 +33,6 @@ public:
 private:
     FuzzedDataProvider m_data;
 };
-
-void require(bool holds)
-{
-    if (!holds)
-        abort();
-}
 
 } // namespace
 

@@ -1,6 +1,5 @@
 #include "LonelyWorker.h"
 
-#include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 
 namespace {
@@ -48,7 +47,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (int turns = 0; turns < 2000 && !reply.isFinished(); ++turns)
         QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    if (!reply.isFinished() || reply.value().rows().size() > qMax(1, last + 1))
-        abort();
+    require(reply.isFinished() && reply.value().rows().size() <= qMax(1, last + 1));
     return 0;
 }
