@@ -1,21 +1,13 @@
-#include "JsonOutput.h"
 #include "Output.h"
 #include "PlaceResolver.h"
+#include "RowRange.h"
+#include "RowsReader.h"
 #include "Session.h"
-#include "TextOutput.h"
+#include "commands/Answer.h"
 #include "commands/Command.h"
 #include "commands/NodeKind.h"
 
 namespace {
-
-void writeAnswer(const Options &options, const CMPath &path, const Rows &rows, int first)
-{
-    if (options.json) {
-        writeJson(rowsDocument(path, rows));
-    } else {
-        writeRows(rows, first);
-    }
-}
 
 class Ls : public Command
 {
@@ -58,12 +50,7 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place);
-        const OrkaRoles roles = session.data(path, OrkaRoles::all());
-        if (options.json) {
-            writeJson(dataDocument(path, roles));
-        } else {
-            writeRoles(roles);
-        }
+        writeAnswer(options, path, session.data(path, OrkaRoles::all()));
         return Answered;
     }
 
@@ -134,11 +121,7 @@ public:
                                 .addParam(QStringLiteral("sample"), sample.toString());
         // In one request, since a worker counts the rows of a sample from its start.
         const Rows rows = readRowsAtOnce(session, path, range, OrkaRoles::all());
-        if (options.json) {
-            writeJson(rowsDocument(path, rows));
-        } else {
-            writeRows(rows, sample.start, sample.step);
-        }
+        writeAnswer(options, path, rows, sample.start, sample.step);
         return Answered;
     }
 

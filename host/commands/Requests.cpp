@@ -1,9 +1,11 @@
 #include "JsonOutput.h"
 #include "Output.h"
 #include "Place.h"
+#include "RowsReader.h"
 #include "ServerList.h"
 #include "Session.h"
 #include "TextOutput.h"
+#include "commands/Answer.h"
 #include "commands/Command.h"
 
 namespace {
@@ -42,88 +44,91 @@ void waitForServers(Session &session, const QVector<CMPath> &paths)
     }
 }
 
-class RowsRequest : public Command
+/// One request to one node, of a path that isn't looked at.
+class Request : public Command
+{
+protected:
+    Request(CLI::App &app, const char *name, const char *description, const char *example)
+        : Command(app, name, description, example)
+    {
+        addText("PATH", m_path, "A node path, encoded", "")->required();
+    }
+    void addRoles(QString &target)
+    {
+        addText("--roles", target, "Roles, comma-separated; every role where none is named", "a,b");
+    }
+    CMPath path() const { return parsePath(m_path); }
+
+private:
+    QString m_path;
+};
+
+class RowsRequest : public Request
 {
 public:
     explicit RowsRequest(CLI::App &app)
-        : Command(app, "rows", "One rows request as it is",
+        : Request(app, "rows", "One rows request as it is",
             "orka --json rows upnp:/uuid:4d69/64 --first 0 --last 9 --roles path,title")
     {
-        addText("PATH", m_path, "A node path, encoded", "")->required();
         parser().add_option("--first", m_first, "First row, counted from 0 (0)");
         parser().add_option("--last", m_last, "Last row, inclusive (19)");
-        addText(
-            "--roles", m_roles, "Roles, comma-separated; every role where none is named", "a,b");
+        addRoles(m_roles);
     }
 
     int run(const Options &options) override
     {
-        const CMPath path = parsePath(m_path);
+        const CMPath path = this->path();
         Session session(options);
         waitForServers(session, pathsOf(path));
         const Rows rows = readRowsAtOnce(session, path, {m_first, m_last}, rolesOf(m_roles));
-        if (options.json) {
-            writeJson(rowsDocument(path, rows));
-        } else {
-            writeRows(rows, m_first);
-        }
+        writeAnswer(options, path, rows, m_first);
         return Answered;
     }
 
 private:
-    QString m_path;
     int m_first = 0;
     int m_last = 19;
     QString m_roles;
 };
 
-class DataRequest : public Command
+class DataRequest : public Request
 {
 public:
     explicit DataRequest(CLI::App &app)
-        : Command(app, "data", "One data request as it is",
+        : Request(app, "data", "One data request as it is",
             "orka --json data upnp:/uuid:4d69/64 --roles title,mediaData")
     {
-        addText("PATH", m_path, "A node path, encoded", "")->required();
-        addText(
-            "--roles", m_roles, "Roles, comma-separated; every role where none is named", "a,b");
+        addRoles(m_roles);
     }
 
     int run(const Options &options) override
     {
-        const CMPath path = parsePath(m_path);
+        const CMPath path = this->path();
         Session session(options);
         waitForServers(session, pathsOf(path));
-        const OrkaRoles roles = session.data(path, rolesOf(m_roles));
-        if (options.json) {
-            writeJson(dataDocument(path, roles));
-        } else {
-            writeRoles(roles);
-        }
+        writeAnswer(options, path, session.data(path, rolesOf(m_roles)));
         return Answered;
     }
 
 private:
-    QString m_path;
     QString m_roles;
 };
 
-class SetRequest : public Command
+class SetRequest : public Request
 {
 public:
     explicit SetRequest(CLI::App &app)
-        : Command(app, "set", "One set-data request as it is",
+        : Request(app, "set", "One set-data request as it is",
             "orka set \"upnp:/uuid:4d69?search=artist\" '{\"string_\":\"abba\"}'\n"
             "  orka set upnp:playlist/prepareItems '[\"upnp:/uuid:4d69/64?itemType=track\"]'")
     {
-        addText("PATH", m_path, "A node path, encoded", "")->required();
         addText("JSON", m_value, "The value: an object becomes a hash, an array a list", "")
             ->required();
     }
 
     int run(const Options &options) override
     {
-        const CMPath path = parsePath(m_path);
+        const CMPath path = this->path();
         const QVariant value = valueFromJson(m_value);
         Session session(options);
         waitForServers(session, pathsOf(path, value));
@@ -137,7 +142,6 @@ public:
     }
 
 private:
-    QString m_path;
     QString m_value;
 };
 

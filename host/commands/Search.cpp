@@ -1,11 +1,12 @@
 #include "Failure.h"
-#include "JsonOutput.h"
 #include "Output.h"
 #include "PlaceResolver.h"
+#include "RowRange.h"
+#include "RowsReader.h"
 #include "SafeText.h"
 #include "SearchKinds.h"
 #include "Session.h"
-#include "TextOutput.h"
+#include "commands/Answer.h"
 #include "commands/Command.h"
 
 #include <api/core/OrkaValue.h>
@@ -60,11 +61,7 @@ public:
         const CMPath results =
             enterText(session, PlaceResolver(session).resolve(place, PlaceResolver::Folder));
         const Rows rows = readRows(session, results, range, OrkaRoles::all());
-        if (options.json) {
-            writeJson(rowsDocument(results, rows));
-        } else {
-            writeRows(rows, range.first);
-        }
+        writeAnswer(options, results, rows, range.first);
         return Answered;
     }
 
