@@ -1,6 +1,7 @@
 #include "PluginClient.h"
 
 #include "DBusBarrier.h"
+#include "NetworkInfo.h"
 #include "dleyna.h"
 
 #include <QDBusVariant>
@@ -47,17 +48,7 @@ void prepareProcess()
     root.addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
     root.setLogLevel(log4cplus::OFF_LOG_LEVEL);
 
-    OrkaNetworkAddress address;
-    address.setIp(QStringLiteral("192.168.178.31"));
-    OrkaList<OrkaNetworkAddress> addresses;
-    addresses.append(address);
-    OrkaNetworkWiredInterface wired;
-    wired.setAddresses(addresses);
-    OrkaNetworkInfo info;
-    info.setWired(wired);
-    OrkaValue value;
-    value.setNetworkInfo(info);
-    CMValueStore::setValue(OrkaNetworkInfoPath(), value);
+    publishNetwork({QStringLiteral("192.168.178.31")});
 }
 
 QString objectPath(const QString &container, int server)

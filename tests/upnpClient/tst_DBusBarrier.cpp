@@ -15,12 +15,9 @@ private slots:
     void finishesOnceAfterItsLastCall_data();
     void finishesOnceAfterItsLastCall();
     void neverFinishesWithoutCallsOrInsideAddCall();
-    void finishesAgainWhenCallsAreAddedLater();
     void aRepeatedNameWaitsForBothAndNamesTheNewer();
     void handsOutFinishedCallsInTheOrderOfTheirNames();
     void takesKeptUserDataWithItUnlessItWasTaken();
-    void isSilentWhenItGoesWithCallsPending();
-    void releasesARepliesMemory();
 };
 
 namespace {
@@ -103,17 +100,6 @@ void tst_DBusBarrier::neverFinishesWithoutCallsOrInsideAddCall()
     QCOMPARE(w.finished.count(), 1);
 }
 
-void tst_DBusBarrier::finishesAgainWhenCallsAreAddedLater()
-{
-    World w;
-    w.add({"UDN"});
-    w.release("UDN");
-    w.add({"FriendlyName"});
-    QVERIFY(!w.barrier->isFinished());
-    w.release("FriendlyName");
-    QCOMPARE(w.finished.count(), 2);
-}
-
 void tst_DBusBarrier::aRepeatedNameWaitsForBothAndNamesTheNewer()
 {
     World w;
@@ -160,29 +146,6 @@ void tst_DBusBarrier::takesKeptUserDataWithItUnlessItWasTaken()
         QCOMPARE(data.use_count(), 2);
     }
     QCOMPARE(data.use_count(), 1);
-}
-
-void tst_DBusBarrier::isSilentWhenItGoesWithCallsPending()
-{
-    World w;
-    w.add({"UDN", "FriendlyName"});
-    w.release("UDN");
-    const QPointer<QObject> watcher = w.barrier->findChild<QDBusPendingCallWatcher *>();
-    w.barrier.reset();
-    QVERIFY(!watcher);
-    w.release("FriendlyName");
-    QCOMPARE(w.finished.count(), 0);
-}
-
-void tst_DBusBarrier::releasesARepliesMemory()
-{
-    World w;
-    w.add({"UDN"});
-    w.release("UDN");
-    QDBusPendingCall &call = w.barrier->getCall("UDN");
-    DBusBarrier::release(call);
-    QVERIFY(call.isFinished());
-    QVERIFY(w.barrier->getCall("UDN").reply().arguments().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_DBusBarrier)

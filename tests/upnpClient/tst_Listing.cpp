@@ -12,10 +12,8 @@ private slots:
     void handsTheRangeOnUnchanged();
     void givesTheRowsThatComeAndTheContainersTotal_data();
     void givesTheRowsThatComeAndTheContainersTotal();
-    void answersOneErrorWhicheverCallFails_data();
-    void answersOneErrorWhicheverCallFails();
-    void countsWhatTheServiceCalls_data();
-    void countsWhatTheServiceCalls();
+    void answersOnceWhateverTheTwoCallsGive_data();
+    void answersOnceWhateverTheTwoCallsGive();
     void keepsListingsApartThatAnswerOutOfOrder();
     void keepsTheServerThatALongAnswerBeganWith();
     void leavesRequestsUnansweredWhenTheWorkerGoes();
@@ -96,58 +94,45 @@ void tst_Listing::givesTheRowsThatComeAndTheContainersTotal()
     QCOMPARE(firstColumn(beside.value()), "0 1");
 }
 
-void tst_Listing::answersOneErrorWhicheverCallFails_data()
+void tst_Listing::answersOnceWhateverTheTwoCallsGive_data()
 {
-    columns<bool, bool>("childrenFail", "countFails");
-    row("children", true, false);
-    row("count", false, true);
-    row("both", true, true);
+    columns<FakeReply, FakeReply, QString, int>("children", "count", "outcome", "rowsCount");
+    const FakeReply none{{propertyMaps({})}}, one{propertyValue(1U)}, nothing;
+    const FakeReply noChildren = FakeReply::error("a.b", "children!");
+    const FakeReply noCount = FakeReply::error("a.b", "count!");
+    row("both", none, FakeReply{propertyValue(7U)}, "value", 7);
+    row("text that is a number", none, FakeReply{propertyValue("12")}, "value", 12);
+    row("text", none, FakeReply{propertyValue("many")}, "value", 0);
+    row("more than an int holds", none, FakeReply{propertyValue(4294967295U)}, "value", -1);
+    row("children fail", noChildren, one, failed, 0);
+    row("count fails", none, noCount, failed, 0);
+    row("both fail", noChildren, noCount, failed, 0);
+    row("no variant", none, FakeReply{{7U}}, failed, 0);
+    row("nothing", none, nothing, failed, 0);
+    row("children that are texts", FakeReply{{QStringList{"a"}}}, one, failed, 0);
+    row("children that are a map", FakeReply{{QVariantMap{{"Type", "music"}}}}, one, failed, 0);
+    row("no children at all", nothing, one, failed, 0);
 }
 
-void tst_Listing::answersOneErrorWhicheverCallFails()
+void tst_Listing::answersOnceWhateverTheTwoCallsGive()
 {
-    QFETCH(bool, childrenFail);
-    QFETCH(bool, countFails);
-    FolderFixture w;
-    w.start();
-    if (childrenFail)
-        w.service.fail({"ListChildren"}, "children!");
-    if (countFails)
-        w.service.fail({"Get", {}, "ChildCount"}, "count!");
-    QCOMPARE(w.settled(w.askRows("/uuid:1/31", 0, 9)).outcome(), failed);
-    QCOMPARE(w.log.lines("INFO"),
-        (QStringList{"INFO CB_UPnP: Fetching children failed",
-            QString("INFO CB_UPnP: listChildren: ") + (childrenFail ? "children!" : ""),
-            QString("INFO CB_UPnP: childCount: ") + (countFails ? "count!" : "")}));
-}
-
-void tst_Listing::countsWhatTheServiceCalls_data()
-{
-    columns<QVariantList, QVariantList, QString, int>("children", "count", "outcome", "rowsCount");
-    const QVariantList none{propertyMaps({})};
-    const QVariantList one = propertyValue(1U);
-    row("unsigned", none, propertyValue(7U), "value", 7);
-    row("text that is a number", none, propertyValue("12"), "value", 12);
-    row("text", none, propertyValue("many"), "value", 0);
-    row("more than an int holds", none, propertyValue(4294967295U), "value", -1);
-    row("no variant", none, QVariantList{7U}, failed, 0);
-    row("nothing", none, QVariantList(), failed, 0);
-    row("children that are texts", QVariantList{QStringList{"a"}}, one, failed, 0);
-    row("children that are a map", QVariantList{QVariantMap{{"Type", "music"}}}, one, failed, 0);
-    row("no children at all", QVariantList(), one, failed, 0);
-}
-
-void tst_Listing::countsWhatTheServiceCalls()
-{
-    QFETCH(QVariantList, children);
-    QFETCH(QVariantList, count);
+    QFETCH(FakeReply, children);
+    QFETCH(FakeReply, count);
+    QFETCH(QString, outcome);
     FolderFixture w;
     w.start();
     w.service.answer({"ListChildren"}, children);
     w.service.answer({"Get", {}, "ChildCount"}, count);
     const auto rows = w.settled(w.askRows("/uuid:1/31", 0, 9));
-    QTEST(rows.outcome(), "outcome");
+    QCOMPARE(rows.outcome(), outcome);
     QTEST(rows.value().rowsCount(), "rowsCount");
+    const QStringList lines = w.log.lines("INFO CB_UPnP: ");
+    QCOMPARE(lines.size(), outcome == failed ? 3 : 0);
+    if (outcome != failed)
+        return;
+    QCOMPARE(lines[0], "INFO CB_UPnP: Fetching children failed");
+    QVERIFY(lines[1].startsWith("INFO CB_UPnP: listChildren: " + children.errorMessage));
+    QVERIFY(lines[2].startsWith("INFO CB_UPnP: childCount: " + count.errorMessage));
 }
 
 void tst_Listing::keepsListingsApartThatAnswerOutOfOrder()

@@ -66,7 +66,7 @@ void tst_Sampler::takesEvenlySpacedRows()
     QCOMPARE(rows.outcome(), "value");
     QTEST(firstColumn(rows.value()), "positions");
     QTEST(rows.value().rowsCount(), "rowsCount");
-    QCOMPARE(rows.value().rowsVersion(), 0);
+    QCOMPARE(rows.value().value(OrkaRowsRoles::RowsVersion()), QVariant(0));
 }
 
 void tst_Sampler::fetchesOneRowAtATimeThroughTheTree()

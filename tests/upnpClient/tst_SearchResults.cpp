@@ -103,7 +103,7 @@ void tst_SearchResults::givesTheRowsThatComeAndTheServersTotal()
     QCOMPARE(rows.outcome(), "value");
     QCOMPARE(firstColumn(rows.value()), titles.join(' '));
     QTEST(rows.value().rowsCount(), "rowsCount");
-    QCOMPARE(rows.value().rowsVersion(), 0);
+    QCOMPARE(rows.value().value(OrkaRowsRoles::RowsVersion()), QVariant(0));
 }
 
 // As a device does it: set the text, go where the answer points.

@@ -16,11 +16,8 @@ private slots:
     void readsObjectPaths_data();
     void readsObjectPaths();
     void readsWhatItsGrammarReads();
-    void translatesThereAndBack_data();
-    void translatesThereAndBack();
     void keepsParametersInTheOrderOfTheirKeys();
     void removesEveryPairOfOneKey();
-    void recordsAnUnknownServerWhenAskedForItsObjectPath();
 };
 
 namespace {
@@ -109,24 +106,6 @@ void tst_UPnPPath::readsWhatItsGrammarReads()
     }
 }
 
-void tst_UPnPPath::translatesThereAndBack_data()
-{
-    columns<QString, QString>("objectPath", "nodePath");
-    row("server by number", prefix + "3", "upnp:/uuid:0a1b-2c3d");
-    row("server by UDN", prefix + "uuid_3anew", "upnp:/uuid:new");
-    row("object by number", prefix + "3/36342431", "upnp:/uuid:0a1b-2c3d/36342431");
-    row("object by UDN", prefix + "uuid_3anew/30", "upnp:/uuid:new/30");
-}
-
-void tst_UPnPPath::translatesThereAndBack()
-{
-    QFETCH(QString, objectPath);
-    QFETCH(QString, nodePath);
-    World w;
-    QCOMPARE(w.fromDleyna(objectPath).orkaPath().toEncoded(), nodePath);
-    QCOMPARE(w.fromOrka(CMPath::fromEncoded(nodePath)).dbusPath().path(), objectPath);
-}
-
 void tst_UPnPPath::keepsParametersInTheOrderOfTheirKeys()
 {
     World w;
@@ -150,16 +129,6 @@ void tst_UPnPPath::removesEveryPairOfOneKey()
     QCOMPARE(without.orkaPathWithoutParams(), path.orkaPathWithoutParams());
     QCOMPARE(without.dbusPath(), path.dbusPath());
     QCOMPARE(path.query.size(), 4);
-}
-
-void tst_UPnPPath::recordsAnUnknownServerWhenAskedForItsObjectPath()
-{
-    World w;
-    const CMPath nobody("upnp", "/uuid:nobody"), object("upnp", "/uuid:nobody/64");
-    QVERIFY(!w.worker().serverList()->containsUdn("uuid:nobody"));
-    QCOMPARE(w.fromOrka(nobody).dbusPath().path(), "");
-    QVERIFY(w.worker().serverList()->containsUdn("uuid:nobody"));
-    QCOMPARE(w.fromOrka(object).dbusPath().path(), "/64");
 }
 
 QTEST_GUILESS_MAIN(tst_UPnPPath)

@@ -24,7 +24,6 @@ private slots:
     void aFailedListIsFilledByLaterSignals();
     void hearsNoSignalBeforeTheFirstAnswer();
     void hearsOnlyTheService();
-    void survivesARestartOfTheService();
     void listsFiveHundredServersAnnouncedAtOnce();
     void waitsForTheBusOnceAndNeverForTheService();
     void goesQuietlyInTheMiddle_data();
@@ -252,21 +251,6 @@ void tst_UPnPServerList::hearsOnlyTheService()
     QCOMPARE(w.service.count({"Get"}), 0);
     QCOMPARE(w.titles(), "One");
     PrivateBus::close("stranger");
-}
-
-void tst_UPnPServerList::survivesARestartOfTheService()
-{
-    World w;
-    w.start();
-    w.service.vanish();
-    w.settle();
-    QCOMPARE(w.titles(), "One");
-    w.service.comeBack();
-    w.settle();
-    w.tree.setProperty(w.server, "FriendlyName", "Reborn");
-    w.service.announceFound(w.server);
-    w.settle();
-    QCOMPARE(w.titles(), "Reborn");
 }
 
 void tst_UPnPServerList::listsFiveHundredServersAnnouncedAtOnce()

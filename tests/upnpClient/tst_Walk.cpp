@@ -17,7 +17,6 @@ private slots:
     void goesOnWithoutWhatCannotBeRead();
     void takesWhateverIsNoContainerAndHasAUrl();
     void goesAThousandContainersDeep();
-    void survivesMoreThanAConnectionHolds();
     void releasesRepliesAsItGoes();
     void goesOnWhenTheAnswersComeOutOfOrder();
     void looksUpTheAddressAnewForEveryListing();
@@ -202,24 +201,6 @@ void tst_Walk::goesAThousandContainersDeep()
     w.add(container, "bottom");
     w.start();
     QCOMPARE(w.walked(), "bottom");
-}
-
-// Twelve listings of 6 MB each come in before the first is handled: more than the 63 MiB of replies
-// that a connection holds as it is. It still works afterwards.
-void tst_Walk::survivesMoreThanAConnectionHolds()
-{
-    World w;
-    w.log.setLevel(log4cplus::ERROR_LOG_LEVEL);
-    for (int c = 0; c < 12; ++c) {
-        const QByteArray id = 'c' + QByteArray::number(c) + '-';
-        const QString container = w.nest(w.folder, id);
-        for (int i = 0; i < 100; ++i)
-            w.tree.addTrack(
-                container, id + QByteArray::number(i), "T", {{"Genre", QString(60000, 'x')}});
-    }
-    w.start();
-    QCOMPARE(w.walk().value().toList().size(), 1200);
-    QCOMPARE(w.settled(w.askRows("/uuid:1/31", 0, 0)).value().rowsCount(), 12);
 }
 
 // Twenty containers, one in the other, on a connection that holds the listings of four.
