@@ -76,6 +76,7 @@ private Q_SLOTS:
 
     void serversThatHangDelayOnlyThemselves();
     void callsToOneServerOverlap();
+    void slowServersAreAskedForSmallPages();
     void droppedConnectionsLoseNoServer();
     void aServerOnSeveralAddressesIsOne();
     void aKilledServerIsLostAndFoundAgain();
@@ -139,10 +140,35 @@ void tst_BridgeServers::callsToOneServerOverlap()
     }
 }
 
+void tst_BridgeServers::slowServersAreAskedForSmallPages()
+{
+    const auto server = std::make_unique<ScriptedUpnpServer>(newUdn());
+    server->tree.addFolder(folder, QStringLiteral("0"), QStringLiteral("Folder"), 2000);
+    server->behaviour.delayPerRow = 10;
+    QVERIFY(!bridge->add(*server).isEmpty());
+    const auto largestPage = [&] {
+        int largest = 0;
+        for (const SoapCall &call : server->calls())
+            largest = qMax(largest, call.arguments.value(QStringLiteral("RequestedCount")).toInt());
+        server->forgetCalls();
+        return largest;
+    };
+    Answer answer = bridge->list(objectPath(server->udn(), folder), 1600);
+    QCOMPARE(answer.rows().size(), 400);
+    QVERIFY2(largestPage() <= 200, qPrintable(QString::number(answer.milliseconds)));
+    server->behaviour.delayPerRow = 0;
+    answer = listFolder(server->udn());
+    QCOMPARE(answer.rows().size(), 2000);
+    QCOMPARE(largestPage(), 1000);
+}
+
 void tst_BridgeServers::droppedConnectionsLoseNoServer()
 {
     const auto server = newServer();
     const QString path = bridge->add(*server);
+    server->behaviour.dropKept = true;
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(listFolder(server->udn()).rows().size(), 10);
     server->behaviour.drop = QStringList{QStringLiteral("Browse")};
     const Answer answer = listFolder(server->udn());
     QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));

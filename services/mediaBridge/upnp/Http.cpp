@@ -23,10 +23,11 @@ int64_t &lastAnswer(SoupSession *session)
 class HttpRequest
 {
 public:
-    static void start(SoupSession *session, SoupMessage *message, unsigned timeoutMs,
-        GCancellable *cancellable, HttpCallback done)
+    /// `body` is empty for a GET.
+    static void start(SoupSession *session, SoupMessage *message, const std::string &body,
+        unsigned timeoutMs, GCancellable *cancellable, HttpCallback done)
     {
-        auto *request = new HttpRequest(session, message, std::move(done));
+        auto *request = new HttpRequest(session, message, body, std::move(done));
         request->m_limitMs = timeoutMs;
         request->m_timeout = g_timeout_add(timeoutMs, &HttpRequest::timeOut, request);
         if (cancellable) {
@@ -36,16 +37,42 @@ public:
                     +[](GCancellable *, GCancellable *inner) { g_cancellable_cancel(inner); }),
                 request->m_cancellable.get(), nullptr);
         }
-        soup_session_send_async(session, message, G_PRIORITY_DEFAULT, request->m_cancellable.get(),
-            &HttpRequest::answered, request);
+        request->send();
     }
 
 private:
-    HttpRequest(SoupSession *session, SoupMessage *message, HttpCallback done)
+    HttpRequest(
+        SoupSession *session, SoupMessage *message, const std::string &body, HttpCallback done)
         : m_session(Ref<SoupSession>::share(session))
         , m_message(Ref<SoupMessage>::share(message))
+        , m_body(body)
         , m_done(std::move(done))
     {
+    }
+
+    void send()
+    {
+        if (!m_body.empty()) {
+            GBytes *body = g_bytes_new(m_body.data(), m_body.size());
+            soup_message_set_request_body_from_bytes(
+                m_message.get(), "text/xml; charset=\"utf-8\"", body);
+            g_bytes_unref(body);
+        }
+        soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
+            m_cancellable.get(), &HttpRequest::answered, this);
+    }
+
+    /// Some servers close a connection that they have just promised to keep; a request that comes
+    /// in between is lost.
+    bool sendAgain(const GError *error)
+    {
+        const bool hasAgain =
+            (soup_message_get_flags(m_message.get()) & SOUP_MESSAGE_NEW_CONNECTION) != 0;
+        if (hasAgain || outcomeOf(error) != HttpOutcome::Broken)
+            return false;
+        soup_message_add_flags(m_message.get(), SOUP_MESSAGE_NEW_CONNECTION);
+        send();
+        return true;
     }
 
     static gboolean timeOut(gpointer self)
@@ -78,6 +105,10 @@ private:
         GError *error = nullptr;
         request->m_stream =
             Ref<GInputStream>(soup_session_send_finish(request->m_session.get(), result, &error));
+        if (error && request->sendAgain(error)) {
+            g_error_free(error);
+            return;
+        }
         if (error) {
             request->fail(error);
             return;
@@ -158,6 +189,7 @@ private:
 
     Ref<SoupSession> m_session;
     Ref<SoupMessage> m_message;
+    std::string m_body;
     HttpCallback m_done;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     Ref<GCancellable> m_outer;
@@ -215,7 +247,7 @@ void httpGet(SoupSession *session, const std::string &url, unsigned timeoutMs,
         failLater(url, std::move(done));
         return;
     }
-    HttpRequest::start(session, message.get(), timeoutMs, cancellable, std::move(done));
+    HttpRequest::start(session, message.get(), {}, timeoutMs, cancellable, std::move(done));
 }
 
 void httpPostSoap(SoupSession *session, const std::string &url, const std::string &soapAction,
@@ -226,13 +258,9 @@ void httpPostSoap(SoupSession *session, const std::string &url, const std::strin
         failLater(url, std::move(done));
         return;
     }
-    soup_message_add_flags(message.get(), SOUP_MESSAGE_IDEMPOTENT);
     soup_message_headers_replace(
         soup_message_get_request_headers(message.get()), "SOAPAction", soapAction.c_str());
-    GBytes *body = g_bytes_new(envelope.data(), envelope.size());
-    soup_message_set_request_body_from_bytes(message.get(), "text/xml; charset=\"utf-8\"", body);
-    g_bytes_unref(body);
-    HttpRequest::start(session, message.get(), timeoutMs, cancellable, std::move(done));
+    HttpRequest::start(session, message.get(), envelope, timeoutMs, cancellable, std::move(done));
 }
 
 } // namespace bridge

@@ -94,10 +94,7 @@ void Listing::requestPage()
         count = std::min(count, m_request.max - (m_position - m_request.offset));
     const unsigned timeoutMs = std::min(remainingMs(), MediaServer::answerTimeoutMs);
     if (timeoutMs == 0) {
-        fail({errors::operationFailed,
-            m_request.action + " operation failed: The list was not complete after 20 seconds ("
-                + std::to_string(m_rowCount)
-                + " objects so far). Ask for fewer objects at a time."});
+        failLate();
         return;
     }
     m_isRequesting = true;
@@ -118,6 +115,8 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     if (reply.isError()) {
         if (isEndOfUnknown(reply))
             m_isAtEnd = true;
+        else if (reply.outcome == HttpOutcome::TimedOut && remainingMs() == 0)
+            failLate();
         else if (!retrySmaller(reply, position))
             fail(std::move(reply.failure));
         return;
@@ -255,6 +254,13 @@ void Listing::fail(Failure failure)
 {
     m_total = 0;
     end({std::move(failure), 0, 0, false});
+}
+
+void Listing::failLate()
+{
+    fail({errors::operationFailed,
+        m_request.action + " operation failed: The list was not complete after 20 seconds ("
+            + std::to_string(m_rowCount) + " objects so far). Ask for fewer objects at a time."});
 }
 
 void Listing::finish()

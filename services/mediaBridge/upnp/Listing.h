@@ -86,6 +86,7 @@ private:
     void readObject(const MediaObject &object);
     void tellTotal();
     void fail(Failure failure);
+    void failLate();
     void finish();
     void end(const ListEnd &result);
     SoapArguments arguments(uint32_t position, uint32_t count) const;

@@ -37,9 +37,9 @@ struct ScriptedUpnpServer::Private
     void close();
     void release(HeldRequest *request);
     void hold(ScriptedUpnpServer *server, SoupServerMessage *message, const QByteArray &body,
-        guint status);
+        guint status, int delay);
     void reply(ScriptedUpnpServer *server, SoupServerMessage *message, const QString &action,
-        const QByteArray &body, guint status);
+        const QByteArray &body, guint status, int delay);
     static void handle(
         SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer data);
     void handleControl(ScriptedUpnpServer *server, SoupServerMessage *message);
@@ -58,6 +58,15 @@ void closeConnection(SoupServerMessage *message)
 {
     if (GSocket *socket = soup_server_message_get_socket(message))
         g_socket_shutdown(socket, TRUE, TRUE, nullptr);
+}
+
+/// Whether its connection has brought another request before.
+bool isOnKeptConnection(SoupServerMessage *message)
+{
+    GObject *socket = G_OBJECT(soup_server_message_get_socket(message));
+    const bool isKept = g_object_get_data(socket, "used") != nullptr;
+    g_object_set_data(socket, "used", message);
+    return isKept;
 }
 
 QString hostOf(SoupServerMessage *message)
@@ -185,8 +194,8 @@ void ScriptedUpnpServer::Private::release(HeldRequest *request)
     held.erase(it);
 }
 
-void ScriptedUpnpServer::Private::hold(
-    ScriptedUpnpServer *server, SoupServerMessage *message, const QByteArray &body, guint status)
+void ScriptedUpnpServer::Private::hold(ScriptedUpnpServer *server, SoupServerMessage *message,
+    const QByteArray &body, guint status, int delay)
 {
     auto request = std::make_unique<HeldRequest>();
     request->server = server;
@@ -207,22 +216,23 @@ void ScriptedUpnpServer::Private::hold(
         return G_SOURCE_REMOVE;
     };
     if (status)
-        request->timer = g_timeout_add(guint(server->behaviour.delay), due, request.get());
+        request->timer = g_timeout_add(guint(delay), due, request.get());
     soup_server_message_pause(message);
     held.push_back(std::move(request));
 }
 
 /// Answers now, later, never or not at all, whichever the behaviour has for the action.
 void ScriptedUpnpServer::Private::reply(ScriptedUpnpServer *server, SoupServerMessage *message,
-    const QString &action, const QByteArray &body, guint status)
+    const QString &action, const QByteArray &body, guint status, int delay)
 {
     const ServerBehaviour &behaviour = server->behaviour;
-    if (behaviour.drop.contains(action))
+    const bool isKept = isOnKeptConnection(message);
+    if (behaviour.drop.contains(action) || (behaviour.dropKept && isKept))
         closeConnection(message);
     else if (behaviour.hang.contains(action))
-        hold(server, message, {}, 0);
-    else if (behaviour.delay > 0)
-        hold(server, message, body, status);
+        hold(server, message, {}, 0, 0);
+    else if (delay > 0)
+        hold(server, message, body, status, delay);
     else
         send(message, body, status);
 }
@@ -239,7 +249,8 @@ void ScriptedUpnpServer::Private::handle(
         server->d->handleControl(server, message);
     else if (place == QLatin1String("/description.xml"))
         server->d->reply(server, message, QStringLiteral("description"),
-            server->d->description(server->behaviour.bareAmpersands), SOUP_STATUS_OK);
+            server->d->description(server->behaviour.bareAmpersands), SOUP_STATUS_OK,
+            server->behaviour.delay);
     else if (place.endsWith(QLatin1String(".xml")))
         send(message, serviceDescription(place.startsWith(QLatin1String("/ContentD"))),
             SOUP_STATUS_OK);
@@ -254,7 +265,10 @@ void ScriptedUpnpServer::Private::handleControl(
     const SoapCall call = readSoapCall(QByteArray(body->data, int(body->length)));
     calls.append(call);
     listener(call);
-    const SoapAnswer answer = answerCall(call, server->tree, server->behaviour, hostOf(message));
+    const ServerBehaviour &behaviour = server->behaviour;
+    const SoapAnswer answer = answerCall(call, server->tree, behaviour, hostOf(message));
+    const int rows = call.arguments.value(QStringLiteral("RequestedCount")).toInt();
     reply(server, message, call.action, answer.body,
-        answer.fault ? SOUP_STATUS_INTERNAL_SERVER_ERROR : SOUP_STATUS_OK);
+        answer.fault ? SOUP_STATUS_INTERNAL_SERVER_ERROR : SOUP_STATUS_OK,
+        behaviour.delay + rows * behaviour.delayPerRow);
 }

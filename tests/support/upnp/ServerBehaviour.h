@@ -25,9 +25,11 @@ struct ServerBehaviour
     bool bareAmpersands = false; ///< description and Result have every "&" as it is
     QStringList hang; ///< actions that never get an answer
     QStringList drop; ///< actions whose connection is closed without an answer
+    bool dropKept = false; ///< a connection takes one request; the next on it is dropped
     QMap<QString, int> fail; ///< actions that are refused with this UPnP error code
     quint32 refuseCountFrom = 0; ///< a RequestedCount from here on is refused (402), 0: none
     int delay = 0; ///< milliseconds before every answer
+    int delayPerRow = 0; ///< more milliseconds for each row asked for
     QString searchCaps = QStringLiteral("dc:title,upnp:artist,upnp:album,upnp:class,@id,@parentID");
     QString sortCaps = QStringLiteral("dc:title");
 };
