@@ -1,7 +1,5 @@
 #include "Round.h"
 
-#include "RandomRequest.h"
-
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
@@ -24,7 +22,6 @@ Round::Round(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tall
     , m_service(service)
     , m_worker(worker)
     , m_tally(tally)
-    , m_answers(m_dice, tally, service)
     // Most rounds at the level of a device, some with every line that the plug-in can write.
     , m_log(m_dice.chance(12) ? log4cplus::TRACE_LOG_LEVEL : log4cplus::WARN_LOG_LEVEL)
 {
@@ -34,7 +31,7 @@ Round::Round(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tall
 void Round::run()
 {
     furnish();
-    m_answers.setRate(int(m_dice.below(4)) * 12);
+    m_faultRate = int(m_dice.below(4)) * 12;
     takeRules();
     m_worker.start();
     const int end = m_dice.chance(25) ? int(m_dice.below(steps)) : steps;
@@ -65,9 +62,8 @@ void Round::handleEvents(bool wait)
 std::vector<std::thread> Round::send(int requests)
 {
     std::vector<std::function<void()>> shares[senders];
-    RandomRequest random(m_dice, m_ledger, m_nodes);
     for (int i = 0; i < requests; ++i)
-        shares[i % senders].push_back(random.make());
+        shares[i % senders].push_back(randomRequest());
     std::vector<std::thread> threads;
     for (auto &share : shares) {
         threads.emplace_back([share = std::move(share)] {

@@ -1,4 +1,4 @@
-#include "FaultyAnswers.h"
+#include "Round.h"
 
 #include "MediaServiceNames.h"
 
@@ -39,10 +39,10 @@ QVariantMap track(int number)
 
 } // namespace
 
-FakeReply FaultyAnswers::answer(const FakeCall &call)
+FakeReply Round::answer(const FakeCall &call)
 {
     // Without servers there is little to ask for, so what is read of them fails less often.
-    if (!m_dice.chance(isAboutServers(call) ? m_rate / 6 : m_rate))
+    if (!m_dice.chance(isAboutServers(call) ? m_faultRate / 6 : m_faultRate))
         return m_service.treeAnswer(call);
     const quint32 kind = m_dice.below(8);
     if (kind < 3) {
@@ -56,7 +56,7 @@ FakeReply FaultyAnswers::answer(const FakeCall &call)
     return strangeValues(call);
 }
 
-FakeReply FaultyAnswers::wrongSignature()
+FakeReply Round::wrongSignature()
 {
     m_tally.inject("reply of another signature");
     QVariantList values;
@@ -65,7 +65,7 @@ FakeReply FaultyAnswers::wrongSignature()
     return {values};
 }
 
-FakeReply FaultyAnswers::strangeValues(const FakeCall &call)
+FakeReply Round::strangeValues(const FakeCall &call)
 {
     if (call.member() == "Get") {
         m_tally.inject("properties of other types");
@@ -79,7 +79,7 @@ FakeReply FaultyAnswers::strangeValues(const FakeCall &call)
     return listing(call, objects);
 }
 
-QVariantMap FaultyAnswers::strangeObject()
+QVariantMap Round::strangeObject()
 {
     QVariantMap object = track(int(m_dice.below(20)));
     // Containers among them are listed in turn; their number is limited, so a walk ends.
@@ -101,7 +101,7 @@ QVariantMap FaultyAnswers::strangeObject()
     return object;
 }
 
-FakeReply FaultyAnswers::hugeListing(const FakeCall &call)
+FakeReply Round::hugeListing(const FakeCall &call)
 {
     m_tally.inject("reply of 2,000 objects");
     QList<QVariantMap> objects;

@@ -1,6 +1,7 @@
+#include "Round.h"
+
 #include "MediaServiceNames.h"
 #include "NetworkInfo.h"
-#include "Round.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ void Round::furnish()
 void Round::takeRules()
 {
     m_service.forgetRules();
-    m_service.answer({}, [this](const FakeCall &call) { return m_answers.answer(call); });
+    m_service.answer({}, [this](const FakeCall &call) { return answer(call); });
 }
 
 void Round::disturb()

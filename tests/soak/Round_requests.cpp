@@ -1,4 +1,4 @@
-#include "RandomRequest.h"
+#include "Round.h"
 
 #include <api/core/CMRoot.h>
 #include <api/core/OrkaRoles.h>
@@ -35,19 +35,19 @@ CMPath prepareItems()
 
 } // namespace
 
-std::function<void()> RandomRequest::make()
+std::function<void()> Round::randomRequest()
 {
     const quint32 kind = m_dice.below(100);
     if (kind < 45)
-        return rows();
+        return askRows();
     if (kind < 70)
-        return data();
+        return askData();
     if (kind < 80)
-        return searchText();
-    return kind < 98 ? prepare() : prepareNothing();
+        return askSearchText();
+    return kind < 98 ? askToPrepare() : askToPrepareNothing();
 }
 
-CMPath RandomRequest::path()
+CMPath Round::randomPath()
 {
     const QStringList &nodes = m_dice.chance(75) ? m_nodes : oddNodes;
     CMPath path = CMPath::fromEncoded("upnp:" + m_dice.pick(nodes));
@@ -60,15 +60,15 @@ CMPath RandomRequest::path()
     return m_dice.chance(2) ? CMPath("nowhere", path.base()) : path;
 }
 
-QStringList RandomRequest::roles()
+QStringList Round::randomRoles()
 {
     const int first = int(m_dice.below(8));
     return allRoles.mid(first, int(m_dice.below(8)));
 }
 
-std::function<void()> RandomRequest::rows()
+std::function<void()> Round::askRows()
 {
-    CMPath at = path();
+    CMPath at = randomPath();
     QPair<int, int> range = m_dice.pick(ranges);
     const bool isSample = m_dice.chance(15);
     if (isSample) {
@@ -76,7 +76,7 @@ std::function<void()> RandomRequest::rows()
         // A sample takes as many calls as rows are asked for.
         range.second = int(m_dice.below(12)) - 1;
     }
-    const QStringList wanted = roles();
+    const QStringList wanted = randomRoles();
     const auto reply = m_ledger.enter<OrkaRowsRoles>(isSample ? "sampled rows" : "rows",
         QString("rows %1 to %2 of ").arg(range.first).arg(range.second) + at.toEncoded());
     return [=] {
@@ -84,19 +84,19 @@ std::function<void()> RandomRequest::rows()
     };
 }
 
-std::function<void()> RandomRequest::data()
+std::function<void()> Round::askData()
 {
-    const CMPath at = path();
-    const QStringList wanted = roles();
+    const CMPath at = randomPath();
+    const QStringList wanted = randomRoles();
     const auto reply = m_ledger.enter<QVariantList>("data", "data of " + at.toEncoded());
     return [=] {
         CMRoot()->getData(at, wanted, reply);
     };
 }
 
-std::function<void()> RandomRequest::searchText()
+std::function<void()> Round::askSearchText()
 {
-    const CMPath at = path();
+    const CMPath at = randomPath();
     const QVariant text = QVariantHash{{"string_", m_dice.text()}};
     const QVariant sent = m_dice.chance(70) ? text : arbitraryValue(m_dice);
     const auto reply = m_ledger.enter<QVariant>("search text", "search text at " + at.toEncoded());
@@ -105,26 +105,26 @@ std::function<void()> RandomRequest::searchText()
     };
 }
 
-QString RandomRequest::playable()
+QString Round::randomPlayable()
 {
     static const QStringList kinds{"track", "track", "container", "server"};
-    CMPath at = path();
+    CMPath at = randomPath();
     return at.addParam("itemType", m_dice.pick(kinds)).toEncoded();
 }
 
-std::function<void()> RandomRequest::prepare()
+std::function<void()> Round::askToPrepare()
 {
     // "nowhere" is nobody's prefix; the plug-in looks at what stands behind it.
-    QStringList paths{playable()};
+    QStringList paths{randomPlayable()};
     for (quint32 more = m_dice.below(5); more > 0; --more)
-        paths.append(m_dice.chance(10) ? m_dice.text() : playable());
+        paths.append(m_dice.chance(10) ? m_dice.text() : randomPlayable());
     const auto reply = m_ledger.enter<QVariant>("preparation", "preparing " + paths.join(' '));
     return [=] {
         CMRoot()->setData(prepareItems(), QVariant(paths).toList(), reply);
     };
 }
 
-std::function<void()> RandomRequest::prepareNothing()
+std::function<void()> Round::askToPrepareNothing()
 {
     const QVariant value = m_dice.pick(nothings);
     const auto reply = m_ledger.enter<QVariant>("preparation of nothing", "preparing nothing",
