@@ -1,8 +1,8 @@
-#include "NetworkInfo.h"
 #include "Table.h"
 
 #include <api/core/CMGlobal.h>
 #include <api/core/CMRequest.h>
+#include <api/core/OrkaValue.h>
 
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -92,12 +92,6 @@ void tst_OrkaHash::recordsNest()
     const OrkaList<OrkaResource> read = roles.mediaData().resources();
     QCOMPARE(read.size(), 1);
     QCOMPARE(read.first().duration(), 1LL << 40);
-
-    publishNetwork({}, {}, {{"10.0.0.1"}});
-    const OrkaNetworkInfo info = CMValueStore::value(OrkaNetworkInfoPath()).networkInfo();
-    const QList<QVariantHash> addresses = info.softAp().aps().first().addresses();
-    QCOMPARE(addresses, (QList<QVariantHash>{{{"ip", "10.0.0.1"}}}));
-    QVERIFY(info.wired().addresses().isEmpty());
 }
 
 void tst_OrkaHash::rolesBecomeRows()

@@ -22,37 +22,11 @@ private slots:
     void contextIsTheClass();
     void scopedFunction_data();
     void scopedFunction();
-    void scopedFunctionOfThisCompiler();
     void streamedValues();
 
 private:
     TrString member() const { return ORKA_TR("text"); }
 };
-
-namespace outer {
-namespace {
-template<typename T>
-struct Shape
-{
-    static std::string plain(const std::map<int, std::vector<int>> &) { return Q_FUNC_INFO; }
-    std::map<int, std::string> table() { return {{0, Q_FUNC_INFO}}; }
-    std::string operator()(int) const { return Q_FUNC_INFO; }
-    std::string operator<(const Shape &) const { return Q_FUNC_INFO; }
-    operator std::string() const { return Q_FUNC_INFO; }
-    template<typename U>
-    std::string generic(U) const
-    {
-        return Q_FUNC_INFO;
-    }
-    std::string lambda() const
-    {
-        return [](int) -> std::string {
-            return Q_FUNC_INFO;
-        }(1);
-    }
-};
-} // namespace
-} // namespace outer
 
 void tst_texts::argumentsAreReplacedInOnePass_data()
 {
@@ -152,21 +126,6 @@ void tst_texts::scopedFunction()
 {
     QTEST(QByteArray::fromStdString(dbglog_scopedFunction(QTest::currentDataTag(), "CB_UPnP")),
         "name");
-}
-
-void tst_texts::scopedFunctionOfThisCompiler()
-{
-    const outer::Shape<std::vector<int>> shape;
-    const auto name = [](const std::string &pretty) {
-        return QByteArray::fromStdString(dbglog_scopedFunction(pretty.c_str(), "L"));
-    };
-    QCOMPARE(name(shape.plain({})), "outer::Shape::plain");
-    QCOMPARE(name(outer::Shape<int>().table()[0]), "outer::Shape::table");
-    QCOMPARE(name(shape(1)), "outer::Shape::operator()");
-    QCOMPARE(name(shape < shape), "outer::Shape::operator<");
-    QVERIFY(name(shape).startsWith("outer::Shape::operator std::"));
-    QCOMPARE(name(shape.generic(shape)), "outer::Shape::generic");
-    QCOMPARE(name(shape.lambda()), "outer::Shape::lambda");
 }
 
 void tst_texts::streamedValues()

@@ -33,6 +33,18 @@ public:
     void stop() { m_sync.reset(); }
     CMUPnPWorker &worker() { return *static_cast<CMUPnPWorker *>(m_sync->worker()); }
     void settle() { service.settle(); }
+    /// What the service does of the same name, settled.
+    void release(const FakeMatch &match = {}) { settled(service.release(match)); }
+    void announceFound(const QString &server)
+    {
+        service.announceFound(server);
+        settle();
+    }
+    void announceLost(const QString &server)
+    {
+        service.announceLost(server);
+        settle();
+    }
     /// Runs the event loop one turn at a time until a line of the log starts so, and no further.
     void runUntilLogged(const QString &start) const;
 

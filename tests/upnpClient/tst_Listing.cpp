@@ -145,15 +145,12 @@ void tst_Listing::keepsListingsApartThatAnswerOutOfOrder()
     const auto second = w.settled(w.askRows("/uuid:1", 0, 1));
     QCOMPARE(w.service.held(), 4);
     w.service.release({"Get", w.server});
-    w.service.release({"ListChildren", w.folder});
-    w.settle();
+    w.release({"ListChildren", w.folder});
     QCOMPARE(first.outcome() + second.outcome(), "pendingpending");
-    w.service.release({{}, w.server});
-    w.settle();
+    w.release({{}, w.server});
     QCOMPARE(firstColumn(second.value()), "Folder");
     QCOMPARE(first.outcome(), "pending");
-    w.service.release();
-    w.settle();
+    w.release();
     QCOMPARE(firstColumn(first.value()), "0 1");
     QCOMPARE(first.value().rowsCount(), 30);
 }
@@ -188,8 +185,7 @@ void tst_Listing::leavesRequestsUnansweredWhenTheWorkerGoes()
     w.runUntilLogged(firstRowIsMade);
     const auto unsent = w.askRows("/uuid:1", 0, 9);
     w.stop();
-    w.service.release();
-    w.settle();
+    w.release();
     for (const auto &probe : {held, answering, unsent})
         QCOMPARE(probe.outcome(), "dropped");
     // The connection is none the worse for it.

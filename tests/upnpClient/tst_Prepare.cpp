@@ -100,8 +100,7 @@ void tst_Prepare::keepsTheOrderAskedWhateverAnswersFirst()
     const auto calls = w.service.calls();
     for (auto call = calls.rbegin(); w.service.held() > 0; ++call) {
         QCOMPARE(items.outcome(), "pending");
-        w.service.release({call->member(), call->path()});
-        w.settle();
+        w.release({call->member(), call->path()});
     }
     QCOMPARE(itemsText(items.value()), (expected + expected).join(' '));
 }
@@ -245,8 +244,7 @@ void tst_Prepare::losesUrlsAndServersOnlyWhereTheBusRefusesCalls()
     w.start();
     w.service.hold({"GetAll"});
     const auto items = w.settled(w.askPrepare(paths));
-    w.service.release();
-    w.settle();
+    w.release();
     QCOMPARE(items.value().toList().size(), 200);
     QTEST(itemsText(items.value(), "url").split(' ', Qt::SkipEmptyParts).size(), "withUrl");
     for (int i = 0; i < 100; ++i)
@@ -279,8 +277,7 @@ void tst_Prepare::goesWithItsWorker()
     const auto walked = w.settled(w.askPrepare({folder1}));
     QCOMPARE(w.service.held(), 3);
     w.stop();
-    w.service.release();
-    w.settle();
+    w.release();
     QCOMPARE(prepared.outcome() + walked.outcome(), "droppeddropped");
 }
 

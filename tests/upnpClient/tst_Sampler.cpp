@@ -151,8 +151,7 @@ void tst_Sampler::runsBesideOthersAndGoesWithItsWorker()
     w.service.hold({"Get"});
     const auto last = w.settled(w.askRows("/uuid:1/31?sample=0,9,1", 0, 9));
     w.stop();
-    w.service.release();
-    w.settle();
+    w.release();
     QCOMPARE(last.outcome(), "dropped");
 }
 

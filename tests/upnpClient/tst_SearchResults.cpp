@@ -12,7 +12,6 @@ private slots:
     void searchesTheContainerInTheRangeAskedFor();
     void givesTheRowsThatComeAndTheServersTotal_data();
     void givesTheRowsThatComeAndTheServersTotal();
-    void findsWhatWasTyped();
     void saysWhyASearchFailed_data();
     void saysWhyASearchFailed();
 };
@@ -104,20 +103,6 @@ void tst_SearchResults::givesTheRowsThatComeAndTheServersTotal()
     QCOMPARE(firstColumn(rows.value()), titles.join(' '));
     QTEST(rows.value().rowsCount(), "rowsCount");
     QCOMPARE(rows.value().value(OrkaRowsRoles::RowsVersion()), QVariant(0));
-}
-
-// As a device does it: set the text, go where the answer points.
-void tst_SearchResults::findsWhatWasTyped()
-{
-    const QString title = QString::fromUtf8(R"(Say "Hello" & C:\temp, ?a=b#ä%20+1)");
-    World w;
-    w.tree.addTrack(w.server, "t", title);
-    w.tree.addTrack(w.server, "u", "other");
-    const QVariantHash typed{{"string_", title.mid(4, 20)}};
-    const QString results = w.settled(w.askSet("/uuid:1?search=title", typed)).value().toString();
-    const auto rows = w.settled(w.askRows(results.mid(5), 0, 9));
-    QCOMPARE(firstColumn(rows.value()), title);
-    QCOMPARE(rows.value().rowsCount(), 1);
 }
 
 void tst_SearchResults::saysWhyASearchFailed_data()

@@ -234,8 +234,7 @@ void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()
     const auto items = w.walk();
     for (const int next : {2, 0, 1}) {
         QCOMPARE(items.outcome(), "pending");
-        w.service.release({"ListChildren", containers[next]});
-        w.settle();
+        w.release({"ListChildren", containers[next]});
     }
     QCOMPARE(itemsText(items.value()), "T1 U1 T2 U2 T3 U3");
 }
@@ -252,8 +251,7 @@ void tst_Walk::looksUpTheAddressAnewForEveryListing()
     const auto items = w.walk();
     publishNetwork({"new"});
     w.settle();
-    w.service.release();
-    w.settle();
+    w.release();
     QStringList hosts;
     for (const QVariant &item : items.value().toList()) {
         const QString roles = OrkaPlayListItem(OrkaHash::fromVariant(item)).orkaRoles();
