@@ -57,10 +57,11 @@ void ContainerSampler::on_getRows_finished(const CMVoidReply &reply)
     ORKA_ASSERT(!rows.isEmpty());
     m_samples.append(rows.first());
     ++m_sampleIndex;
-    if (isComplete())
+    if (isComplete()) {
         finalizeSampling();
-    else
+    } else {
         performSample();
+    }
 }
 
 bool ContainerSampler::isComplete() const

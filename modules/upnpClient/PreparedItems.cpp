@@ -47,13 +47,13 @@ PreparedItems::PreparedItems(CMUPnPWorker *worker, DBusBarrier *barrier)
 bool PreparedItems::step()
 {
     ObjectProperties object;
-    if (m_found.next(&object))
+    if (m_found.next(&object)) {
         append(object);
-    else if (m_barrier->containsCall(preparation::directItemCall(m_track)))
+    } else if (m_barrier->containsCall(preparation::directItemCall(m_track))) {
         takeTrack();
-    else if (m_barrier->containsCall(preparation::searchCall(m_search)))
+    } else if (m_barrier->containsCall(preparation::searchCall(m_search))) {
         openSearch();
-    else {
+    } else {
         answer();
         return false;
     }

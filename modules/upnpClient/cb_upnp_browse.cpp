@@ -11,6 +11,18 @@ const QString listChildrenCall = QStringLiteral("ListChildren");
 const QString childCountCall = QStringLiteral("ChildCount");
 const QString getAllCall = QStringLiteral("GetAll");
 
+/// What a container that can be searched says of its search menu.
+OrkaRoles searchRoles(const UPnPPath &container)
+{
+    CMPath menu = container.orkaPathWithoutParams();
+    menu.addParam(QStringLiteral("search"), QStringLiteral("menu"));
+    OrkaRoles search;
+    search.setPath(menu);
+    search.setType(OrkaRolesType::Container);
+    search.setContainerType(OrkaRolesContainerType::SearchMenu);
+    return search;
+}
+
 } // namespace
 
 void CMUPnPWorker::handleListRowsRequest(
@@ -81,14 +93,7 @@ void CMUPnPWorker::on_handleListData_finished(DBusBarrier *barrier, void *)
 
     OrkaRoles roles = fillin_roles(properties.value());
     if (roles.type() == OrkaRolesType::Container
-        && upath.queryValue(QStringLiteral("search")).isEmpty() && hasSearchCaps(upath.udn())) {
-        CMPath menu = upath.orkaPathWithoutParams();
-        menu.addParam(QStringLiteral("search"), QStringLiteral("menu"));
-        OrkaRoles search;
-        search.setPath(menu);
-        search.setType(OrkaRolesType::Container);
-        search.setContainerType(OrkaRolesContainerType::SearchMenu);
-        roles.setSearch(search);
-    }
+        && upath.queryValue(QStringLiteral("search")).isEmpty() && hasSearchCaps(upath.udn()))
+        roles.setSearch(searchRoles(upath));
     request->reply().setValue(CMGlobal::itemRolesToList(request->roles(), roles));
 }

@@ -147,31 +147,41 @@ OrkaMediaData CMUPnPWorker::mediaData(
     return data;
 }
 
-QString CMUPnPWorker::handleAlbumArtUrl(const QString &url)
-{
-    return handleAlbumArtUrl(url, firstAddress());
-}
-
 #define LEAVE "Leave " << dbglog_scopedFunction(Q_FUNC_INFO, "CB_UPnP") << ": "
 
-QString CMUPnPWorker::handleAlbumArtUrl(const QString &url, const QString &address)
+namespace {
+
+QString proxyUrl(const QString &url, const QString &address)
 {
-    const bool rewritable = url.startsWith(QLatin1String("http://"));
-    if (!rewritable || address.isEmpty()) {
-        if (rewritable) {
-            LOG4CPLUS_DEBUG(upnpLog(), LEAVE << "No IP Address, falling back on original URL");
-        }
-        LOG4CPLUS_INFO(upnpLog(), "CB_UPNP: resource urlout = " << url);
-        return url;
-    }
     const QByteArray encoded = url.toUtf8().toBase64();
     QString proxied;
     proxied.reserve(address.size() + encoded.size() + 16);
     proxied.append(QLatin1String("https://")).append(address);
     proxied.append(QLatin1String("/proxy/")).append(QLatin1String(encoded));
-    LOG4CPLUS_DEBUG(
-        upnpLog(), LEAVE << "Got HTTP album art URL, using reverse proxy to serve: " << proxied);
     return proxied;
+}
+
+} // namespace
+
+QString CMUPnPWorker::handleAlbumArtUrl(const QString &url)
+{
+    return handleAlbumArtUrl(url, firstAddress());
+}
+
+QString CMUPnPWorker::handleAlbumArtUrl(const QString &url, const QString &address)
+{
+    const bool isRewritable = url.startsWith(QLatin1String("http://"));
+    if (isRewritable && !address.isEmpty()) {
+        QString proxied = proxyUrl(url, address);
+        LOG4CPLUS_DEBUG(upnpLog(),
+            LEAVE << "Got HTTP album art URL, using reverse proxy to serve: " << proxied);
+        return proxied;
+    }
+    if (isRewritable) {
+        LOG4CPLUS_DEBUG(upnpLog(), LEAVE << "No IP Address, falling back on original URL");
+    }
+    LOG4CPLUS_INFO(upnpLog(), "CB_UPNP: resource urlout = " << url);
+    return url;
 }
 
 void CMUPnPWorker::on_networkInfo_changed(const OrkaValue &newValue)

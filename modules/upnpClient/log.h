@@ -13,6 +13,8 @@ const log4cplus::Logger &upnpUtilLog();
     LOG4CPLUS_TRACE(upnpLog(), "Enter " << dbglog_scopedFunction(Q_FUNC_INFO, "CB_UPnP") << ": ")
 
 /// The same with details behind it: `TRACE_ENTER_WITH("udn=" << udn)`.
+// NOLINTBEGIN(bugprone-macro-parentheses): the details go on with the stream
 #define TRACE_ENTER_WITH(details) \
     LOG4CPLUS_TRACE(              \
         upnpLog(), "Enter " << dbglog_scopedFunction(Q_FUNC_INFO, "CB_UPnP") << ": " << details)
+// NOLINTEND(bugprone-macro-parentheses)

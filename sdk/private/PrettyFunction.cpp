@@ -92,10 +92,11 @@ FunctionName parsePrettyFunction(const char *prettyFunction)
         } else if (c == '(' || c == '<' || c == '[') {
             at = skipGroup(text, at);
         } else {
-            if (c == ' ' || c == '*' || c == '&')
+            if (c == ' ' || c == '*' || c == '&') {
                 name.clear();
-            else
+            } else {
                 name += c;
+            }
             ++at;
         }
     }

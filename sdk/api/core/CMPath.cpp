@@ -47,10 +47,11 @@ QString withWholeCharacters(QString text)
             continue;
         const bool isPair = text.at(at).isHighSurrogate() && at + 1 < text.size()
             && text.at(at + 1).isLowSurrogate();
-        if (isPair)
+        if (isPair) {
             ++at;
-        else
+        } else {
             text[at] = QChar::ReplacementCharacter;
+        }
     }
     return text;
 }
@@ -175,10 +176,11 @@ CMPath &CMPath::addParam(const QString &key, const QString &value)
     // A null value would read as an absent parameter.
     const QString present = value.isNull() ? QStringLiteral("") : value;
     const int index = d->indexOf(key);
-    if (d->isAt(index, key))
+    if (d->isAt(index, key)) {
         d->params[index].second = present;
-    else
+    } else {
         d->params.insert(index, {key, present});
+    }
     return *this;
 }
 

@@ -70,19 +70,21 @@ public:
     /// A T made from nothing while there is no value.
     T value() const
     {
-        if constexpr (std::is_base_of_v<OrkaHash, T>)
+        if constexpr (std::is_base_of_v<OrkaHash, T>) {
             return T(OrkaHash::fromVariant(variant()));
-        else if constexpr (std::is_same_v<T, QVariant>)
+        } else if constexpr (std::is_same_v<T, QVariant>) {
             return variant();
-        else
+        } else {
             return variant().template value<T>();
+        }
     }
     void setValue(const T &value)
     {
-        if constexpr (std::is_base_of_v<OrkaHash, T>)
+        if constexpr (std::is_base_of_v<OrkaHash, T>) {
             setVariant(value.toVariant());
-        else
+        } else {
             setVariant(value);
+        }
     }
 
 protected:

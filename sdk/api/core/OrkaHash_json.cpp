@@ -103,10 +103,11 @@ void JsonWriter::writeEscape(QChar c)
 
 void JsonWriter::writeDouble(double value)
 {
-    if (std::isfinite(value))
+    if (std::isfinite(value)) {
         m_out += QString::number(value, 'g', QLocale::FloatingPointShortest);
-    else
+    } else {
         append("null");
+    }
 }
 
 void JsonWriter::writeMember(const QString &key, const QVariant &value)
@@ -200,22 +201,23 @@ void JsonWriter::writeCustom(const QVariant &value)
 {
     const int type = value.userType();
     // The three that every row has are read in place.
-    if (type == qMetaTypeId<OrkaHash>())
+    if (type == qMetaTypeId<OrkaHash>()) {
         writeRecord(*static_cast<const OrkaHash *>(value.constData()));
-    else if (type == qMetaTypeId<TrString>())
+    } else if (type == qMetaTypeId<TrString>()) {
         writeText(static_cast<const TrString *>(value.constData())->toString());
-    else if (type == qMetaTypeId<CMPath>())
+    } else if (type == qMetaTypeId<CMPath>()) {
         writeText(static_cast<const CMPath *>(value.constData())->toEncoded());
-    else if (type == qMetaTypeId<QDBusObjectPath>())
+    } else if (type == qMetaTypeId<QDBusObjectPath>()) {
         writeText(value.value<QDBusObjectPath>().path());
-    else if (type == qMetaTypeId<QDBusVariant>())
+    } else if (type == qMetaTypeId<QDBusVariant>()) {
         write(value.value<QDBusVariant>().variant());
-    else if (value.canConvert<OrkaHash>())
+    } else if (value.canConvert<OrkaHash>()) {
         writeRecord(OrkaHash::fromVariant(value));
-    else if (value.canConvert<QString>())
+    } else if (value.canConvert<QString>()) {
         writeText(value.toString());
-    else
+    } else {
         append("null");
+    }
 }
 } // namespace
 

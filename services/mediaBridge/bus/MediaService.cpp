@@ -108,10 +108,11 @@ const std::vector<MediaService::Method> &MediaService::methods()
 
 void MediaService::handle(const BusCallPtr &call)
 {
-    if (call->path() == managerPath)
+    if (call->path() == managerPath) {
         invoke(call, {}, {interfaces::manager, interfaces::properties, interfaces::introspectable});
-    else if (!introspectAncestor(call))
+    } else if (!introspectAncestor(call)) {
         handleObject(call);
+    }
 }
 
 void MediaService::handleObject(const BusCallPtr &call)
