@@ -15,14 +15,14 @@
 #include <csignal>
 #include <sys/prctl.h>
 
-const QString serviceName = QStringLiteral("com.intel.dleyna-server");
-const QString managerPath = QStringLiteral("/com/intel/dLeynaServer");
-const QString managerInterface = QStringLiteral("com.intel.dLeynaServer.Manager");
-const QString deviceInterface = QStringLiteral("com.intel.dLeynaServer.MediaDevice");
-const QString objectInterface = QStringLiteral("org.gnome.UPnP.MediaObject2");
-const QString containerInterface = QStringLiteral("org.gnome.UPnP.MediaContainer2");
-const QString itemInterface = QStringLiteral("org.gnome.UPnP.MediaItem2");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString serviceName = "com.intel.dleyna-server";
+const QString managerPath = "/com/intel/dLeynaServer";
+const QString managerInterface = "com.intel.dLeynaServer.Manager";
+const QString deviceInterface = "com.intel.dLeynaServer.MediaDevice";
+const QString objectInterface = "org.gnome.UPnP.MediaObject2";
+const QString containerInterface = "org.gnome.UPnP.MediaContainer2";
+const QString itemInterface = "org.gnome.UPnP.MediaItem2";
+const QString propertiesInterface = "org.freedesktop.DBus.Properties";
 
 namespace {
 
@@ -76,7 +76,7 @@ Answer Call::wait()
     Answer answer;
     answer.milliseconds = m_since.elapsed();
     if (!m_pending.isFinished()) {
-        answer.error = QStringLiteral("no answer");
+        answer.error = "no answer";
         return answer;
     }
     const QDBusMessage reply = m_pending.reply();
@@ -114,21 +114,19 @@ QString ChildProcess::startAndReadLine(const QString &program, const QStringList
 BridgeFixture::BridgeFixture(Start start, const QStringList &options)
     : m_bus(QString())
 {
-    m_address = m_daemon.startAndReadLine(QStringLiteral("dbus-daemon"),
-        {QStringLiteral("--nofork"), QStringLiteral("--nosyslog"),
-            QStringLiteral("--print-address"),
-            QStringLiteral("--config-file=") + busConfiguration(start, options)});
+    m_address = m_daemon.startAndReadLine("dbus-daemon",
+        {"--nofork", "--nosyslog", "--print-address",
+            "--config-file=" + busConfiguration(start, options)});
     m_bus = QDBusConnection::connectToBus(m_address, m_address);
     if (!m_bus.isConnected())
         qFatal("The test's own dbus-daemon did not start; the package dbus brings it.");
-    m_bus.connect(serviceName, managerPath, managerInterface, QStringLiteral("FoundServer"), this,
+    m_bus.connect(serviceName, managerPath, managerInterface, "FoundServer", this,
         SLOT(onFound(QDBusObjectPath)));
-    m_bus.connect(serviceName, managerPath, managerInterface, QStringLiteral("LostServer"), this,
+    m_bus.connect(serviceName, managerPath, managerInterface, "LostServer", this,
         SLOT(onLost(QDBusObjectPath)));
     if (start == Activated)
         return;
-    m_program.start(
-        QStringLiteral(BRIDGE_PROGRAM), QStringList{QStringLiteral("--bus"), m_address} + options);
+    m_program.start(QStringLiteral(BRIDGE_PROGRAM), QStringList{"--bus", m_address} + options);
     // Else a program that owns its name at once would still count as starting when it is to end.
     m_program.waitForStarted();
     const auto owned = [this] {
@@ -169,13 +167,12 @@ QString BridgeFixture::busConfiguration(Start start, const QStringList &options)
                 qPrintable(file.errorString()));
         return file.fileName();
     };
-    write(QStringLiteral("bridge.service"),
-        QStringLiteral("[D-BUS Service]\nName=%1\nExec=%2\n")
-            .arg(serviceName,
-                (QStringList{QStringLiteral(BRIDGE_PROGRAM)} + options).join(QLatin1Char(' '))));
-    return write(QStringLiteral("bus.conf"),
-        QStringLiteral("<busconfig><include>%1</include><servicedir>%2</servicedir></busconfig>")
-            .arg(QStringLiteral(PRIVATE_BUS_CONF), m_folder.path()));
+    write("bridge.service",
+        "[D-BUS Service]\nName=%1\nExec=%2\n"_s.arg(
+            serviceName, (QStringList{QStringLiteral(BRIDGE_PROGRAM)} + options).join(' ')));
+    return write("bus.conf",
+        "<busconfig><include>%1</include><servicedir>%2</servicedir></busconfig>"_s.arg(
+            QStringLiteral(PRIVATE_BUS_CONF), m_folder.path()));
 }
 
 qint64 BridgeFixture::pid()
@@ -204,18 +201,18 @@ Answer BridgeFixture::call(const QString &path, const QString &interface, const 
 
 Answer BridgeFixture::get(const QString &path, const QString &interface, const QString &property)
 {
-    return call(path, propertiesInterface, QStringLiteral("Get"), {interface, property});
+    return call(path, propertiesInterface, "Get", {interface, property});
 }
 
 Answer BridgeFixture::getAll(const QString &path, const QString &interface)
 {
-    return call(path, propertiesInterface, QStringLiteral("GetAll"), {interface});
+    return call(path, propertiesInterface, "GetAll", {interface});
 }
 
 Call BridgeFixture::startListing(
     const QString &path, uint offset, uint max, const QStringList &filter)
 {
-    return start(path, containerInterface, QStringLiteral("ListChildren"), {offset, max, filter});
+    return start(path, containerInterface, "ListChildren", {offset, max, filter});
 }
 
 Answer BridgeFixture::list(const QString &path, uint offset, uint max, const QStringList &filter)
@@ -226,13 +223,12 @@ Answer BridgeFixture::list(const QString &path, uint offset, uint max, const QSt
 Answer BridgeFixture::search(const QString &path, const QString &query, uint offset, uint max,
     const QStringList &filter, const QString &sort)
 {
-    return call(path, containerInterface, QStringLiteral("SearchObjectsEx"),
-        {query, offset, max, filter, sort});
+    return call(path, containerInterface, "SearchObjectsEx", {query, offset, max, filter, sort});
 }
 
 QStringList BridgeFixture::servers()
 {
-    const Answer answer = call(managerPath, managerInterface, QStringLiteral("GetServers"));
+    const Answer answer = call(managerPath, managerInterface, "GetServers");
     QStringList paths;
     for (const QDBusObjectPath &path : qdbus_cast<QList<QDBusObjectPath>>(answer.value()))
         paths.append(path.path());
@@ -264,22 +260,22 @@ void BridgeFixture::forgetSignals()
 QString newUdn()
 {
     static int count = 0;
-    return QStringLiteral("uuid:5c217ed0-0000-0000-0000-%1").arg(++count, 12, 16, QLatin1Char('0'));
+    return "uuid:5c217ed0-0000-0000-0000-%1"_s.arg(++count, 12, 16, QLatin1Char('0'));
 }
 
 QString serverPath(const QString &udn)
 {
-    QString path = managerPath + QStringLiteral("/server/");
+    QString path = managerPath + "/server/";
     for (const char byte : udn.toUtf8()) {
         const bool plainByte = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z')
             || (byte >= 'a' && byte <= 'z');
         path += plainByte ? QString(QLatin1Char(byte))
-                          : QLatin1Char('_') + QString::fromLatin1(QByteArray(1, byte).toHex());
+                          : '_' + QString::fromLatin1(QByteArray(1, byte).toHex());
     }
     return path;
 }
 
 QString objectPath(const QString &udn, const QString &objectId)
 {
-    return serverPath(udn) + QLatin1Char('/') + QString::fromLatin1(objectId.toUtf8().toHex());
+    return serverPath(udn) + '/' + QString::fromLatin1(objectId.toUtf8().toHex());
 }

@@ -85,13 +85,13 @@ public:
         const QVariantList &arguments = {});
     Answer get(const QString &path, const QString &interface, const QString &property);
     Answer getAll(const QString &path, const QString &interface);
-    Call startListing(const QString &path, uint offset, uint max,
-        const QStringList &filter = {QStringLiteral("*")});
-    Answer list(const QString &path, uint offset = 0, uint max = 0,
-        const QStringList &filter = {QStringLiteral("*")});
+    Call startListing(
+        const QString &path, uint offset, uint max, const QStringList &filter = {"*"});
+    Answer list(
+        const QString &path, uint offset = 0, uint max = 0, const QStringList &filter = {"*"});
     /// The rows and, as the second value, the total.
     Answer search(const QString &path, const QString &query, uint offset = 0, uint max = 0,
-        const QStringList &filter = {QStringLiteral("*")}, const QString &sort = QString());
+        const QStringList &filter = {"*"}, const QString &sort = QString());
     QStringList servers();
 
     /// Starts the server and waits until the service has announced it; its path, and "" where it

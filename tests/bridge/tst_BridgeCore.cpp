@@ -24,30 +24,27 @@ std::string didl(const std::string &objects)
 
 QString quoted(const std::string &text)
 {
-    return QLatin1Char('\'') + QString::fromStdString(text) + QLatin1Char('\'');
+    return '\'' + QString::fromStdString(text) + '\'';
 }
 
 /// A value as these tests write it.
 struct Printer
 {
     QString operator()(const std::string &text) const { return quoted(text); }
-    QString operator()(const ObjectPath &path) const
-    {
-        return QStringLiteral("path ") + quoted(path.text);
-    }
+    QString operator()(const ObjectPath &path) const { return "path " + quoted(path.text); }
     QString operator()(int32_t number) const { return QString::number(number); }
-    QString operator()(uint32_t number) const { return QStringLiteral("uint32 %1").arg(number); }
+    QString operator()(uint32_t number) const { return QString("uint32 %1").arg(number); }
     QString operator()(const std::vector<std::string> &texts) const
     {
         QStringList parts;
         for (const std::string &text : texts)
             parts.append(quoted(text));
-        return QLatin1Char('[') + parts.join(QStringLiteral(", ")) + QLatin1Char(']');
+        return '[' + parts.join(", ") + ']';
     }
     template<typename Other>
     QString operator()(const Other &) const
     {
-        return QStringLiteral("a type that no row expects");
+        return "a type that no row expects";
     }
 };
 
@@ -56,17 +53,17 @@ QString propertiesOf(const std::string &document, const std::vector<std::string>
 {
     const auto list = parseDidl(document);
     if (!list)
-        return QStringLiteral("no DIDL-Lite");
+        return "no DIDL-Lite";
     QStringList lines;
     for (const MediaObject &object : list->objects) {
         QStringList parts;
         for (const auto &[name, value] :
             propertyMap(object, propertySetFromFilter(filter), {server, "http://10.0.0.1:8200/"}))
-            parts.append(QString::fromStdString(name) + QStringLiteral(": ")
+            parts.append(QString::fromStdString(name) + ": "
                 + std::visit(Printer(), static_cast<const Value::variant &>(value)));
-        lines.append(parts.join(QStringLiteral(", ")));
+        lines.append(parts.join(", "));
     }
-    return lines.join(QLatin1Char('\n'));
+    return lines.join('\n');
 }
 
 std::optional<int64_t> noNumber()
@@ -296,8 +293,8 @@ private Q_SLOTS:
     void typesAreNamedAfterClasses()
     {
         QFETCH(QString, upnpClass);
-        const MediaType type = mediaTypeOfClass(
-            upnpClass.toStdString(), upnpClass.contains(QLatin1String("container")));
+        const MediaType type =
+            mediaTypeOfClass(upnpClass.toStdString(), upnpClass.contains("container"));
         QTEST(QString::fromUtf8(type.type.data(), int(type.type.size())), "type");
         QTEST(QString::fromStdString(type.typeEx), "typeEx");
     }

@@ -6,8 +6,7 @@
 
 namespace {
 
-const QString numbers = QStringLiteral("numbers"), empty = QStringLiteral("empty"),
-              odd = QStringLiteral("odd");
+const QString numbers = "numbers", empty = "empty", odd = "odd";
 constexpr uint numberCount = 25;
 
 QStringList texts(const Answer &answer, const QString &key)
@@ -22,7 +21,7 @@ QStringList trackTitles(uint from, uint to)
 {
     QStringList list;
     for (uint number = from + 1; number <= to; ++number)
-        list.append(QStringLiteral("Track %1").arg(number, 5, 10, QLatin1Char('0')));
+        list.append("Track %1"_s.arg(number, 5, 10, QLatin1Char('0')));
     return list;
 }
 
@@ -43,10 +42,9 @@ private Q_SLOTS:
     void initTestCase()
     {
         bridge = std::make_unique<BridgeFixture>();
-        server = std::make_unique<ScriptedUpnpServer>(newUdn(), QStringLiteral("Test & Music <1>"));
-        server->tree.addFolder(
-            numbers, QStringLiteral("0"), QStringLiteral("Numbers"), numberCount);
-        server->tree.addFolder(empty, QStringLiteral("0"), QStringLiteral("Empty"));
+        server = std::make_unique<ScriptedUpnpServer>(newUdn(), "Test & Music <1>");
+        server->tree.addFolder(numbers, "0", "Numbers", numberCount);
+        server->tree.addFolder(empty, "0", "Empty");
         addOddObjects();
         server->behaviour.bareAmpersands = true;
         root = bridge->add(*server);
@@ -80,7 +78,7 @@ private Q_SLOTS:
 
 void tst_BridgeListing::addOddObjects()
 {
-    server->tree.addFolder(odd, QStringLiteral("0"), QStringLiteral("Odd"));
+    server->tree.addFolder(odd, "0", "Odd");
     const auto add = [this](const char *id, const char *title, const char *upnpClass,
                          const char *xml) {
         const auto text = [](const char *from) {
@@ -145,14 +143,14 @@ void tst_BridgeListing::listsAreCompleteWhateverThePages()
     server->behaviour.pageCap = pageCap;
     server->behaviour.totalIsZero = totalIsZero;
     server->behaviour.refuseCountFrom = refuseCountFrom;
-    const Answer answer = bridge->list(path(numbers), offset, max, {QStringLiteral("DisplayName")});
+    const Answer answer = bridge->list(path(numbers), offset, max, {"DisplayName"});
     QCOMPARE(answer.message, QString());
-    QCOMPARE(texts(answer, QStringLiteral("DisplayName")), trackTitles(offset, end));
+    QCOMPARE(texts(answer, "DisplayName"), trackTitles(offset, end));
 
-    const Answer found = bridge->search(path(numbers), QStringLiteral("Type = \"music\""), offset,
-        max, {QStringLiteral("DisplayName")});
+    const Answer found =
+        bridge->search(path(numbers), "Type = \"music\"", offset, max, {"DisplayName"});
     QCOMPARE(found.message, QString());
-    QCOMPARE(texts(found, QStringLiteral("DisplayName")), trackTitles(offset, end));
+    QCOMPARE(texts(found, "DisplayName"), trackTitles(offset, end));
 }
 
 void tst_BridgeListing::emptyAnswersAreEmptyLists_data()
@@ -172,7 +170,7 @@ void tst_BridgeListing::emptyAnswersAreEmptyLists()
     server->behaviour.emptyResult = ServerBehaviour::EmptyResult(emptyResult);
     server->behaviour.xmlDeclaration = xmlDeclaration;
     const QVector<Answer> answers{bridge->list(path(empty)), bridge->list(path(numbers), 100, 10),
-        bridge->search(root, QStringLiteral("DisplayName contains \"no such thing\""))};
+        bridge->search(root, "DisplayName contains \"no such thing\"")};
     for (const Answer &answer : answers) {
         QCOMPARE(answer.message, QString());
         QCOMPARE(answer.rows().size(), 0);
@@ -191,20 +189,20 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
     const auto value = [&rows](int row, const char *key) {
         return rows[row].value(QLatin1String(key));
     };
-    QCOMPARE(value(0, "DisplayName").toString(), QStringLiteral("bell  and more"));
-    QCOMPARE(value(1, "DisplayName").toString(), QStringLiteral("no id"));
-    QCOMPARE(value(2, "Path").toString(), path(QStringLiteral("3")));
-    QCOMPARE(value(3, "Type").toString(), QStringLiteral("item.unclassified"));
-    QCOMPARE(value(4, "Type").toString(), QStringLiteral("item.unclassified"));
-    QCOMPARE(value(4, "AlbumArtURL").toString(),
-        QStringLiteral("http://10.77.0.1:%1/art/5.jpg").arg(server->port()));
+    QCOMPARE(value(0, "DisplayName").toString(), "bell  and more");
+    QCOMPARE(value(1, "DisplayName").toString(), "no id");
+    QCOMPARE(value(2, "Path").toString(), path("3"));
+    QCOMPARE(value(3, "Type").toString(), "item.unclassified");
+    QCOMPARE(value(4, "Type").toString(), "item.unclassified");
+    QCOMPARE(
+        value(4, "AlbumArtURL").toString(), "http://10.77.0.1:%1/art/5.jpg"_s.arg(server->port()));
     QCOMPARE(value(5, "Duration").toInt(), 497);
     QCOMPARE(value(6, "Duration").toInt(), 1);
     QCOMPARE(value(7, "Duration").toInt(), 359999);
-    QCOMPARE(value(8, "AlbumArtURL").toString(), QStringLiteral("http://10.77.0.1/9.jpg"));
-    QCOMPARE(value(9, "DisplayName").toString(), QStringLiteral("Rock & Roll &c; <live>"));
-    QCOMPARE(value(10, "DisplayName").toString(), QStringLiteral("malformed"));
-    QCOMPARE(value(11, "DisplayName").toString(), QStringLiteral("after it"));
+    QCOMPARE(value(8, "AlbumArtURL").toString(), "http://10.77.0.1/9.jpg");
+    QCOMPARE(value(9, "DisplayName").toString(), "Rock & Roll &c; <live>");
+    QCOMPARE(value(10, "DisplayName").toString(), "malformed");
+    QCOMPARE(value(11, "DisplayName").toString(), "after it");
 }
 
 /// Either the bridge gets what is missing, or it says so.
@@ -213,7 +211,7 @@ void tst_BridgeListing::cutAnswersAreNeverCutLists()
     server->behaviour.cutResult = true;
     const Answer answer = bridge->list(path(numbers));
     QVERIFY2(!answer.ok() || answer.rows().size() == int(numberCount),
-        qPrintable(QStringLiteral("%1 rows and no error").arg(answer.rows().size())));
+        qPrintable("%1 rows and no error"_s.arg(answer.rows().size())));
 }
 
 void tst_BridgeListing::deviceTellsWhatItsDescriptionSays_data()
@@ -222,20 +220,18 @@ void tst_BridgeListing::deviceTellsWhatItsDescriptionSays_data()
     const auto row = [](const char *name, const QVariant &expected) {
         QTest::newRow(name) << expected;
     };
-    row("FriendlyName", QStringLiteral("Test & Music <1>"));
+    row("FriendlyName", "Test & Music <1>");
     row("UDN", QVariant());
-    row("DeviceType", QStringLiteral("urn:schemas-upnp-org:device:MediaServer:1"));
-    row("Manufacturer", QStringLiteral("Scripted Makers"));
-    row("ManufacturerUrl", QStringLiteral("http://makers.example/"));
-    row("ModelDescription", QStringLiteral("A server that does as it is told"));
-    row("ModelName", QStringLiteral("Scripted"));
-    row("ModelNumber", QStringLiteral("1"));
-    row("ModelURL", QStringLiteral("http://makers.example/1"));
-    row("SerialNumber", QStringLiteral("0001"));
+    row("DeviceType", "urn:schemas-upnp-org:device:MediaServer:1");
+    row("Manufacturer", "Scripted Makers");
+    row("ManufacturerUrl", "http://makers.example/");
+    row("ModelDescription", "A server that does as it is told");
+    row("ModelName", "Scripted");
+    row("ModelNumber", "1");
+    row("ModelURL", "http://makers.example/1");
+    row("SerialNumber", "0001");
     row("SearchCaps",
-        QStringList{QStringLiteral("DisplayName"), QStringLiteral("Artist"),
-            QStringLiteral("Album"), QStringLiteral("Type"), QStringLiteral("TypeEx"),
-            QStringLiteral("Path"), QStringLiteral("Parent")});
+        QStringList{"DisplayName", "Artist", "Album", "Type", "TypeEx", "Path", "Parent"});
 }
 
 void tst_BridgeListing::deviceTellsWhatItsDescriptionSays()
@@ -255,31 +251,26 @@ void tst_BridgeListing::objectsAnswerByInterface_data()
     QTest::addColumn<QString>("property"); // null: GetAll
     QTest::addColumn<QString>("error");
     QTest::addColumn<QString>("value");
-    const QString track = numbers + QStringLiteral("$4"),
-                  failed = QStringLiteral("com.intel.dleyna.OperationFailed"),
-                  unknown = QStringLiteral("com.intel.dleyna.UnknownInterface"), none, all;
+    const QString track = numbers + "$4", failed = "com.intel.dleyna.OperationFailed",
+                  unknown = "com.intel.dleyna.UnknownInterface", none, all;
     const auto row = [](const char *name, const QString &place, const QString &interface,
                          const QString &property, const QString &error, const QString &value) {
         QTest::newRow(name) << place << interface << property << error << value;
     };
-    const QString count = QStringLiteral("ChildCount"), name = QStringLiteral("DisplayName");
-    row("count as an object", numbers, objectInterface, count, none, QStringLiteral("25"));
-    row("count as a container", numbers, containerInterface, count, none, QStringLiteral("25"));
-    row("count without interface", numbers, QString::fromLatin1(""), count, none,
-        QStringLiteral("25"));
-    row("count of the server", QStringLiteral("0"), containerInterface, count, none,
-        QStringLiteral("3"));
-    row("title of the server's root", QStringLiteral("0"), objectInterface, name, none,
-        QStringLiteral("root"));
-    row("title of a track", track, objectInterface, name, none, QStringLiteral("Track 00005"));
-    row("artist of a track", track, itemInterface, QStringLiteral("Artist"), none,
-        QStringLiteral("Artist 4"));
+    const QString count = "ChildCount", name = "DisplayName";
+    row("count as an object", numbers, objectInterface, count, none, "25");
+    row("count as a container", numbers, containerInterface, count, none, "25");
+    row("count without interface", numbers, QString::fromLatin1(""), count, none, "25");
+    row("count of the server", "0", containerInterface, count, none, "3");
+    row("title of the server's root", "0", objectInterface, name, none, "root");
+    row("title of a track", track, objectInterface, name, none, "Track 00005");
+    row("artist of a track", track, itemInterface, "Artist", none, "Artist 4");
     row("a container is no item", numbers, itemInterface, all, unknown, none);
     row("an item is no container", track, containerInterface, all, unknown, none);
-    row("an interface nobody has", track, QStringLiteral("org.example.None"), all, unknown, none);
-    row("an id nobody has", QStringLiteral("zzz"), objectInterface, name, failed, none);
-    row("a property nobody has", track, objectInterface, QStringLiteral("Bogus"),
-        QStringLiteral("com.intel.dleyna.UnknownProperty"), none);
+    row("an interface nobody has", track, "org.example.None", all, unknown, none);
+    row("an id nobody has", "zzz", objectInterface, name, failed, none);
+    row("a property nobody has", track, objectInterface, "Bogus",
+        "com.intel.dleyna.UnknownProperty", none);
 }
 
 void tst_BridgeListing::objectsAnswerByInterface()
@@ -289,7 +280,7 @@ void tst_BridgeListing::objectsAnswerByInterface()
     QFETCH(QString, property);
     QFETCH(QString, error);
     QFETCH(QString, value);
-    const QString object = place == QLatin1String("0") ? root : path(place);
+    const QString object = place == "0" ? root : path(place);
     const Answer answer = property.isNull() ? bridge->getAll(object, interface)
                                             : bridge->get(object, interface, property);
     QCOMPARE(answer.error, error);
@@ -300,60 +291,56 @@ void tst_BridgeListing::objectsAnswerByInterface()
 
 void tst_BridgeListing::kindsAreListedApartAndSorted()
 {
-    const QStringList filter{QStringLiteral("DisplayName")};
+    const QStringList filter{"DisplayName"};
     const auto listed = [&](const char *method, const QVariantList &more = {}) {
         const Answer answer = bridge->call(root, containerInterface, QString::fromLatin1(method),
             QVariantList{0U, 0U, filter} + more);
         return answer.ok() ? texts(answer, filter[0]) : QStringList{answer.message};
     };
-    const QStringList up{QStringLiteral("Empty"), QStringLiteral("Numbers"), QStringLiteral("Odd")};
+    const QStringList up{"Empty", "Numbers", "Odd"};
     const QStringList down{up[2], up[1], up[0]}, written{up[1], up[0], up[2]};
     QCOMPARE(listed("ListContainers"), written);
     QCOMPARE(listed("ListItems"), QStringList());
-    QCOMPARE(listed("ListChildrenEx", {QStringLiteral("+DisplayName")}), up);
-    QCOMPARE(listed("ListContainersEx", {QStringLiteral("-DisplayName")}), down);
-    QCOMPARE(listed("ListChildrenEx", {QStringLiteral("-Artist")}),
+    QCOMPARE(listed("ListChildrenEx", {"+DisplayName"}), up);
+    QCOMPARE(listed("ListContainersEx", {"-DisplayName"}), down);
+    QCOMPARE(listed("ListChildrenEx", {"-Artist"}),
         written); // the server can't sort by it
-    const Answer items = bridge->call(
-        path(numbers), containerInterface, QStringLiteral("ListItems"), {20U, 10U, filter});
+    const Answer items =
+        bridge->call(path(numbers), containerInterface, "ListItems", {20U, 10U, filter});
     QCOMPARE(texts(items, filter[0]), trackTitles(20, 25));
 }
 
 void tst_BridgeListing::contentCannotBeChanged()
 {
     const QVector<QPair<QString, QVariantList>> changes{
-        {QStringLiteral("CreateContainer"),
-            {QStringLiteral("New"), QStringLiteral("container"), QStringList()}},
-        {QStringLiteral("Upload"), {QStringLiteral("New"), QStringLiteral("/etc/hostname")}}};
+        {"CreateContainer", {"New", "container", QStringList()}},
+        {"Upload", {"New", "/etc/hostname"}}};
     for (const auto &[method, arguments] : changes) {
         const Answer answer = bridge->call(path(numbers), containerInterface, method, arguments);
-        QVERIFY2(!answer.ok() && answer.message.size() > 10,
-            qPrintable(method + QLatin1Char(' ') + answer.message));
+        QVERIFY2(
+            !answer.ok() && answer.message.size() > 10, qPrintable(method + ' ' + answer.message));
     }
-    QVERIFY(!bridge->call(path(numbers), objectInterface, QStringLiteral("Delete")).ok());
-    QCOMPARE(server->count(QStringLiteral("DestroyObject")), 0);
+    QVERIFY(!bridge->call(path(numbers), objectInterface, "Delete").ok());
+    QCOMPARE(server->count("DestroyObject"), 0);
 }
 
 void tst_BridgeListing::introspectionTellsTheTruth()
 {
     const auto interfaces = [this](const QString &object) {
         const QString xml =
-            bridge
-                ->call(object, QStringLiteral("org.freedesktop.DBus.Introspectable"),
-                    QStringLiteral("Introspect"))
+            bridge->call(object, "org.freedesktop.DBus.Introspectable", "Introspect")
                 .value()
                 .toString();
         QString has;
         for (const QString &one :
             {managerInterface, deviceInterface, objectInterface, containerInterface, itemInterface})
-            has += xml.contains(QLatin1Char('"') + one + QLatin1Char('"')) ? QLatin1Char('x')
-                                                                           : QLatin1Char('-');
+            has += xml.contains('"' + one + '"') ? 'x' : '-';
         return has;
     };
-    QCOMPARE(interfaces(managerPath), QStringLiteral("x----"));
-    QCOMPARE(interfaces(root), QStringLiteral("-xxx-"));
-    QCOMPARE(interfaces(path(numbers)), QStringLiteral("--xx-"));
-    QCOMPARE(interfaces(path(numbers + QStringLiteral("$1"))), QStringLiteral("--x-x"));
+    QCOMPARE(interfaces(managerPath), "x----");
+    QCOMPARE(interfaces(root), "-xxx-");
+    QCOMPARE(interfaces(path(numbers)), "--xx-");
+    QCOMPARE(interfaces(path(numbers + "$1")), "--x-x");
 }
 
 BRIDGE_TEST_MAIN(tst_BridgeListing)

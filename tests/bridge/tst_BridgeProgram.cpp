@@ -17,8 +17,7 @@ Ended runBridge(const QStringList &arguments)
 {
     ChildProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(
-        QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere/bus"));
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(BRIDGE_PROGRAM), arguments);
     if (!process.waitForFinished(10000) || process.exitStatus() != QProcess::NormalExit)
@@ -49,7 +48,7 @@ void tst_BridgeProgram::wrongUseEndsWithASentence_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("says");
     const auto row = [](const char *arguments, int status, const char *says) {
-        QTest::newRow(arguments) << QString::fromLatin1(arguments).split(QLatin1Char(' ')) << status
+        QTest::newRow(arguments) << QString::fromLatin1(arguments).split(' ') << status
                                  << QString::fromLatin1(says);
     };
     row("--version", 0, "orka-media-bridge");
@@ -77,7 +76,7 @@ void tst_BridgeProgram::theNameIsNeverTakenUnasked()
 {
     BridgeFixture bridge;
     const qint64 owner = bridge.pid();
-    const Ended second = runBridge({QStringLiteral("--bus"), bridge.address()});
+    const Ended second = runBridge({"--bus", bridge.address()});
     QCOMPARE(second.status, 3);
     QVERIFY2(second.errors.contains(serviceName.toLatin1()), second.errors.constData());
     QCOMPARE(bridge.pid(), owner);
@@ -88,13 +87,12 @@ void tst_BridgeProgram::replacesWhenAskedTo()
     BridgeFixture bridge;
     const qint64 owner = bridge.pid();
     ChildProcess second;
-    second.start(QStringLiteral(BRIDGE_PROGRAM),
-        {QStringLiteral("--bus"), bridge.address(), QStringLiteral("--replace")});
+    second.start(QStringLiteral(BRIDGE_PROGRAM), {"--bus", bridge.address(), "--replace"});
     QVERIFY(second.waitForStarted());
     QTRY_VERIFY(bridge.pid() == second.processId() || second.state() == QProcess::NotRunning);
     QVERIFY2(bridge.pid() != owner, second.readAllStandardError().constData());
     QCOMPARE(bridge.stop(), 3); // the first has said that it was replaced
-    QVERIFY(bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion")).ok());
+    QVERIFY(bridge.call(managerPath, managerInterface, "GetVersion").ok());
     second.terminate();
     QVERIFY(second.waitForFinished(2000));
     QCOMPARE(second.exitCode(), 0);
@@ -105,7 +103,7 @@ void tst_BridgeProgram::endsWithTheBus()
     ChildProcess program;
     {
         BridgeFixture bus(BridgeFixture::Activated);
-        program.start(QStringLiteral(BRIDGE_PROGRAM), {QStringLiteral("--bus"), bus.address()});
+        program.start(QStringLiteral(BRIDGE_PROGRAM), {"--bus", bus.address()});
         QTRY_VERIFY(bus.bus().interface()->isServiceRegistered(serviceName));
     }
     QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(5000));
@@ -114,71 +112,60 @@ void tst_BridgeProgram::endsWithTheBus()
 
 void tst_BridgeProgram::staysWhileItHasClients()
 {
-    BridgeFixture bridge(
-        BridgeFixture::Activated, {QStringLiteral("--idle-exit"), QStringLiteral("1")});
+    BridgeFixture bridge(BridgeFixture::Activated, {"--idle-exit", "1"});
     const auto running = [&bridge] {
         return bool(bridge.bus().interface()->isServiceRegistered(serviceName));
     };
     {
-        QDBusConnection client =
-            QDBusConnection::connectToBus(bridge.address(), QStringLiteral("client"));
+        QDBusConnection client = QDBusConnection::connectToBus(bridge.address(), "client");
         QDBusMessage hello = QDBusMessage::createMethodCall(
-            serviceName, managerPath, managerInterface, QStringLiteral("GetServers"));
+            serviceName, managerPath, managerInterface, "GetServers");
         QVERIFY(Call(client.asyncCall(hello)).wait().ok());
         QVERIFY(!QTest::qWaitFor([&] { return !running(); }, 2500));
     }
-    QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+    QDBusConnection::disconnectFromBus("client");
     QTRY_VERIFY(!running());
 
-    QVERIFY(bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion")).ok());
+    QVERIFY(bridge.call(managerPath, managerInterface, "GetVersion").ok());
     QVERIFY(running());
-    bridge.call(managerPath, managerInterface, QStringLiteral("Release"));
+    bridge.call(managerPath, managerInterface, "Release");
     QTRY_VERIFY(!running());
 }
 
 void tst_BridgeProgram::managerAnswers()
 {
     BridgeFixture bridge;
-    QVERIFY(!bridge.call(managerPath, managerInterface, QStringLiteral("GetVersion"))
-                 .value()
-                 .toString()
-                 .isEmpty());
-    const QVector<QPair<QString, QVariantList>> accepted{{QStringLiteral("Rescan"), {}},
-        {QStringLiteral("SetProtocolInfo"), {QStringLiteral("http-get:*:audio/mpeg:*")}},
-        {QStringLiteral("PreferLocalAddresses"), {true}}};
+    QVERIFY(!bridge.call(managerPath, managerInterface, "GetVersion").value().toString().isEmpty());
+    const QVector<QPair<QString, QVariantList>> accepted{{"Rescan", {}},
+        {"SetProtocolInfo", {"http-get:*:audio/mpeg:*"}}, {"PreferLocalAddresses", {true}}};
     for (const auto &[method, arguments] : accepted)
         QCOMPARE(bridge.call(managerPath, managerInterface, method, arguments).message, QString());
-    QCOMPARE(bridge.call(managerPath, managerInterface, QStringLiteral("Rescan"), {1}).error,
-        QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
-    QCOMPARE(bridge.call(managerPath, managerInterface, QStringLiteral("Bogus")).error,
-        QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
-    QVERIFY(
-        bridge
-            .call(managerPath, QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))
-            .ok());
+    QCOMPARE(bridge.call(managerPath, managerInterface, "Rescan", {1}).error,
+        "org.freedesktop.DBus.Error.InvalidArgs");
+    QCOMPARE(bridge.call(managerPath, managerInterface, "Bogus").error,
+        "org.freedesktop.DBus.Error.UnknownMethod");
+    QVERIFY(bridge.call(managerPath, "org.freedesktop.DBus.Peer", "Ping").ok());
 }
 
 void tst_BridgeProgram::pathsNobodyHasAreErrors_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("error");
-    const QString unknown = QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod");
-    const QString bad = QStringLiteral("com.intel.dleyna.BadPath"),
-                  udn = QStringLiteral("uuid:known");
-    QTest::newRow("no server of this name") << serverPath(QStringLiteral("uuid:none")) << unknown;
-    QTest::newRow("an object of no server")
-        << objectPath(QStringLiteral("uuid:none"), QStringLiteral("1")) << unknown;
-    QTest::newRow("no hex") << serverPath(udn) + QStringLiteral("/xyz") << bad;
-    QTest::newRow("an odd number of digits") << serverPath(udn) + QStringLiteral("/123") << bad;
-    QTest::newRow("two elements") << serverPath(udn) + QStringLiteral("/31/32") << bad;
-    QTest::newRow("above the servers") << managerPath + QStringLiteral("/server") << unknown;
-    QTest::newRow("elsewhere") << QStringLiteral("/org/example") << unknown;
+    const QString unknown = "org.freedesktop.DBus.Error.UnknownMethod";
+    const QString bad = "com.intel.dleyna.BadPath", udn = "uuid:known";
+    QTest::newRow("no server of this name") << serverPath("uuid:none") << unknown;
+    QTest::newRow("an object of no server") << objectPath("uuid:none", "1") << unknown;
+    QTest::newRow("no hex") << serverPath(udn) + "/xyz" << bad;
+    QTest::newRow("an odd number of digits") << serverPath(udn) + "/123" << bad;
+    QTest::newRow("two elements") << serverPath(udn) + "/31/32" << bad;
+    QTest::newRow("above the servers") << managerPath + "/server" << unknown;
+    QTest::newRow("elsewhere") << "/org/example" << unknown;
 }
 
 void tst_BridgeProgram::pathsNobodyHasAreErrors()
 {
     BridgeFixture bridge;
-    ScriptedUpnpServer server(QStringLiteral("uuid:known"));
+    ScriptedUpnpServer server("uuid:known");
     QVERIFY(!bridge.add(server).isEmpty());
     QFETCH(QString, path);
     QTEST(bridge.list(path).error, "error");

@@ -14,9 +14,8 @@ private:
 
     QString sentCriteria() const
     {
-        return server->calls().isEmpty()
-            ? QString()
-            : server->calls().last().arguments.value(QStringLiteral("SearchCriteria"));
+        return server->calls().isEmpty() ? QString()
+                                         : server->calls().last().arguments.value("SearchCriteria");
     }
 
 private Q_SLOTS:
@@ -24,13 +23,10 @@ private Q_SLOTS:
     {
         bridge = std::make_unique<BridgeFixture>();
         server = std::make_unique<ScriptedUpnpServer>(newUdn());
-        server->tree.addFolder(QStringLiteral("m"), QStringLiteral("0"), QStringLiteral("Music"));
-        server->tree.addTrack(
-            QStringLiteral("t1"), QStringLiteral("m"), QStringLiteral("Say \"Hello\""));
-        server->tree.addTrack(
-            QStringLiteral("t2"), QStringLiteral("m"), QStringLiteral("Back\\slash & <more>"));
-        server->tree.addTrack(
-            QStringLiteral("t3"), QStringLiteral("m"), QStringLiteral("100 % Ärger"));
+        server->tree.addFolder("m", "0", "Music");
+        server->tree.addTrack("t1", "m", "Say \"Hello\"");
+        server->tree.addTrack("t2", "m", "Back\\slash & <more>");
+        server->tree.addTrack("t3", "m", "100 % Ärger");
         root = bridge->add(*server);
         QVERIFY(!root.isEmpty());
     }
@@ -52,7 +48,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("id");
         const auto row = [](const char *name, const char *query, const char *sent, const char *id) {
             const auto text = [](const char *single) { // ' stands for "
-                return QString::fromUtf8(single).replace(QLatin1Char('\''), QLatin1Char('"'));
+                return QString::fromUtf8(single).replace('\'', '"');
             };
             QTest::newRow(name) << text(query) << text(sent) << QString::fromLatin1(id);
         };
@@ -74,8 +70,7 @@ private Q_SLOTS:
         QTEST(sentCriteria(), "sent");
         QFETCH(QString, id);
         QCOMPARE(answer.rows().size(), 1);
-        QCOMPARE(answer.rows()[0].value(QStringLiteral("Path")).toString(),
-            objectPath(server->udn(), id));
+        QCOMPARE(answer.rows()[0].value("Path").toString(), objectPath(server->udn(), id));
         QCOMPARE(answer.values.value(1).toUInt(), 1U);
     }
 
@@ -83,7 +78,7 @@ private Q_SLOTS:
     {
         const Answer answer = bridge->search(root, QString());
         QCOMPARE(answer.message, QString());
-        QCOMPARE(sentCriteria(), QStringLiteral("*"));
+        QCOMPARE(sentCriteria(), "*");
         QCOMPARE(answer.rows().size(), 4);
     }
 
@@ -98,9 +93,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, query);
         const Answer answer = bridge->search(root, query);
-        QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.BadQuery"));
+        QCOMPARE(answer.error, "com.intel.dleyna.BadQuery");
         QVERIFY(!answer.message.isEmpty());
-        QCOMPARE(server->count(QStringLiteral("Search")), 0);
+        QCOMPARE(server->count("Search"), 0);
     }
 
     void aSearchThatTheServerRefusesIsAnError_data()
@@ -113,41 +108,39 @@ private Q_SLOTS:
     void aSearchThatTheServerRefusesIsAnError()
     {
         QFETCH(int, code);
-        server->behaviour.fail.insert(QStringLiteral("Search"), code);
-        const Answer answer = bridge->search(root, QStringLiteral("Artist contains \"x\""));
-        QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));
-        QVERIFY(answer.message.startsWith(QLatin1String("Search operation failed")));
+        server->behaviour.fail.insert("Search", code);
+        const Answer answer = bridge->search(root, "Artist contains \"x\"");
+        QCOMPARE(answer.error, "com.intel.dleyna.OperationFailed");
+        QVERIFY(answer.message.startsWith("Search operation failed"));
     }
 
     void capabilitiesOfServersThatCannotSearch()
     {
         ScriptedUpnpServer poor(newUdn()), silent(newUdn()), able(newUdn());
         poor.behaviour.searchCaps.clear();
-        poor.behaviour.fail.insert(QStringLiteral("Search"), 501);
-        silent.behaviour.fail.insert(QStringLiteral("GetSearchCapabilities"), 501);
-        able.behaviour.searchCaps = QStringLiteral("*");
-        const QString caps = QStringLiteral("SearchCaps");
+        poor.behaviour.fail.insert("Search", 501);
+        silent.behaviour.fail.insert("GetSearchCapabilities", 501);
+        able.behaviour.searchCaps = "*";
+        const QString caps = "SearchCaps";
         QCOMPARE(bridge->get(bridge->add(poor), deviceInterface, caps).value().toStringList(),
             QStringList());
         QCOMPARE(bridge->get(bridge->add(able), deviceInterface, caps).value().toStringList(),
-            QStringList{QStringLiteral("*")});
+            QStringList{"*"});
         const QString path = bridge->add(silent);
-        QCOMPARE(bridge->get(path, deviceInterface, caps).error,
-            QStringLiteral("com.intel.dleyna.UnknownProperty"));
-        QVERIFY(
-            !bridge->search(serverPath(poor.udn()), QStringLiteral("Artist contains \"x\"")).ok());
+        QCOMPARE(
+            bridge->get(path, deviceInterface, caps).error, "com.intel.dleyna.UnknownProperty");
+        QVERIFY(!bridge->search(serverPath(poor.udn()), "Artist contains \"x\"").ok());
         QVERIFY(bridge->list(path).ok());
     }
 
     void resultsAreSortedByWhatTheServerCan()
     {
         const auto search = [this](const char *sort) {
-            return bridge->search(root, QStringLiteral("Type = \"music\""), 0, 1,
-                {QStringLiteral("DisplayName")}, QString::fromLatin1(sort));
+            return bridge->search(
+                root, "Type = \"music\"", 0, 1, {"DisplayName"}, QString::fromLatin1(sort));
         };
-        QCOMPARE(
-            search("-DisplayName").rows().value(0).value(QStringLiteral("DisplayName")).toString(),
-            QStringLiteral("Say \"Hello\""));
+        QCOMPARE(search("-DisplayName").rows().value(0).value("DisplayName").toString(),
+            "Say \"Hello\"");
         QCOMPARE(search("+DisplayName").values.value(1).toUInt(), 3U);
         QVERIFY(search("+Artist").ok());
         QVERIFY(!search("+Bogus").ok());

@@ -2,20 +2,19 @@
 #include "ScriptedUpnpServer.h"
 #include "TestNamespace.h"
 
-#include <QFile>
 #include <QTest>
 
 #include <csignal>
 
 namespace {
 
-const QString folder = QStringLiteral("f");
+const QString folder = "f";
 
 /// A server with a folder of ten.
 std::unique_ptr<ScriptedUpnpServer> newServer(const QString &udn = newUdn())
 {
     auto server = std::make_unique<ScriptedUpnpServer>(udn);
-    server->tree.addFolder(folder, QStringLiteral("0"), QStringLiteral("Folder"), 10);
+    server->tree.addFolder(folder, "0", "Folder", 10);
     return server;
 }
 
@@ -24,22 +23,13 @@ class ServerProcess
 {
 public:
     explicit ServerProcess(const QString &udn)
+        : m_udn(udn)
     {
-        QFile script(m_folder.filePath(QStringLiteral("script.json")));
-        if (!script.open(QIODevice::WriteOnly))
-            qFatal("%s", qPrintable(script.errorString()));
-        script.write(QStringLiteral(R"({"udn":"%1","objects":[{"id":"f","generated":10}]})")
-                         .arg(udn)
-                         .toUtf8());
-        script.close();
         start();
     }
     void start()
     {
-        const QString ready = m_process.startAndReadLine(QStringLiteral(SCRIPTED_UPNP_SERVER),
-            {m_folder.filePath(QStringLiteral("script.json"))});
-        QVERIFY2(ready.startsWith(QLatin1String("listening")),
-            m_process.readAllStandardError().constData());
+        QCOMPARE(m_process.startAndReadLine(SCRIPTED_UPNP_SERVER, {m_udn}), "listening");
     }
     void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
     void kill()
@@ -49,7 +39,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_folder;
+    QString m_udn;
     ChildProcess m_process;
 };
 
@@ -96,13 +86,13 @@ void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
     QVERIFY(!bridge->add(*good).isEmpty());
     QVERIFY(!bridge->add(*hanging).isEmpty());
     QVERIFY(!bridge->waitForServer(stoppedUdn).isEmpty());
-    hanging->behaviour.hang = QStringList{QStringLiteral("Browse"), QStringLiteral("Search")};
+    hanging->behaviour.hang = QStringList{"Browse", "Search"};
     stopped.signal(SIGSTOP);
     QVector<Call> stuck;
     for (const QString &udn : {hanging->udn(), stoppedUdn})
         stuck += {bridge->startListing(objectPath(udn, folder), 0, 0),
-            bridge->start(serverPath(udn), containerInterface, QStringLiteral("SearchObjectsEx"),
-                {QStringLiteral("Artist = \"x\""), 0U, 0U, QStringList(), QString()})};
+            bridge->start(serverPath(udn), containerInterface, "SearchObjectsEx",
+                {"Artist = \"x\"", 0U, 0U, QStringList(), QString()})};
     QVERIFY(QTest::qWaitFor([&] { return hanging->held() == 2; }));
 
     for (int i = 0; i < 20; ++i) {
@@ -113,9 +103,9 @@ void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
     QCOMPARE(bridge->servers().size(), 3);
     for (Call &call : stuck) {
         const Answer answer = call.wait();
-        QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));
-        QVERIFY2(answer.message.contains(QLatin1String("second"), Qt::CaseInsensitive)
-                || answer.message.contains(QLatin1String("time"), Qt::CaseInsensitive),
+        QCOMPARE(answer.error, "com.intel.dleyna.OperationFailed");
+        QVERIFY2(answer.message.contains("second", Qt::CaseInsensitive)
+                || answer.message.contains("time", Qt::CaseInsensitive),
             qPrintable(answer.message));
         QVERIFY2(answer.milliseconds <= 15000, qPrintable(QString::number(answer.milliseconds)));
     }
@@ -143,13 +133,13 @@ void tst_BridgeServers::callsToOneServerOverlap()
 void tst_BridgeServers::slowServersAreAskedForSmallPages()
 {
     const auto server = std::make_unique<ScriptedUpnpServer>(newUdn());
-    server->tree.addFolder(folder, QStringLiteral("0"), QStringLiteral("Folder"), 2000);
+    server->tree.addFolder(folder, "0", "Folder", 2000);
     server->behaviour.delayPerRow = 10;
     QVERIFY(!bridge->add(*server).isEmpty());
     const auto largestPage = [&] {
         int largest = 0;
         for (const SoapCall &call : server->calls())
-            largest = qMax(largest, call.arguments.value(QStringLiteral("RequestedCount")).toInt());
+            largest = qMax(largest, call.arguments.value("RequestedCount").toInt());
         server->forgetCalls();
         return largest;
     };
@@ -169,9 +159,9 @@ void tst_BridgeServers::droppedConnectionsLoseNoServer()
     server->behaviour.dropKept = true;
     for (int i = 0; i < 3; ++i)
         QCOMPARE(listFolder(server->udn()).rows().size(), 10);
-    server->behaviour.drop = QStringList{QStringLiteral("Browse")};
+    server->behaviour.drop = QStringList{"Browse"};
     const Answer answer = listFolder(server->udn());
-    QCOMPARE(answer.error, QStringLiteral("com.intel.dleyna.OperationFailed"));
+    QCOMPARE(answer.error, "com.intel.dleyna.OperationFailed");
     QVERIFY(answer.milliseconds < 5000);
     server->behaviour.drop.clear();
     QCOMPARE(listFolder(server->udn()).rows().size(), 10);
@@ -186,12 +176,8 @@ void tst_BridgeServers::aServerOnSeveralAddressesIsOne()
     bridge.reset();
     qputenv("ASAN_OPTIONS", "fast_unwind_on_malloc=0");
     qputenv("LSAN_OPTIONS", "suppressions=" GUPNP_LEAKS);
-    QCOMPARE(addTestInterface(QStringLiteral("lan1"),
-                 {QStringLiteral("10.78.0.1/24"), QStringLiteral("fd78::1/64")}),
-        QString());
-    QCOMPARE(addTestInterface(QStringLiteral("lan2"),
-                 {QStringLiteral("10.79.0.1/24"), QStringLiteral("fd79::1/64")}),
-        QString());
+    QCOMPARE(addTestInterface("lan1", {"10.78.0.1/24", "fd78::1/64"}), QString());
+    QCOMPARE(addTestInterface("lan2", {"10.79.0.1/24", "fd79::1/64"}), QString());
     bridge = std::make_unique<BridgeFixture>();
     const auto server = newServer(), other = newServer();
     const QString path = bridge->add(*server);
@@ -200,8 +186,8 @@ void tst_BridgeServers::aServerOnSeveralAddressesIsOne()
     QCOMPARE(bridge->servers().size(), 2);
     QCOMPARE(foundCount(path), 1);
 
-    removeTestInterface(QStringLiteral("lan1"));
-    removeTestInterface(QStringLiteral("lan2"));
+    removeTestInterface("lan1");
+    removeTestInterface("lan2");
     QTRY_COMPARE_WITH_TIMEOUT(listFolder(server->udn()).rows().size(), 10, 20000);
     server->leave();
     QTRY_COMPARE(lostCount(path), 1);
@@ -219,7 +205,7 @@ void tst_BridgeServers::aKilledServerIsLostAndFoundAgain()
     QVERIFY(!listFolder(udn).ok());
     QTRY_COMPARE_WITH_TIMEOUT(lostCount(path), 1, 5000);
     QCOMPARE(bridge->servers(), QStringList());
-    QCOMPARE(listFolder(udn).error, QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
+    QCOMPARE(listFolder(udn).error, "org.freedesktop.DBus.Error.UnknownMethod");
     bridge->forgetSignals();
     server.start();
     QTRY_COMPARE_WITH_TIMEOUT(foundCount(path), 1, 2000);
@@ -245,8 +231,7 @@ void tst_BridgeServers::onlyWhatWasAnnouncedIsLost()
     std::vector<std::unique_ptr<ScriptedUpnpServer>> bad;
     for (const bool hangs : {true, false}) {
         bad.push_back(newServer());
-        (hangs ? bad.back()->behaviour.hang : bad.back()->behaviour.drop)
-            .append(QStringLiteral("description"));
+        (hangs ? bad.back()->behaviour.hang : bad.back()->behaviour.drop).append("description");
         QCOMPARE(bad.back()->start(), QString());
     }
     QVERIFY(!bridge->add(*good).isEmpty());
@@ -276,7 +261,7 @@ void tst_BridgeServers::pendingCallsOfALostServerEnd()
 {
     const auto server = newServer();
     const QString path = bridge->add(*server);
-    server->behaviour.hang = QStringList{QStringLiteral("Browse")};
+    server->behaviour.hang = QStringList{"Browse"};
     Call call = bridge->startListing(path, 0, 0);
     QTRY_COMPARE(server->held(), 1);
     server->leave();

@@ -21,12 +21,11 @@ private Q_SLOTS:
                   rounds = full ? 10 : 6;
         // Else GLib's own pools count as memory in use.
         qputenv("G_SLICE", "always-malloc");
-        BridgeFixture bridge(BridgeFixture::Running, {QStringLiteral("-vv")});
+        BridgeFixture bridge(BridgeFixture::Running, {"-vv"});
         std::vector<std::unique_ptr<ScriptedUpnpServer>> servers;
         for (int i = 0; i < serverCount; ++i) {
             servers.push_back(std::make_unique<ScriptedUpnpServer>(newUdn()));
-            servers.back()->tree.addFolder(
-                QStringLiteral("f"), QStringLiteral("0"), QStringLiteral("F"), rowCount);
+            servers.back()->tree.addFolder("f", "0", "F", rowCount);
             QCOMPARE(servers.back()->start(), QString());
         }
         for (const auto &server : servers)
@@ -39,8 +38,7 @@ private Q_SLOTS:
             bridge.log();
             for (int i = 0; i < callCount; ++i)
                 calls.append(bridge.startListing(
-                    objectPath(servers[size_t(i % serverCount)]->udn(), QStringLiteral("f")), 0,
-                    0));
+                    objectPath(servers[size_t(i % serverCount)]->udn(), "f"), 0, 0));
             for (Call &call : calls) {
                 const Answer answer = call.wait();
                 QCOMPARE(answer.message, QString());
@@ -83,7 +81,7 @@ private:
         QByteArray log;
         qint64 kibibytes = 0;
         const auto said = [&] {
-            static const QRegularExpression sentence(QStringLiteral("quiet, (\\d+) KiB"));
+            static const QRegularExpression sentence("quiet, (\\d+) KiB");
             log += bridge.log();
             kibibytes = sentence.match(QString::fromUtf8(log)).captured(1).toLongLong();
             return sentence.match(QString::fromUtf8(log)).hasMatch();
@@ -93,7 +91,7 @@ private:
 
     static qint64 residentKibibytes(BridgeFixture &bridge)
     {
-        QFile file(QStringLiteral("/proc/%1/statm").arg(bridge.pid()));
+        QFile file("/proc/%1/statm"_s.arg(bridge.pid()));
         file.open(QIODevice::ReadOnly);
         return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) / 1024;
     }

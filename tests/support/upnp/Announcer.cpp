@@ -53,7 +53,7 @@ struct Address
     bool v6;
 };
 
-std::vector<Address> addresses(const QStringList &interfaces)
+std::vector<Address> addresses()
 {
     std::vector<Address> found;
     ifaddrs *list = nullptr;
@@ -62,8 +62,6 @@ std::vector<Address> addresses(const QStringList &interfaces)
     for (const ifaddrs *it = list; it; it = it->ifa_next) {
         constexpr unsigned wanted = IFF_UP | IFF_MULTICAST;
         if (!it->ifa_addr || (it->ifa_flags & (wanted | IFF_LOOPBACK)) != wanted)
-            continue;
-        if (!interfaces.isEmpty() && !interfaces.contains(QLatin1String(it->ifa_name)))
             continue;
         char text[INET6_ADDRSTRLEN] = "";
         const int family = it->ifa_addr->sa_family;
@@ -88,14 +86,14 @@ struct Announcer::Private
     std::vector<GSSDPResourceGroup *> groups;
 };
 
-Announcer::Announcer(const QString &udn, quint16 port, const QStringList &interfaces)
+Announcer::Announcer(const QString &udn, quint16 port)
     : d(new Private)
 {
     const std::string id = udn.toStdString();
     const std::vector<std::string> types{"urn:schemas-upnp-org:device:MediaServer:1",
         "urn:schemas-upnp-org:service:ContentDirectory:1",
         "urn:schemas-upnp-org:service:ConnectionManager:1"};
-    for (const Address &address : addresses(interfaces)) {
+    for (const Address &address : addresses()) {
         GSSDPClient *client = clientFor(address.interface.c_str(), address.text.c_str());
         if (!client)
             continue;

@@ -1,19 +1,18 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 #include <memory>
 
-/// Announces one UPnP media server by SSDP on every address of the interfaces, and answers searches
-/// for it.
+/// Announces one UPnP media server by SSDP on every address of the machine, and answers
+/// searches for it.
 class Announcer
 {
 public:
-    /// `interfaces` empty: every interface that is up, carries multicast and isn't the loopback.
-    /// The description is fetched from `port` at the address that heard the search. Addresses that
-    /// can't be used are left out.
-    Announcer(const QString &udn, quint16 port, const QStringList &interfaces);
+    /// On every interface that is up, carries multicast and isn't the loopback. The description is
+    /// fetched from `port` at the address that heard the search. Addresses that can't be used are
+    /// left out.
+    Announcer(const QString &udn, quint16 port);
     ~Announcer(); ///< says byebye, unless it was silenced
 
     /// From here on nothing is sent, not even a byebye.

@@ -35,30 +35,27 @@ struct Page
             const MediaObject object = objectAt(int(row));
             objects += didlElement(object, tree.childCount(object.id), base);
         }
-        return {soapAnswer(contentDirectoryType, action,
-            {{QStringLiteral("Result"), result(objects)},
-                {QStringLiteral("NumberReturned"), QString::number(size())},
-                {QStringLiteral("TotalMatches"),
-                    QString::number(behaviour.totalIsZero ? 0 : total)},
-                {QStringLiteral("UpdateID"), QStringLiteral("1")}})};
+        return {soapAnswer(action,
+            {{"Result", result(objects)}, {"NumberReturned", QString::number(size())},
+                {"TotalMatches", QString::number(behaviour.totalIsZero ? 0 : total)},
+                {"UpdateID", "1"}})};
     }
 
     QString result(const QString &objects) const
     {
         if (objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::NoResult)
             return {};
-        QString text = behaviour.xmlDeclaration
-            ? QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n")
-            : QString();
-        text += QStringLiteral("<DIDL-Lite xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\" "
-                               "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
-                               "xmlns:dlna=\"urn:schemas-dlna-org:metadata-1-0/\" "
-                               "xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\">");
+        QString text =
+            behaviour.xmlDeclaration ? "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" : QString();
+        text += "<DIDL-Lite xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\" "
+                "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+                "xmlns:dlna=\"urn:schemas-dlna-org:metadata-1-0/\" "
+                "xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\">";
         if (objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::EmptyWrapped)
-            text += QStringLiteral("\n  <!-- nothing -->\n");
-        text += objects + QStringLiteral("</DIDL-Lite>");
+            text += "\n  <!-- nothing -->\n";
+        text += objects + "</DIDL-Lite>";
         if (behaviour.bareAmpersands)
-            text.replace(QLatin1String("&amp;"), QLatin1String("&"));
+            text.replace("&amp;", "&");
         return behaviour.cutResult ? text.left(text.size() / 2) : text;
     }
 };
@@ -68,9 +65,9 @@ bool sortByTitle(QVector<MediaObject> &objects, const QString &criteria)
 {
     if (criteria.isEmpty())
         return true;
-    if (criteria != QLatin1String("+dc:title") && criteria != QLatin1String("-dc:title"))
+    if (criteria != "+dc:title" && criteria != "-dc:title")
         return false;
-    const bool up = criteria.startsWith(QLatin1Char('+'));
+    const bool up = criteria.startsWith('+');
     std::stable_sort(
         objects.begin(), objects.end(), [up](const MediaObject &a, const MediaObject &b) {
             return up ? a.title < b.title : b.title < a.title;
@@ -81,7 +78,7 @@ bool sortByTitle(QVector<MediaObject> &objects, const QString &criteria)
 SoapAnswer answerRows(const SoapCall &call, const QVector<MediaObject> &found, Page page)
 {
     QVector<MediaObject> rows = found;
-    if (!sortByTitle(rows, call.arguments.value(QStringLiteral("SortCriteria"))))
+    if (!sortByTitle(rows, call.arguments.value("SortCriteria")))
         return fault(badSort, "Unsupported or invalid sort criteria");
     page.total = quint32(rows.size());
     return page.answer(call.action, [&rows](int row) { return rows[row]; });
@@ -89,16 +86,15 @@ SoapAnswer answerRows(const SoapCall &call, const QVector<MediaObject> &found, P
 
 SoapAnswer browse(const SoapCall &call, Page page)
 {
-    const QString id = call.arguments.value(QStringLiteral("ObjectID"));
+    const QString id = call.arguments.value("ObjectID");
     const auto object = page.tree.object(id);
     if (!object)
         return fault(noSuchObject, "No such object");
-    const bool metadata =
-        call.arguments.value(QStringLiteral("BrowseFlag")) == QLatin1String("BrowseMetadata");
+    const bool metadata = call.arguments.value("BrowseFlag") == "BrowseMetadata";
     if (metadata)
         return answerRows(call, {*object}, page);
     page.total = quint32(page.tree.childCount(id));
-    if (call.arguments.value(QStringLiteral("SortCriteria")).isEmpty())
+    if (call.arguments.value("SortCriteria").isEmpty())
         return page.answer(call.action, [&](int row) { return page.tree.child(id, row); });
     QVector<MediaObject> rows;
     for (quint32 row = 0; row < page.total; ++row)
@@ -108,20 +104,19 @@ SoapAnswer browse(const SoapCall &call, Page page)
 
 SoapAnswer search(const SoapCall &call, Page page)
 {
-    const QString id = call.arguments.value(QStringLiteral("ContainerID"));
+    const QString id = call.arguments.value("ContainerID");
     if (!page.tree.object(id))
         return fault(noSuchContainer, "No such container");
-    return answerRows(
-        call, page.tree.matches(id, call.arguments.value(QStringLiteral("SearchCriteria"))), page);
+    return answerRows(call, page.tree.matches(id, call.arguments.value("SearchCriteria")), page);
 }
 
 SoapAnswer listing(const SoapCall &call, Page page)
 {
-    page.first = call.arguments.value(QStringLiteral("StartingIndex")).toUInt();
-    page.wanted = call.arguments.value(QStringLiteral("RequestedCount")).toUInt();
+    page.first = call.arguments.value("StartingIndex").toUInt();
+    page.wanted = call.arguments.value("RequestedCount").toUInt();
     if (page.behaviour.refuseCountFrom && page.wanted >= page.behaviour.refuseCountFrom)
         return fault(invalidArgs, "Invalid Args");
-    return call.action == QLatin1String("Browse") ? browse(call, page) : search(call, page);
+    return call.action == "Browse" ? browse(call, page) : search(call, page);
 }
 
 } // namespace
@@ -131,19 +126,13 @@ SoapAnswer answerCall(const SoapCall &call, const MediaTree &tree, const ServerB
 {
     if (behaviour.fail.contains(call.action))
         return fault(behaviour.fail.value(call.action), "Action Failed");
-    if (call.action == QLatin1String("Browse") || call.action == QLatin1String("Search"))
+    if (call.action == "Browse" || call.action == "Search")
         return listing(call, {tree, behaviour, base});
-    static const QString protocol = QStringLiteral("http-get:*:audio/mpeg:*");
     const QMap<QString, QMap<QString, QString>> fixed{
-        {QStringLiteral("GetSearchCapabilities"),
-            {{QStringLiteral("SearchCaps"), behaviour.searchCaps}}},
-        {QStringLiteral("GetSortCapabilities"), {{QStringLiteral("SortCaps"), behaviour.sortCaps}}},
-        {QStringLiteral("GetSystemUpdateID"), {{QStringLiteral("Id"), QStringLiteral("1")}}},
-        {QStringLiteral("GetProtocolInfo"),
-            {{QStringLiteral("Source"), protocol}, {QStringLiteral("Sink"), QString()}}}};
+        {"GetSearchCapabilities", {{"SearchCaps", behaviour.searchCaps}}},
+        {"GetSortCapabilities", {{"SortCaps", behaviour.sortCaps}}},
+        {"GetSystemUpdateID", {{"Id", "1"}}}};
     if (!fixed.contains(call.action))
         return fault(invalidAction, "Invalid Action");
-    const QString &type = call.action == QLatin1String("GetProtocolInfo") ? connectionManagerType
-                                                                          : contentDirectoryType;
-    return {soapAnswer(type, call.action, fixed.value(call.action))};
+    return {soapAnswer(call.action, fixed.value(call.action))};
 }

@@ -4,7 +4,7 @@
 #include "ServerBehaviour.h"
 #include "Soap.h"
 
-/// Answers one ContentDirectory or ConnectionManager call as the behaviour wants it; the SOAP body
+/// Answers one ContentDirectory call as the behaviour wants it; the SOAP body
 /// of an answer or of a fault. `base` is the address the request came to.
 struct SoapAnswer
 {

@@ -8,37 +8,35 @@ namespace {
 
 MediaObject generatedTrack(const QString &container, int row)
 {
-    const QString number = QStringLiteral("%1").arg(row + 1, 5, 10, QLatin1Char('0'));
+    const QString number = "%1"_s.arg(row + 1, 5, 10, QLatin1Char('0'));
     MediaObject track;
-    track.id = container + QLatin1Char('$') + QString::number(row);
+    track.id = container + '$' + QString::number(row);
     track.parent = container;
-    track.title = QStringLiteral("Track ") + number;
-    track.upnpClass = QStringLiteral("object.item.audioItem.musicTrack");
-    track.xml =
-        QStringLiteral("<upnp:artist>Artist %1</upnp:artist><upnp:album>Album %2</upnp:album>"
-                       "<res protocolInfo=\"http-get:*:audio/mpeg:*\" duration=\"0:03:20.000\" "
-                       "size=\"3200000\" bitrate=\"16000\">$BASE/media/%3.mp3</res>")
-            .arg(row % 7)
-            .arg(row / 12)
-            .arg(number);
+    track.title = "Track " + number;
+    track.upnpClass = "object.item.audioItem.musicTrack";
+    track.xml = "<upnp:artist>Artist %1</upnp:artist><upnp:album>Album %2</upnp:album>"
+                "<res protocolInfo=\"http-get:*:audio/mpeg:*\" duration=\"0:03:20.000\" "
+                "size=\"3200000\" bitrate=\"16000\">$BASE/media/%3.mp3</res>"_s.arg(row % 7)
+                    .arg(row / 12)
+                    .arg(number);
     return track;
 }
 
 QString elementText(const MediaObject &object, const QString &property)
 {
-    if (property == QLatin1String("dc:title"))
+    if (property == "dc:title")
         return object.title;
-    if (property == QLatin1String("upnp:class"))
+    if (property == "upnp:class")
         return object.upnpClass;
-    if (property == QLatin1String("@id"))
+    if (property == "@id")
         return object.id;
-    if (property == QLatin1String("@parentID"))
+    if (property == "@parentID")
         return object.parent;
-    const int start = object.xml.indexOf(QLatin1Char('<') + property + QLatin1Char('>'));
+    const int start = object.xml.indexOf('<' + property + '>');
     if (start < 0)
         return {};
     const int text = start + property.size() + 2;
-    return object.xml.mid(text, object.xml.indexOf(QLatin1String("</"), text) - text);
+    return object.xml.mid(text, object.xml.indexOf("</", text) - text);
 }
 
 struct Relation
@@ -48,10 +46,10 @@ struct Relation
     bool holds(const MediaObject &object) const
     {
         const QString text = elementText(object, property);
-        if (op == QLatin1String("contains"))
+        if (op == "contains")
             return text.contains(value, Qt::CaseInsensitive);
-        if (op == QLatin1String("derivedfrom"))
-            return text == value || text.startsWith(value + QLatin1Char('.'));
+        if (op == "derivedfrom")
+            return text == value || text.startsWith(value + '.');
         return text == value;
     }
 };
@@ -59,13 +57,13 @@ struct Relation
 QVector<Relation> relations(const QString &criteria)
 {
     static const QRegularExpression pattern(
-        QStringLiteral("([@:\\w]+)\\s+(=|contains|derivedfrom)\\s+\"((?:[^\"\\\\]|\\\\.)*)\""));
-    static const QRegularExpression escape(QStringLiteral("\\\\(.)"));
+        "([@:\\w]+)\\s+(=|contains|derivedfrom)\\s+\"((?:[^\"\\\\]|\\\\.)*)\"");
+    static const QRegularExpression escape("\\\\(.)");
     QVector<Relation> found;
     for (auto it = pattern.globalMatch(criteria); it.hasNext();) {
         const auto match = it.next();
-        found.append({match.captured(1), match.captured(2),
-            match.captured(3).replace(escape, QStringLiteral("\\1"))});
+        found.append(
+            {match.captured(1), match.captured(2), match.captured(3).replace(escape, "\\1")});
     }
     return found;
 }
@@ -75,10 +73,10 @@ QVector<Relation> relations(const QString &criteria)
 MediaTree::MediaTree()
 {
     MediaObject root;
-    root.id = QStringLiteral("0");
-    root.parent = QStringLiteral("-1");
-    root.title = QStringLiteral("root");
-    root.upnpClass = QStringLiteral("object.container.storageFolder");
+    root.id = "0";
+    root.parent = "-1";
+    root.title = "root";
+    root.upnpClass = "object.container.storageFolder";
     root.container = true;
     m_objects.insert(root.id, root);
 }
@@ -93,18 +91,18 @@ void MediaTree::add(const MediaObject &object)
 void MediaTree::addFolder(
     const QString &id, const QString &parent, const QString &title, int generated)
 {
-    add({id, parent, title, QStringLiteral("object.container.storageFolder"), {}, true, generated});
+    add({id, parent, title, "object.container.storageFolder", {}, true, generated});
 }
 
 void MediaTree::addTrack(const QString &id, const QString &parent, const QString &title,
     const QString &moreXml, int seconds)
 {
-    const QString res = QStringLiteral("<res protocolInfo=\"http-get:*:audio/mpeg:*\" "
-                                       "duration=\"0:%1:%2\">$BASE/media/%3.mp3</res>")
-                            .arg(seconds / 60, 2, 10, QLatin1Char('0'))
-                            .arg(seconds % 60, 2, 10, QLatin1Char('0'))
-                            .arg(id);
-    add({id, parent, title, QStringLiteral("object.item.audioItem.musicTrack"), moreXml + res});
+    const QString res =
+        "<res protocolInfo=\"http-get:*:audio/mpeg:*\" "
+        "duration=\"0:%1:%2\">$BASE/media/%3.mp3</res>"_s.arg(seconds / 60, 2, 10, QLatin1Char('0'))
+            .arg(seconds % 60, 2, 10, QLatin1Char('0'))
+            .arg(id);
+    add({id, parent, title, "object.item.audioItem.musicTrack", moreXml + res});
 }
 
 std::optional<MediaObject> MediaTree::object(const QString &id) const
@@ -112,7 +110,7 @@ std::optional<MediaObject> MediaTree::object(const QString &id) const
     const auto known = m_objects.constFind(id);
     if (known != m_objects.constEnd())
         return *known;
-    const int dollar = id.lastIndexOf(QLatin1Char('$'));
+    const int dollar = id.lastIndexOf('$');
     const auto container = m_objects.constFind(id.left(dollar));
     const int row = id.mid(dollar + 1).toInt();
     if (dollar < 0 || container == m_objects.constEnd() || row >= container->generated)
@@ -135,7 +133,7 @@ MediaObject MediaTree::child(const QString &id, int row) const
 QVector<MediaObject> MediaTree::matches(const QString &container, const QString &criteria) const
 {
     const auto all = relations(criteria);
-    const bool any = criteria.contains(QLatin1String(" or "));
+    const bool any = criteria.contains(" or ");
     QVector<MediaObject> found;
     for (int row = 0, count = childCount(container); row < count; ++row) {
         const MediaObject object = child(container, row);
@@ -154,26 +152,24 @@ QVector<MediaObject> MediaTree::matches(const QString &container, const QString 
 
 QString didlElement(const MediaObject &object, int childCount, const QString &base)
 {
-    const QString name = object.container ? QStringLiteral("container") : QStringLiteral("item");
-    QString element = QLatin1Char('<') + name;
+    const QString name = object.container ? "container" : "item";
+    QString element = '<' + name;
     const auto attribute = [&element](const char *key, const QString &value) {
         if (!value.isNull())
-            element += QLatin1Char(' ') + QLatin1String(key) + QLatin1String("=\"")
-                + value.toHtmlEscaped() + QLatin1Char('"');
+            element += ' ' + QLatin1String(key) + "=\"" + value.toHtmlEscaped() + '"';
     };
-    const auto child = [&element](const QLatin1String &key, const QString &value) {
+    const auto child = [&element](const QString &key, const QString &value) {
         if (!value.isNull())
-            element += QLatin1Char('<') + key + QLatin1Char('>') + value.toHtmlEscaped()
-                + QLatin1String("</") + key + QLatin1Char('>');
+            element += '<' + key + '>' + value.toHtmlEscaped() + "</" + key + '>';
     };
     attribute("id", object.id);
     attribute("parentID", object.parent);
-    attribute("restricted", QStringLiteral("1"));
+    attribute("restricted", "1");
     if (object.container)
         attribute("childCount", QString::number(childCount));
-    element += QLatin1Char('>');
-    child(QLatin1String("dc:title"), object.title);
-    child(QLatin1String("upnp:class"), object.upnpClass);
-    element += QString(object.xml).replace(QLatin1String("$BASE"), base);
-    return element + QLatin1String("</") + name + QLatin1Char('>');
+    element += '>';
+    child("dc:title", object.title);
+    child("upnp:class", object.upnpClass);
+    element += QString(object.xml).replace("$BASE", base);
+    return element + "</" + name + '>';
 }

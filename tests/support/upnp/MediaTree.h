@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Text.h"
+
 #include <QHash>
-#include <QString>
 #include <QStringList>
 #include <QVector>
 

@@ -21,12 +21,9 @@ struct ScriptedUpnpServer::Private
 {
     QString udn, friendlyName;
     quint16 port = 0;
-    QStringList interfaces;
     SoupServer *http = nullptr;
     std::unique_ptr<Announcer> announcer;
     QVector<SoapCall> calls;
-    std::function<void(const SoapCall &)> listener = [](const SoapCall &) {
-    };
     std::vector<std::unique_ptr<HeldRequest>> held;
 
     QByteArray description(bool bareAmpersands) const
@@ -73,16 +70,7 @@ QString hostOf(SoupServerMessage *message)
 {
     const char *host =
         soup_message_headers_get_one(soup_server_message_get_request_headers(message), "Host");
-    return QLatin1String("http://") + QString::fromUtf8(host);
-}
-
-/// A control point subscribes to changes; this server has none to tell.
-void acceptSubscription(SoupServerMessage *message)
-{
-    SoupMessageHeaders *headers = soup_server_message_get_response_headers(message);
-    soup_message_headers_replace(headers, "SID", "uuid:00000000-0000-0000-0000-000000000001");
-    soup_message_headers_replace(headers, "TIMEOUT", "Second-1800");
-    send(message, {}, SOUP_STATUS_OK);
+    return "http://" + QString::fromUtf8(host);
 }
 
 } // namespace
@@ -99,15 +87,13 @@ ScriptedUpnpServer::~ScriptedUpnpServer()
     leave();
 }
 
-QString ScriptedUpnpServer::start(quint16 port)
+QString ScriptedUpnpServer::start()
 {
     d->http = soup_server_new(nullptr, nullptr);
     soup_server_add_handler(d->http, nullptr, &Private::handle, this, nullptr);
     GError *error = nullptr;
-    const quint16 wanted = port ? port : d->port;
-    if (!soup_server_listen_all(d->http, wanted, SoupServerListenOptions(0), &error)) {
-        const QString why =
-            QStringLiteral("Port %1: %2").arg(wanted).arg(QString::fromUtf8(error->message));
+    if (!soup_server_listen_all(d->http, d->port, SoupServerListenOptions(0), &error)) {
+        const QString why = "Port %1: %2"_s.arg(d->port).arg(QString::fromUtf8(error->message));
         g_error_free(error);
         d->close();
         return why;
@@ -115,10 +101,8 @@ QString ScriptedUpnpServer::start(quint16 port)
     GSList *uris = soup_server_get_uris(d->http);
     d->port = quint16(g_uri_get_port(static_cast<GUri *>(uris->data)));
     g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
-    d->announcer = std::make_unique<Announcer>(d->udn, d->port, d->interfaces);
-    return d->announcer->addressCount()
-        ? QString()
-        : QStringLiteral("No address of this machine carries SSDP.");
+    d->announcer = std::make_unique<Announcer>(d->udn, d->port);
+    return d->announcer->addressCount() ? QString() : "No address of this machine carries SSDP.";
 }
 
 void ScriptedUpnpServer::leave()
@@ -134,10 +118,6 @@ void ScriptedUpnpServer::vanish()
     leave();
 }
 
-void ScriptedUpnpServer::announceOn(const QStringList &interfaces)
-{
-    d->interfaces = interfaces;
-}
 QString ScriptedUpnpServer::udn() const
 {
     return d->udn;
@@ -163,11 +143,6 @@ int ScriptedUpnpServer::count(const QString &action) const
 {
     return int(std::count_if(d->calls.begin(), d->calls.end(),
         [&action](const SoapCall &call) { return call.action == action; }));
-}
-
-void ScriptedUpnpServer::onCall(std::function<void(const SoapCall &)> listener)
-{
-    d->listener = std::move(listener);
 }
 
 void ScriptedUpnpServer::Private::close()
@@ -241,19 +216,13 @@ void ScriptedUpnpServer::Private::handle(
     SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer data)
 {
     auto *server = static_cast<ScriptedUpnpServer *>(data);
-    const QLatin1String place(path);
-    const QLatin1String method(soup_server_message_get_method(message));
-    if (method == QLatin1String("SUBSCRIBE"))
-        acceptSubscription(message);
-    else if (place.startsWith(QLatin1String("/control/")))
+    const QString place(path);
+    if (place == "/control")
         server->d->handleControl(server, message);
-    else if (place == QLatin1String("/description.xml"))
-        server->d->reply(server, message, QStringLiteral("description"),
+    else if (place == "/description.xml")
+        server->d->reply(server, message, "description",
             server->d->description(server->behaviour.bareAmpersands), SOUP_STATUS_OK,
             server->behaviour.delay);
-    else if (place.endsWith(QLatin1String(".xml")))
-        send(message, serviceDescription(place.startsWith(QLatin1String("/ContentD"))),
-            SOUP_STATUS_OK);
     else
         soup_server_message_set_status(message, SOUP_STATUS_NOT_FOUND, nullptr);
 }
@@ -264,10 +233,9 @@ void ScriptedUpnpServer::Private::handleControl(
     const SoupMessageBody *body = soup_server_message_get_request_body(message);
     const SoapCall call = readSoapCall(QByteArray(body->data, int(body->length)));
     calls.append(call);
-    listener(call);
     const ServerBehaviour &behaviour = server->behaviour;
     const SoapAnswer answer = answerCall(call, server->tree, behaviour, hostOf(message));
-    const int rows = call.arguments.value(QStringLiteral("RequestedCount")).toInt();
+    const int rows = call.arguments.value("RequestedCount").toInt();
     reply(server, message, call.action, answer.body,
         answer.fault ? SOUP_STATUS_INTERNAL_SERVER_ERROR : SOUP_STATUS_OK,
         behaviour.delay + rows * behaviour.delayPerRow);

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Text.h"
+
 #include <QMap>
-#include <QString>
 #include <QStringList>
 
 /// How a scripted server misbehaves. The default is a correct server that can search. Actions are
@@ -30,6 +31,6 @@ struct ServerBehaviour
     quint32 refuseCountFrom = 0; ///< a RequestedCount from here on is refused (402), 0: none
     int delay = 0; ///< milliseconds before every answer
     int delayPerRow = 0; ///< more milliseconds for each row asked for
-    QString searchCaps = QStringLiteral("dc:title,upnp:artist,upnp:album,upnp:class,@id,@parentID");
-    QString sortCaps = QStringLiteral("dc:title");
+    QString searchCaps = "dc:title,upnp:artist,upnp:album,upnp:class,@id,@parentID";
+    QString sortCaps = "dc:title";
 };

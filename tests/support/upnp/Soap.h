@@ -1,8 +1,9 @@
 #pragma once
 
+#include "Text.h"
+
 #include <QByteArray>
 #include <QMap>
-#include <QString>
 
 /// A SOAP call that a scripted server got, answered or not.
 struct SoapCall
@@ -13,13 +14,8 @@ struct SoapCall
 
 SoapCall readSoapCall(const QByteArray &body);
 /// The answer of an action; `arguments` in the order of their names.
-QByteArray soapAnswer(
-    const QString &serviceType, const QString &action, const QMap<QString, QString> &arguments);
+QByteArray soapAnswer(const QString &action, const QMap<QString, QString> &arguments);
 QByteArray soapFault(int code, const QString &text);
 
-/// The description of a media server and of either of its services.
+/// The description of a media server whose content directory is called at /control.
 QByteArray deviceDescription(const QString &udn, const QString &friendlyName);
-QByteArray serviceDescription(bool contentDirectory);
-
-extern const QString contentDirectoryType;
-extern const QString connectionManagerType;

@@ -29,10 +29,9 @@ bool becomeNamespaceRoot(uid_t user, gid_t group)
 QString ip(const QString &lines)
 {
     QProcess process;
-    process.start(QStringLiteral("ip"), {QStringLiteral("-batch"), QStringLiteral("-")});
+    process.start("ip", {"-batch", "-"});
     if (!process.waitForStarted())
-        return QStringLiteral("The program ip (package iproute2) can't be started: ")
-            + process.errorString();
+        return "The program ip (package iproute2) can't be started: " + process.errorString();
     process.write(lines.toUtf8());
     process.closeWriteChannel();
     process.waitForFinished();
@@ -49,35 +48,30 @@ QString enterTestNamespace()
     const gid_t group = getegid();
     if (user != 0 || unshare(CLONE_NEWNET) != 0) {
         if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0 || !becomeNamespaceRoot(user, group))
-            return QStringLiteral(
-                "No network namespace may be made here (%1): run this test as root, or "
-                "allow user namespaces.")
-                .arg(QString::fromLocal8Bit(strerror(errno)));
+            return "No network namespace may be made here (%1): run this test as root, or "
+                   "allow user namespaces."_s.arg(QString::fromLocal8Bit(strerror(errno)));
     }
-    return ip(QStringLiteral("link set lo up\n"));
+    return ip("link set lo up\n");
 }
 
 QString addTestInterface(const QString &name, const QStringList &addresses)
 {
-    QString lines = QStringLiteral("link add %1 type veth peer name %1-peer\n").arg(name);
+    QString lines = "link add %1 type veth peer name %1-peer\n"_s.arg(name);
     for (const QString &address : addresses) {
-        const bool v6 = address.contains(QLatin1Char(':'));
-        lines += QStringLiteral("address add %1 dev %2%3\n")
-                     .arg(address, name, v6 ? QStringLiteral(" nodad") : QString());
+        const bool v6 = address.contains(':');
+        lines += "address add %1 dev %2%3\n"_s.arg(address, name, v6 ? " nodad" : QString());
     }
-    lines += QStringLiteral("link set %1 up\nlink set %1-peer up\n").arg(name);
+    lines += "link set %1 up\nlink set %1-peer up\n"_s.arg(name);
     return ip(lines);
 }
 
 void removeTestInterface(const QString &name)
 {
-    ip(QStringLiteral("link delete %1\n").arg(name));
+    ip("link delete %1\n"_s.arg(name));
 }
 
 QString enterTestLan()
 {
     const QString why = enterTestNamespace();
-    return why.isEmpty()
-        ? addTestInterface(QStringLiteral("lan0"), {QStringLiteral("10.77.0.1/24")})
-        : why;
+    return why.isEmpty() ? addTestInterface("lan0", {"10.77.0.1/24"}) : why;
 }

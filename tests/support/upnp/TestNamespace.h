@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QString>
+#include "Text.h"
+
 #include <QStringList>
 
 /// Moves this process into a network namespace of its own, with nothing in it but the loopback. To
