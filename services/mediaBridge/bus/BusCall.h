@@ -27,7 +27,6 @@ public:
     Arguments arguments() const { return Arguments(m_message.get()); }
     /// Cancelled with the call; for the work that is done for it.
     GCancellable *cancellable() const { return m_cancellable.get(); }
-    bool isAnswered() const { return m_isAnswered; }
 
     /// Answers with nothing, one value, or one value as a variant.
     void reply() { send(newAnswer()); }
