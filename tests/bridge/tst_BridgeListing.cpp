@@ -55,6 +55,8 @@ private Q_SLOTS:
     void listsAreCompleteWhateverThePages_data();
     void listsAreCompleteWhateverThePages();
     void emptyAnswersAreEmptyLists();
+    void aListingKnowsTheChildCount_data();
+    void aListingKnowsTheChildCount();
     void oddObjectsNeverCostTheirNeighbours();
     void cutAnswersAreNeverCutLists();
     void deviceTellsWhatItsDescriptionSays();
@@ -157,6 +159,35 @@ void tst_BridgeListing::emptyAnswersAreEmptyLists()
             QCOMPARE(titles(bridge->list(path("numbers"))), trackTitles(0, numberCount));
         }
     }
+}
+
+void tst_BridgeListing::aListingKnowsTheChildCount_data()
+{
+    QTest::addColumn<QString>("container");
+    QTest::addColumn<bool>("totalIsZero");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("questions");
+    QTest::newRow("with its rows") << "numbers" << false << int(numberCount) << 1;
+    QTest::newRow("of nothing") << "empty" << false << 0 << 3;
+    QTest::newRow("where the server gives no total") << "numbers" << true << int(numberCount) << 2;
+    QTest::newRow("where the listing fails") << "nowhere" << false << -1 << 2;
+}
+
+/// Clients ask for rows and count at once; the server is asked again only where it has to be.
+void tst_BridgeListing::aListingKnowsTheChildCount()
+{
+    QFETCH(QString, container);
+    QFETCH(bool, totalIsZero);
+    QFETCH(int, questions);
+    server->behaviour.totalIsZero = totalIsZero;
+    server->behaviour.delay = 50;
+    server->forgetCalls();
+    Call listing = bridge->startListing(path(container), 0, 10, title);
+    const Answer count = bridge->get(path(container), objectInterface, "ChildCount");
+    listing.wait();
+    QTEST(count.ok() ? count.value().toInt() : -1, "count");
+    QVERIFY2(
+        server->calls().size() <= questions, qPrintable(QString::number(server->calls().size())));
 }
 
 void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
