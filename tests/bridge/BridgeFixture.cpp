@@ -49,7 +49,7 @@ QVariantMap plain(QVariantMap map)
 QVector<QVariantMap> Answer::rows() const
 {
     QVector<QVariantMap> list;
-    for (QVariantMap row : qdbus_cast<QList<QVariantMap>>(value()))
+    for (const QVariantMap &row : qdbus_cast<QList<QVariantMap>>(value()))
         list.append(plain(row));
     return list;
 }
@@ -126,7 +126,7 @@ BridgeFixture::BridgeFixture(Start start, const QStringList &options)
         SLOT(onLost(QDBusObjectPath)));
     if (start == Activated)
         return;
-    m_program.start(QStringLiteral(BRIDGE_PROGRAM), QStringList{"--bus", m_address} + options);
+    m_program.start(BRIDGE_PROGRAM, QStringList{"--bus", m_address} + options);
     // Else a program that owns its name at once would still count as starting when it is to end.
     m_program.waitForStarted();
     const auto owned = [this] {
@@ -159,7 +159,7 @@ int BridgeFixture::stop()
 QString BridgeFixture::busConfiguration(Start start, const QStringList &options)
 {
     if (start == Running)
-        return QStringLiteral(PRIVATE_BUS_CONF);
+        return PRIVATE_BUS_CONF;
     const auto write = [this](const QString &name, const QString &text) {
         QFile file(m_folder.filePath(name));
         if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
@@ -169,10 +169,10 @@ QString BridgeFixture::busConfiguration(Start start, const QStringList &options)
     };
     write("bridge.service",
         "[D-BUS Service]\nName=%1\nExec=%2\n"_s.arg(
-            serviceName, (QStringList{QStringLiteral(BRIDGE_PROGRAM)} + options).join(' ')));
+            serviceName, (QStringList{BRIDGE_PROGRAM} + options).join(' ')));
     return write("bus.conf",
         "<busconfig><include>%1</include><servicedir>%2</servicedir></busconfig>"_s.arg(
-            QStringLiteral(PRIVATE_BUS_CONF), m_folder.path()));
+            PRIVATE_BUS_CONF, m_folder.path()));
 }
 
 qint64 BridgeFixture::pid()

@@ -19,7 +19,7 @@ Ended runBridge(const QStringList &arguments)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(BRIDGE_PROGRAM), arguments);
+    process.start(BRIDGE_PROGRAM, arguments);
     if (!process.waitForFinished(10000) || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
@@ -86,7 +86,7 @@ void tst_BridgeProgram::replacesWhenAskedTo()
     BridgeFixture bridge;
     const qint64 owner = bridge.pid();
     ChildProcess second;
-    second.start(QStringLiteral(BRIDGE_PROGRAM), {"--bus", bridge.address(), "--replace"});
+    second.start(BRIDGE_PROGRAM, {"--bus", bridge.address(), "--replace"});
     QVERIFY(second.waitForStarted());
     QTRY_VERIFY(bridge.pid() == second.processId() || second.state() == QProcess::NotRunning);
     QVERIFY2(bridge.pid() != owner, second.readAllStandardError().constData());
@@ -102,7 +102,7 @@ void tst_BridgeProgram::endsWithTheBus()
     ChildProcess program;
     {
         BridgeFixture bus(BridgeFixture::Activated);
-        program.start(QStringLiteral(BRIDGE_PROGRAM), {"--bus", bus.address()});
+        program.start(BRIDGE_PROGRAM, {"--bus", bus.address()});
         QTRY_VERIFY(bus.bus().interface()->isServiceRegistered(serviceName));
     }
     QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(5000));

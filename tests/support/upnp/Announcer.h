@@ -2,10 +2,12 @@
 
 #include <QString>
 
-#include <memory>
+#include <vector>
 
-/// Announces one UPnP media server by SSDP on every address of the machine, and answers
-/// searches for it.
+struct _GSSDPResourceGroup;
+
+/// Announces one UPnP media server by SSDP on every address of the machine, and answers searches
+/// for it.
 class Announcer
 {
 public:
@@ -14,13 +16,14 @@ public:
     /// left out.
     Announcer(const QString &udn, quint16 port);
     ~Announcer(); ///< says byebye, unless it was silenced
+    Announcer(const Announcer &) = delete;
+    Announcer &operator=(const Announcer &) = delete;
 
     /// From here on nothing is sent, not even a byebye.
     void silence();
     /// How many addresses it announces on.
-    int addressCount() const;
+    int addressCount() const { return int(m_groups.size()); }
 
 private:
-    struct Private;
-    std::unique_ptr<Private> d;
+    std::vector<_GSSDPResourceGroup *> m_groups;
 };

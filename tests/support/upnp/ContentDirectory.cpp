@@ -102,7 +102,7 @@ SoapAnswer browse(const SoapCall &call, Page page)
     return answerRows(call, rows, page);
 }
 
-SoapAnswer search(const SoapCall &call, Page page)
+SoapAnswer search(const SoapCall &call, const Page &page)
 {
     const QString id = call.arguments.value("ContainerID");
     if (!page.tree.object(id))

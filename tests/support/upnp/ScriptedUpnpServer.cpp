@@ -17,31 +17,6 @@ struct HeldRequest
     gulong finished = 0;
 };
 
-struct ScriptedUpnpServer::Private
-{
-    QString udn, friendlyName;
-    quint16 port = 0;
-    SoupServer *http = nullptr;
-    std::unique_ptr<Announcer> announcer;
-    QVector<SoapCall> calls;
-    std::vector<std::unique_ptr<HeldRequest>> held;
-
-    QByteArray description(bool bareAmpersands) const
-    {
-        QByteArray text = deviceDescription(udn, friendlyName);
-        return bareAmpersands ? text.replace("&amp;", "&") : text;
-    }
-    void close();
-    void release(HeldRequest *request);
-    void hold(ScriptedUpnpServer *server, SoupServerMessage *message, const QByteArray &body,
-        guint status, int delay);
-    void reply(ScriptedUpnpServer *server, SoupServerMessage *message, const QString &action,
-        const QByteArray &body, guint status, int delay);
-    static void handle(
-        SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer data);
-    void handleControl(ScriptedUpnpServer *server, SoupServerMessage *message);
-};
-
 namespace {
 
 void send(SoupServerMessage *message, const QByteArray &body, guint status)
@@ -76,10 +51,9 @@ QString hostOf(SoupServerMessage *message)
 } // namespace
 
 ScriptedUpnpServer::ScriptedUpnpServer(const QString &udn, const QString &friendlyName)
-    : d(new Private)
+    : m_udn(udn)
+    , m_friendlyName(friendlyName)
 {
-    d->udn = udn;
-    d->friendlyName = friendlyName;
 }
 
 ScriptedUpnpServer::~ScriptedUpnpServer()
@@ -89,97 +63,109 @@ ScriptedUpnpServer::~ScriptedUpnpServer()
 
 QString ScriptedUpnpServer::start()
 {
-    d->http = soup_server_new(nullptr, nullptr);
-    soup_server_add_handler(d->http, nullptr, &Private::handle, this, nullptr);
+    m_http = soup_server_new(nullptr, nullptr);
+    const auto handler = +[](SoupServer *, SoupServerMessage *message, const char *path,
+                              GHashTable *, gpointer server) {
+        static_cast<ScriptedUpnpServer *>(server)->handle(message, path);
+    };
+    soup_server_add_handler(m_http, nullptr, handler, this, nullptr);
     GError *error = nullptr;
-    if (!soup_server_listen_all(d->http, d->port, SoupServerListenOptions(0), &error)) {
-        const QString why = "Port %1: %2"_s.arg(d->port).arg(QString::fromUtf8(error->message));
+    if (!soup_server_listen_all(m_http, m_port, SoupServerListenOptions(0), &error)) {
+        QString why = "Port %1: %2"_s.arg(m_port).arg(error->message);
         g_error_free(error);
-        d->close();
+        close();
         return why;
     }
-    GSList *uris = soup_server_get_uris(d->http);
-    d->port = quint16(g_uri_get_port(static_cast<GUri *>(uris->data)));
+    GSList *uris = soup_server_get_uris(m_http);
+    m_port = quint16(g_uri_get_port(static_cast<GUri *>(uris->data)));
     g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
-    d->announcer = std::make_unique<Announcer>(d->udn, d->port);
-    return d->announcer->addressCount() ? QString() : "No address of this machine carries SSDP.";
+    m_announcer = std::make_unique<Announcer>(m_udn, m_port);
+    return m_announcer->addressCount() ? QString() : "No address of this machine carries SSDP.";
 }
 
 void ScriptedUpnpServer::leave()
 {
-    d->announcer.reset();
-    d->close();
+    m_announcer.reset();
+    close();
 }
 
 void ScriptedUpnpServer::vanish()
 {
-    if (d->announcer)
-        d->announcer->silence();
+    if (m_announcer)
+        m_announcer->silence();
     leave();
-}
-
-QString ScriptedUpnpServer::udn() const
-{
-    return d->udn;
-}
-quint16 ScriptedUpnpServer::port() const
-{
-    return d->port;
-}
-const QVector<SoapCall> &ScriptedUpnpServer::calls() const
-{
-    return d->calls;
-}
-void ScriptedUpnpServer::forgetCalls()
-{
-    d->calls.clear();
-}
-int ScriptedUpnpServer::held() const
-{
-    return int(d->held.size());
 }
 
 int ScriptedUpnpServer::count(const QString &action) const
 {
-    return int(std::count_if(d->calls.begin(), d->calls.end(),
+    return int(std::count_if(m_calls.begin(), m_calls.end(),
         [&action](const SoapCall &call) { return call.action == action; }));
 }
 
-void ScriptedUpnpServer::Private::close()
+void ScriptedUpnpServer::close()
 {
-    if (!http)
+    if (!m_http)
         return;
-    for (const auto &request : held)
+    for (const auto &request : m_held)
         closeConnection(request->message);
-    while (!held.empty())
-        release(held.back().get());
-    soup_server_disconnect(http);
-    g_clear_object(&http);
+    while (!m_held.empty())
+        release(m_held.back().get());
+    soup_server_disconnect(m_http);
+    g_clear_object(&m_http);
 }
 
-/// Lets go of a request; its connection is closed or its answer is under way.
-void ScriptedUpnpServer::Private::release(HeldRequest *request)
+void ScriptedUpnpServer::handle(SoupServerMessage *message, const QString &path)
 {
-    const auto it = std::find_if(
-        held.begin(), held.end(), [request](const auto &one) { return one.get() == request; });
-    if (request->timer)
-        g_source_remove(request->timer);
-    g_signal_handler_disconnect(request->message, request->finished);
-    g_object_unref(request->message);
-    held.erase(it);
+    if (path == "/control") {
+        handleControl(message);
+    } else if (path == "/description.xml") {
+        QByteArray text = deviceDescription(m_udn, m_friendlyName);
+        if (behaviour.bareAmpersands)
+            text.replace("&amp;", "&");
+        reply(message, "description", text, SOUP_STATUS_OK, behaviour.delay);
+    } else {
+        soup_server_message_set_status(message, SOUP_STATUS_NOT_FOUND, nullptr);
+    }
 }
 
-void ScriptedUpnpServer::Private::hold(ScriptedUpnpServer *server, SoupServerMessage *message,
-    const QByteArray &body, guint status, int delay)
+void ScriptedUpnpServer::handleControl(SoupServerMessage *message)
+{
+    const SoupMessageBody *body = soup_server_message_get_request_body(message);
+    const SoapCall call = readSoapCall(QByteArray(body->data, int(body->length)));
+    m_calls.append(call);
+    const SoapAnswer answer = answerCall(call, tree, behaviour, hostOf(message));
+    const int rows = call.arguments.value("RequestedCount").toInt();
+    reply(message, call.action, answer.body,
+        answer.fault ? SOUP_STATUS_INTERNAL_SERVER_ERROR : SOUP_STATUS_OK,
+        behaviour.delay + rows * behaviour.delayPerRow);
+}
+
+/// Answers now, later, never or not at all, whichever the behaviour has for the action.
+void ScriptedUpnpServer::reply(SoupServerMessage *message, const QString &action,
+    const QByteArray &body, unsigned status, int delay)
+{
+    const bool isKept = isOnKeptConnection(message);
+    if (behaviour.drop.contains(action) || (behaviour.dropKept && isKept))
+        closeConnection(message);
+    else if (behaviour.hang.contains(action))
+        hold(message, {}, 0, 0);
+    else if (delay > 0)
+        hold(message, body, status, delay);
+    else
+        send(message, body, status);
+}
+
+/// A status of 0 is for good.
+void ScriptedUpnpServer::hold(
+    SoupServerMessage *message, const QByteArray &body, unsigned status, int delay)
 {
     auto request = std::make_unique<HeldRequest>();
-    request->server = server;
+    request->server = this;
     request->message = SOUP_SERVER_MESSAGE(g_object_ref(message));
     request->body = body;
     request->status = status;
-    const auto gone = +[](SoupServerMessage *, gpointer data) {
-        auto *lost = static_cast<HeldRequest *>(data);
-        lost->server->d->release(lost);
+    const auto gone = +[](SoupServerMessage *, HeldRequest *lost) {
+        lost->server->release(lost);
     };
     request->finished = g_signal_connect(message, "disconnected", G_CALLBACK(gone), request.get());
     const auto due = +[](gpointer data) -> gboolean {
@@ -187,56 +173,23 @@ void ScriptedUpnpServer::Private::hold(ScriptedUpnpServer *server, SoupServerMes
         late->timer = 0;
         send(late->message, late->body, late->status);
         soup_server_message_unpause(late->message);
-        late->server->d->release(late);
+        late->server->release(late);
         return G_SOURCE_REMOVE;
     };
     if (status)
         request->timer = g_timeout_add(guint(delay), due, request.get());
     soup_server_message_pause(message);
-    held.push_back(std::move(request));
+    m_held.push_back(std::move(request));
 }
 
-/// Answers now, later, never or not at all, whichever the behaviour has for the action.
-void ScriptedUpnpServer::Private::reply(ScriptedUpnpServer *server, SoupServerMessage *message,
-    const QString &action, const QByteArray &body, guint status, int delay)
+/// Lets go of a request; its connection is closed or its answer is under way.
+void ScriptedUpnpServer::release(HeldRequest *request)
 {
-    const ServerBehaviour &behaviour = server->behaviour;
-    const bool isKept = isOnKeptConnection(message);
-    if (behaviour.drop.contains(action) || (behaviour.dropKept && isKept))
-        closeConnection(message);
-    else if (behaviour.hang.contains(action))
-        hold(server, message, {}, 0, 0);
-    else if (delay > 0)
-        hold(server, message, body, status, delay);
-    else
-        send(message, body, status);
-}
-
-void ScriptedUpnpServer::Private::handle(
-    SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer data)
-{
-    auto *server = static_cast<ScriptedUpnpServer *>(data);
-    const QString place(path);
-    if (place == "/control")
-        server->d->handleControl(server, message);
-    else if (place == "/description.xml")
-        server->d->reply(server, message, "description",
-            server->d->description(server->behaviour.bareAmpersands), SOUP_STATUS_OK,
-            server->behaviour.delay);
-    else
-        soup_server_message_set_status(message, SOUP_STATUS_NOT_FOUND, nullptr);
-}
-
-void ScriptedUpnpServer::Private::handleControl(
-    ScriptedUpnpServer *server, SoupServerMessage *message)
-{
-    const SoupMessageBody *body = soup_server_message_get_request_body(message);
-    const SoapCall call = readSoapCall(QByteArray(body->data, int(body->length)));
-    calls.append(call);
-    const ServerBehaviour &behaviour = server->behaviour;
-    const SoapAnswer answer = answerCall(call, server->tree, behaviour, hostOf(message));
-    const int rows = call.arguments.value("RequestedCount").toInt();
-    reply(server, message, call.action, answer.body,
-        answer.fault ? SOUP_STATUS_INTERNAL_SERVER_ERROR : SOUP_STATUS_OK,
-        behaviour.delay + rows * behaviour.delayPerRow);
+    const auto it = std::find_if(
+        m_held.begin(), m_held.end(), [request](const auto &one) { return one.get() == request; });
+    if (request->timer)
+        g_source_remove(request->timer);
+    g_signal_handler_disconnect(request->message, request->finished);
+    g_object_unref(request->message);
+    m_held.erase(it);
 }
