@@ -57,6 +57,9 @@ private Q_SLOTS:
     void emptyAnswersAreEmptyLists();
     void aListingKnowsTheChildCount_data();
     void aListingKnowsTheChildCount();
+    void severalObjectsAreReadAtOnce();
+    void listsThatFitNoMessageSayIt();
+    void cancelledCallsEndAtOnce();
     void oddObjectsNeverCostTheirNeighbours();
     void cutAnswersAreNeverCutLists();
     void deviceTellsWhatItsDescriptionSays();
@@ -188,6 +191,43 @@ void tst_BridgeListing::aListingKnowsTheChildCount()
     QTEST(count.ok() ? count.value().toInt() : -1, "count");
     QVERIFY2(
         server->calls().size() <= questions, qPrintable(QString::number(server->calls().size())));
+}
+
+void tst_BridgeListing::severalObjectsAreReadAtOnce()
+{
+    QList<QDBusObjectPath> objects;
+    for (const QString &object : {path("t1"), path("nowhere"), serverPath(newUdn()), path("t3")})
+        objects.append(QDBusObjectPath(object));
+    const Answer answer =
+        bridge->call(root, deviceInterface, "BrowseObjects", {QVariant::fromValue(objects), title});
+    QCOMPARE(titles(answer), (QStringList{"Say \"Hello\"", "", "", "100 % Ärger"}));
+    for (const int failed : {1, 2}) {
+        const QVariantMap row = answer.rows()[failed];
+        QCOMPARE(row.value("Path").toString(), objects[failed].path());
+        QVERIFY(row.contains("Error"));
+    }
+}
+
+void tst_BridgeListing::listsThatFitNoMessageSayIt()
+{
+    server->tree.addFolder("huge", "away from the others", "Huge");
+    const QString mebibyte(1 << 20, QLatin1Char('x'));
+    for (int i = 0; i < 62; ++i)
+        server->tree.addTrack("huge%1"_s.arg(i), "huge", mebibyte);
+    const Answer all = bridge->list(path("huge"), 0, 0, title);
+    QVERIFY2(all.message.contains("too long for one D-Bus message"), qPrintable(all.message));
+    QCOMPARE(bridge->list(path("huge"), 50, 0, title).rows().size(), 12);
+}
+
+void tst_BridgeListing::cancelledCallsEndAtOnce()
+{
+    server->behaviour.hang = QStringList{"Browse"};
+    Call listing = bridge->startListing(path("numbers"), 0, 0);
+    QTRY_COMPARE(server->held(), 1);
+    QVERIFY(bridge->call(root, deviceInterface, "Cancel").ok());
+    const Answer answer = listing.wait();
+    QCOMPARE(answer.error, "com.intel.dleyna.Cancelled");
+    QVERIFY2(answer.milliseconds < 5000, qPrintable(QString::number(answer.milliseconds)));
 }
 
 void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
