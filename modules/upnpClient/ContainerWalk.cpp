@@ -66,10 +66,11 @@ void ContainerWalk::readCall(QDBusPendingCallWatcher *call)
     m_position = 0;
     m_context = ReplyContext();
     LOG4CPLUS_DEBUG(upnpLog(), "browse finished call: " << m_callName);
-    if (m_callName == walk::trackCall())
+    if (m_callName == walk::trackCall()) {
         visit(ObjectProperties(QDBusPendingReply<QVariantMap>(*call).value()));
-    else
+    } else {
         m_objects.open(QDBusPendingReply<PropertyMaps>(*call).reply());
+    }
 }
 
 void ContainerWalk::visit(const ObjectProperties &object)

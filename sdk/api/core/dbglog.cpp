@@ -31,12 +31,13 @@ std::ostream &writeList(std::ostream &stream, const List &values)
 
 void writeOther(std::ostream &stream, const QVariant &value)
 {
-    if (value.canConvert<OrkaHash>())
+    if (value.canConvert<OrkaHash>()) {
         stream << OrkaHash::fromVariant(value);
-    else if (value.canConvert<QString>())
+    } else if (value.canConvert<QString>()) {
         stream << value.toString();
-    else
+    } else {
         stream << "QVariant(" << value.typeName() << ')';
+    }
 }
 } // namespace
 
@@ -65,12 +66,13 @@ std::ostream &operator<<(std::ostream &stream, const QVariant &value)
     default:
         break;
     }
-    if (value.userType() == qMetaTypeId<QDBusObjectPath>())
+    if (value.userType() == qMetaTypeId<QDBusObjectPath>()) {
         stream << value.value<QDBusObjectPath>();
-    else if (value.userType() == qMetaTypeId<QDBusVariant>())
+    } else if (value.userType() == qMetaTypeId<QDBusVariant>()) {
         stream << value.value<QDBusVariant>().variant();
-    else
+    } else {
         writeOther(stream, value);
+    }
     return stream;
 }
 

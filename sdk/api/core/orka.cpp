@@ -49,8 +49,7 @@ QMetaObject::Connection orkaConnect(const QObject *sender, const char *signal,
     const QObject *receiver, const char *slot, Qt::ConnectionType type)
 {
     ORKA_ASSERT(verifyConnectionSignalParameters(sender, signal, receiver, type));
-    const QMetaObject::Connection connection =
-        QObject::connect(sender, signal, receiver, slot, type);
+    QMetaObject::Connection connection = QObject::connect(sender, signal, receiver, slot, type);
     ORKA_ASSERT(connection);
     return connection;
 }

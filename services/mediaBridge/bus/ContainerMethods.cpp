@@ -165,10 +165,11 @@ void MediaService::runListing(
         target.server, std::move(request), m_bus.maxReplyBytes(), call->cancellable(),
         [answer](const MediaObject &object) { return answer->add(object); },
         [call, answer, withTotal](const ListEnd &end) {
-            if (!end.failure.name.empty())
+            if (!end.failure.name.empty()) {
                 call->fail(end.failure);
-            else
+            } else {
                 call->send(withTotal ? answer->finish(end.total) : answer->finish());
+            }
         });
     for (auto known = m_listings.begin(); known != m_listings.end();)
         known = known->second.expired() ? m_listings.erase(known) : std::next(known);

@@ -6,72 +6,80 @@ namespace bridge {
 
 namespace {
 
-struct TextProperty
+template<std::string DeviceDescription::*field>
+Value text(const MediaServer &server)
 {
-    const char *name;
-    std::string DeviceDescription::*field;
-};
-
-constexpr TextProperty textProperties[] = {
-    {"Location", &DeviceDescription::location},
-    {"UDN", &DeviceDescription::udn},
-    {"DeviceType", &DeviceDescription::deviceType},
-    {"FriendlyName", &DeviceDescription::friendlyName},
-    {"Manufacturer", &DeviceDescription::manufacturer},
-    {"ManufacturerUrl", &DeviceDescription::manufacturerUrl},
-    {"ModelDescription", &DeviceDescription::modelDescription},
-    {"ModelName", &DeviceDescription::modelName},
-    {"ModelNumber", &DeviceDescription::modelNumber},
-    {"ModelURL", &DeviceDescription::modelUrl},
-    {"SerialNumber", &DeviceDescription::serialNumber},
-    {"PresentationURL", &DeviceDescription::presentationUrl},
-    {"IconURL", &DeviceDescription::iconUrl},
-};
+    const std::string &value = server.description().*field;
+    return value.empty() ? Value() : Value(value);
+}
 
 Value capabilities(const std::optional<std::vector<std::string>> &didlNames)
 {
     return didlNames ? Value(capabilityNames(*didlNames)) : Value();
 }
 
-Value dlnaCaps(const DeviceDescription &description)
+Value searchCaps(const MediaServer &server)
+{
+    return capabilities(server.searchCaps());
+}
+
+Value sortCaps(const MediaServer &server)
+{
+    return capabilities(server.sortCaps());
+}
+
+Value dlnaCaps(const MediaServer &server)
 {
     PropertyMap caps;
-    for (const auto &[name, value] : description.dlnaCaps)
+    for (const auto &[name, value] : server.description().dlnaCaps)
         caps.emplace_back(name, value);
     return caps.empty() ? Value() : Value(std::move(caps));
 }
 
 } // namespace
 
-Value deviceProperty(const MediaServer &server, std::string_view name)
+const std::vector<DeviceProperty> &deviceProperties()
 {
-    const DeviceDescription &description = server.description();
-    for (const TextProperty &known : textProperties) {
-        const std::string &value = description.*known.field;
-        if (name == known.name)
-            return value.empty() ? Value() : Value(value);
-    }
-    if (name == "SearchCaps")
-        return capabilities(server.searchCaps());
-    if (name == "SortCaps")
-        return capabilities(server.sortCaps());
-    if (name == "DLNACaps")
-        return dlnaCaps(description);
-    return {};
+    using D = DeviceDescription;
+    static const std::vector<DeviceProperty> table{
+        {"Location", "s", &text<&D::location>},
+        {"UDN", "s", &text<&D::udn>},
+        {"DeviceType", "s", &text<&D::deviceType>},
+        {"FriendlyName", "s", &text<&D::friendlyName>},
+        {"Manufacturer", "s", &text<&D::manufacturer>},
+        {"ManufacturerUrl", "s", &text<&D::manufacturerUrl>},
+        {"ModelDescription", "s", &text<&D::modelDescription>},
+        {"ModelName", "s", &text<&D::modelName>},
+        {"ModelNumber", "s", &text<&D::modelNumber>},
+        {"ModelURL", "s", &text<&D::modelUrl>},
+        {"SerialNumber", "s", &text<&D::serialNumber>},
+        {"PresentationURL", "s", &text<&D::presentationUrl>},
+        {"IconURL", "s", &text<&D::iconUrl>},
+        {"DLNACaps", "a{sv}", &dlnaCaps},
+        {"SearchCaps", "as", &searchCaps},
+        {"SortCaps", "as", &sortCaps},
+        {"SystemUpdateID", "u", nullptr},
+    };
+    return table;
 }
 
-PropertyMap deviceProperties(const MediaServer &server)
+const DeviceProperty *findDeviceProperty(std::string_view name)
+{
+    for (const DeviceProperty &property : deviceProperties()) {
+        if (name == property.name)
+            return &property;
+    }
+    return nullptr;
+}
+
+PropertyMap devicePropertyMap(const MediaServer &server)
 {
     PropertyMap map;
-    const auto add = [&](const char *name) {
-        Value value = deviceProperty(server, name);
+    for (const DeviceProperty &property : deviceProperties()) {
+        Value value = property.read ? property.read(server) : Value();
         if (!value.isNone())
-            map.emplace_back(name, std::move(value));
-    };
-    for (const char *name : {"DLNACaps", "SearchCaps", "SortCaps"})
-        add(name);
-    for (const TextProperty &known : textProperties)
-        add(known.name);
+            map.emplace_back(property.name, std::move(value));
+    }
     return map;
 }
 

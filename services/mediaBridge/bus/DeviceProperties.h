@@ -6,10 +6,20 @@
 
 namespace bridge {
 
-/// The value of a property of a server; nothing where the server doesn't say.
-Value deviceProperty(const MediaServer &server, std::string_view name);
+/// A property of a server.
+struct DeviceProperty
+{
+    const char *name;
+    /// D-Bus signature of the value.
+    const char *signature;
+    /// Gives nothing where the server doesn't say; null for one that the server has to be asked for.
+    Value (*read)(const MediaServer &server);
+};
 
-/// Those of all properties that are known without asking the server.
-PropertyMap deviceProperties(const MediaServer &server);
+const std::vector<DeviceProperty> &deviceProperties();
+/// Null for a name that isn't a property's.
+const DeviceProperty *findDeviceProperty(std::string_view name);
+/// The values of all that are known without asking the server.
+PropertyMap devicePropertyMap(const MediaServer &server);
 
 } // namespace bridge

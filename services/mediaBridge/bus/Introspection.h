@@ -1,8 +1,7 @@
 #pragma once
 
-#include "core/Glib.h"
-
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bridge {
@@ -19,15 +18,22 @@ inline constexpr const char *introspectable = "org.freedesktop.DBus.Introspectab
 inline constexpr const char *peer = "org.freedesktop.DBus.Peer";
 } // namespace interfaces
 
-/// What is declared of an interface; null for one that the service doesn't have. What isn't
-/// declared can't be called, so that introspection and behaviour are one.
-const GDBusInterfaceInfo *interfaceInfo(const std::string &name);
+/// One method of an interface. Arguments stand as signature and name, parted by spaces:
+/// "uOffset aa{sv}Children".
+struct MethodDeclaration
+{
+    const char *interface;
+    const char *name;
+    const char *in;
+    const char *out;
+};
 
-/// Signature of a method's arguments.
-std::string inputSignature(const GDBusMethodInfo *method);
+/// The signature of arguments that are written as above, without their names.
+std::string signatureOf(std::string_view arguments);
 
-/// Introspection document of an object with these interfaces and child nodes.
-std::string introspectionXml(
+/// Introspection document of an object with these methods, with the properties and signals that
+/// belong to `interfaceNames`, and with these child nodes.
+std::string introspectionXml(const std::vector<MethodDeclaration> &methods,
     const std::vector<const char *> &interfaceNames, const std::vector<std::string> &children);
 
 } // namespace bridge

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/BusService.h"
+#include "bus/Introspection.h"
 #include "upnp/Listing.h"
 #include "upnp/ServerRegistry.h"
 
@@ -25,12 +26,11 @@ private:
         std::string objectId;
     };
     using Handler = void (MediaService::*)(const BusCallPtr &, const Target &);
-    struct Method
+    struct Method : MethodDeclaration
     {
-        const char *interface;
-        const char *name;
         Handler handler;
     };
+    /// What isn't in it can't be called, and introspection shows it: the two are one.
     static const std::vector<Method> &methods();
 
     // MediaService.cpp: routing and introspection

@@ -43,12 +43,6 @@ Failure checkInterface(const std::string &name, const MediaObject &object)
     return {};
 }
 
-bool isDeviceProperty(const std::string &name)
-{
-    auto *info = const_cast<GDBusInterfaceInfo *>(interfaceInfo(interfaces::device));
-    return g_dbus_interface_info_lookup_property(info, name.c_str()) != nullptr;
-}
-
 /// What GetAll of one interface shows; of every interface where `name` is empty.
 PropertySet propertiesOf(const std::string &name)
 {
@@ -133,7 +127,7 @@ void MediaService::get(const BusCallPtr &call, const Target &target)
     const std::string name = arguments.text();
     const bool isRoot = target.objectId == rootObjectId;
     const bool isOfDevice = isRoot
-        && (interface == interfaces::device || (interface.empty() && isDeviceProperty(name)));
+        && (interface == interfaces::device || (interface.empty() && findDeviceProperty(name)));
     if (!target.server)
         call->fail(unknownProperty(name));
     else if (isOfDevice)
@@ -148,20 +142,25 @@ void MediaService::getDeviceProperty(
     const BusCallPtr &call, const Target &target, const std::string &name)
 {
     const auto &server = target.server;
-    if (name == systemUpdateId) {
+    const DeviceProperty *property = findDeviceProperty(name);
+    if (!property) {
+        call->fail(unknownProperty(name));
+        return;
+    }
+    if (!property->read) {
         readUpdateId(server, call, [call](std::optional<uint32_t> id) {
             replyValue(*call, systemUpdateId, id ? Value(*id) : Value());
         });
         return;
     }
-    const Value value = deviceProperty(*server, name);
-    const bool mayBeUnread = name == "SearchCaps" || name == "SortCaps";
+    const Value value = property->read(*server);
+    const bool mayBeUnread = property->signature == std::string_view("as");
     if (!value.isNone() || !mayBeUnread) {
         replyValue(*call, name, value);
         return;
     }
     server->readCapabilities(
-        [server, call, name] { replyValue(*call, name, deviceProperty(*server, name)); });
+        [server, call, property] { replyValue(*call, property->name, property->read(*server)); });
 }
 
 void MediaService::getObjectProperty(const BusCallPtr &call, const Target &target,
@@ -233,7 +232,7 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
 void MediaService::getAllOfDevice(const BusCallPtr &call, const Target &target)
 {
     readUpdateId(target.server, call, [call, server = target.server](std::optional<uint32_t> id) {
-        PropertyMap map = deviceProperties(*server);
+        PropertyMap map = devicePropertyMap(*server);
         if (id)
             map.emplace_back(systemUpdateId, *id);
         call->reply(map);
@@ -254,7 +253,7 @@ void MediaService::getAllOfObject(
             const auto &server = *target.server;
             PropertyMap map = propertyMap(object, propertiesOf(interface), server.context());
             if (interface.empty() && target.objectId == rootObjectId) {
-                PropertyMap ofDevice = deviceProperties(server);
+                PropertyMap ofDevice = devicePropertyMap(server);
                 std::move(ofDevice.begin(), ofDevice.end(), std::back_inserter(map));
             }
             call->reply(map);
