@@ -131,7 +131,7 @@ void tst_UPnPServerList::aServerFoundAgainReplacesItsRow()
 void tst_UPnPServerList::aLostServerGoesAndNoOther()
 {
     World w;
-    const QString ten = w.tree.addServer("uuid:10", "Ten");
+    w.tree.addServer("uuid:10", "Ten");
     w.start();
     w.service.lose(w.server);
     w.settle();
