@@ -12,7 +12,8 @@ struct DeviceProperty
     const char *name;
     /// D-Bus signature of the value.
     const char *signature;
-    /// Gives nothing where the server doesn't say; null for one that the server has to be asked for.
+    /// Gives nothing where the server doesn't say; null for one that the server has to be asked
+    /// for.
     Value (*read)(const MediaServer &server);
 };
 

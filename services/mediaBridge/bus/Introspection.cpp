@@ -3,6 +3,7 @@
 #include "bus/DeviceProperties.h"
 #include "core/Properties.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -10,7 +11,8 @@ namespace bridge {
 
 namespace {
 
-/// Signature and name of the first argument, which is taken off. No name begins with a small letter.
+/// Signature and name of the first argument, which is taken off. No name begins with a small
+/// letter.
 std::pair<std::string, std::string> takeArgument(std::string_view &arguments)
 {
     const std::string_view argument = arguments.substr(0, arguments.find(' '));

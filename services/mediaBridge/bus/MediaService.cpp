@@ -1,6 +1,5 @@
 #include "bus/MediaService.h"
 
-#include "bus/Introspection.h"
 #include "core/ObjectPath.h"
 
 #include <algorithm>
@@ -28,18 +27,9 @@ bool contains(const std::vector<const char *> &names, const std::string &name)
         names.begin(), names.end(), [&](const char *known) { return name == known; });
 }
 
-/// The interface that a call means: callers may leave it out.
-std::string interfaceOf(const BusCall &call, const std::vector<const char *> &available)
-{
-    if (!call.interface().empty())
-        return call.interface();
-    for (const char *name : available) {
-        auto *info = const_cast<GDBusInterfaceInfo *>(interfaceInfo(name));
-        if (g_dbus_interface_info_lookup_method(info, call.member().c_str()))
-            return name;
-    }
-    return {};
-}
+constexpr const char *listing = "uOffset uMax asFilter";
+constexpr const char *sortedListing = "uOffset uMax asFilter sSortBy";
+constexpr const char *rows = "aa{sv}Children";
 
 } // namespace
 
@@ -75,33 +65,41 @@ void MediaService::serverChanged(const MediaServer &server, bool isThere)
 const std::vector<MediaService::Method> &MediaService::methods()
 {
     using S = MediaService;
+    using namespace interfaces;
     static const std::vector<Method> table{
-        {interfaces::introspectable, "Introspect", &S::introspect},
-        {interfaces::properties, "Get", &S::get},
-        {interfaces::properties, "GetAll", &S::getAll},
-        {interfaces::properties, "Set", &S::set},
-        {interfaces::manager, "GetServers", &S::getServers},
-        {interfaces::manager, "GetVersion", &S::getVersion},
-        {interfaces::manager, "Release", &S::release},
-        {interfaces::manager, "SetProtocolInfo", &S::accept},
-        {interfaces::manager, "PreferLocalAddresses", &S::accept},
-        {interfaces::manager, "Rescan", &S::rescan},
-        {interfaces::device, "Cancel", &S::cancel},
-        {interfaces::device, "BrowseObjects", &S::browseObjects},
-        {interfaces::device, "UploadToAnyContainer", &S::refuseChange},
-        {interfaces::device, "CreateContainerInAnyContainer", &S::refuseChange},
-        {interfaces::object, "Delete", &S::refuseChange},
-        {interfaces::object, "Update", &S::refuseChange},
-        {interfaces::container, "ListChildren", &S::listChildren},
-        {interfaces::container, "ListChildrenEx", &S::listChildren},
-        {interfaces::container, "ListContainers", &S::listContainers},
-        {interfaces::container, "ListContainersEx", &S::listContainers},
-        {interfaces::container, "ListItems", &S::listItems},
-        {interfaces::container, "ListItemsEx", &S::listItems},
-        {interfaces::container, "SearchObjects", &S::search},
-        {interfaces::container, "SearchObjectsEx", &S::search},
-        {interfaces::container, "Upload", &S::refuseChange},
-        {interfaces::container, "CreateContainer", &S::refuseChange},
+        {introspectable, "Introspect", "", "sData", &S::introspect},
+        {interfaces::properties, "Get", "sInterfaceName sPropertyName", "vValue", &S::get},
+        {interfaces::properties, "GetAll", "sInterfaceName", "a{sv}Properties", &S::getAll},
+        {interfaces::properties, "Set", "sInterfaceName sPropertyName vValue", "", &S::set},
+        // These two are answered by libdbus.
+        {peer, "Ping", "", "", nullptr},
+        {peer, "GetMachineId", "", "sMachineUuid", nullptr},
+        {manager, "GetServers", "", "aoServers", &S::getServers},
+        {manager, "GetVersion", "", "sVersion", &S::getVersion},
+        {manager, "Release", "", "", &S::release},
+        {manager, "SetProtocolInfo", "sProtocolInfo", "", &S::accept},
+        {manager, "PreferLocalAddresses", "bPrefer", "", &S::accept},
+        {manager, "Rescan", "", "", &S::rescan},
+        {device, "Cancel", "", "", &S::cancel},
+        {device, "BrowseObjects", "aoObjects asFilter", rows, &S::browseObjects},
+        {device, "UploadToAnyContainer", "sDisplayName sFilePath", "uUploadId oPath",
+            &S::refuseChange},
+        {device, "CreateContainerInAnyContainer", "sDisplayName sType asChildTypes", "oPath",
+            &S::refuseChange},
+        {object, "Delete", "", "", &S::refuseChange},
+        {object, "Update", "a{sv}ToAddUpdate asToDelete", "", &S::refuseChange},
+        {container, "ListChildren", listing, rows, &S::listChildren},
+        {container, "ListChildrenEx", sortedListing, rows, &S::listChildren},
+        {container, "ListContainers", listing, rows, &S::listContainers},
+        {container, "ListContainersEx", sortedListing, rows, &S::listContainers},
+        {container, "ListItems", listing, rows, &S::listItems},
+        {container, "ListItemsEx", sortedListing, rows, &S::listItems},
+        {container, "SearchObjects", "sQuery uOffset uMax asFilter", rows, &S::search},
+        {container, "SearchObjectsEx", "sQuery uOffset uMax asFilter sSortBy",
+            "aa{sv}Children uTotalItems", &S::search},
+        {container, "Upload", "sDisplayName sFilePath", "uUploadId oPath", &S::refuseChange},
+        {container, "CreateContainer", "sDisplayName sType asChildTypes", "oPath",
+            &S::refuseChange},
     };
     return table;
 }
@@ -154,7 +152,7 @@ bool MediaService::introspectAncestor(const BusCallPtr &call)
         return false;
     }
     if (call->member() == "Introspect") {
-        call->reply(introspectionXml({interfaces::introspectable}, children));
+        call->reply(describe({interfaces::introspectable}, children));
     } else {
         call->fail({errors::unknownMethod, "There is no such method at \"" + call->path() + "\"."});
     }
@@ -164,33 +162,38 @@ bool MediaService::introspectAncestor(const BusCallPtr &call)
 void MediaService::invoke(
     const BusCallPtr &call, const Target &target, const std::vector<const char *> &available)
 {
-    const std::string interface = interfaceOf(*call, available);
-    const std::string where = "\"" + interface + "." + call->member() + "\"";
-    auto *info = const_cast<GDBusInterfaceInfo *>(interfaceInfo(interface));
-    const auto *declared =
-        info ? g_dbus_interface_info_lookup_method(info, call->member().c_str()) : nullptr;
-    if (!declared || !contains(available, interface)) {
+    // Callers may leave the interface out.
+    const auto isMeant = [&](const Method &method) {
+        return call->member() == method.name && contains(available, method.interface)
+            && (call->interface().empty() || call->interface() == method.interface);
+    };
+    const auto method = std::find_if(methods().begin(), methods().end(), isMeant);
+    if (method == methods().end()) {
         call->fail({errors::unknownMethod,
-            "There is no method " + where + " at \"" + call->path() + "\"."});
+            "There is no method \"" + call->interface() + "." + call->member() + "\" at \""
+                + call->path() + "\"."});
         return;
     }
-    const std::string signature = inputSignature(declared);
+    const std::string signature = signatureOf(method->in);
     if (signature != call->signature()) {
         call->fail({errors::invalidArgs,
-            where + " takes (" + signature + "), not (" + call->signature() + ")."});
+            call->member() + " takes (" + signature + "), not (" + call->signature() + ")."});
         return;
     }
-    for (const Method &method : methods()) {
-        if (interface == method.interface && call->member() == method.name)
-            (this->*method.handler)(call, target);
-    }
+    (this->*method->handler)(call, target);
+}
+
+std::string MediaService::describe(
+    const std::vector<const char *> &interfaceNames, const std::vector<std::string> &children)
+{
+    return introspectionXml({methods().begin(), methods().end()}, interfaceNames, children);
 }
 
 void MediaService::introspect(const BusCallPtr &call, const Target &target)
 {
     if (!target.server) {
-        call->reply(introspectionXml({interfaces::introspectable, interfaces::peer,
-                                         interfaces::properties, interfaces::manager},
+        call->reply(describe({interfaces::introspectable, interfaces::peer, interfaces::properties,
+                                 interfaces::manager},
             {lastElement(std::string(serverRootPath))}));
         return;
     }
@@ -207,7 +210,7 @@ void MediaService::introspect(const BusCallPtr &call, const Target &target)
                 object.isContainer ? interfaces::container : interfaces::item};
             if (isRoot)
                 names.push_back(interfaces::device);
-            call->reply(introspectionXml(names, {}));
+            call->reply(describe(names, {}));
         });
 }
 

@@ -40,6 +40,8 @@ private:
     bool introspectAncestor(const BusCallPtr &call);
     void invoke(
         const BusCallPtr &call, const Target &target, const std::vector<const char *> &available);
+    static std::string describe(
+        const std::vector<const char *> &interfaceNames, const std::vector<std::string> &children);
     void introspect(const BusCallPtr &call, const Target &target);
     void refuseChange(const BusCallPtr &call, const Target &target);
 
