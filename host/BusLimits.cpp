@@ -1,5 +1,6 @@
 #include "BusLimits.h"
 
+#include "StuckBus.h"
 #include "Wait.h"
 
 #include <QDBusConnection>
@@ -14,6 +15,8 @@
 
 namespace {
 
+constexpr std::chrono::seconds answerLimit(5);
+
 /// Takes every call and answers none.
 class SilentObject : public QDBusVirtualObject
 {
@@ -26,56 +29,52 @@ public:
     }
 };
 
-/// A connection of its own to the bus, closed at the end.
-class OwnConnection
+const QString calleeName = QStringLiteral("orka-limits-callee");
+const QString callerName = QStringLiteral("orka-limits-caller");
+
+void open(const QString &bus, const QString &name)
 {
-public:
-    OwnConnection(const QString &bus, const QString &name)
-        : m_name(name)
-        , m_connection(open(bus, name))
-    {
+    if (bus == QLatin1String("session")) {
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+    } else if (bus == QLatin1String("system")) {
+        QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+    } else {
+        QDBusConnection::connectToBus(bus, name);
     }
-    ~OwnConnection() { QDBusConnection::disconnectFromBus(m_name); }
+}
 
-    QDBusConnection &operator*() { return m_connection; }
-    QDBusConnection *operator->() { return &m_connection; }
-
-private:
-    static QDBusConnection open(const QString &bus, const QString &name)
+/// Two connections of our own, closed at the end.
+struct Connections
+{
+    ~Connections()
     {
-        if (bus == QLatin1String("session")) {
-            return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-        }
-        if (bus == QLatin1String("system")) {
-            return QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
-        }
-        return QDBusConnection::connectToBus(bus, name);
+        QDBusConnection::disconnectFromBus(callerName);
+        QDBusConnection::disconnectFromBus(calleeName);
     }
-
-    QString m_name;
-    QDBusConnection m_connection;
+    QDBusConnection callee{calleeName};
+    QDBusConnection caller{callerName};
 };
 
 using Calls = std::vector<std::unique_ptr<QDBusPendingCallWatcher>>;
 
-Calls callSilentObject(OwnConnection &caller, const QString &callee, int count)
+Calls callSilentObject(const QDBusConnection &caller, const QString &callee, int count)
 {
     const QDBusMessage call = QDBusMessage::createMethodCall(
         callee, QStringLiteral("/"), QStringLiteral("orka.Probe"), QStringLiteral("Wait"));
     Calls calls;
     for (int i = 0; i < count; ++i) {
-        calls.push_back(std::make_unique<QDBusPendingCallWatcher>(caller->asyncCall(call)));
+        calls.push_back(std::make_unique<QDBusPendingCallWatcher>(caller.asyncCall(call)));
     }
     return calls;
 }
 
 /// The bus answers in order: when this comes back, every refusal has come.
-bool hearAll(OwnConnection &caller)
+bool hearAll(const QDBusConnection &caller)
 {
     const QDBusPendingCallWatcher last(
-        caller->asyncCall(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        caller.asyncCall(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
             QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"))));
-    Wait wait(std::chrono::seconds(5), QStringLiteral("Measuring the bus"));
+    Wait wait(answerLimit, QStringLiteral("Measuring the bus"));
     QObject::connect(&last, &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
     return wait.until([&last] { return last.isFinished(); });
 }
@@ -97,22 +96,24 @@ PendingReplies countRefusals(const Calls &calls)
 
 } // namespace
 
-PendingReplies measurePendingReplies(const QString &bus, int most)
+PendingReplies measurePendingReplies(const QString &bus, const QString &description, int most)
 {
+    inTimeOnBus(description, answerLimit, [bus] {
+        open(bus, calleeName);
+        open(bus, callerName);
+    });
     SilentObject silent;
-    OwnConnection callee(bus, QStringLiteral("orka-limits-callee"));
-    OwnConnection caller(bus, QStringLiteral("orka-limits-caller"));
+    Connections opened;
     PendingReplies failed;
-    if (!caller->isConnected() || !callee->isConnected()) {
-        failed.error = caller->lastError().message();
+    if (!opened.caller.isConnected() || !opened.callee.isConnected()) {
+        failed.error = opened.caller.lastError().message();
         return failed;
     }
-    callee->registerVirtualObject(
+    opened.callee.registerVirtualObject(
         QStringLiteral("/"), &silent, QDBusConnection::VirtualObjectRegisterOption::SubPath);
-    const Calls calls = callSilentObject(caller, callee->baseService(), most);
-    if (!hearAll(caller)) {
-        failed.error = QStringLiteral("the bus did not answer in 5 s");
-        return failed;
+    const Calls calls = callSilentObject(opened.caller, opened.callee.baseService(), most);
+    if (!hearAll(opened.caller)) {
+        throw StuckBus(description);
     }
     return countRefusals(calls);
 }

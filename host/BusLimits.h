@@ -14,5 +14,7 @@ struct PendingReplies
     QString error;
 };
 
-/// `bus` as in the options; at most `most` calls are tried.
-PendingReplies measurePendingReplies(const QString &bus, int most = 2048);
+/// `bus` as in the options; at most `most` calls are tried. Throws StuckBus, which calls the bus
+/// `description`, where it hangs.
+PendingReplies measurePendingReplies(
+    const QString &bus, const QString &description, int most = 2048);

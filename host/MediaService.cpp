@@ -3,17 +3,14 @@
 #include "Bus.h"
 #include "Failure.h"
 #include "Installation.h"
-#include "Interrupt.h"
 #include "Output.h"
 #include "SafeText.h"
+#include "StuckBus.h"
 #include "Wait.h"
 
 #include <api/core/orka.h>
 
 #include <QDBusError>
-
-#include <future>
-#include <thread>
 
 namespace {
 
@@ -26,35 +23,14 @@ QString describeBus(const QString &bus)
         : QStringLiteral("the bus at %1").arg(quoted(bus));
 }
 
-/// Opens the workers' connection. That blocks, for minutes where the bus hangs, so it happens in a
-/// thread of its own, which is left behind then.
+/// Opens the workers' connection.
 bool openInTime(const QString &bus, std::chrono::milliseconds limit)
 {
-    std::packaged_task<bool()> opening([bus] { return orkaOpenDBusConnection(bus); });
-    const std::future<bool> opened = opening.get_future();
-    std::thread(std::move(opening)).detach();
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (opened.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
-        if (Interrupt::received() != 0) {
-            throw InterruptedBySignal{Interrupt::received()};
-        }
-        if (std::chrono::steady_clock::now() > deadline) {
-            throw StuckBus(describeBus(bus));
-        }
-    }
+    inTimeOnBus(describeBus(bus), limit, [bus] { orkaOpenDBusConnection(bus); });
     return orkaDBusConnection().isConnected();
 }
 
 } // namespace
-
-StuckBus::StuckBus(const QString &bus)
-    : Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("Nothing can be asked: %1 takes the connection but doesn't answer. Restart "
-                       "it, or name another "
-                       "with --bus.")
-            .arg(bus))
-{
-}
 
 MediaService::MediaService(const Options &options)
     : m_options(options)

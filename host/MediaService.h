@@ -9,14 +9,6 @@
 
 #include <memory>
 
-/// The bus hangs: a thread is left behind in it, so that the program has to end without tidying up.
-class StuckBus : public Failure
-{
-public:
-    /// `bus` is described for people.
-    explicit StuckBus(const QString &bus);
-};
-
 /// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: the one
 /// that the bus has or can activate, or our bridge, on a private bus of ours where there is no
 /// session bus. What it started ends with it.

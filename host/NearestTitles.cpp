@@ -1,5 +1,6 @@
 #include "NearestTitles.h"
 
+#include "Place.h"
 #include "SafeText.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ QString NearestTitles::question() const
 {
     QStringList names;
     for (const QString &title : titles()) {
-        names.append(quoted(title));
+        names.append(quoted(titleInPlace(title)));
     }
     return names.isEmpty()
         ? QString()

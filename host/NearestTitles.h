@@ -14,7 +14,7 @@ public:
     void add(const QString &title);
     /// Best first, three at most.
     QStringList titles() const;
-    /// " Did you mean "A" or "B"?", or nothing.
+    /// " Did you mean "A" or "B"?", as they are written in a place, or nothing.
     QString question() const;
 
 private:

@@ -31,10 +31,12 @@ std::string isPrefix(const std::string &text)
 
 void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help)
 {
-    app.add_option_function<double>(
+    app.add_option_function<std::string>(
            name,
-           [&target, name](double seconds) {
-               if (!(seconds >= 0 && seconds <= longest)) { // also not a number
+           [&target, name](const std::string &text) {
+               bool isNumber = false;
+               const double seconds = argument(text).toDouble(&isNumber);
+               if (!isNumber || !(seconds >= 0 && seconds <= longest)) { // nan is a number, too
                    throw CLI::ValidationError(name, "is a number of seconds from 0 to 86400");
                }
                target = Milliseconds(qRound64(seconds * 1000));
@@ -49,9 +51,8 @@ void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const cha
 void addGlobalOptions(CLI::App &app, Options &options)
 {
     addText(app, "--plugin", options.plugin,
-        "The worker's library; the one of this installation where none is named", "FILE");
-    addText(app, "--prefix", options.prefix,
-        "First part of the worker's node paths (upnp where none is named)", "NAME")
+        "The worker's library; this installation's where none is\nnamed", "FILE");
+    addText(app, "--prefix", options.prefix, "First part of the worker's node paths (upnp)", "NAME")
         ->check(CLI::Validator(isPrefix, "", "prefix"));
     addText(app, "--service-id", options.serviceId, "Service id that the worker puts into its rows",
         "ID");
@@ -60,18 +61,19 @@ void addGlobalOptions(CLI::App &app, Options &options)
     const std::map<std::string, MediaServiceSource> sources = {{"auto", MediaServiceSource::Auto},
         {"session", MediaServiceSource::Session}, {"bridge", MediaServiceSource::Bridge}};
     app.add_option("--media-service", options.mediaService,
-           "session: the one on the bus; bridge: a bridge of our own, on a private bus where there "
-           "is no session bus; auto (the default): the first, else the second")
+           "session: the one on the bus; bridge: a bridge of our own,\n"
+           "on a private bus where there is no session bus;\n"
+           "auto (the default): the first, else the second")
         ->type_name("auto|session|bridge")
         ->transform(CLI::CheckedTransformer(sources).description(""));
     addText(app, "--bridge", options.bridge,
-        "The bridge's program; the one of this installation where none is named", "FILE");
+        "The bridge's program; this installation's where none is\nnamed", "FILE");
     addSeconds(app, "--wait", options.wait, "For a media server to show up (5)");
     addSeconds(app, "--timeout", options.timeout, "For an answer (30)");
     app.add_flag("--json", options.json, "Print one JSON document on standard output");
     addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");
     app.add_flag("-v", options.verbosity,
-        "Log to standard error: -v what happens, -vv details, -vvv everything");
+        "Log to standard error: -v what happens, -vv details,\n-vvv everything");
 }
 
 QString argument(const std::string &text)

@@ -3,6 +3,8 @@
 #include "Failure.h"
 #include "SafeText.h"
 
+#include <QRegularExpression>
+
 namespace {
 
 QStringList splitTitles(const QString &text)
@@ -48,6 +50,12 @@ Place parsePlace(const QString &text, const QString &prefix)
                              .arg(quoted(text)));
     }
     return {CMPath(), titles, text};
+}
+
+QString titleInPlace(const QString &title)
+{
+    static const QRegularExpression special(QStringLiteral(R"((/|\\(?=[/\\]|$)))"));
+    return QString(title).replace(special, QStringLiteral(R"(\\1)"));
 }
 
 CMPath parsePath(const QString &text)

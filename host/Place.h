@@ -21,5 +21,8 @@ struct Place
 /// text, an empty title and a node path that can't be decoded.
 Place parsePlace(const QString &text, const QString &prefix);
 
+/// A title as it is written in a place.
+QString titleInPlace(const QString &title);
+
 /// A node path. Throws Failure (wrong usage) where it can't be decoded.
 CMPath parsePath(const QString &text);

@@ -2,11 +2,12 @@
 #include "Interrupt.h"
 #include "JsonOutput.h"
 #include "Logging.h"
-#include "MediaService.h"
+#include "NearestTitles.h"
 #include "Options.h"
 #include "Output.h"
 #include "Progress.h"
 #include "SafeText.h"
+#include "StuckBus.h"
 #include "commands/Command.h"
 
 #include <QCoreApplication>
@@ -21,13 +22,30 @@
 namespace {
 
 const char description[] =
-    "Browses, searches and plays UPnP media servers through the worker of a media device.";
+    "Browses, searches and plays UPnP media servers through a media device's worker.";
 
 const char exitStatuses[] = "Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 "
                             "no media service, no such\n"
                             "place or no plug-in; 4 no answer in time; 130 interrupted. \"orka "
                             "COMMAND --help\" tells more.\n\n"
                             "Example:\n  orka ls \"My NAS/Music/Albums\"";
+
+/// What the parser can't place, "orka COMMAND" being what was understood.
+QString unknownArgument(const CLI::App &app, const QString &text)
+{
+    const std::vector<CLI::App *> chosen = app.get_subcommands();
+    if (!chosen.empty()) {
+        return QStringLiteral(
+            "\"orka %1\" doesn't take %2. \"orka %1 --help\" tells what it takes.")
+            .arg(QString::fromStdString(chosen.front()->get_name()), quoted(text));
+    }
+    NearestTitles nearest(text);
+    for (const CLI::App *command : app.get_subcommands(nullptr)) {
+        nearest.add(QString::fromStdString(command->get_name()));
+    }
+    return QStringLiteral("There is no command or option %1.%2 \"orka --help\" lists them.")
+        .arg(quoted(text), nearest.question());
+}
 
 /// What the parser has to say: help on standard output, a mistake on standard error.
 int reportParsing(const CLI::App &app, const CLI::ParseError &error)
@@ -39,10 +57,11 @@ int reportParsing(const CLI::App &app, const CLI::ParseError &error)
     if (status == 0) {
         return Answered;
     }
-    const std::vector<std::string> unknown = app.remaining();
-    if (app.get_subcommands().empty() && !unknown.empty()) {
-        tell(QStringLiteral("There is no command or option %1. \"orka --help\" lists them.")
-                 .arg(quoted(argument(unknown.front()))));
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (!unknown.empty()) {
+        tell(unknownArgument(app, argument(unknown.front())));
+    } else if (app.get_subcommands().empty() && error.get_name() == "RequiredError") {
+        tell(QStringLiteral("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
         tell(QString::fromStdString(mistake.str()).trimmed());
     }
@@ -108,6 +127,8 @@ int runProgram(int argc, char **argv)
     Options options;
     CLI::App app(description, "orka");
     app.footer(exitStatuses);
+    app.get_formatter()->column_width(24);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.set_version_flag("--version", "orka " ORKA_VERSION);
     app.require_subcommand(1);
     addGlobalOptions(app, options);

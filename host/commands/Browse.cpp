@@ -17,7 +17,7 @@ public:
             "orka ls \"My NAS/Music/All Music\" --rows 0-19")
     {
         addPlace(m_place);
-        addRows(m_rows, "First and last row, counted from 0; all where none are named");
+        addRows(m_rows, "First and last row, counted from 0 (all)");
     }
 
     int run(const Options &options) override
@@ -104,9 +104,10 @@ public:
     {
         addPlace(m_place);
         addText("SAMPLE", m_sample,
-            "START,END,STEP: first position, last position (inclusive), distance of at least 1", "")
+            "START,END,STEP: first position, last position\n(inclusive), distance of at least 1",
+            "")
             ->required();
-        addRows(m_rows, "Rows of the sample, counted from 0; at most B+1 rows are answered");
+        addRows(m_rows, "Rows of the sample, counted from 0; at most B+1 rows are\nanswered");
     }
 
     int run(const Options &options) override

@@ -6,6 +6,7 @@ Command::Command(CLI::App &app, const char *name, const char *description, const
     : m_parser(app.add_subcommand(name, description))
 {
     m_parser->fallthrough(); // global options may follow the command
+    m_parser->group("Commands");
     m_parser->footer(std::string("Example:\n  ") + example
         + "\n\n\"orka --help\" lists the options that every command has.");
 }
@@ -21,8 +22,9 @@ CLI::Option *Command::addText(const char *name, QString &target, const char *hel
 void Command::addPlace(QString &target)
 {
     addText("PLACE", target,
-        "A node path (upnp:/uuid:…/64) or titles joined by / (\"My NAS/Music\"; \\/ for a slash in "
-        "a title; / alone is the list of media servers)",
+        "A node path (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music\"; \\/ for a slash "
+        "in "
+        "a title; / alone is\nthe list of media servers)",
         "")
         ->required();
 }
@@ -37,7 +39,7 @@ void Command::addPlaces(QStringList &target)
                     target.append(argument(text));
                 }
             },
-            "Node paths (upnp:/uuid:…/64) or titles joined by / (\"My NAS/Music/Albums\")")
+            "Node paths (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music/Albums\")")
         ->type_name("")
         ->required();
 }

@@ -7,6 +7,7 @@
 #include "SearchKinds.h"
 #include "ServerList.h"
 #include "Session.h"
+#include "StuckBus.h"
 #include "commands/Command.h"
 
 #include <api/core/orka.h>
@@ -61,9 +62,9 @@ private:
     QVariantList m_checks;
 };
 
-void checkBusLimits(Findings &findings, const QString &bus)
+void checkBusLimits(Findings &findings, const MediaService &service)
 {
-    const PendingReplies replies = measurePendingReplies(bus);
+    const PendingReplies replies = measurePendingReplies(service.bus(), service.busDescription());
     if (!replies.error.isEmpty()) {
         findings.add(Findings::Warning, "bus limits",
             QStringLiteral("could not be measured (%1); a bus with the daemon's built-in limit "
@@ -86,10 +87,10 @@ void checkBusLimits(Findings &findings, const QString &bus)
 
 void checkMediaService(Findings &findings, const Options &options, const MediaService &service)
 {
+    findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
+    checkBusLimits(findings, service);
     const Bus bus(orkaDBusConnection(), options.timeout);
     const QString owner = bus.owner(MediaService::busName());
-    findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
-    checkBusLimits(findings, service.bus());
     findings.add(Findings::Ok, "media service",
         QStringLiteral("%1 has the name %2%3.")
             .arg(safeText(bus.describeOwner(owner)), MediaService::busName(),
@@ -174,7 +175,12 @@ private:
     static void checkChain(Findings &findings, const Options &options)
     {
         auto service = std::make_unique<MediaService>(options);
-        checkMediaService(findings, options, *service);
+        try {
+            checkMediaService(findings, options, *service);
+        } catch (const StuckBus &) {
+            static_cast<void>(service.release()); // tidying up would wait for the bus as well
+            throw;
+        }
         Session session(options, std::move(service));
         findings.add(Findings::Ok, "plug-in", QStringLiteral("loaded."));
         checkServers(findings, session);

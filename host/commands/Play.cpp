@@ -97,8 +97,8 @@ public:
     {
         addPlaces(m_places);
         addText("--player", m_player,
-            "The player (mpv), with its own options; it is given an M3U8 file as last argument, "
-            "and its exit status becomes ours",
+            "The player (mpv), with its own options; it is given an\nM3U8 file as last argument, "
+            "and its exit status becomes\nours",
             "COMMAND");
     }
 

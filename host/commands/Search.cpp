@@ -46,7 +46,7 @@ public:
                     help)
                 ->type_name("TEXT");
         }
-        addRows(m_rows, "First and last row, counted from 0; all where none are named");
+        addRows(m_rows, "First and last row, counted from 0 (all)");
     }
 
     int run(const Options &options) override

@@ -64,7 +64,7 @@ public:
             "orka servers\n  orka --json servers --watch")
     {
         parser().add_flag("--watch", m_watch,
-            "Print arrivals and departures until stopped; with --json one document a line: "
+            "Print arrivals and departures until stopped; with --json\none document a line:\n"
             "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}");
     }
 
