@@ -7,16 +7,7 @@
 # shellcheck source=tests/e2e/library.sh
 . "$WORLD_ROOT/tests/e2e/library.sh"
 
-furnish() {
-    export PATH=$ORKA_BUILD/host:$ORKA_BUILD/services/mediaBridge:$PATH
-    world_lan
-    world_host nas 2
-    make_library "$WORLD_DIR/music"
-    start_minidlna nas "$WORLD_DIR/music" "Demo Music"
-    wait_indexed nas "$(library_size)"
-    start_bus
-    start_bridge
-}
+export PATH=$ORKA_BUILD/host:$ORKA_BUILD/services/mediaBridge:$PATH
 
 # prompt: a shell in this world, until the person leaves it.
 prompt() {

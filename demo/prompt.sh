@@ -4,7 +4,7 @@ set -euo pipefail
 # shellcheck source=demo/furnish.sh
 . "$WORLD_ROOT/demo/furnish.sh"
 
-furnish
+furnish "Demo Music"
 if [ $# -gt 0 ]; then
     "$@"
 else

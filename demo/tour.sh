@@ -22,7 +22,7 @@ as_typed() {
 }
 
 echo "Starting a media server (MiniDLNA) with $(library_size) tracks on a network of its own …"
-furnish
+furnish "Demo Music"
 
 show "The media servers on this network:" orka servers
 show "A folder:" orka ls "Demo Music/Music/Album"

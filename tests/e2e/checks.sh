@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
-# What the end-to-end tests are written with; sourced by them after world.sh. A test goes on after a failed
+# What the end-to-end tests are written with; sourced by them. A test goes on after a failed
 # check, so that one run shows them all, and ends with "finish".
 
+# shellcheck source=tests/e2e/world.sh
+. "$WORLD_ROOT/tests/e2e/world.sh"
+# shellcheck source=tests/e2e/library.sh
+. "$WORLD_ROOT/tests/e2e/library.sh"
 export PATH=$ORKA_BUILD/host:$PATH
 failures=0
 

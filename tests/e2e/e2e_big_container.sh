@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # A folder of 10,000 tracks, whose listing a server gives in pieces.
 set -euo pipefail
-. "$WORLD_ROOT/tests/e2e/world.sh"
 . "$WORLD_ROOT/tests/e2e/checks.sh"
 
 world_lan

@@ -1,17 +1,9 @@
 #!/usr/bin/env bash
 # What orka lists of a MiniDLNA library against the tags of its files.
 set -euo pipefail
-. "$WORLD_ROOT/tests/e2e/world.sh"
-. "$WORLD_ROOT/tests/e2e/library.sh"
 . "$WORLD_ROOT/tests/e2e/checks.sh"
 
-world_lan
-world_host nas 2
-make_library "$WORLD_DIR/music"
-start_minidlna nas "$WORLD_DIR/music" "Test Music"
-wait_indexed nas "$(library_size)"
-start_bus
-start_bridge
+furnish "Test Music"
 
 check "the server's row" "Test Music server" \
     "$(orka --json servers | jq -r '.rows[] | .title + " " + (.path | capture("itemType=(?<t>[a-z]+)").t)')"
@@ -31,6 +23,10 @@ check "its tracks, by that path" $'夜の海\n灯台' "$(orka --json ls "$album"
 track=$(orka --json ls "$album" | jq -r '.rows[1].path')
 check "one track, by its path" "灯台 林檎楽団 2000 audio/mpeg" "$(orka --json info "$track" |
     jq -r '.roles | [.title, .mediaData.metaData.artist, (.mediaData.resources[0] | .duration, .mimeType)] | map(tostring) | join(" ")')"
+
+check "what can be done with it" 3 "$(orka --json menu --context "$track" | jq .rowsCount)"
+check_fails "a folder that isn't there" 3 'no folder "Musik".*mean "Music"' orka ls "Test Music/Musik/Album"
+check_fails "an object that isn't there" 1 "error" orka ls "${album%%\?*}/nothing?itemType=container"
 
 uri=$(orka --json info "$track" | jq -r '.roles.mediaData.resources[0].uri')
 check "what the track's address gives" 灯台 \

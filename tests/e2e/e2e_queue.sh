@@ -2,8 +2,6 @@
 # Playlists of tracks, albums, folders and whole servers, on a server that can search (MiniDLNA) and on one
 # that can't (Gerbera), against the tags of the files.
 set -euo pipefail
-. "$WORLD_ROOT/tests/e2e/world.sh"
-. "$WORLD_ROOT/tests/e2e/library.sh"
 . "$WORLD_ROOT/tests/e2e/checks.sh"
 
 # 25 albums of two tracks, one folder each, two levels down.

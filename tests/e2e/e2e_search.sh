@@ -1,8 +1,6 @@
 #!/usr/bin/env bash
 # Searches on servers that can, each in its own way (MiniDLNA, Rygel), and on one that can't (Gerbera).
 set -euo pipefail
-. "$WORLD_ROOT/tests/e2e/world.sh"
-. "$WORLD_ROOT/tests/e2e/library.sh"
 . "$WORLD_ROOT/tests/e2e/checks.sh"
 
 world_lan

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# make_library FOLDER: a small tagged music library; sourced by the demo's tour and the end-to-end tests.
+# make_library FOLDER: a small tagged music library; sourced after world.sh by the demo and the end-to-end tests.
 # Three short clips are encoded once; every file is a copy of one of them with tags of its own.
 
 # One line a track: folder and file, seconds, artist, album, year, genre, number, title.
@@ -72,4 +72,16 @@ make_library() {
 # library_size: how many tracks make_library makes.
 library_size() {
     library_tracks | wc -l
+}
+
+# furnish TITLE: a machine "nas" whose MiniDLNA serves that library under this title, the message bus and the media
+# service.
+furnish() {
+    world_lan
+    world_host nas 2
+    make_library "$WORLD_DIR/music"
+    start_minidlna nas "$WORLD_DIR/music" "$1"
+    wait_indexed nas "$(library_size)"
+    start_bus
+    start_bridge
 }

@@ -3,8 +3,7 @@
 // Files and titles are numbered from 1 ("Track 00001" is number 1 of the album), one artist a
 // hundred tracks.
 
-#include <algorithm>
-#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,11 +12,12 @@
 
 namespace {
 
-std::string bigEndian(std::uint32_t value)
+/// Most significant byte first, with so many bits in each.
+std::string fourBytes(std::size_t value, unsigned bits)
 {
     std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        bytes += static_cast<char>((value >> shift) & 0xff);
+    for (unsigned i = 4; i-- > 0;) {
+        bytes += static_cast<char>((value >> (i * bits)) & ((1U << bits) - 1));
     }
     return bytes;
 }
@@ -25,44 +25,27 @@ std::string bigEndian(std::uint32_t value)
 /// One ID3v2.3 text frame, Latin-1.
 std::string textFrame(const std::string &id, const std::string &text)
 {
-    const auto size = static_cast<std::uint32_t>(text.size() + 1);
-    return id + bigEndian(size) + std::string(3, '\0') + text;
+    return id + fourBytes(text.size() + 1, 8) + std::string(3, '\0') + text;
 }
 
-/// A whole ID3v2.3 tag; its size is written seven bits a byte.
-std::string tag(const std::string &frames)
+std::string numbered(const char *format, int number)
 {
-    std::string size;
-    for (int shift = 21; shift >= 0; shift -= 7) {
-        size += static_cast<char>((frames.size() >> shift) & 0x7f);
-    }
-    return std::string("ID3\x03\0\0", 6) + size + frames;
+    char text[32] = {};
+    std::snprintf(text, sizeof(text), format, number);
+    return text;
 }
 
-/// About a second of silence: 40 MPEG-1 layer III frames, 32 kbit/s, 44.1 kHz, 104 bytes each.
-std::string silence()
+/// The tag and about a second of silence: 40 MPEG-1 layer III frames, 32 kbit/s, 44.1 kHz.
+std::string track(int number, const std::string &album)
 {
-    std::string audio;
+    const std::string frames = textFrame("TIT2", numbered("Track %05d", number))
+        + textFrame("TPE1", numbered("Artist %03d", (number - 1) / 100)) + textFrame("TALB", album)
+        + textFrame("TRCK", numbered("%d", number));
+    std::string file = std::string("ID3\x03\0\0", 6) + fourBytes(frames.size(), 7) + frames;
     for (int frame = 0; frame < 40; ++frame) {
-        audio += std::string("\xff\xfb\x10\xc4", 4) + std::string(100, '\0');
+        file += std::string("\xff\xfb\x10\xc4", 4) + std::string(100, '\0');
     }
-    return audio;
-}
-
-std::string padded(int number, std::size_t width)
-{
-    std::string digits = std::to_string(number);
-    return digits.insert(0, width - std::min(width, digits.size()), '0');
-}
-
-bool makeTrack(const std::filesystem::path &folder, int number, const std::string &album)
-{
-    const std::string tags = textFrame("TIT2", "Track " + padded(number, 5))
-        + textFrame("TPE1", "Artist " + padded((number - 1) / 100, 3)) + textFrame("TALB", album)
-        + textFrame("TRCK", std::to_string(number));
-    std::ofstream file(folder / (padded(number, 5) + ".mp3"), std::ios::binary);
-    file << tag(tags) << silence();
-    return static_cast<bool>(file.flush());
+    return file;
 }
 
 } // namespace
@@ -77,7 +60,9 @@ int main(int argc, char **argv)
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     for (int number = 1; number <= count; ++number) {
-        if (!makeTrack(folder, number, argc == 4 ? argv[3] : "Everything")) {
+        std::ofstream file(folder / numbered("%05d.mp3", number), std::ios::binary);
+        file << track(number, argc == 4 ? argv[3] : "Everything");
+        if (!file.flush()) {
             std::cerr << "make_tracks: cannot write track " << number << " to " << folder << "\n";
             return 1;
         }
