@@ -16,7 +16,6 @@ private slots:
     void everyPathSurvivesTheRoundTrip();
     void loneSurrogatesBecomeReplacementCharacters();
     void tellsAnEmptyParameterFromAnAbsentOne();
-    void copiesAreIndependent();
 };
 
 namespace {
@@ -117,15 +116,6 @@ void tst_CMPath::tellsAnEmptyParameterFromAnAbsentOne()
     QVERIFY(!CMPath("upnp", "/a").addParam("query", QString()).param("query").isNull());
     QVERIFY(path != path.withoutParams());
     QVERIFY(!CMPath().addParam("a", "").isEmpty());
-}
-
-void tst_CMPath::copiesAreIndependent()
-{
-    const CMPath path("upnp", "/a");
-    CMPath copy = path;
-    copy.addParam("k", "1").addParam("k", "2");
-    QVERIFY(path.params().isEmpty());
-    QCOMPARE(copy.params(), (QMap<QString, QString>{{"k", "2"}}));
 }
 
 QTEST_APPLESS_MAIN(tst_CMPath)

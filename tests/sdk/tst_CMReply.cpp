@@ -15,7 +15,6 @@ private slots:
     void keepsAValueBesideAnError();
     void aSecondAnswerOfAKindIsDroppedWithAWarning();
     void aWatcherMayGo();
-    void countsHandles();
 };
 
 namespace {
@@ -106,19 +105,6 @@ void tst_CMReply::aWatcherMayGo()
     reply.setValue(1);
     QCoreApplication::processEvents();
     QVERIFY(told);
-}
-
-void tst_CMReply::countsHandles()
-{
-    CMReply<QVariant> reply;
-    QCOMPARE(reply.handles(), 1L);
-    {
-        const CMSetDataRequest request(CMPath(), QVariant(), reply);
-        QVERIFY(request.isValid());
-        QCOMPARE(reply.handles(), 2L);
-    }
-    QCOMPARE(reply.handles(), 1L);
-    QVERIFY(!CMSetDataRequest().isValid());
 }
 
 QTEST_GUILESS_MAIN(tst_CMReply)

@@ -26,7 +26,6 @@ private slots:
     void queuesWhatATrackHas_data();
     void queuesWhatATrackHas();
     void queuesAPictureByItsOwnUrl();
-    void queuesNothingWithoutAUrl();
 };
 
 namespace {
@@ -307,14 +306,6 @@ void tst_Mapping::queuesAPictureByItsOwnUrl()
     QCOMPARE(item.artworkUrl(), "http://a/b");
     QVERIFY(item.orkaRoles().endsWith("\"https://192.0.2.1/proxy/aHR0cDovL2EvYg==\"}"));
     publishNetwork({});
-}
-
-void tst_Mapping::queuesNothingWithoutAUrl()
-{
-    World w;
-    for (const QVariant &urls : {QVariant(QStringList()), QVariant(7)})
-        QVERIFY(w.worker().fillin_playlistItem({{"DisplayName", "S"}, {"URLs", urls}}).isEmpty());
-    QCOMPARE(w.log.count("ERROR CB_UPnP: Trying to add item without URL to playlist"), 2);
 }
 
 QTEST_GUILESS_MAIN(tst_Mapping)

@@ -151,7 +151,7 @@ void tst_Prepare::leavesOutWhatHasNoUrl()
 {
     World w;
     w.tree.setProperty(w.a, "URLs", QStringList());
-    w.tree.addTrack(w.second, "v2", "V2", {{"URLs", QStringList()}});
+    w.tree.addTrack(w.second, "v2", "V2", {{"URLs", 7}});
     w.tree.addTrack(w.second, "v3", "V3");
     QCOMPARE(itemsText(w.prepared({trackA, folder2, trackB})), "B V1 V3");
     QCOMPARE(w.log.count("ERROR CB_UPnP: Trying to add item without URL to playlist"), 2);
