@@ -26,7 +26,8 @@ std::string argumentsXml(std::string_view arguments, const char *direction)
     std::string xml;
     while (!arguments.empty()) {
         const auto [signature, name] = takeArgument(arguments);
-        xml += "   <arg name=\"" + name + "\" type=\"" + signature + "\"" + direction + "/>\n";
+        xml.append("   <arg name=\"").append(name).append("\" type=\"").append(signature);
+        xml.append("\"").append(direction).append("/>\n");
     }
     return xml;
 }
@@ -59,10 +60,11 @@ std::string interfaceXml(const std::vector<MethodDeclaration> &methods, const ch
 {
     std::string xml = std::string(" <interface name=\"") + interface + "\">\n";
     for (const MethodDeclaration &method : methods) {
-        if (std::strcmp(method.interface, interface) == 0)
-            xml += std::string("  <method name=\"") + method.name + "\">\n"
-                + argumentsXml(method.in, "") + argumentsXml(method.out, " direction=\"out\"")
-                + "  </method>\n";
+        if (std::strcmp(method.interface, interface) != 0)
+            continue;
+        xml += std::string("  <method name=\"") + method.name + "\">\n";
+        xml += argumentsXml(method.in, "") + argumentsXml(method.out, " direction=\"out\"");
+        xml += "  </method>\n";
     }
     if (std::strcmp(interface, interfaces::manager) == 0) {
         for (const char *name : {"FoundServer", "LostServer"})

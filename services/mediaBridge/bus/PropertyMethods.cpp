@@ -219,11 +219,9 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
         !target.server && (interface.empty() || interface == interfaces::manager);
     if (isManager || isWithoutProperties(interface))
         call->reply(PropertyMap());
-    else if (!target.server)
-        call->fail(unknownInterface(interface));
-    else if (isRoot && interface == interfaces::device)
+    else if (target.server && isRoot && interface == interfaces::device)
         getAllOfDevice(call, target);
-    else if (isMediaInterface(interface))
+    else if (target.server && isMediaInterface(interface))
         getAllOfObject(call, target, interface);
     else
         call->fail(unknownInterface(interface));

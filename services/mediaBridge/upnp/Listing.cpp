@@ -44,8 +44,8 @@ Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_
 std::shared_ptr<Listing> Listing::start(std::shared_ptr<MediaServer> server, ListRequest request,
     size_t maxBytes, GCancellable *cancellable, RowSink sink, Done done)
 {
-    const std::shared_ptr<Listing> listing(new Listing(std::move(server), std::move(request),
-        maxBytes, cancellable, std::move(sink), std::move(done)));
+    std::shared_ptr<Listing> listing(new Listing(std::move(server), std::move(request), maxBytes,
+        cancellable, std::move(sink), std::move(done)));
     listing->proceed();
     return listing;
 }
@@ -236,11 +236,12 @@ void Listing::readObject(const MediaObject &object)
         return;
     }
     ++m_rowCount;
-    if (m_sink(object) > m_maxBytes)
-        fail({errors::operationFailed,
-            m_request.action + " operation failed: The list is too long for one D-Bus message ("
-                + std::to_string(m_maxBytes >> 20)
-                + " MiB). Ask for fewer objects at a time, or for fewer properties."});
+    if (m_sink(object) <= m_maxBytes)
+        return;
+    fail({errors::operationFailed,
+        m_request.action + " operation failed: The list is too long for one D-Bus message ("
+            + std::to_string(m_maxBytes >> 20)
+            + " MiB). Ask for fewer objects at a time, or for fewer properties."});
 }
 
 void Listing::tellTotal()
