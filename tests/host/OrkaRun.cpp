@@ -7,12 +7,12 @@ OrkaRun::OrkaRun(
 {
     QStringList all;
     if (!busAddress.isEmpty()) {
-        all << QStringLiteral("--bus") << busAddress << QStringLiteral("--media-service")
-            << QStringLiteral("session");
+        all << "--bus" << busAddress << "--media-service"
+            << "session";
     }
-    all << QStringLiteral("--plugin") << QStringLiteral(TEST_WORKER) << arguments;
+    all << "--plugin" << TEST_WORKER << arguments;
     m_process.setProcessEnvironment(environment);
-    m_process.start(QStringLiteral(ORKA), all);
+    m_process.start(ORKA, all);
     m_process.waitForStarted();
 }
 

@@ -1,8 +1,10 @@
 #include "OrkaRun.h"
 #include "PrivateBus.h"
 
+#include <QDBusConnectionInterface>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <csignal>
@@ -20,6 +22,7 @@ private slots:
     void interruptEndsAnyCommand();
     void missingServiceIsASentence_data();
     void missingServiceIsASentence();
+    void frozenBusIsASentence();
     void theServiceOnTheBusIsUsed();
 };
 
@@ -43,11 +46,8 @@ bool isRunning(qint64 process)
 qint64 childOf(qint64 parent, const QByteArray &name)
 {
     QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(parent));
-    if (!children.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QList<QByteArray> numbers = children.readAll().simplified().split(' ');
-    for (const QByteArray &number : numbers) {
+    children.open(QIODevice::ReadOnly);
+    for (const QByteArray &number : children.readAll().simplified().split(' ')) {
         QFile comm("/proc/" + QString::fromLatin1(number) + "/comm");
         if (comm.open(QIODevice::ReadOnly) && comm.readAll().startsWith(name)) {
             return number.toLongLong();
@@ -60,11 +60,9 @@ qint64 childOf(qint64 parent, const QByteArray &name)
 QString busSocketOf(qint64 bridge)
 {
     QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(bridge));
-    if (!commandLine.open(QIODevice::ReadOnly)) {
-        return QString();
-    }
-    const QString address = QString::fromUtf8(commandLine.readAll().split('\0').value(2));
-    return address.section(QStringLiteral("path="), 1).section(QLatin1Char(','), 0, 0);
+    commandLine.open(QIODevice::ReadOnly);
+    const QString address = commandLine.readAll().split('\0').value(2);
+    return address.section("path=", 1).section(',', 0, 0);
 }
 
 } // namespace
@@ -116,7 +114,10 @@ void tst_Lifetime::interruptEndsAnyCommand()
     QFETCH(QStringList, arguments);
     PrivateBus bus;
     QVERIFY(bus.open("service").registerService("com.intel.dleyna-server"));
-    OrkaRun orka(bus.address(), arguments);
+    const QTemporaryDir temporary;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", temporary.path());
+    OrkaRun orka(bus.address(), arguments, environment);
     QTest::qWait(700); // until it is in the middle of it
     const qint64 player = childOf(orka.process().processId(), "sleep");
     QElapsedTimer clock;
@@ -126,39 +127,47 @@ void tst_Lifetime::interruptEndsAnyCommand()
     QCOMPARE(orka.status(), 130);
     QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
     QVERIFY(player == 0 || !isRunning(player));
+    QVERIFY(QDir(temporary.path()).isEmpty()); // the playlist is gone as well
     PrivateBus::close("service");
 }
 
 void tst_Lifetime::missingServiceIsASentence_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("failing");
     QTest::addColumn<QByteArray>("said");
-    QTest::newRow("no bus") << QStringList{"--media-service", "session"} << false
-                            << QByteArray("can't be reached");
-    QTest::newRow("bad address") << QStringList{"--bus", "unix:path=/nonexistent"} << false
-                                 << QByteArray("can't be reached");
-    QTest::newRow("no address") << QStringList{"--bus", "nonsense"} << false
-                                << QByteArray("can't be reached");
-    QTest::newRow("no bridge") << QStringList{"--bridge", "/nonexistent"} << false
-                               << QByteArray("/nonexistent");
-    QTest::newRow("bridge ends") << QStringList{"--bridge", FAKE_BRIDGE} << true
-                                 << QByteArray("no network card");
+    const auto row = [](const char *name, const QStringList &arguments, const char *said) {
+        QTest::newRow(name) << arguments << QByteArray(said);
+    };
+    row("no bus", {"--media-service", "session"}, "can't be reached");
+    row("bad address", {"--bus", "unix:path=/nonexistent"}, "can't be reached");
+    row("no address", {"--bus", "nonsense"}, "can't be reached");
+    row("no bridge", {"--bridge", "/nonexistent"}, "/nonexistent");
+    row("bridge ends", {"--bridge", FAKE_BRIDGE}, "no network card");
 }
 
 void tst_Lifetime::missingServiceIsASentence()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(bool, failing);
     QFETCH(QByteArray, said);
     QProcessEnvironment environment = busless();
-    if (failing) {
-        environment.insert("ORKA_TEST_FAIL", "1");
-    }
+    environment.insert("ORKA_TEST_FAIL", "1");
     OrkaRun orka(QString(), arguments << "servers", environment);
     QCOMPARE(orka.status(), 3);
     QVERIFY2(orka.errors().contains(said), orka.errors());
     QCOMPARE(orka.errors().count('\n'), 1);
+}
+
+void tst_Lifetime::frozenBusIsASentence()
+{
+    PrivateBus bus;
+    const uint daemon = bus.open("asks").interface()->servicePid("org.freedesktop.DBus");
+    QCOMPARE(kill(pid_t(daemon), SIGSTOP), 0);
+    OrkaRun orka(bus.address(), {"--timeout", "0.5", "servers"});
+    const int status = orka.status();
+    kill(pid_t(daemon), SIGCONT);
+    QCOMPARE(status, 4);
+    QVERIFY(orka.errors().contains("doesn't answer"));
+    PrivateBus::close("asks");
 }
 
 void tst_Lifetime::theServiceOnTheBusIsUsed()
@@ -166,11 +175,10 @@ void tst_Lifetime::theServiceOnTheBusIsUsed()
     PrivateBus bus;
     QVERIFY(bus.open("service").registerService("com.intel.dleyna-server"));
     // The bridge would fail; it isn't started, since somebody has the name.
-    OrkaRun orka(
-        QString(), {"--bus", bus.address(), "--bridge", "/nonexistent", "--json", "servers"});
-    QCOMPARE(orka.status(), 0);
+    OrkaRun used(QString(), {"--bus", bus.address(), "--bridge", "/nonexistent", "servers"});
+    QCOMPARE(used.status(), 0);
     PrivateBus::close("service");
-    OrkaRun alone(QString(), {"--bus", bus.address(), "--media-service", "session", "servers"});
+    OrkaRun alone(bus.address(), {"servers"});
     QCOMPARE(alone.status(), 3);
     QVERIFY(alone.errors().contains("no media service"));
 }

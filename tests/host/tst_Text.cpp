@@ -1,115 +1,214 @@
 #include "Failure.h"
 #include "JsonOutput.h"
+#include "NearestTitles.h"
+#include "Place.h"
+#include "Playlist.h"
+#include "RowRange.h"
 #include "SafeText.h"
 #include "TextOutput.h"
 
+#include <QXmlStreamReader>
 #include <QtTest>
 
-/// What reaches a terminal.
+/// What people write on the command line, and what terminals and players get to read.
 class tst_Text : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void controlsAreShownNotObeyed_data();
-    void controlsAreShownNotObeyed();
-    void widthsAreColumns_data();
-    void widthsAreColumns();
-    void lengths_data();
-    void lengths();
+    void placesAreReadAsPathOrTitles();
+    void rangesOfRows();
+    void samples();
     void jsonBecomesValues();
-    void brokenJsonIsWrongUsage_data();
-    void brokenJsonIsWrongUsage();
+    void nearestTitlesComeBestFirst();
+    void controlsAreShownNotObeyed();
+    void widthsAreColumns();
+    void lengths();
+    void urlsThatAPlayerMayGet();
+    void titlesStayInTheirFields();
+    void playlistsCarryLengthAndUrl();
 };
 
-void tst_Text::controlsAreShownNotObeyed_data()
+namespace {
+
+using Becomes = QPair<QString, QString>;
+
+const QString wrongUse = QStringLiteral("(wrong usage)");
+const QString someUrl = QStringLiteral("http://192.0.2.1/1.mp3");
+
+/// Each text becomes, by this function, the other one of its pair. `wrongUse` stands for a Failure
+/// with that status and a sentence.
+template<typename Function>
+void check(const Function &function, const QVector<Becomes> &texts)
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("safe");
-    QTest::newRow("plain") << "Say \"Hi\" \\ & $"
-                           << "Say \"Hi\" \\ & $";
-    QTest::newRow("escape") << "\x1b[31m" << QStringLiteral("\u241b[31m");
-    QTest::newRow("newline") << "a\nb\r" << QStringLiteral("a\u240ab\u240d");
-    QTest::newRow("nul") << QString(QChar(0)) << QStringLiteral("\u2400");
-    QTest::newRow("del") << "\x7f" << QStringLiteral("\u2421");
-    QTest::newRow("8-bit escape") << QStringLiteral("\u009b2J") << QStringLiteral("\ufffd2J");
-    QTest::newRow("direction") << QStringLiteral("a\u202eb") << QStringLiteral("a\ufffdb");
-    QTest::newRow("half a pair") << QString(QChar(0xd83d)) << QStringLiteral("\ufffd");
-    QTest::newRow("outside the BMP")
-        << QStringLiteral("\U0001f3b5") << QStringLiteral("\U0001f3b5");
-    QTest::newRow("umlauts, CJK") << QStringLiteral("ü漢") << QStringLiteral("ü漢");
+    for (const Becomes &text : texts) {
+        QString result;
+        try {
+            result = function(text.first);
+        } catch (const Failure &failure) {
+            const bool said = failure.status() == WrongUsage && !failure.sentence().isEmpty();
+            result = said ? wrongUse : failure.sentence();
+        }
+        QCOMPARE(text.first + " becomes " + result, text.first + " becomes " + text.second);
+    }
 }
 
-void tst_Text::controlsAreShownNotObeyed()
+OrkaPlayListItem item(const QString &title, const QString &url = someUrl)
 {
-    QFETCH(QString, text);
-    QTEST(safeText(text), "safe");
+    OrkaPlayListItem item;
+    item.setTitle(title);
+    item.setUrl(url);
+    return item;
 }
 
-void tst_Text::widthsAreColumns_data()
+/// The texts of the elements of this name, joined by "|".
+QString elements(const QByteArray &xspf, const QString &name)
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("width");
-    QTest::newRow("latin") << "abc" << 3;
-    QTest::newRow("CJK") << QStringLiteral("漢字") << 4;
-    QTest::newRow("combining") << QStringLiteral("e\u0301") << 1;
-    QTest::newRow("emoji") << QStringLiteral("\U0001f3b5") << 2;
+    QStringList texts;
+    QXmlStreamReader xml(xspf);
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == name) {
+            texts.append(xml.readElementText());
+        }
+    }
+    return xml.hasError() ? xml.errorString() : texts.join('|');
 }
 
-void tst_Text::widthsAreColumns()
+} // namespace
+
+void tst_Text::placesAreReadAsPathOrTitles()
 {
-    QFETCH(QString, text);
-    QFETCH(int, width);
-    QCOMPARE(displayWidth(text), width);
-    QCOMPARE(displayWidth(padded(text, 6)), 6);
-    QCOMPARE(padded(text, 0), text);
+    const auto read = [](const QString &text) {
+        const Place place = parsePlace(text, QStringLiteral("upnp"));
+        return place.path.isEmpty() ? place.titles.join('|') : "path " + place.path.base();
+    };
+    check(read,
+        {{"upnp:/uuid:4d69/64", "path /uuid:4d69/64"}, {"dlna:/x", "dlna:|x"},
+            {"My NAS/Music", "My NAS|Music"}, {"NAS/AC\\/DC", "NAS|AC/DC"},
+            {"NAS/back\\slash", "NAS|back\\slash"}, {"a\\\\/b", "a\\|b"}, {"a\\", "a\\"},
+            {"/NAS/Music/", "NAS|Music"}, {" a / b", " a | b"}, {"/", ""}, {"", wrongUse},
+            {"NAS//Music", wrongUse}, {"upnp:/uuid%zz", wrongUse}, {"upnp:/u?a=1&a=2", wrongUse}});
 }
 
-void tst_Text::lengths_data()
+void tst_Text::rangesOfRows()
 {
-    QTest::addColumn<qint64>("milliseconds");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing") << qint64(0) << "";
-    QTest::newRow("negative") << qint64(-1) << "";
-    QTest::newRow("rounded") << qint64(4600) << "0:05";
-    QTest::newRow("minutes") << qint64(185000) << "3:05";
-    QTest::newRow("hours") << qint64(3723000) << "1:02:03";
+    const auto read = [](const QString &text) {
+        const RowRange range = parseRowRange(text);
+        return QStringLiteral("%1 to %2").arg(range.first).arg(range.last);
+    };
+    check(read,
+        {{"0-19", "0 to 19"}, {"7-7", "7 to 7"}, {"0-2147483646", "0 to 2147483646"},
+            {"", wrongUse}, {"5", wrongUse}, {"-5", wrongUse}, {"5-", wrongUse}, {"5-4", wrongUse},
+            {"a-b", wrongUse}, {"1-2-3", wrongUse}, {"0-2147483647", wrongUse}, {" 1-2", wrongUse},
+            {"99999999999-99999999999", wrongUse}, {"0x1-0x2", wrongUse}});
 }
 
-void tst_Text::lengths()
+void tst_Text::samples()
 {
-    QFETCH(qint64, milliseconds);
-    QTEST(lengthText(milliseconds), "text");
+    const auto read = [](const QString &text) {
+        const SampleRange sample = parseSampleRange(text);
+        return QStringLiteral("%1: %2").arg(sample.toString()).arg(sample.positions());
+    };
+    check(read,
+        {{"0,9999,100", "0,9999,100: 100"}, {"0,100,10", "0,100,10: 11"}, {"5,5,9", "5,5,9: 1"},
+            {"0,10,0", wrongUse}, {"10,0,1", wrongUse}, {"0,10", wrongUse}, {"0,10,1,1", wrongUse},
+            {"a,b,c", wrongUse}, {"0,,1", wrongUse}, {"-1,5,1", wrongUse}, {"", wrongUse}});
 }
 
 void tst_Text::jsonBecomesValues()
 {
-    QCOMPARE(valueFromJson(QStringLiteral("\"a\\u0000b\"")).toString().size(), 3);
-    const QVariant hash = valueFromJson(QStringLiteral("{\"string_\":\"abba\",\"n\":{\"x\":[1]}}"));
-    QCOMPARE(hash.userType(), int(QMetaType::QVariantHash));
-    QCOMPARE(hash.toHash().value("n").userType(), int(QMetaType::QVariantHash));
-    const QVariant list = valueFromJson(QStringLiteral("[\"a\",\"b\"]"));
-    QCOMPARE(list.toStringList(), (QStringList{"a", "b"}));
-    QCOMPARE(valueFromJson(QStringLiteral("true")), QVariant(true));
+    QCOMPARE(valueFromJson("\"a\\u0000b\"").toString().size(), 3);
+    QCOMPARE(valueFromJson("true"), QVariant(true));
+    const QVariantHash inner{{"x", QVariantList{1.0}}};
+    QCOMPARE(valueFromJson("{\"string_\":\"abba\",\"n\":{\"x\":[1]}}"),
+        QVariant(QVariantHash{{"string_", "abba"}, {"n", inner}}));
+    check([](const QString &json) { return valueFromJson(json).toString(); },
+        {{"", wrongUse}, {"{", wrongUse}, {"[1", wrongUse}, {"1,2", wrongUse},
+            {"1] , [2", wrongUse}, {"nope", wrongUse}, {"{\"a\":1}x", wrongUse}});
 }
 
-void tst_Text::brokenJsonIsWrongUsage_data()
+void tst_Text::nearestTitlesComeBestFirst()
 {
-    QTest::addColumn<QString>("json");
-    for (const char *json : {"", "{", "[1", "1,2", "1] , [2", "nope", "{\"a\":1}x"}) {
-        QTest::newRow(json) << json;
+    NearestTitles nearest(QStringLiteral("Musik"));
+    for (const char *title : {"Pictures", "Music", "All Musik", "musik", "Video", "musik"}) {
+        nearest.add(QString::fromLatin1(title));
     }
+    QCOMPARE(nearest.titles(), (QStringList{"musik", "All Musik", "Music"}));
+    QVERIFY(NearestTitles(QStringLiteral("x")).question().isEmpty());
+    check(titleInPlace,
+        {{"AC/DC", "AC\\/DC"}, {"back\\slash", "back\\slash"}, {"a\\/b", "a\\\\\\/b"},
+            {"a\\", "a\\\\"}});
 }
 
-void tst_Text::brokenJsonIsWrongUsage()
+void tst_Text::controlsAreShownNotObeyed()
 {
-    QFETCH(QString, json);
-    try {
-        valueFromJson(json);
-        QFAIL("taken as a value");
-    } catch (const Failure &failure) {
-        QCOMPARE(failure.status(), int(WrongUsage));
-    }
+    check(safeText,
+        {{"Say \"Hi\" \\ & $ ü漢 🎵", "Say \"Hi\" \\ & $ ü漢 🎵"}, {"\x1b[31m", "\u241b[31m"},
+            {"a\nb\r", "a\u240ab\u240d"}, {QChar(0), "\u2400"}, {"\x7f", "\u2421"},
+            {"\u009b2J", "\ufffd2J"}, {"a\u202eb", "a\ufffdb"}, {QChar(0xd83d), "\ufffd"}});
+}
+
+void tst_Text::widthsAreColumns()
+{
+    const auto width = [](const QString &text) {
+        return QString::number(displayWidth(text)) + padded(text, 0) + padded(text, 5) + '.';
+    };
+    check(width,
+        {{"abc", "3abcabc  ."}, {"漢字", "4漢字漢字 ."}, {"e\u0301", "1e\u0301e\u0301    ."},
+            {"🎵", "2🎵🎵   ."}});
+}
+
+void tst_Text::lengths()
+{
+    check([](const QString &milliseconds) { return lengthText(milliseconds.toLongLong()); },
+        {{"0", ""}, {"-1", ""}, {"4600", "0:05"}, {"185000", "3:05"}, {"3723000", "1:02:03"}});
+}
+
+void tst_Text::urlsThatAPlayerMayGet()
+{
+    const auto given = [](const QString &url) {
+        const PlayListItems items = playableItems({item("t", url)});
+        return items.isEmpty() ? "left out" : safeUrl(items.first().url());
+    };
+    check(given,
+        {{someUrl, someUrl}, {"rtsp://h/1", "rtsp://h/1"}, {"HTTPS://h/1", "HTTPS://h/1"},
+            {"http://h/a%20b?c=%2f#d", "http://h/a%20b?c=%2f#d"},
+            {"http://[2001:db8::1]:80/1", "http://[2001:db8::1]:80/1"},
+            {"http://h/a\n#EXTINF", "http://h/a%0A#EXTINF"},
+            {"http://h/ä b", "http://h/%C3%A4%20b"}, {"file:///etc/passwd", "left out"},
+            {"--script=x", "left out"}, {"", "left out"}, {"\nhttp://h/", "left out"},
+            {"http:///etc/passwd", "left out"}, {"memory://x", "left out"}});
+}
+
+void tst_Text::titlesStayInTheirFields()
+{
+    const auto m3u8 = [](const QString &title) {
+        return toM3u8({item(title)});
+    };
+    const auto file = [](const QString &title) {
+        return "#EXTM3U\n#EXTINF:-1," + title + '\n' + someUrl + '\n';
+    };
+    const auto xspf = [](const QString &title) {
+        return elements(toXspf({item(title)}), "title");
+    };
+    const QString signs = "Say \"Hi\" & <you>, 50% $1 ]]> back\\slash ü 漢字 🎵 #EXTM3U";
+    const QString nul = QString::fromUtf8("a\0b", 3);
+    check(m3u8,
+        {{signs, file(signs)}, {"a\nhttp://x/", file("a http://x/")}, {"a\rb", file("a b")},
+            {nul, file("a b")}, {"\x1b[2J", file(" [2J")}});
+    check(xspf,
+        {{signs, signs}, {"a\nhttp://x/", "a\nhttp://x/"}, {"a\rb", "a\rb"}, {nul, "a\ufffdb"},
+            {"\x1b[2J", "\ufffd[2J"}});
+}
+
+void tst_Text::playlistsCarryLengthAndUrl()
+{
+    OrkaPlayListItem song = item(QStringLiteral("Song"));
+    song.setArtist(QStringLiteral("Ann"));
+    song.setDurationSeconds(245);
+    QCOMPARE(toM3u8({song}), "#EXTM3U\n#EXTINF:245,Ann - Song\n" + someUrl + '\n');
+    check([&song](const QString &name) { return elements(toXspf({song}), name); },
+        {{"duration", "245000"}, {"creator", "Ann"}, {"location", someUrl}});
 }
 
 QTEST_GUILESS_MAIN(tst_Text)

@@ -1,17 +1,24 @@
-#include "ShelfTree.h"
-
 #include <api/core/CMGlobal.h>
 #include <api/core/CMNodesWorker.h>
 #include <api/core/CMSyncWorker.h>
 #include <api/core/OrkaPlayListItem.h>
+#include <api/core/OrkaRoles.h>
 #include <api/core/OrkaValue.h>
 #include <api/core/orka.h>
 
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
-/// A worker as the host meets one, with answers of every kind: rows, errors and none at all.
+using Nodes = QVector<OrkaRoles>;
+
+/// ESC, a newline and a C1 control inside a title.
+const QString hostileTitle = QStringLiteral("\x1b[31mred\nline\u009b2J");
+
+/// A worker as the host meets one: a media server "Shelf" with folders and tracks that are hard to
+/// name and to print, with answers of every kind: rows, errors and none at all.
 class ShelfWorker : public CMNodesWorker
 {
 public:
@@ -19,12 +26,14 @@ public:
         : CMNodesWorker(config, QStringLiteral("ShelfWorker"))
     {
         m_root = CMListRowsNode::create(nodes(), addPrefix(QString()));
-        add("/shelf", "Shelf");
-        add("/twin1", "Twin");
-        add("/twin2", "Twin");
-        QTimer::singleShot(300, this, [this] { add("/late", "Late"); });
-        QTimer::singleShot(900, this,
-            [this] { m_root->rowsRemoveStartingWithPath(addPrefix(QStringLiteral("/twin2"))); });
+        for (const char *base : {"/shelf", "/twin1", "/twin2"}) {
+            m_root->rowsAppend(
+                node(base, base == QLatin1String("/shelf") ? "Shelf" : "Twin", "server"));
+        }
+        QTimer::singleShot(
+            300, this, [this] { m_root->rowsAppend(node("/late", "Late", "server")); });
+        QTimer::singleShot(
+            900, this, [this] { m_root->rowsRemoveStartingWithPath(addPrefix("/twin2")); });
     }
 
     void getRowsRequest(const CMGetRowsRequest &request) override;
@@ -32,37 +41,75 @@ public:
     void setDataRequest(const CMSetDataRequest &request) override;
 
 private:
-    void add(const char *base, const char *title)
-    {
-        m_root->rowsAppend(
-            ShelfTree::server(prefix(), QString::fromLatin1(base), QString::fromLatin1(title)));
-    }
-    QVector<OrkaRoles> rowsOf(const CMPath &path) const;
-    QVariant prepare(const QVariantList &paths) const;
+    OrkaRoles node(const QString &base, const QString &title,
+        const QString &itemType = QStringLiteral("container")) const;
+    OrkaRoles track(const QString &base, const QString &title) const;
+    Nodes children(const QString &base) const;
+    Nodes rowsOf(const CMPath &path) const;
+    static QVariant prepare(const QVariantList &paths);
 
     CMListRowsNode *m_root;
     /// Kept, so that it stays open.
     CMVoidReply m_unanswered;
 };
 
-QVector<OrkaRoles> ShelfWorker::rowsOf(const CMPath &path) const
+OrkaRoles ShelfWorker::node(
+    const QString &base, const QString &title, const QString &itemType) const
 {
-    const QString search = path.param(QStringLiteral("search"));
+    OrkaRoles roles;
+    roles.setPath(CMPath(prefix(), base).addParam("itemType", itemType));
+    roles.setTitle(title);
+    roles.setType(OrkaRolesType::Container);
+    return roles;
+}
+
+OrkaRoles ShelfWorker::track(const QString &base, const QString &title) const
+{
+    OrkaMetaData metaData;
+    metaData.setArtist("Ann");
+    metaData.setAlbum("Blue");
+    OrkaResource resource;
+    resource.setDuration(185000);
+    OrkaList<OrkaResource> resources;
+    resources.append(resource);
+    OrkaMediaData media;
+    media.setMetaData(metaData);
+    media.setResources(resources);
+    OrkaRoles roles = node(base, title, "track");
+    roles.setType(OrkaRolesType::Audio);
+    roles.setMediaData(media);
+    return roles;
+}
+
+Nodes ShelfWorker::children(const QString &base) const
+{
+    if (base == "/shelf") {
+        return {node("/shelf/big", "Big"), node("/shelf/slash", "AC/DC"),
+            node("/shelf/broken", "Broken"), node("/shelf/silent", "Silent"),
+            track("/shelf/hostile", hostileTitle), node("/shelf/cjk", "漢字"),
+            track("/shelf/bigtrack", "Big")};
+    }
+    if (base == "/shelf/slash") {
+        return {track("/shelf/backslash", "back\\slash"), track("/shelf/composed", "Caf\u00e9")};
+    }
+    Nodes tracks;
+    for (int i = 0; base == "/shelf/big" && i < 1200; ++i) {
+        tracks.append(track(base + QString::number(i), "Track " + QString::number(i)));
+    }
+    return tracks;
+}
+
+Nodes ShelfWorker::rowsOf(const CMPath &path) const
+{
+    const QString search = path.param("search");
     if (search.isNull()) {
-        return ShelfTree::children(prefix(), path.base());
+        return children(path.base());
     }
     OrkaRoles row;
-    CMPath rowPath = path.withoutParams();
-    if (search != QLatin1String("menu")) {
-        row.setTitle(path.param(QStringLiteral("query")));
-        row.setPath(rowPath);
-    } else if (path.base() == QLatin1String("/shelf")) {
-        row.setTitle(QStringLiteral("Title"));
-        row.setPath(rowPath.addParam(QStringLiteral("search"), QStringLiteral("title")));
-    } else {
-        return {};
-    }
-    return {row};
+    row.setPath(path.withoutParams().addParam("search", "title"));
+    row.setTitle(search == "menu" ? "Title" : path.param("query"));
+    const bool searchable = path.base() == "/shelf";
+    return searchable ? Nodes{row} : Nodes();
 }
 
 void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
@@ -70,16 +117,16 @@ void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
     if (nodes()->getRowsRequest(request)) {
         return;
     }
-    if (request.path().base() == QLatin1String("/shelf/silent")) {
+    if (request.path().base() == "/shelf/silent") {
         m_unanswered = request.reply();
         return;
     }
-    if (request.path().base() == QLatin1String("/shelf/broken")) {
-        request.setError(CMError(QStringLiteral("shelfBroken"), TrString(QStringLiteral("Error")),
-            TrString(QStringLiteral("The shelf is broken"))));
+    if (request.path().base() == "/shelf/broken") {
+        request.setError(
+            CMError("shelfBroken", TrString("Error"), TrString("The shelf is broken")));
         return;
     }
-    const QVector<OrkaRoles> all = rowsOf(request.path());
+    const Nodes all = rowsOf(request.path());
     QVariantList rows;
     for (int i = request.firstRow(); i <= request.lastRow() && i < all.size(); ++i) {
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roles(), all.at(i))));
@@ -96,50 +143,51 @@ void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
     if (nodes()->getDataRequest(request)) {
         return;
     }
-    const OrkaRoles node = ShelfTree::node(prefix(), request.path().base());
-    if (node.isEmpty()) {
-        request.setError(CMError(TrString(QStringLiteral("No such node"))));
+    const QString base = request.path().base();
+    const Nodes all = children("/shelf") + children("/shelf/slash");
+    const auto found = std::find_if(all.begin(), all.end(),
+        [&base](const OrkaRoles &node) { return node.path().base() == base; });
+    if (found == all.end()) {
+        request.setError(CMError(TrString("No such node")));
         return;
     }
-    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), node));
+    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), *found));
 }
 
 /// One item a path, titled with the path; then three with addresses that no player may be given.
-QVariant ShelfWorker::prepare(const QVariantList &paths) const
+QVariant ShelfWorker::prepare(const QVariantList &paths)
 {
-    QStringList urls{QStringLiteral("file:///etc/passwd"), QStringLiteral("--script=evil"),
-        QStringLiteral("http://192.0.2.1/a b\n.mp3")};
+    QVector<QPair<QString, QString>> titlesAndUrls;
+    for (const QVariant &path : paths) {
+        titlesAndUrls.append({path.toString(), "http://192.0.2.1/1.mp3"});
+    }
+    for (const char *url : {"file:///etc/passwd", "--script=evil", "http://192.0.2.1/a b\n.mp3"}) {
+        titlesAndUrls.append({hostileTitle, url});
+    }
     QVariantList items;
-    const auto add = [&items](const QString &title, const QString &url) {
+    for (const auto &[title, url] : qAsConst(titlesAndUrls)) {
         OrkaPlayListItem item;
         item.setTitle(title);
-        item.setArtist(QStringLiteral("Ann"));
+        item.setArtist("Ann");
         item.setDurationSeconds(61);
         item.setUrl(url);
         items.append(item.toVariant());
-    };
-    for (const QVariant &path : paths) {
-        add(path.toString(),
-            qEnvironmentVariable("ORKA_TEST_URL", QStringLiteral("http://192.0.2.1/1.mp3")));
-    }
-    for (const QString &url : urls) {
-        add(ShelfTree::hostileTitle(), url);
     }
     return items;
 }
 
 void ShelfWorker::setDataRequest(const CMSetDataRequest &request)
 {
-    const CMSetDataRequest::Reply reply = request.reply();
+    CMSetDataRequest::Reply reply = request.reply();
     const OrkaHash value = OrkaHash::fromVariant(request.value());
     if (request.path().base() == OrkaPlayListPrepareItems()) {
-        CMSetDataRequest::Reply(reply).setValue(prepare(request.value().toList()));
+        reply.setValue(prepare(request.value().toList()));
     } else if (value.contains(OrkaValue::String_())) {
         CMPath results = request.path();
-        results.addParam(QStringLiteral("query"), OrkaValue(value).string_());
-        CMSetDataRequest::Reply(reply).setValue(results.toEncoded());
+        results.addParam("query", OrkaValue(value).string_());
+        reply.setValue(results.toEncoded());
     } else {
-        CMSetDataRequest::Reply(reply).setValue(request.value());
+        reply.setValue(request.value());
     }
 }
 

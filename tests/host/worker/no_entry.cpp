@@ -1,4 +1,0 @@
-extern "C" int worker_something_else()
-{
-    return 0;
-}
