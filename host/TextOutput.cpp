@@ -9,13 +9,11 @@ namespace {
 
 constexpr int widestColumn = 40;
 
-QString kindOf(const OrkaRoles &node)
+QString kindName(int type)
 {
-    switch (node.type()) {
+    switch (type) {
     case OrkaRolesType::Container:
-        return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
-            ? QStringLiteral("server")
-            : QStringLiteral("folder");
+        return QStringLiteral("folder");
     case OrkaRolesType::Audio:
         return QStringLiteral("track");
     case OrkaRolesType::Video:
@@ -29,15 +27,25 @@ QString kindOf(const OrkaRoles &node)
     }
 }
 
+QString kindOf(const OrkaRoles &node)
+{
+    return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
+        ? QStringLiteral("server")
+        : kindName(node.type());
+}
+
 QString rowLength(const OrkaMediaData &media)
 {
     const OrkaList<OrkaResource> resources = media.resources();
     return resources.isEmpty() ? QString() : lengthText(resources.first().duration());
 }
 
-/// A number that has a unit, as people write it; anything else as text.
+/// A number that has a name or a unit, as people write it; anything else as text.
 QString valueText(const QString &key, const QVariant &value)
 {
+    if (key == OrkaRoles::Type()) {
+        return kindName(value.toInt());
+    }
     if (key == OrkaMetaData::Date()) {
         return QDateTime::fromMSecsSinceEpoch(value.toLongLong()).toString(Qt::ISODate);
     }
