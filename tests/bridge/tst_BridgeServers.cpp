@@ -89,10 +89,11 @@ void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
     hanging->behaviour.hang = QStringList{"Browse", "Search"};
     stopped.signal(SIGSTOP);
     QVector<Call> stuck;
-    for (const QString &udn : {hanging->udn(), stoppedUdn})
+    for (const QString &udn : {hanging->udn(), stoppedUdn}) {
         stuck += {bridge->startListing(objectPath(udn, folder), 0, 0),
             bridge->start(serverPath(udn), containerInterface, "SearchObjectsEx",
                 {"Artist = \"x\"", 0U, 0U, QStringList(), QString()})};
+    }
     QVERIFY(QTest::qWaitFor([&] { return hanging->held() == 2; }));
 
     for (int i = 0; i < 20; ++i) {

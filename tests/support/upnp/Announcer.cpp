@@ -13,10 +13,11 @@ constexpr unsigned maxAgeSeconds = 1800;
 GLogWriterOutput dropSsdpWarnings(
     GLogLevelFlags level, const GLogField *fields, gsize count, gpointer data)
 {
-    for (gsize i = 0; i < count; ++i)
+    for (gsize i = 0; i < count; ++i) {
         if (g_str_equal(fields[i].key, "GLIB_DOMAIN")
             && g_str_equal(fields[i].value, "gssdp-client"))
             return G_LOG_WRITER_HANDLED;
+    }
     return g_log_writer_default(level, fields, count, data);
 }
 
