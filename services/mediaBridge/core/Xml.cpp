@@ -7,14 +7,26 @@ namespace bridge {
 
 namespace {
 
-bool isControl(char c)
-{
+constexpr auto isControl = [](char c) {
     return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+};
+
+/// Without control characters.
+std::string cleaned(std::string_view text)
+{
+    std::string clean(text);
+    if (std::any_of(clean.begin(), clean.end(), isControl))
+        clean.erase(std::remove_if(clean.begin(), clean.end(), isControl), clean.end());
+    return clean;
 }
 
-void removeControls(std::string &text)
+std::string_view trimmed(std::string_view text)
 {
-    text.erase(std::remove_if(text.begin(), text.end(), isControl), text.end());
+    constexpr char space[] = " \t\r\n";
+    const size_t first = text.find_first_not_of(space);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
 bool isText(pugi::xml_node node)
@@ -57,19 +69,16 @@ std::string rawElementText(pugi::xml_node element)
 
 std::string elementText(pugi::xml_node element)
 {
-    constexpr char space[] = " \t\r\n";
-    std::string text = rawElementText(element);
-    removeControls(text);
-    text.erase(text.find_last_not_of(space) + 1);
-    text.erase(0, text.find_first_not_of(space));
-    return text;
+    // Nearly every element has one text and nothing else.
+    const pugi::xml_node first = element.first_child();
+    if (isText(first) && !first.next_sibling())
+        return cleaned(trimmed(first.value()));
+    return cleaned(trimmed(rawElementText(element)));
 }
 
 std::string attributeText(pugi::xml_attribute attribute)
 {
-    std::string text = attribute.value();
-    removeControls(text);
-    return text;
+    return cleaned(attribute.value());
 }
 
 } // namespace bridge

@@ -137,7 +137,8 @@ void Listing::adaptPageSize()
         return;
     const auto took = std::chrono::steady_clock::now() - m_pageStart;
     const auto fitting = m_waiting->returned * pageGoal / std::max(took, decltype(took)(1));
-    m_pageSize = static_cast<uint32_t>(std::clamp<int64_t>(fitting, smallestPage, m_largestPage));
+    const int64_t largest = std::min(2 * m_pageSize, m_largestPage);
+    m_pageSize = static_cast<uint32_t>(std::clamp<int64_t>(fitting, smallestPage, largest));
 }
 
 /// Past the end of a list whose length they don't know, some servers call the position invalid.
