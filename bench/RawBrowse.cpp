@@ -1,5 +1,6 @@
 #include "RawBrowse.h"
 
+#include "core/Didl.h"
 #include "core/Properties.h"
 #include "core/SoapMessage.h"
 
@@ -24,21 +25,19 @@ const std::vector<std::string> askedFor = {"Type", "TypeEx", "MIMEType", "Displa
     std::exit(3);
 }
 
-/// Sends all and receives to the end; the answer's first bytes.
+/// Sends all and receives to the end.
 std::string converse(int socket, const std::string &request)
 {
     if (send(socket, request.data(), request.size(), 0) != ssize_t(request.size()))
         fail();
     std::array<char, 65536> buffer;
-    std::string start;
+    std::string answer;
     ssize_t length = 0;
-    while ((length = recv(socket, buffer.data(), buffer.size(), 0)) > 0) {
-        if (start.empty())
-            start.assign(buffer.data(), std::size_t(length));
-    }
+    while ((length = recv(socket, buffer.data(), buffer.size(), 0)) > 0)
+        answer.append(buffer.data(), std::size_t(length));
     if (length < 0)
         fail();
-    return start;
+    return answer;
 }
 
 } // namespace
@@ -56,17 +55,32 @@ RawBrowse::RawBrowse(const std::string &address, int port, const std::string &co
 
 void RawBrowse::list(const std::string &container, int first, int count) const
 {
+    answer(container, first, count);
+}
+
+std::size_t RawBrowse::read(const std::string &container, int first, int count) const
+{
+    const std::string text = answer(container, first, count);
+    auto soap = bridge::parseSoapAnswer(text.substr(text.find("\r\n\r\n") + 4), "Browse");
+    const auto list = bridge::parseDidl(std::move(soap.values["Result"]));
+    return list ? list->objects.size() : 0;
+}
+
+std::string RawBrowse::answer(const std::string &container, int first, int count) const
+{
     using namespace bridge;
     const std::string body = soapEnvelope(serviceType, "Browse",
         {{"ObjectID", container}, {"BrowseFlag", "BrowseDirectChildren"},
-            {"Filter", didlFilter(propertySetFromFilter(askedFor))}, {"StartingIndex", std::to_string(first)},
-            {"RequestedCount", std::to_string(count)}, {"SortCriteria", ""}});
+            {"Filter", didlFilter(propertySetFromFilter(askedFor))},
+            {"StartingIndex", std::to_string(first)}, {"RequestedCount", std::to_string(count)},
+            {"SortCriteria", ""}});
     const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (connect(connection, reinterpret_cast<const sockaddr *>(&m_server), sizeof m_server) != 0)
         fail();
-    const std::string answer =
+    std::string answer =
         converse(connection, m_head + std::to_string(body.size()) + "\r\n\r\n" + body);
     close(connection);
     if (answer.find(" 200 ") > 12)
         fail();
+    return answer;
 }

@@ -72,6 +72,13 @@ int main(int argc, char **argv)
         floor.list(object, 0, many);
         return QVariant();
     };
+    const auto readingWalk = [&] {
+        std::size_t objects = 0;
+        for (int first = 0; first < many; first += 1000)
+            objects += raw.read(container, first, 1000);
+        return QVariant(int(objects));
+    };
     Comparison{"chain without plug-in 10000", 1, 10, walk, "raw walk", listAll}.run();
+    Comparison{"chain without plug-in 10000, read", 1, 10, readingWalk, "raw walk", listAll}.run();
     return 0;
 }

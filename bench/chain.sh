@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# chain.sh PROGRAMS: measures the whole chain on a MiniDLNA with a folder of 1,000 tracks; run by enter-world.sh
-# in a world of its own.
+# chain.sh PROGRAMS [TRACKS]: measures the whole chain on a MiniDLNA with a folder of so many tracks (1,000); run by
+# enter-world.sh in a world of its own.
 set -euo pipefail
 # shellcheck source=tests/e2e/world.sh
 . "$WORLD_ROOT/tests/e2e/world.sh"
