@@ -201,11 +201,8 @@ void tst_BridgeListing::severalObjectsAreReadAtOnce()
     const Answer answer =
         bridge->call(root, deviceInterface, "BrowseObjects", {QVariant::fromValue(objects), title});
     QCOMPARE(titles(answer), (QStringList{"Say \"Hello\"", "", "", "100 % Ärger"}));
-    for (const int failed : {1, 2}) {
-        const QVariantMap row = answer.rows()[failed];
-        QCOMPARE(row.value("Path").toString(), objects[failed].path());
-        QVERIFY(row.contains("Error"));
-    }
+    for (const int failed : {1, 2})
+        QVERIFY(answer.rows()[failed].contains("Error"));
 }
 
 void tst_BridgeListing::listsThatFitNoMessageSayIt()
