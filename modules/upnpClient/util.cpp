@@ -68,7 +68,7 @@ QString lookUpUdn(UPnPServerList *serverList, const QStringView &serverId, Known
     QString path;
     path.reserve(prefix.size() + 1 + int(serverId.size()));
     path.append(prefix).append(QLatin1Char('/')).append(serverId.data(), int(serverId.size()));
-    const QString udn = serverList->udnOfServer(path);
+    QString udn = serverList->udnOfServer(path);
     if (known)
         *known = {path, udn};
     return udn;
@@ -143,7 +143,7 @@ CMPath UPnPPath::orkaPath() const
 
 QDBusObjectPath UPnPPath::dbusPath() const
 {
-    const QDBusObjectPath server = m_serverList->serverPath(m_udn);
+    QDBusObjectPath server = m_serverList->serverPath(m_udn);
     if (objectId.isEmpty())
         return server;
     return QDBusObjectPath(QString(server.path() % QLatin1Char('/') % objectId));
