@@ -37,6 +37,7 @@ private Q_SLOTS:
     void replacesWhenAskedTo();
     void endsWithTheBus();
     void staysWhileItHasClients();
+    void onlyTheBusSpeaksForTheBus();
     void managerAnswers();
     void pathsNobodyHasAreErrors();
 };
@@ -129,6 +130,23 @@ void tst_BridgeProgram::staysWhileItHasClients()
     QVERIFY(running());
     bridge.call(managerPath, managerInterface, "Release");
     QTRY_VERIFY(!running());
+}
+
+/// Signals that some client forges, complete or without what the bus's own hold, change nothing.
+void tst_BridgeProgram::onlyTheBusSpeaksForTheBus()
+{
+    BridgeFixture bridge;
+    const qint64 owner = bridge.pid();
+    for (const char *name : {"NameLost", "NameOwnerChanged"}) {
+        for (const QVariantList &arguments : {QVariantList(), QVariantList{serviceName, "", ""}}) {
+            QDBusMessage forged = QDBusMessage::createTargetedSignal(
+                serviceName, "/org/freedesktop/DBus", "org.freedesktop.DBus", name);
+            forged.setArguments(arguments);
+            QVERIFY(bridge.bus().send(forged));
+        }
+    }
+    QVERIFY(bridge.call(managerPath, managerInterface, "GetVersion").ok());
+    QCOMPARE(bridge.pid(), owner);
 }
 
 void tst_BridgeProgram::managerAnswers()

@@ -117,12 +117,14 @@ bool BusService::receive(DBusMessage *message)
         receiveCall(std::make_shared<BusCall>(m_connection.get(), message));
         return true;
     }
+    // Anybody may send us a signal of this name; only the bus's own counts.
+    const bool isFromBus = dbus_message_has_sender(message, DBUS_SERVICE_DBUS);
     if (dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected"))
         onEnd("The bus has gone away.");
-    else if (dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameLost")
+    else if (isFromBus && dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameLost")
         && Arguments(message).text() == busName)
         onEnd("Another media service has taken the name.");
-    else if (dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameOwnerChanged"))
+    else if (isFromBus && dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameOwnerChanged"))
         clientLeft(Arguments(message).text());
     return false;
 }
