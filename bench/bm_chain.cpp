@@ -45,18 +45,22 @@ int main(int argc, char **argv)
         };
         Comparison{name, 1, 4, directly, "raw Browse", byFloor}.run();
     };
-    const auto compare = [&](const char *name, int rows, int repetitions, double seconds) {
+    const auto compare = [&](const char *name, int rows, bool reads, double seconds) {
         const auto directly = [&] {
+            if (reads)
+                return QVariant(int(raw.read(container, 0, rows)));
             raw.list(container, 0, rows);
             return QVariant();
         };
         const auto byPlugin = [&] {
             return plugin.list(folder, 0, rows - 1, OrkaRoles::all()).toVariant();
         };
-        Comparison{name, repetitions, seconds, directly, "raw Browse", byPlugin}.run();
+        Comparison{name, rows < 100 ? 3 : 1, seconds, directly, "raw Browse", byPlugin}.run();
     };
-    compare("chain 20", 20, 3, 6);
-    compare("chain 1000", 1000, 1, 10);
+    compare("chain 20", 20, false, 6);
+    compare("chain 1000", 1000, false, 8);
+    compare("chain 20, read", 20, true, 4);
+    compare("chain 1000, read", 1000, true, 6);
     // The media service alone, its replies not decoded.
     compareService("chain without plug-in 20", 20);
     compareService("chain without plug-in 1000", 1000);

@@ -98,23 +98,52 @@ void waitForAll(const QVector<QDBusPendingCall> &calls)
     loop.exec();
 }
 
-/// The replies are waited for outside the measured stretch.
-void issueCall(benchmark::State &state)
+QDBusPendingCall listChildren(const QDBusObjectPath &container)
 {
     const OrgGnomeUPnPMediaContainer2Interface proxy(
-        dleyna::service(), objectPath(QStringLiteral("rows1")), orkaDBusConnection());
-    const QStringList &filter = plugin->worker().propertyFilter();
+        dleyna::service(), container.path(), orkaDBusConnection());
+    return proxy.ListChildren(0, 20, plugin->worker().propertyFilter());
+}
+
+QDBusPendingCall getChildCount(const QDBusObjectPath &container)
+{
+    return getPropertyAsync(dleyna::service(), container, dleyna::mediaObjectInterface(),
+        QStringLiteral("ChildCount"));
+}
+
+/// As a listing issues them, a call of every one of `issues` in turn. The replies are waited
+/// for outside the measured stretch.
+template<typename... Issue>
+void issueCalls(benchmark::State &state, Issue... issues)
+{
+    const QDBusObjectPath container(objectPath(QStringLiteral("rows1")));
     QVector<QDBusPendingCall> calls;
     calls.reserve(issuedAtOnce);
     for (auto _ : state) {
-        for (int i = 0; i < issuedAtOnce; ++i)
-            calls.append(proxy.ListChildren(0, 20, filter));
+        while (calls.size() < issuedAtOnce)
+            (calls.append(issues(container)), ...);
         state.PauseTiming();
         waitForAll(calls);
         calls.clear();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * issuedAtOnce);
+}
+
+/// A listing's two calls.
+void issueCall(benchmark::State &state)
+{
+    issueCalls(state, listChildren, getChildCount);
+}
+
+void issueListChildren(benchmark::State &state)
+{
+    issueCalls(state, listChildren);
+}
+
+void issueGet(benchmark::State &state)
+{
+    issueCalls(state, getChildCount);
 }
 
 } // namespace
@@ -126,6 +155,8 @@ BENCHMARK(playlistItem);
 BENCHMARK(pathFromService);
 BENCHMARK(pathToService);
 BENCHMARK(issueCall);
+BENCHMARK(issueListChildren);
+BENCHMARK(issueGet);
 
 int main(int argc, char **argv)
 {
