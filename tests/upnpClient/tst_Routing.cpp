@@ -77,6 +77,8 @@ void tst_Routing::rowsGoWhereTheirPathSays_data()
     row("sample", "/uuid:1?sample=0,9,3", "value", one, "");
     row("a sample of words takes the first child again and again", "/uuid:1?sample=a,b,c", "value",
         QStringList{one, one, one}.join('\n'), "");
+    row("sample of search results", "/uuid:1?sample=0,9,3&search=title&query=0", "value",
+        "SearchObjectsEx S (DisplayName contains \"0\", 0, 1, [17], )", "");
     row("sample before search", "/uuid:1?sample=1,2&search=menu", standard, "",
         wrong + "2\n" + noNode.arg("/uuid:1?sample=1%2C2&search=menu"));
     row("sample of four numbers", "/uuid:1?sample=0,9,3,1", standard, "",
