@@ -81,7 +81,7 @@ UPnPPath UPnPPath::fromDleyna(CMUPnPWorker *worker, UPnPServerList *serverList,
 {
     const QString text = path.path();
     const Captures captures =
-        match(QStringView(text).mid(dleyna::serverPathPrefix().size()), isServerIdCharacter);
+        match(text.midRef(dleyna::serverPathPrefix().size()), isServerIdCharacter);
 
     UPnPPath result;
     result.m_worker = worker;
