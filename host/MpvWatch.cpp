@@ -36,7 +36,7 @@ void MpvWatch::start()
     m_playerEnd = -1;
     auto *notifier = new QSocketNotifier(m_ownEnd, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &MpvWatch::readAll);
-    const QByteArray request = R"({"command":["observe_property",1,"playlist-pos"]})"
+    const QByteArray request = R"({"command":["observe_property",1,"path"]})"
                                "\n";
     // A player that is gone already shows in its exit status.
     static_cast<void>(send(m_ownEnd, request.constData(), size_t(request.size()), MSG_NOSIGNAL));
@@ -62,10 +62,8 @@ void MpvWatch::readAll()
 void MpvWatch::takeLine(const QByteArray &line)
 {
     const QJsonObject event = QJsonDocument::fromJson(line).object();
-    const QJsonValue position = event.value(QStringLiteral("data"));
-    const bool told = event.value(QStringLiteral("name")) == QLatin1String("playlist-pos")
-        && position.isDouble() && position.toInt() >= 0;
-    if (told) {
-        emit playing(position.toInt());
+    const QJsonValue path = event.value(QStringLiteral("data"));
+    if (event.value(QStringLiteral("name")) == QLatin1String("path") && path.isString()) {
+        emit playing(path.toString());
     }
 }

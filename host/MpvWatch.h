@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QObject>
 
-/// Hears from a running mpv which entry of its playlist plays, over one half of a socket pair.
+/// Hears from a running mpv which address it plays, over one half of a socket pair.
 class MpvWatch : public QObject
 {
     Q_OBJECT
@@ -18,8 +18,8 @@ public:
     void start();
 
 signals:
-    /// The entry's position, from 0.
-    void playing(int position);
+    /// Not the position in its list, which mpv can shuffle.
+    void playing(const QString &url);
 
 private:
     void readAll();

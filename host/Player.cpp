@@ -40,11 +40,21 @@ void writePlaylist(QTemporaryFile &file, const PlayListItems &items)
     }
 }
 
+/// The item with this address, from `next` on and round; -1 for the playlist's own file and what
+/// somebody added in the player.
+int positionOf(const QString &url, const PlayListItems &items, int next)
+{
+    for (int i = 0; i < items.size(); ++i) {
+        const int position = (next + i) % items.size();
+        if (safeUrl(items.at(position).url()) == url) {
+            return position;
+        }
+    }
+    return -1;
+}
+
 void tellTrack(const PlayListItems &items, int position)
 {
-    if (position >= items.size()) {
-        return; // somebody added to the player's own list
-    }
     const OrkaPlayListItem &item = items.at(position);
     const QString length = lengthText(item.durationSeconds() * 1000LL);
     if (isatty(STDERR_FILENO) != 0) {
@@ -79,8 +89,14 @@ int playItems(const PlayListItems &items, const QString &command, bool quietOutp
         player.sendOutputToStderr();
     }
     MpvWatch watch;
-    QObject::connect(
-        &watch, &MpvWatch::playing, &watch, [&items](int position) { tellTrack(items, position); });
+    int last = -1;
+    QObject::connect(&watch, &MpvWatch::playing, &watch, [&](const QString &url) {
+        const int position = positionOf(url, items, last + 1);
+        if (position >= 0) {
+            last = position;
+            tellTrack(items, position);
+        }
+    });
     const bool isMpv = QFileInfo(program).fileName() == QLatin1String("mpv");
     if (isMpv && watch.playerDescriptor() >= 0) {
         player.inherit(watch.playerDescriptor());
