@@ -10,6 +10,8 @@ namespace {
 
 using Nodes = QVector<OrkaRoles>;
 
+constexpr std::chrono::milliseconds nextServer(100);
+
 QString titleOf(const OrkaRoles &node)
 {
     return node.title().toString();
@@ -99,11 +101,10 @@ CMPath PlaceResolver::resolvePath(const Place &place)
 
 CMPath PlaceResolver::findServer(const QString &title)
 {
-    Nodes found;
-    m_servers.waitFor([&](const Nodes &servers) {
-        found = withTitle(servers, title);
-        return !found.isEmpty();
-    });
+    m_servers.waitFor([&](const Nodes &servers) { return !withTitle(servers, title).isEmpty(); });
+    // Servers show up one after another: a second one of this name may be next.
+    m_servers.standStill(nextServer);
+    const Nodes found = withTitle(m_servers.servers(), title);
     if (found.size() > 1) {
         throw ambiguous(title, found);
     }
@@ -127,18 +128,15 @@ CMPath PlaceResolver::findServer(const QString &title)
 
 CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind wanted)
 {
-    Nodes found;
-    NearestTitles nearest(title);
     const QStringList roles{OrkaRoles::Path(), OrkaRoles::Title(), OrkaRoles::Type()};
-    readRows(m_session, parent, {}, roles, [&](const Rows &page) {
-        const Nodes candidates = wanted == Folder ? containersOf(page.rows) : page.rows;
-        found = withTitle(candidates, title);
+    const Nodes all = readRows(m_session, parent, {}, roles).rows;
+    const Nodes candidates = wanted == Folder ? containersOf(all) : all;
+    const Nodes found = withTitle(candidates, title);
+    if (found.isEmpty()) {
+        NearestTitles nearest(title);
         for (const OrkaRoles &node : candidates) {
             nearest.add(titleOf(node));
         }
-        return found.isEmpty();
-    });
-    if (found.isEmpty()) {
         throw noSuchPlace(
             QStringLiteral("There is no %1 %2 in %3.%4 \"orka ls\" lists what is "
                            "there.")

@@ -32,8 +32,7 @@ Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const 
     return rows;
 }
 
-Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles,
-    const std::function<bool(const Rows &page)> &wanted)
+Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles)
 {
     Rows all;
     int next = range.first;
@@ -44,8 +43,7 @@ Rows readRows(Session &session, const CMPath &path, RowRange range, const QStrin
         all.rowsVersion = page.rowsVersion;
         all.roles = page.roles;
         all.rows += page.rows;
-        const bool goOn = !wanted || wanted(page);
-        more = goOn && mayGoOn(page, last - next + 1, next + page.rows.size())
+        more = mayGoOn(page, last - next + 1, next + page.rows.size())
             && page.rows.size() <= range.last - next;
         next += page.rows.size();
     }

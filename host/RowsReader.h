@@ -6,8 +6,6 @@
 
 #include <QVector>
 
-#include <functional>
-
 class Session;
 
 /// Rows of one node, each as a record of the roles that it has.
@@ -26,6 +24,5 @@ Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const 
 
 /// Rows in requests of at most 500, until the range is complete, the node's count is reached, or a
 /// request brings none; shorter answers than asked for are gone on from, and a count of 0 beside
-/// rows is not believed. `wanted` sees each page and ends the reading by returning false.
-Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles,
-    const std::function<bool(const Rows &page)> &wanted = {});
+/// rows is not believed.
+Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles);

@@ -6,8 +6,6 @@
 
 #include <api/core/CMRoot.h>
 
-#include <QElapsedTimer>
-
 #include <algorithm>
 
 namespace {
@@ -25,6 +23,7 @@ bool hasServer(const ServerList::Servers &servers, const QString &base)
 ServerList::ServerList(Session &session)
     : m_session(session)
 {
+    m_clock.start();
     connect(CMRoot(), &CMRootWorker::rowsChanged, this, [this](const CMPath &path) {
         if (path == m_session.root()) {
             m_stale = true;
@@ -54,23 +53,31 @@ bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milli
     return wait.until(done);
 }
 
+std::chrono::milliseconds ServerList::remaining() const
+{
+    const std::chrono::milliseconds left =
+        m_session.options().wait - std::chrono::milliseconds(m_clock.elapsed());
+    return std::max(left, std::chrono::milliseconds(0));
+}
+
 bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
 {
-    return waitUntil([&] { return enough(servers()); }, m_session.options().wait);
+    return waitUntil([&] { return enough(servers()); }, remaining());
+}
+
+void ServerList::standStill(std::chrono::milliseconds time)
+{
+    bool changing = true;
+    while (changing && remaining().count() > 0) {
+        changing = waitUntil([this] { return m_stale; }, std::min(time, remaining()));
+        servers();
+    }
 }
 
 void ServerList::settle()
 {
-    QElapsedTimer clock;
-    clock.start();
-    const auto remaining = [&] {
-        return m_session.options().wait - std::chrono::milliseconds(clock.elapsed());
-    };
-    bool changing = waitFor([](const Servers &servers) { return !servers.isEmpty(); });
-    while (changing && remaining().count() > 0) {
-        changing = waitUntil([this] { return m_stale; }, std::min(stillFor, remaining()));
-        servers();
-    }
+    waitFor([](const Servers &servers) { return !servers.isEmpty(); });
+    standStill(stillFor);
 }
 
 bool ServerList::waitForServersOf(const QVector<CMPath> &paths)

@@ -2,6 +2,7 @@
 
 #include <api/core/OrkaRoles.h>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QVector>
 
@@ -10,7 +11,8 @@
 
 class Session;
 
-/// The media servers that the worker lists at its root, as they come and go.
+/// The media servers that the worker lists at its root, as they come and go. All its waits together
+/// end when --wait has passed since it was made.
 class ServerList : public QObject
 {
     Q_OBJECT
@@ -24,12 +26,14 @@ public:
     const Servers &servers();
     /// Whether servers() would read anew.
     bool isStale() const { return m_stale; }
-    /// Waits until `enough` says so of the servers that are there, --wait at most. Returns whether.
+    /// Waits until `enough` says so of the servers that are there. Returns whether.
     bool waitFor(const std::function<bool(const Servers &)> &enough);
-    /// Waits until the list is not empty and has stood still for a second, --wait at most.
+    /// Waits until the list has stood still for this long.
+    void standStill(std::chrono::milliseconds time);
+    /// Waits until the list is not empty and has stood still for a second.
     void settle();
-    /// Waits, --wait at most, until the servers of all these paths are there; a path of the root
-    /// itself waits like settle(). Returns whether they are.
+    /// Waits until the servers of all these paths are there; a path of the root itself waits like
+    /// settle(). Returns whether they are.
     bool waitForServersOf(const QVector<CMPath> &paths);
 
     /// "/uuid:4d69…" of a node path, "/" of the root.
@@ -39,9 +43,11 @@ signals:
     void changed();
 
 private:
+    std::chrono::milliseconds remaining() const;
     bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) const;
 
     Session &m_session;
+    QElapsedTimer m_clock;
     Servers m_servers;
     bool m_stale = true;
 };

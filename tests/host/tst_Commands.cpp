@@ -118,6 +118,7 @@ void tst_Commands::exitStatuses_data()
     row({"--wait", "0.5", "ls", "Shelv"}, 3, "Did you mean \"Shelf\"");
     row({"--wait", "0.5", "queue", "[Shelf]"}, 3, "no media server \"[Shelf]\"");
     row({"ls", "Shelf/Bigg"}, 3, "Did you mean \"Big\"");
+    row({"info", "Shelf/Big/Track 3"}, 3, "upnp:/shelf/big1003?itemType=track");
     row({"ls", "Twin"}, 3, "upnp:/twin1?itemType=server");
     row({"--wait", "0.5", "ls", "upnp:/elsewhere"}, 3, "hasn't shown up");
     row({"play", "--player", "/nonexistent", "Shelf"}, 3, "no player");

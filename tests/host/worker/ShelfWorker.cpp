@@ -26,10 +26,10 @@ public:
         : CMNodesWorker(config, QStringLiteral("ShelfWorker"))
     {
         m_root = CMListRowsNode::create(nodes(), addPrefix(QString()));
-        for (const char *base : {"/shelf", "/twin1", "/twin2"}) {
-            m_root->rowsAppend(
-                node(base, base == QLatin1String("/shelf") ? "Shelf" : "Twin", "server"));
-        }
+        m_root->rowsAppend(node("/shelf", "Shelf", "server"));
+        m_root->rowsAppend(node("/twin1", "Twin", "server"));
+        QTimer::singleShot(
+            30, this, [this] { m_root->rowsAppend(node("/twin2", "Twin", "server")); });
         QTimer::singleShot(
             300, this, [this] { m_root->rowsAppend(node("/late", "Late", "server")); });
         QTimer::singleShot(
@@ -94,7 +94,8 @@ Nodes ShelfWorker::children(const QString &base) const
     }
     Nodes tracks;
     for (int i = 0; base == "/shelf/big" && i < 1200; ++i) {
-        tracks.append(track(base + QString::number(i), "Track " + QString::number(i)));
+        const int number = i == 1003 ? 3 : i; // a title that is there twice
+        tracks.append(track(base + QString::number(i), "Track " + QString::number(number)));
     }
     return tracks;
 }
