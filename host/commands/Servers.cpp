@@ -7,9 +7,10 @@
 #include "Wait.h"
 #include "commands/Command.h"
 
+#include <QSocketNotifier>
 #include <QTime>
 
-#include <algorithm>
+#include <unistd.h>
 
 namespace {
 
@@ -103,12 +104,23 @@ private:
     static int watch(Session &session, ServerList &servers)
     {
         Arrivals arrivals(session.options().json);
+        // Tells of an error alone: that nobody reads any more.
+        QSocketNotifier reader(STDOUT_FILENO, QSocketNotifier::Exception);
+        QObject::connect(
+            &reader, &QSocketNotifier::activated, &reader, [&] { reader.setEnabled(false); });
         while (session.mediaService().isThere()) {
+            if (!reader.isEnabled()) {
+                writeLine(QString()); // ends us now, as the next event would
+            }
             arrivals.tellChanges(servers.servers());
             Wait change(std::chrono::hours(24));
+            QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);
             QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
             QObject::connect(&session.mediaService(), &MediaService::gone, &change, &Wait::wake);
-            change.until([&] { return servers.isStale() || !session.mediaService().isThere(); });
+            change.until([&] {
+                return servers.isStale() || !session.mediaService().isThere()
+                    || !reader.isEnabled();
+            });
         }
         return Missing;
     }

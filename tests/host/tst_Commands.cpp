@@ -195,6 +195,13 @@ void tst_Commands::watchTellsArrivalsAndDepartures()
         (QStringList{
             "arrived Shelf", "arrived Twin", "arrived Twin", "arrived Late", "departed Twin"}));
 
+    // Its reader goes, and there is no sixth event.
+    const QString lastSeen = "%1 --plugin %2 --bus %3 --media-service session servers "
+                             "--watch | head -n 5";
+    QProcess shell;
+    shell.start("sh", {"-c", lastSeen.arg(ORKA, TEST_WORKER, m_bus->address())});
+    QVERIFY(shell.waitForFinished(10000));
+
     // The service goes: the list would never change again.
     PrivateBus::close("service");
     QCOMPARE(orka->status(), 3);
