@@ -53,8 +53,8 @@ int reportParsing(const CLI::App &app, const CLI::ParseError &error)
     std::ostringstream help;
     std::ostringstream mistake;
     const int status = app.exit(error, help, mistake);
-    std::fputs(help.str().c_str(), stdout);
     if (status == 0) {
+        writeText(QByteArray::fromStdString(help.str()));
         return Answered;
     }
     const std::vector<std::string> unknown = app.remaining(true);
@@ -152,6 +152,8 @@ int main(int argc, char **argv)
 {
     try {
         return runProgram(argc, argv);
+    } catch (const Failure &failure) {
+        return report(failure, false);
     } catch (const std::exception &error) { // no memory left, say
         std::fprintf(stderr, "orka: The program can't go on: %s.\n", error.what());
         return AnsweredWithError;

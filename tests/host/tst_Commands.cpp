@@ -161,9 +161,9 @@ void tst_Commands::exitStatuses()
 /// Nobody who reads the answer may take half of it for the whole.
 void tst_Commands::unwritableOutputIsAnError()
 {
-    for (const char *redirection : {">/dev/full", ">&-"}) {
-        const QString command = QStringLiteral("\"%1\" --bus \"%2\" --plugin \"%3\" ls Shelf %4")
-                                    .arg(ORKA, m_bus->address(), TEST_WORKER, redirection);
+    for (const char *arguments : {"ls Shelf >/dev/full", "ls Shelf >&-", "--help >/dev/full"}) {
+        const QString command = QStringLiteral("\"%1\" --bus \"%2\" --plugin \"%3\" %4")
+                                    .arg(ORKA, m_bus->address(), TEST_WORKER, arguments);
         QProcess shell;
         shell.start("/bin/sh", {"-c", command});
         QVERIFY(shell.waitForFinished(20000));
