@@ -29,6 +29,9 @@ QString kindName(int type)
 
 QString kindOf(const OrkaRoles &node)
 {
+    if (!node.contains(OrkaRoles::Type())) {
+        return QString(); // it may be anything
+    }
     return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
         ? QStringLiteral("server")
         : kindName(node.type());
