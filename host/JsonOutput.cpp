@@ -87,7 +87,9 @@ QVariant valueFromJson(const QString &text)
     const QJsonDocument document = QJsonDocument::fromJson('[' + text.toUtf8() + "\n]", &error);
     if (document.isNull() || document.array().size() != 1) {
         const QString why = document.isNull()
-            ? QStringLiteral("%1 at character %2").arg(error.errorString()).arg(error.offset)
+            ? QStringLiteral("%1 at character %2")
+                  .arg(error.errorString())
+                  .arg(qMin(error.offset, text.size()))
             : QStringLiteral("it holds %1 values").arg(document.array().size());
         throw wrongUsage(QStringLiteral("The value is not one JSON value: %1. Write an object, a "
                                         "list or a string, like '{\"string_\":\"abba\"}'.")
