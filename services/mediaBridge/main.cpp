@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <glib-unix.h>
+#include <net/if.h>
 
 namespace bridge {
 
@@ -41,6 +42,16 @@ void watchIdle(BusService &bus, Timer &idle, GMainLoop *loop, int seconds)
     wait();
 }
 
+/// A name that was mistyped would be waited for without a word.
+void warnOfAbsent(const std::vector<std::string> &interfaces)
+{
+    for (const std::string &name : interfaces) {
+        if (if_nametoindex(name.c_str()) == 0)
+            logWarning("there is no network interface \"" + name
+                + "\" now; servers are looked for on it when it comes");
+    }
+}
+
 /// Requests that went with their servers end here, and whoever waits for one is told.
 void finishRequests()
 {
@@ -68,6 +79,7 @@ int serve(const Options &options, GMainLoop *loop)
         if (!problem.empty())
             return say(NoService, problem);
         service.start();
+        warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
         logInfo("serving " + std::string(BusService::busName));
         g_main_loop_run(loop);
