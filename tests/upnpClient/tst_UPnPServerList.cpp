@@ -230,6 +230,11 @@ void tst_UPnPServerList::hearsNoSignalBeforeTheFirstAnswer()
     QCOMPARE(w.log.lines("ERROR"), QStringList());
     w.release();
     QCOMPARE(w.titles(), "One");
+    // Nor anything when it goes first; the address sanitizer sees what it would leave behind.
+    w.stop();
+    w.start();
+    w.stop();
+    w.release();
 }
 
 void tst_UPnPServerList::hearsOnlyTheService()
