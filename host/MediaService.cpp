@@ -200,10 +200,17 @@ void MediaService::watch()
     m_watcher.addWatchedService(busName());
     connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
         m_there = false;
-        tell(QStringLiteral("The media service has left %1: it crashed or was stopped. What was "
-                            "asked of it is lost; run the command again, which starts a new one "
-                            "where none is there.")
-                 .arg(m_busDescription));
         emit gone();
     });
+}
+
+void MediaService::requireThere() const
+{
+    if (!m_there) {
+        throw missing(QStringLiteral("noMediaService"),
+            QStringLiteral("The media service has left %1: it crashed or was stopped. What was "
+                           "asked of it is lost; run the command again, which starts a new one "
+                           "where none is there.")
+                .arg(m_busDescription));
+    }
 }

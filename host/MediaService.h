@@ -30,9 +30,11 @@ public:
     bool startedBridge() const { return bool(m_bridge); }
     /// False after gone().
     bool isThere() const { return m_there; }
+    /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
+    void requireThere() const;
 
 signals:
-    /// The service has left the bus; it was told on standard error.
+    /// The service has left the bus.
     void gone();
 
 private:

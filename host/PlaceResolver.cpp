@@ -114,7 +114,7 @@ CMPath PlaceResolver::findServer(const QString &title)
     if (m_servers.servers().isEmpty()) {
         throw noSuchPlace(QStringLiteral("No media server has shown up in %1, so there is no %2. "
                                          "Start one on this network, or give it more time with "
-                                         "--wait.")
+                                         "--wait; \"orka doctor\" checks every part.")
                               .arg(seconds(m_session.options().wait), quoted(title)));
     }
     NearestTitles nearest(title);

@@ -50,7 +50,11 @@ bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milli
 {
     Wait wait(limit, QStringLiteral("Looking for media servers"));
     connect(this, &ServerList::changed, &wait, &Wait::wake);
-    return wait.until(done);
+    const MediaService &service = m_session.mediaService();
+    connect(&service, &MediaService::gone, &wait, &Wait::wake);
+    const bool isDone = wait.until([&] { return !service.isThere() || done(); });
+    service.requireThere();
+    return isDone;
 }
 
 std::chrono::milliseconds ServerList::remaining() const

@@ -61,7 +61,11 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     const CMReplyWatcherObject watcher(reply);
     Wait wait(m_options.timeout, doing);
     QObject::connect(&watcher, &CMReplyWatcherObject::finishedSignal, &wait, &Wait::wake);
-    if (!wait.until([&] { return reply.isFinished(); })) {
+    QObject::connect(m_mediaService.get(), &MediaService::gone, &wait, &Wait::wake);
+    const bool inTime =
+        wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
+    m_mediaService->requireThere();
+    if (!inTime) {
         throw noAnswer(path, m_options.timeout);
     }
     if (reply.error().isError()) {

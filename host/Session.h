@@ -12,7 +12,7 @@
 /// Sends requests and waits for their answers in the event loop.
 ///
 /// A request throws Failure with status AnsweredWithError for an error answer and NoAnswer where
-/// none came in time.
+/// none came in time, and Missing where the media service has left the bus.
 class Session
 {
 public:

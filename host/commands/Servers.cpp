@@ -87,7 +87,8 @@ private:
         }
         if (rows.rows.isEmpty()) {
             tell(QStringLiteral("No media server has shown up in %1 s. Start one on this network, "
-                                "or give it more time with --wait.")
+                                "or give it more time with --wait; \"orka doctor\" checks every "
+                                "part.")
                      .arg(double(session.options().wait.count()) / 1000));
             return Answered;
         }
@@ -108,7 +109,8 @@ private:
         QSocketNotifier reader(STDOUT_FILENO, QSocketNotifier::Exception);
         QObject::connect(
             &reader, &QSocketNotifier::activated, &reader, [&] { reader.setEnabled(false); });
-        while (session.mediaService().isThere()) {
+        for (;;) {
+            session.mediaService().requireThere();
             if (!reader.isEnabled()) {
                 writeLine(QString()); // ends us now, as the next event would
             }
@@ -122,7 +124,6 @@ private:
                     || !reader.isEnabled();
             });
         }
-        return Missing;
     }
 
     bool m_watch = false;

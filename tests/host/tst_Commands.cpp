@@ -183,6 +183,7 @@ void tst_Commands::serversThatArriveLateAreListed()
 
 void tst_Commands::watchTellsArrivalsAndDepartures()
 {
+    const auto unanswered = run({"ls", "Shelf/Silent"});
     const auto orka = run({"--json", "servers", "--watch"});
     const QList<QByteArray> lines = orka->waitForLines(5).split('\n');
     QStringList events;
@@ -206,6 +207,8 @@ void tst_Commands::watchTellsArrivalsAndDepartures()
     PrivateBus::close("service");
     QCOMPARE(orka->status(), 3);
     QVERIFY(orka->errors().contains("media service has left"));
+    QCOMPARE(unanswered->status(), 3);
+    QVERIFY(unanswered->errors().contains("media service has left"));
 }
 
 void tst_Commands::lsPagesThroughBigFolders()
