@@ -33,15 +33,20 @@ Bus::Bus(const QDBusConnection &connection, std::chrono::milliseconds limit)
 {
 }
 
+QDBusMessage Bus::send(const QDBusMessage &call) const
+{
+    const QDBusPendingCallWatcher watcher(m_connection.asyncCall(call, int(m_limit.count())));
+    Wait wait(m_limit);
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
+    return wait.until([&] { return watcher.isFinished(); }) ? watcher.reply() : QDBusMessage();
+}
+
 QDBusMessage Bus::ask(const QString &method, const QVariantList &arguments) const
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
         daemonName, QStringLiteral("/org/freedesktop/DBus"), daemonName, method);
     call.setArguments(arguments);
-    const QDBusPendingCallWatcher watcher(m_connection.asyncCall(call, int(m_limit.count())));
-    Wait wait(m_limit);
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
-    return wait.until([&] { return watcher.isFinished(); }) ? watcher.reply() : QDBusMessage();
+    return send(call);
 }
 
 QString Bus::owner(const QString &name) const
@@ -64,6 +69,12 @@ QString Bus::activate(const QString &name) const
     }
     return reply.errorMessage().isEmpty() ? QStringLiteral("the bus did not answer in time")
                                           : reply.errorMessage();
+}
+
+bool Bus::answers(const QString &name) const
+{
+    return !failed(send(QDBusMessage::createMethodCall(name, QStringLiteral("/"),
+        QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))));
 }
 
 QString Bus::describeOwner(const QString &uniqueName) const

@@ -6,8 +6,8 @@
 
 #include <chrono>
 
-/// Questions to the message bus itself. Each is sent asynchronously and waited for in the event
-/// loop, so that Ctrl-C ends it; a bus that doesn't answer in time gives what "no" gives.
+/// Questions to the message bus and its services. Each is sent asynchronously and waited for in the
+/// event loop, so that Ctrl-C ends it; a bus that doesn't answer in time gives what "no" gives.
 class Bus
 {
 public:
@@ -18,10 +18,14 @@ public:
     bool canActivate(const QString &name) const;
     /// Starts the service where it isn't running. Returns why it couldn't, empty when it is there.
     QString activate(const QString &name) const;
+    /// Whether the service that owns `name` answers at all.
+    bool answers(const QString &name) const;
     /// "orka-media-bridge (process 123)"; the unique name alone where the process can't be known.
     QString describeOwner(const QString &uniqueName) const;
 
 private:
+    QDBusMessage send(const QDBusMessage &call) const;
+    /// Asks the bus itself.
     QDBusMessage ask(const QString &method, const QVariantList &arguments) const;
 
     QDBusConnection m_connection;

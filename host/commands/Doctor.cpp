@@ -14,10 +14,14 @@
 
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace {
 
 /// 200 tracks prepared at once, with two calls each.
 constexpr int neededPendingReplies = 400;
+/// A media service that is silent for so long hangs.
+constexpr std::chrono::milliseconds answerLimit(5000);
 
 /// What was found, in the order in which it was looked at.
 class Findings
@@ -89,11 +93,17 @@ void checkMediaService(Findings &findings, const Options &options, const MediaSe
 {
     findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
     checkBusLimits(findings, service);
-    const Bus bus(orkaDBusConnection(), options.timeout);
-    const QString owner = bus.owner(MediaService::busName());
+    const Bus bus(orkaDBusConnection(), std::min(options.timeout, answerLimit));
+    const QString owner = safeText(bus.describeOwner(bus.owner(MediaService::busName())));
+    if (!bus.answers(MediaService::busName())) {
+        findings.add(Findings::Missing, "media service",
+            QStringLiteral("%1 has the name %2 but doesn't answer. End it, or start it again.")
+                .arg(owner, MediaService::busName()));
+        return;
+    }
     findings.add(Findings::Ok, "media service",
         QStringLiteral("%1 has the name %2%3.")
-            .arg(safeText(bus.describeOwner(owner)), MediaService::busName(),
+            .arg(owner, MediaService::busName(),
                 service.startedBridge() ? QStringLiteral(", started for this run") : QString()));
 }
 
