@@ -9,6 +9,8 @@ void registerRecord(const char *name)
     qRegisterMetaType<Record>(name);
     QMetaType::registerConverter<Record, OrkaHash>(
         [](const Record &record) { return OrkaHash(record); });
+    QMetaType::registerConverter<Record, QVariantHash>(
+        [](const Record &record) { return record.toHash(); });
 }
 
 void registerRecords()
