@@ -20,7 +20,6 @@ private slots:
     void walksOnlyWhenASearchFailedAndNothingWasFound();
     void losesUrlsAndServersOnlyWhereTheBusRefusesCalls_data();
     void losesUrlsAndServersOnlyWhereTheBusRefusesCalls();
-    void answersManyPreparationsAtOnce();
     void goesWithItsWorker();
 };
 
@@ -72,6 +71,8 @@ void tst_Prepare::givesTracksFirstThenWhatSearchesFound()
         "http://192.0.2.1:8200/MediaItems/b.mp3 http://19");
     const QString start = "DEBUG CB_UPnP: prepare items: (upnp:" + trackB + ", upnp:" + folder2;
     QCOMPARE(w.log.lines(start).size(), 1);
+    QCOMPARE(w.log.lines("TRACE CB_UPnP: Preparing direct item: upnp:").size(), 3);
+    QCOMPARE(w.log.lines("TRACE CB_UPnP: Result: ({\"serviceId\":\"media\",").size(), 1);
 
     w.service.forgetCalls();
     w.prepared({trackA, folder1, "/uuid:1?itemType=server"});
@@ -251,20 +252,6 @@ void tst_Prepare::losesUrlsAndServersOnlyWhereTheBusRefusesCalls()
         w.service.announceFound(w.tree.addServer(QStringLiteral("uuid:n%1").arg(i), "Server"));
     w.settle();
     QCOMPARE(w.rootRows().rowsCount() < 101, builtIn);
-}
-
-void tst_Prepare::answersManyPreparationsAtOnce()
-{
-    World w;
-    w.log.setLevel(log4cplus::WARN_LOG_LEVEL);
-    QVector<ReplyProbe<QVariant>> probes;
-    for (int i = 0; i < 1000; ++i)
-        probes.append(w.askPrepare({i % 2 ? trackA : trackB, folder2}));
-    w.settle();
-    for (int i = 0; i < probes.size(); ++i) {
-        QCOMPARE(probes[i].outcome(), "value");
-        QCOMPARE(itemsText(probes[i].value()), i % 2 ? "A V1" : "B V1");
-    }
 }
 
 void tst_Prepare::goesWithItsWorker()

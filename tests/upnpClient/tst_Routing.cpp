@@ -206,6 +206,7 @@ void tst_Routing::tracesWhatItEnters()
     w.askRows("/uuid:1?search=menu", 0, 0);
     w.settled(w.askRows("/uuid:1?search=artist&query=x", 0, 0));
     w.askRows(contextOfTrack, 0, 0);
+    w.askData("/uuid:1?search=x");
     w.settled(w.askPrepare({"/uuid:1/31?itemType=container"}));
     QStringList lines = w.log.lines("TRACE CB_UPnP: ");
     lines.replaceInStrings("TRACE CB_UPnP: ", "").replaceInStrings("Enter CMUPnPWorker::", "> ");
@@ -218,6 +219,7 @@ void tst_Routing::tracesWhatItEnters()
         "> on_handleSearchRows_finished: \n> getRowsRequest: \nContext request path: upnp:"
             + contextOfTrack
             + "\nsent reply with 3 lines\n"
+              "> getDataRequest: \n> handleSearchDataRequest: \n"
               "> setDataRequest: (upnp:/uuid:1/31?itemType=container), path: "
               "upnp:playlist/prepareItems\n"
               "> preparePlaylistItems: (upnp:/uuid:1/31?itemType=container)\n"

@@ -44,12 +44,10 @@ void tst_Sampler::takesEvenlySpacedRows_data()
     row("rows end it", 1000, "0,99,10", 4, "0 10 20 30 40", 100);
     row("the container ends it", 35, "0,99,10", 99, "0 10 20 30", 35);
     row("the end ends it", 50, "5,20,5", 99, "5 10 15 20", 16);
-    row("one short of the end", 50, "5,19,5", 99, "5 10 15", 15);
     row("no step", 10, "0,5,0", 2, "0 0 0", 6);
     row("words", 10, "a,b,c", 0, "0", 1);
     row("start behind end", 10, "7,3,1", 9, "7", -3);
     row("the last one", 10, "9,9,1", 9, "9", 1);
-    row("a step over everything", 10, "0,9,2147483647", 9, "0", 10);
     row("an end beyond all", 3, "0,2147483647,2", 99, "0 2", -2147483647 - 1);
     row("backwards", 10, "4,9,-2", 2, "4 2 0", 6);
     row("no row wanted takes one all the same", 10, "0,9,3", -1, "0", 10);
@@ -84,9 +82,10 @@ void tst_Sampler::fetchesOneRowAtATimeThroughTheTree()
     w.settle();
     QCOMPARE(rowsText(rows.value()),
         R"([["upnp:/uuid:1/7432?itemType=track","2"],["upnp:/uuid:1/7436?itemType=track","6"]])");
-    QCOMPARE(
-        w.log.count("TRACE CB_UPnP: Enter ContainerSampler::performSample: upnp:/uuid:1/31, 1, 6"),
-        1);
+    const QString enter = "TRACE CB_UPnP: Enter ContainerSampler::";
+    QCOMPARE(w.log.lines(enter).join('|').remove(enter),
+        "performSample: upnp:/uuid:1/31, 0, 2|on_getRows_finished: |"
+        "performSample: upnp:/uuid:1/31, 1, 6|on_getRows_finished: |finalizeSampling: ");
 }
 
 void tst_Sampler::answersTheErrorOfTheFirstRowThatFails_data()
@@ -121,7 +120,8 @@ void tst_Sampler::answersTheErrorOfTheFirstRowThatFails()
     const auto rows = w.settled(w.askRows(path, 0, 9));
     QVERIFY2(rows.outcome().startsWith("error internal: "), qPrintable(rows.outcome()));
     QVERIFY(rows.value().isEmpty());
-    const QString start = "ERROR CB_UPnP: Failed to perform container sampling at item %1; error: ";
+    const QString start =
+        "ERROR CB_UPnP: Failed to perform container sampling at item %1; error: {\"name";
     QCOMPARE(w.log.lines(start.arg(position)).size(), 1);
 }
 

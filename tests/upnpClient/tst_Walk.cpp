@@ -74,6 +74,7 @@ void tst_Walk::givesAContainersOwnTracksBeforeItsSubContainers()
     QCOMPARE(items.outcome(), "value");
     QCOMPARE(itemsText(items.value()), "T1 T2 V1 U1 U2 W1");
     QCOMPARE(w.service.count({"ListChildren"}), 4);
+    QCOMPARE(w.log.count("DEBUG CB_UPnP: browse container: browse____4____3"), 1);
     for (const FakeCall &call : w.service.calls({"ListChildren"})) {
         QCOMPARE(call.arguments().mid(0, 2), (QVariantList{0U, 10000U}));
         QCOMPARE(call.arguments()[2].toStringList(), w.worker().propertyFilter());
@@ -115,11 +116,13 @@ void tst_Walk::meetsEveryObjectOnce()
     QFETCH(QString, link);
     World w;
     const QString track = w.add(w.folder, "T");
+    w.tree.addLink(w.folder, track); // takes up a position all the same
     const QString inner = w.nest(w.folder, "inner");
     w.add(inner, "U");
     w.tree.addLink(inner, link == "track" ? track : link == "self" ? inner : w.folder);
     w.start();
     QCOMPARE(w.walked(), "T U");
+    QCOMPARE(w.log.count("DEBUG CB_UPnP: browse container: browse____3"), 1);
     QTEST(w.service.count({"ListChildren"}), "listings");
 }
 
@@ -179,12 +182,13 @@ void tst_Walk::takesWhateverIsNoContainerAndHasAUrl()
 {
     World w;
     const QStringList url{"u"};
-    w.tree.addItem(w.folder, "1", {{"DisplayName", "video"}, {"Type", "video"}, {"URLs", url}});
+    w.tree.addItem(
+        w.folder, "1", {{"DisplayName", "list"}, {"Type", "container.list"}, {"URLs", url}});
     w.tree.addItem(w.folder, "2", noUrl);
     w.tree.addItem(w.folder, "3", {{"DisplayName", "untyped"}, {"URLs", url}});
     w.tree.addItem(w.folder, "4", {{"DisplayName", "missing"}, {"Type", "music"}});
     w.start();
-    QCOMPARE(w.walked(), "video untyped missing");
+    QCOMPARE(w.walked(), "list untyped missing");
     // Objects without a path are all one to the walk.
     const QVariantMap p{{"DisplayName", "p"}, {"URLs", url}}, q{{"DisplayName", "q"}};
     w.service.answer({"ListChildren"}, QVariantList{propertyMaps({p, q})});
