@@ -63,9 +63,9 @@ public:
     /// The search-menu node that belongs to `path`.
     OrkaRoles getSearchMenuRoles(const UPnPPath &path) const;
     void handleSearchMenuRowsRequest(const CMGetRowsRequest &request, const UPnPPath &path,
-        const QString &search, const QString &query, int first, int last);
+        const QString &search, const QString &query, int first, int last) const;
     void handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
-        const QString &search, const QString &query);
+        const QString &search, const QString &query) const;
     void handleSearchRowsRequest(const CMGetRowsRequest &request, const UPnPPath &path,
         const QString &search, const QString &query, int first, int last);
 

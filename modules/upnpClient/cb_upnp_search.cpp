@@ -80,7 +80,7 @@ OrkaRoles CMUPnPWorker::getSearchMenuRoles(const UPnPPath &path) const
 }
 
 void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
-    const UPnPPath &path, const QString &search, const QString &query, int first, int last)
+    const UPnPPath &path, const QString &search, const QString &query, int first, int last) const
 {
     TRACE_ENTER_WITH("search: " << search << " query: " << query);
     QVector<OrkaRoles> entries;
@@ -108,7 +108,7 @@ void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
 }
 
 void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
-    const QString &search, const QString &query)
+    const QString &search, const QString &query) const
 {
     TRACE_ENTER();
     Q_UNUSED(query)
