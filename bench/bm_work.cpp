@@ -107,8 +107,8 @@ QDBusPendingCall listChildren(const QDBusObjectPath &container)
 
 QDBusPendingCall getChildCount(const QDBusObjectPath &container)
 {
-    return getPropertyAsync(dleyna::service(), container, dleyna::mediaObjectInterface(),
-        QStringLiteral("ChildCount"));
+    return getPropertyAsync(
+        dleyna::service(), container, dleyna::mediaObjectInterface(), QStringLiteral("ChildCount"));
 }
 
 /// As a listing issues them, a call of every one of `issues` in turn. The replies are waited

@@ -18,9 +18,8 @@ bool failed(const QDBusMessage &reply)
 QString commandOf(uint process)
 {
     QFile file(QStringLiteral("/proc/%1/cmdline").arg(process));
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return QString();
-    }
     const QByteArray program = file.readAll().split('\0').value(0);
     return QString::fromLocal8Bit(program.mid(program.lastIndexOf('/') + 1));
 }
@@ -64,9 +63,8 @@ bool Bus::canActivate(const QString &name) const
 QString Bus::activate(const QString &name) const
 {
     const QDBusMessage reply = ask(QStringLiteral("StartServiceByName"), {name, 0U});
-    if (!failed(reply)) {
+    if (!failed(reply))
         return QString();
-    }
     return reply.errorMessage().isEmpty() ? QStringLiteral("the bus did not answer in time")
                                           : reply.errorMessage();
 }

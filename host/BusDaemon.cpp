@@ -25,9 +25,8 @@ BusDaemon::BusDaemon()
     : m_process(ChildProcess::Service)
 {
     const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-    if (program.isEmpty()) {
+    if (program.isEmpty())
         throw noBus(QStringLiteral("there is no program dbus-daemon."));
-    }
     Wait wait(startLimit, QStringLiteral("Starting a message bus"));
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &wait, &Wait::wake);
     QObject::connect(&m_process, &QProcess::stateChanged, &wait, &Wait::wake);

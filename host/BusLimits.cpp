@@ -62,9 +62,8 @@ Calls callSilentObject(const QDBusConnection &caller, const QString &callee, int
     const QDBusMessage call = QDBusMessage::createMethodCall(
         callee, QStringLiteral("/"), QStringLiteral("orka.Probe"), QStringLiteral("Wait"));
     Calls calls;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         calls.push_back(std::make_unique<QDBusPendingCallWatcher>(caller.asyncCall(call)));
-    }
     return calls;
 }
 
@@ -112,8 +111,7 @@ PendingReplies measurePendingReplies(const QString &bus, const QString &descript
     opened.callee.registerVirtualObject(
         QStringLiteral("/"), &silent, QDBusConnection::VirtualObjectRegisterOption::SubPath);
     const Calls calls = callSilentObject(opened.caller, opened.callee.baseService(), most);
-    if (!hearAll(opened.caller)) {
+    if (!hearAll(opened.caller))
         throw StuckBus(description);
-    }
     return countRefusals(calls);
 }

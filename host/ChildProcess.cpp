@@ -21,9 +21,8 @@ ChildProcess::~ChildProcess()
 
 void ChildProcess::stop(int grace)
 {
-    if (state() == NotRunning) {
+    if (state() == NotRunning)
         return;
-    }
     terminate();
     if (!waitForFinished(grace)) {
         kill();
@@ -35,16 +34,12 @@ void ChildProcess::setupChildProcess()
 {
     // Runs in the new process, before the program: only system calls.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != pid_t(m_parent)) {
+    if (getppid() != pid_t(m_parent))
         _exit(1); // we were gone before the line above
-    }
-    if (m_kind == Service) {
+    if (m_kind == Service)
         setpgid(0, 0);
-    }
-    if (m_inherited >= 0) {
+    if (m_inherited >= 0)
         fcntl(m_inherited, F_SETFD, 0);
-    }
-    if (m_outputToStderr) {
+    if (m_outputToStderr)
         dup2(STDERR_FILENO, STDOUT_FILENO);
-    }
 }

@@ -14,9 +14,8 @@ QString firstOf(const QStringList &places)
     QString path;
     for (const QString &place : places) {
         path = QCoreApplication::applicationDirPath() + QLatin1Char('/') + place;
-        if (QFileInfo::exists(path)) {
+        if (QFileInfo::exists(path))
             break;
-        }
     }
     return QDir::cleanPath(path);
 }

@@ -22,9 +22,8 @@ void endAtOnce(int)
 
 void endSoon(int signal)
 {
-    if (receivedSignal != 0) {
+    if (receivedSignal != 0)
         _exit(128 + receivedSignal);
-    }
     receivedSignal = signal;
     const itimerval lastWord = {{0, 0}, {0, 700000}};
     setitimer(ITIMER_REAL, &lastWord, nullptr);
@@ -46,9 +45,8 @@ void handle(int signal, void (*handler)(int))
 Interrupt::Interrupt(QObject *parent)
     : QObject(parent)
 {
-    if (pipe2(m_pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (pipe2(m_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
         return; // without descriptors the default action of the signals remains
-    }
     theInterrupt = this;
     wakeDescriptor = m_pipe[1];
     auto *notifier = new QSocketNotifier(m_pipe[0], QSocketNotifier::Read, this);
@@ -57,16 +55,14 @@ Interrupt::Interrupt(QObject *parent)
         emit requested();
     });
     handle(SIGALRM, endAtOnce);
-    for (const int signal : handledSignals) {
+    for (const int signal : handledSignals)
         handle(signal, endSoon);
-    }
 }
 
 Interrupt::~Interrupt()
 {
-    for (const int signal : handledSignals) {
+    for (const int signal : handledSignals)
         handle(signal, SIG_DFL);
-    }
     theInterrupt = nullptr;
     delete findChild<QSocketNotifier *>(); // before its descriptor
     close(m_pipe[0]);

@@ -13,16 +13,14 @@ QVariant toVariant(const QJsonValue &value)
     if (value.isObject()) {
         QVariantHash hash;
         const QJsonObject object = value.toObject();
-        for (auto it = object.begin(); it != object.end(); ++it) {
+        for (auto it = object.begin(); it != object.end(); ++it)
             hash.insert(it.key(), toVariant(it.value()));
-        }
         return hash;
     }
     if (value.isArray()) {
         QVariantList list;
-        for (const QJsonValue entry : value.toArray()) {
+        for (const QJsonValue entry : value.toArray())
             list.append(toVariant(entry));
-        }
         return list;
     }
     return value.toVariant();
@@ -34,9 +32,8 @@ OrkaHash rowsDocument(const CMPath &path, const Rows &rows)
 {
     QVariantList list;
     list.reserve(rows.rows.size());
-    for (const OrkaRoles &row : rows.rows) {
+    for (const OrkaRoles &row : rows.rows)
         list.append(row.toVariant());
-    }
     OrkaHash document;
     document.setValue(QStringLiteral("path"), path.toEncoded());
     document.setValue(OrkaRowsRoles::RowsCount(), rows.rowsCount);
@@ -58,9 +55,8 @@ OrkaHash queueDocument(const QVector<OrkaPlayListItem> &items)
 {
     QVariantList list;
     list.reserve(items.size());
-    for (const OrkaPlayListItem &item : items) {
+    for (const OrkaPlayListItem &item : items)
         list.append(item.toVariant());
-    }
     OrkaHash document;
     document.setValue(QStringLiteral("items"), list);
     return document;

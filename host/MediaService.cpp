@@ -37,9 +37,8 @@ MediaService::MediaService(const Options &options)
 {
     openBus();
     const bool wantsOurs = m_options.mediaService == MediaServiceSource::Bridge;
-    if (wantsOurs || !useServiceOnBus()) {
+    if (wantsOurs || !useServiceOnBus())
         startBridge();
-    }
     watch();
 }
 
@@ -55,9 +54,8 @@ MediaService::~MediaService()
 void MediaService::openBus()
 {
     m_busDescription = describeBus(m_options.bus);
-    if (openInTime(m_options.bus, m_options.timeout)) {
+    if (openInTime(m_options.bus, m_options.timeout))
         return;
-    }
     const QString why = orkaDBusConnection().lastError().message();
     const bool mayMakeOne = m_options.bus == QLatin1String("session")
         && m_options.mediaService != MediaServiceSource::Session;
@@ -85,19 +83,16 @@ void MediaService::openPrivateBus()
 /// False where the bridge has to do it; throws where it mustn't.
 bool MediaService::useServiceOnBus()
 {
-    if (m_busDaemon) {
+    if (m_busDaemon)
         return false;
-    }
     const Bus bus(orkaDBusConnection(), m_options.timeout);
-    if (!bus.owner(busName()).isEmpty()) {
+    if (!bus.owner(busName()).isEmpty())
         return true;
-    }
     QString why = QStringLiteral("nothing on it owns or can be started as %1").arg(busName());
     if (bus.canActivate(busName())) {
         const QString error = bus.activate(busName());
-        if (error.isEmpty()) {
+        if (error.isEmpty())
             return true;
-        }
         why = QStringLiteral("starting %1 failed: %2").arg(busName(), safeText(error));
         if (m_options.mediaService == MediaServiceSource::Auto) {
             tell(QStringLiteral("On %1, %2. The bridge of this program is used instead.")
@@ -116,9 +111,8 @@ bool MediaService::useServiceOnBus()
 void MediaService::startBridge()
 {
     const Bus bus(orkaDBusConnection(), m_options.timeout);
-    if (!m_busDaemon && !bus.owner(busName()).isEmpty()) {
+    if (!m_busDaemon && !bus.owner(busName()).isEmpty())
         takenName(); // a bridge was asked for, and somebody else has the name
-    }
     const QString program = m_options.bridge.isEmpty() ? Installation::bridge() : m_options.bridge;
     if (program.isEmpty()) {
         throw missing(QStringLiteral("noMediaService"),
@@ -128,9 +122,8 @@ void MediaService::startBridge()
     }
     m_bridge = std::make_unique<ChildProcess>(ChildProcess::Service);
     m_bridge->setStandardOutputFile(QProcess::nullDevice());
-    if (m_options.verbosity > 0) {
+    if (m_options.verbosity > 0)
         m_bridge->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    }
     m_bridge->setProgram(program);
     m_bridge->setArguments(bridgeArguments());
     waitForBridge();
@@ -151,9 +144,8 @@ void MediaService::takenName()
 QStringList MediaService::bridgeArguments() const
 {
     QStringList arguments{QStringLiteral("--bus"), bus()};
-    if (m_options.verbosity > 0) {
+    if (m_options.verbosity > 0)
         arguments << (m_options.verbosity == 1 ? QStringLiteral("-v") : QStringLiteral("-vv"));
-    }
     return arguments;
 }
 

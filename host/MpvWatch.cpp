@@ -21,17 +21,15 @@ MpvWatch::~MpvWatch()
 {
     delete findChild<QSocketNotifier *>(); // before its descriptor
     for (const int descriptor : {m_ownEnd, m_playerEnd}) {
-        if (descriptor >= 0) {
+        if (descriptor >= 0)
             close(descriptor);
-        }
     }
 }
 
 void MpvWatch::start()
 {
-    if (m_ownEnd < 0) {
+    if (m_ownEnd < 0)
         return;
-    }
     close(m_playerEnd);
     m_playerEnd = -1;
     auto *notifier = new QSocketNotifier(m_ownEnd, QSocketNotifier::Read, this);
@@ -46,12 +44,10 @@ void MpvWatch::readAll()
 {
     char buffer[4096];
     const ssize_t size = read(m_ownEnd, buffer, sizeof(buffer));
-    if (size == 0) {
+    if (size == 0)
         findChild<QSocketNotifier *>()->setEnabled(false); // the player has ended
-    }
-    if (size <= 0) {
+    if (size <= 0)
         return;
-    }
     m_unread.append(buffer, int(size));
     for (int end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
         takeLine(m_unread.left(end));
@@ -63,7 +59,6 @@ void MpvWatch::takeLine(const QByteArray &line)
 {
     const QJsonObject event = QJsonDocument::fromJson(line).object();
     const QJsonValue path = event.value(QStringLiteral("data"));
-    if (event.value(QStringLiteral("name")) == QLatin1String("path") && path.isString()) {
+    if (event.value(QStringLiteral("name")) == QLatin1String("path") && path.isString())
         emit playing(path.toString());
-    }
 }

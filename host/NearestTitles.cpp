@@ -38,46 +38,39 @@ NearestTitles::NearestTitles(const QString &wanted)
 int NearestTitles::distanceTo(const QString &title) const
 {
     const QString folded = title.left(longest).toCaseFolded();
-    if (folded == m_wanted) {
+    if (folded == m_wanted)
         return 0;
-    }
-    if (!folded.isEmpty() && (folded.contains(m_wanted) || m_wanted.contains(folded))) {
+    if (!folded.isEmpty() && (folded.contains(m_wanted) || m_wanted.contains(folded)))
         return 1;
-    }
     return 1 + editDistance(folded, m_wanted);
 }
 
 void NearestTitles::add(const QString &title)
 {
     const int distance = distanceTo(title);
-    if (distance > 2 + m_wanted.size() / 3) {
+    if (distance > 2 + m_wanted.size() / 3)
         return;
-    }
     const QPair<int, QString> entry(distance, title);
-    if (m_best.contains(entry)) {
+    if (m_best.contains(entry))
         return;
-    }
     m_best.insert(std::upper_bound(m_best.begin(), m_best.end(), entry), entry);
-    if (m_best.size() > kept) {
+    if (m_best.size() > kept)
         m_best.removeLast();
-    }
 }
 
 QStringList NearestTitles::titles() const
 {
     QStringList titles;
-    for (const auto &entry : m_best) {
+    for (const auto &entry : m_best)
         titles.append(entry.second);
-    }
     return titles;
 }
 
 QString NearestTitles::question() const
 {
     QStringList names;
-    for (const QString &title : titles()) {
+    for (const QString &title : titles())
         names.append(quoted(titleInPlace(title)));
-    }
     return names.isEmpty()
         ? QString()
         : QStringLiteral(" Did you mean %1?").arg(names.join(QStringLiteral(" or ")));

@@ -64,14 +64,12 @@ void addFamily(AddressesByKind &found, const ifaddrs *entries, int family)
         const bool usable = (entry->ifa_flags & IFF_UP) != 0
             && (entry->ifa_flags & IFF_LOOPBACK) == 0 && entry->ifa_addr != nullptr
             && entry->ifa_addr->sa_family == family;
-        if (!usable) {
+        if (!usable)
             continue;
-        }
         const QString ip =
             family == AF_INET ? reachableIpv4(entry->ifa_addr) : reachableIpv6(entry->ifa_addr);
-        if (!ip.isEmpty()) {
+        if (!ip.isEmpty())
             found.add(*entry, ip);
-        }
     }
 }
 
@@ -90,9 +88,8 @@ NetworkPublisher::NetworkPublisher(QObject *parent)
 NetworkPublisher::~NetworkPublisher()
 {
     delete findChild<QSocketNotifier *>(); // before its descriptor
-    if (m_netlink >= 0) {
+    if (m_netlink >= 0)
         close(m_netlink);
-    }
 }
 
 OrkaNetworkInfo NetworkPublisher::currentInfo()

@@ -55,9 +55,8 @@ void writeJson(const OrkaHash &document)
 void tell(const QString &sentence)
 {
     QStringList lines = sentence.split(QLatin1Char('\n'));
-    for (QString &line : lines) {
+    for (QString &line : lines)
         line = safeText(line);
-    }
     const QString text = QStringLiteral("orka: %1\n").arg(lines.join(QLatin1Char('\n')));
     std::fputs(text.toUtf8().constData(), stderr);
 }

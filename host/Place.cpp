@@ -29,21 +29,18 @@ QStringList splitTitles(const QString &text)
 
 Place parsePlace(const QString &text, const QString &prefix)
 {
-    if (text.startsWith(prefix + QLatin1Char(':'))) {
+    if (text.startsWith(prefix + QLatin1Char(':')))
         return {parsePath(text), {}, text};
-    }
     if (text.isEmpty()) {
         throw wrongUsage(QStringLiteral("An empty place names nothing. Write a node path or titles "
                                         "joined by \"/\", like \"My NAS/Music\"; \"/\" alone is "
                                         "the list of media servers."));
     }
     QStringList titles = splitTitles(text);
-    if (titles.size() > 1 && titles.first().isEmpty()) {
+    if (titles.size() > 1 && titles.first().isEmpty())
         titles.removeFirst();
-    }
-    if (titles.last().isEmpty()) {
+    if (titles.last().isEmpty())
         titles.removeLast();
-    }
     if (titles.contains(QString())) {
         throw wrongUsage(QStringLiteral("The place %1 has an empty title between two slashes. A "
                                         "slash that belongs to a title is written \\/.")

@@ -10,7 +10,7 @@ namespace {
 
 using Nodes = QVector<OrkaRoles>;
 
-constexpr std::chrono::milliseconds nextServer(100);
+constexpr std::chrono::milliseconds nextServer(50);
 
 QString titleOf(const OrkaRoles &node)
 {
@@ -23,9 +23,8 @@ Nodes withTitle(const Nodes &nodes, const QString &title)
     const QString wanted = title.normalized(QString::NormalizationForm_C);
     Nodes found;
     for (const OrkaRoles &node : nodes) {
-        if (titleOf(node).normalized(QString::NormalizationForm_C) == wanted) {
+        if (titleOf(node).normalized(QString::NormalizationForm_C) == wanted)
             found.append(node);
-        }
     }
     return found;
 }
@@ -34,9 +33,8 @@ Nodes containersOf(const Nodes &nodes)
 {
     Nodes containers;
     for (const OrkaRoles &node : nodes) {
-        if (node.type() == OrkaRolesType::Container) {
+        if (node.type() == OrkaRolesType::Container)
             containers.append(node);
-        }
     }
     return containers;
 }
@@ -49,9 +47,8 @@ Failure noSuchPlace(const QString &sentence)
 Failure ambiguous(const QString &title, const Nodes &nodes)
 {
     QStringList paths;
-    for (const OrkaRoles &node : nodes.mid(0, 5)) {
+    for (const OrkaRoles &node : nodes.mid(0, 5))
         paths.append(safeText(node.path().toEncoded()));
-    }
     return noSuchPlace(
         QStringLiteral("The title %1 is there %2 times. Name the one you mean by "
                        "its path:\n  %3")
@@ -73,9 +70,8 @@ PlaceResolver::PlaceResolver(Session &session)
 
 CMPath PlaceResolver::resolve(const Place &place, Kind wanted)
 {
-    if (!place.path.isEmpty()) {
+    if (!place.path.isEmpty())
         return resolvePath(place);
-    }
     if (place.titles.isEmpty()) {
         m_servers.settle();
         return m_session.root();
@@ -105,12 +101,10 @@ CMPath PlaceResolver::findServer(const QString &title)
     // Servers show up one after another: a second one of this name may be next.
     m_servers.standStill(nextServer);
     const Nodes found = withTitle(m_servers.servers(), title);
-    if (found.size() > 1) {
+    if (found.size() > 1)
         throw ambiguous(title, found);
-    }
-    if (!found.isEmpty()) {
+    if (!found.isEmpty())
         return found.first().path();
-    }
     if (m_servers.servers().isEmpty()) {
         throw noSuchPlace(QStringLiteral("No media server has shown up in %1, so there is no %2. "
                                          "Start one on this network, or give it more time with "
@@ -118,9 +112,8 @@ CMPath PlaceResolver::findServer(const QString &title)
                               .arg(seconds(m_session.options().wait), quoted(title)));
     }
     NearestTitles nearest(title);
-    for (const OrkaRoles &server : m_servers.servers()) {
+    for (const OrkaRoles &server : m_servers.servers())
         nearest.add(titleOf(server));
-    }
     throw noSuchPlace(QStringLiteral("There is no media server %1.%2 \"orka servers\" lists those "
                                      "that are there.")
                           .arg(quoted(title), nearest.question()));
@@ -134,17 +127,15 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
     const Nodes found = withTitle(candidates, title);
     if (found.isEmpty()) {
         NearestTitles nearest(title);
-        for (const OrkaRoles &node : candidates) {
+        for (const OrkaRoles &node : candidates)
             nearest.add(titleOf(node));
-        }
         throw noSuchPlace(
             QStringLiteral("There is no %1 %2 in %3.%4 \"orka ls\" lists what is "
                            "there.")
                 .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
                     quoted(title), safeText(parent.toEncoded()), nearest.question()));
     }
-    if (found.size() > 1) {
+    if (found.size() > 1)
         throw ambiguous(title, found);
-    }
     return found.first().path();
 }

@@ -46,9 +46,8 @@ int positionOf(const QString &url, const PlayListItems &items, int next)
 {
     for (int i = 0; i < items.size(); ++i) {
         const int position = (next + i) % items.size();
-        if (safeUrl(items.at(position).url()) == url) {
+        if (safeUrl(items.at(position).url()) == url)
             return position;
-        }
     }
     return -1;
 }
@@ -57,9 +56,8 @@ void tellTrack(const PlayListItems &items, int position)
 {
     const OrkaPlayListItem &item = items.at(position);
     const QString length = lengthText(item.durationSeconds() * 1000LL);
-    if (isatty(STDERR_FILENO) != 0) {
+    if (isatty(STDERR_FILENO) != 0)
         std::fputs("\r\033[K", stderr); // over the player's status line
-    }
     tell(QStringLiteral("Playing %1 of %2: %3%4")
              .arg(QString::number(position + 1), QString::number(items.size()),
                  safeText(itemName(item)),
@@ -85,9 +83,8 @@ int playItems(const PlayListItems &items, const QString &command, bool quietOutp
     ChildProcess player(ChildProcess::Foreground);
     player.setProcessChannelMode(QProcess::ForwardedChannels);
     player.setInputChannelMode(QProcess::ForwardedInputChannel);
-    if (quietOutput) {
+    if (quietOutput)
         player.sendOutputToStderr();
-    }
     MpvWatch watch;
     int last = -1;
     QObject::connect(&watch, &MpvWatch::playing, &watch, [&](const QString &url) {

@@ -12,9 +12,8 @@ QString onOneLine(const QString &text)
 {
     QString line = text;
     for (QChar &c : line) {
-        if (c.category() == QChar::Other_Control) {
+        if (c.category() == QChar::Other_Control)
             c = QLatin1Char(' ');
-        }
     }
     return line;
 }

@@ -61,9 +61,8 @@ bool isCutOff(const QString &path)
             && file.read(reinterpret_cast<char *>(&segment), sizeof(segment)) == sizeof(segment);
         const bool whole = read && segment.p_offset <= quint64(file.size())
             && segment.p_filesz <= quint64(file.size()) - segment.p_offset;
-        if (!whole) {
+        if (!whole)
             return true;
-        }
     }
     return false;
 }
@@ -102,9 +101,8 @@ std::unique_ptr<CMSyncWorker> loadWorker(const Options &options)
 
     QHash<QString, QVariant> configuration;
     configuration.insert(CMWorker::Prefix_(), options.prefix);
-    if (!options.serviceId.isNull()) {
+    if (!options.serviceId.isNull())
         configuration.insert(OrkaService_Id(), options.serviceId);
-    }
     const QByteArray name = file.completeBaseName().toUtf8();
     auto *worker = static_cast<CMSyncWorker *>(create(name.constData(), &configuration));
     if (worker == nullptr) {

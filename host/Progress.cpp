@@ -23,28 +23,24 @@ void Progress::startClock()
 Progress::Progress(const QString &doing)
     : m_doing(safeText(doing))
 {
-    if (m_doing.isEmpty() || isatty(STDERR_FILENO) == 0) {
+    if (m_doing.isEmpty() || isatty(STDERR_FILENO) == 0)
         return;
-    }
-    if (!programClock().isValid()) {
+    if (!programClock().isValid())
         startClock();
-    }
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { show(); });
     m_timer.start(500);
 }
 
 Progress::~Progress()
 {
-    if (m_shown) {
+    if (m_shown)
         std::fputs("\r\033[K", stderr);
-    }
 }
 
 void Progress::show()
 {
-    if (programClock().elapsed() < 1000) {
+    if (programClock().elapsed() < 1000)
         return;
-    }
     m_shown = true;
     const QString line = QStringLiteral("\r\033[K%1 … %2 s (Ctrl-C stops)")
                              .arg(m_doing)

@@ -11,9 +11,8 @@ namespace {
 int parsePosition(const QString &text)
 {
     for (const QChar c : text) {
-        if (c < QLatin1Char('0') || c > QLatin1Char('9')) {
+        if (c < QLatin1Char('0') || c > QLatin1Char('9'))
             return -1;
-        }
     }
     bool ok = false;
     const int value = text.toInt(&ok);

@@ -9,9 +9,8 @@ constexpr int pageSize = 500;
 /// Whether there may be more rows after `next`, the answer of `asked` rows having been `page`.
 bool mayGoOn(const Rows &page, int asked, int next)
 {
-    if (page.rows.isEmpty()) {
+    if (page.rows.isEmpty())
         return false;
-    }
     return page.rowsCount > 0 ? next < page.rowsCount : page.rows.size() == asked;
 }
 
@@ -26,9 +25,8 @@ Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const 
     rows.roles = answer.roles();
     const QVariantList list = answer.rows();
     rows.rows.reserve(list.size());
-    for (const QVariant &row : list) {
+    for (const QVariant &row : list)
         rows.rows.append(recordOf(roles, row.toList()));
-    }
     return rows;
 }
 

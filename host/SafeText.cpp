@@ -14,12 +14,10 @@ bool turnsDirection(uint c)
 /// What is shown in the place of `c`; `c` itself where it is harmless.
 uint shownAs(uint c)
 {
-    if (c < 0x20) {
+    if (c < 0x20)
         return 0x2400 + c; // the picture of the control character
-    }
-    if (c == 0x7f) {
+    if (c == 0x7f)
         return 0x2421;
-    }
     const bool lineSeparator = c == 0x2028 || c == 0x2029;
     const bool control = c >= 0x80 && c <= 0x9f;
     return control || lineSeparator || turnsDirection(c) ? 0xfffd : c;
@@ -49,9 +47,8 @@ int displayWidth(const QString &text)
 {
     int width = 0;
     const QVector<uint> characters = text.toUcs4();
-    for (const uint c : characters) {
+    for (const uint c : characters)
         width += utf8proc_charwidth(utf8proc_int32_t(c));
-    }
     return width;
 }
 

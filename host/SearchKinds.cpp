@@ -11,9 +11,8 @@ QStringList searchKinds(Session &session, const CMPath &path)
     QStringList kinds;
     const Rows rows = readRows(session, menu, {}, {OrkaRoles::Path()});
     for (const OrkaRoles &row : rows.rows) {
-        if (row.path().hasParam(key)) {
+        if (row.path().hasParam(key))
             kinds.append(row.path().param(key));
-        }
     }
     return kinds;
 }

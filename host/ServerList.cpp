@@ -87,12 +87,10 @@ void ServerList::settle()
 bool ServerList::waitForServersOf(const QVector<CMPath> &paths)
 {
     QStringList bases;
-    for (const CMPath &path : paths) {
+    for (const CMPath &path : paths)
         bases.append(serverBase(path));
-    }
-    if (bases.removeAll(QStringLiteral("/")) > 0) {
+    if (bases.removeAll(QStringLiteral("/")) > 0)
         settle();
-    }
     return waitFor([&](const Servers &servers) {
         return std::all_of(bases.begin(), bases.end(),
             [&](const QString &base) { return hasServer(servers, base); });

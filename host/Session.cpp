@@ -12,9 +12,8 @@ namespace {
 Failure errorAnswer(const CMError &error, const CMPath &path)
 {
     QString message = safeText(error.message().toString());
-    if (message.endsWith(QLatin1Char('.'))) {
+    if (message.endsWith(QLatin1Char('.')))
         message.chop(1);
-    }
     return Failure(error,
         QStringLiteral("%1 was answered with an error: %2. \"orka servers\" lists what is there; "
                        "\"orka doctor\" checks every part.")
@@ -65,12 +64,10 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     const bool inTime =
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
     m_mediaService->requireThere();
-    if (!inTime) {
+    if (!inTime)
         throw noAnswer(path, m_options.timeout);
-    }
-    if (reply.error().isError()) {
+    if (reply.error().isError())
         throw errorAnswer(reply.error(), path);
-    }
 }
 
 OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStringList &roles)
@@ -102,9 +99,8 @@ OrkaRoles recordOf(const QStringList &roles, const QVariantList &values)
 {
     OrkaRoles record;
     for (int i = 0; i < qMin(roles.size(), values.size()); ++i) {
-        if (values.at(i).isValid()) {
+        if (values.at(i).isValid())
             record.setValue(roles.at(i), values.at(i));
-        }
     }
     return record;
 }

@@ -22,11 +22,9 @@ void inTimeOnBus(
     std::thread(std::move(packaged)).detach();
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (done.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
-        if (Interrupt::received() != 0) {
+        if (Interrupt::received() != 0)
             throw InterruptedBySignal{Interrupt::received()};
-        }
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (std::chrono::steady_clock::now() > deadline)
             throw StuckBus(bus);
-        }
     }
 }

@@ -29,9 +29,8 @@ QString kindName(int type)
 
 QString kindOf(const OrkaRoles &node)
 {
-    if (!node.contains(OrkaRoles::Type())) {
+    if (!node.contains(OrkaRoles::Type()))
         return QString(); // it may be anything
-    }
     return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
         ? QStringLiteral("server")
         : kindName(node.type());
@@ -46,21 +45,16 @@ QString rowLength(const OrkaMediaData &media)
 /// A number that has a name or a unit, as people write it; anything else as text.
 QString valueText(const QString &key, const QVariant &value)
 {
-    if (key == OrkaRoles::Type()) {
+    if (key == OrkaRoles::Type())
         return kindName(value.toInt());
-    }
-    if (key == OrkaMetaData::Date()) {
+    if (key == OrkaMetaData::Date())
         return QDateTime::fromMSecsSinceEpoch(value.toLongLong()).toString(Qt::ISODate);
-    }
-    if (key == OrkaResource::Duration()) {
+    if (key == OrkaResource::Duration())
         return QStringLiteral("%1 ms").arg(value.toLongLong());
-    }
-    if (value.userType() == qMetaTypeId<CMPath>()) {
+    if (value.userType() == qMetaTypeId<CMPath>())
         return value.value<CMPath>().toEncoded();
-    }
-    if (value.userType() == qMetaTypeId<TrString>()) {
+    if (value.userType() == qMetaTypeId<TrString>())
         return value.value<TrString>().toString();
-    }
     return value.userType() == QMetaType::QString ? value.toString() : orkaToJson(value);
 }
 
@@ -104,14 +98,12 @@ void writeEntry(const QString &indent, const QString &key, const QVariant &value
     const QString head = indent + safeText(key) + QLatin1Char(':');
     if (!record.isEmpty()) {
         writeLine(head);
-        for (const QString &name : record.keys()) {
+        for (const QString &name : record.keys())
             writeEntry(indent + QStringLiteral("  "), name, record.value(name));
-        }
     } else if (isList(value)) {
         const QVariantList list = value.toList();
-        for (int i = 0; i < list.size(); ++i) {
+        for (int i = 0; i < list.size(); ++i)
             writeEntry(indent, QStringLiteral("%1 %2").arg(key).arg(i), list.at(i));
-        }
     } else {
         writeLine(head + QLatin1Char(' ') + safeText(valueText(key, value)));
     }
@@ -127,9 +119,8 @@ Table::Table(const QStringList &heading)
 void Table::add(const QStringList &cells)
 {
     QStringList line;
-    for (const QString &cell : cells) {
+    for (const QString &cell : cells)
         line.append(safeText(cell));
-    }
     m_lines.append(line);
 }
 
@@ -137,24 +128,21 @@ void Table::write() const
 {
     QVector<int> widths(m_lines.first().size(), 0);
     for (const QStringList &line : m_lines) {
-        for (int i = 0; i < line.size(); ++i) {
+        for (int i = 0; i < line.size(); ++i)
             widths[i] = qMax(widths[i], qMin(displayWidth(line.at(i)), widestColumn));
-        }
     }
     for (const QStringList &line : m_lines) {
         QString text;
-        for (int i = 0; i < line.size(); ++i) {
+        for (int i = 0; i < line.size(); ++i)
             text += padded(line.at(i), widths.at(i)) + QStringLiteral("  ");
-        }
         writeLine(QStringLiteral("  ") + text.trimmed());
     }
 }
 
 QString lengthText(long long milliseconds)
 {
-    if (milliseconds <= 0) {
+    if (milliseconds <= 0)
         return QString();
-    }
     const long long seconds = (milliseconds + 500) / 1000;
     const QLatin1Char zero('0');
     const QString tail = QStringLiteral(":%1").arg(seconds % 60, 2, 10, zero);
@@ -167,17 +155,15 @@ QString lengthText(long long milliseconds)
 
 void writeRows(const Rows &rows, int first, int step)
 {
-    if (!rows.rows.isEmpty()) {
+    if (!rows.rows.isEmpty())
         rowsTable(rows.rows, first, step).write();
-    }
     writeLine(whatPart(rows));
 }
 
 void writeRoles(const OrkaHash &roles)
 {
-    for (const QString &key : roles.keys()) {
+    for (const QString &key : roles.keys())
         writeEntry(QString(), key, roles.value(key));
-    }
 }
 
 void writeValue(const QVariant &value)
@@ -204,9 +190,8 @@ void writeQueue(const QVector<OrkaPlayListItem> &items)
         table.add({QString::number(i + 1), item.title(), item.artist(), item.album(),
             lengthText(length)});
     }
-    if (!items.isEmpty()) {
+    if (!items.isEmpty())
         table.write();
-    }
     writeLine(QStringLiteral("%1, %2 in all.")
                   .arg(items.size() == 1 ? QStringLiteral("1 track")
                                          : QStringLiteral("%1 tracks").arg(items.size()))

@@ -9,9 +9,8 @@ Wait::Wait(std::chrono::milliseconds limit, const QString &doing)
     : m_limit(limit)
     , m_doing(doing)
 {
-    if (Interrupt::instance() != nullptr) {
+    if (Interrupt::instance() != nullptr)
         connect(Interrupt::instance(), &Interrupt::requested, this, &Wait::wake);
-    }
 }
 
 bool Wait::until(const std::function<bool()> &done)
@@ -29,18 +28,14 @@ bool Wait::until(const std::function<bool()> &done)
 
     for (;;) {
         m_woken = false; // before done(), which may run the loop itself
-        if (done()) {
+        if (done())
             return true;
-        }
-        if (Interrupt::received() != 0) {
+        if (Interrupt::received() != 0)
             throw InterruptedBySignal{Interrupt::received()};
-        }
-        if (expired) {
+        if (expired)
             return false;
-        }
-        if (!m_woken) {
+        if (!m_woken)
             m_loop.exec();
-        }
     }
 }
 

@@ -11,9 +11,8 @@ QString withoutForbidden(const QString &text)
     QVector<uint> characters = text.toUcs4(); // half a pair becomes U+FFFD
     for (uint &c : characters) {
         const bool control = c < 0x20 && c != '\t' && c != '\n' && c != '\r';
-        if (control || c == 0xfffe || c == 0xffff) {
+        if (control || c == 0xfffe || c == 0xffff)
             c = 0xfffd;
-        }
     }
     return QString::fromUcs4(characters.constData(), characters.size());
 }
@@ -32,9 +31,8 @@ void writeCharacters(QXmlStreamWriter &xml, const QString &text)
 /// An element, left out where there is nothing to say.
 void writeElement(QXmlStreamWriter &xml, const QString &name, const QString &text)
 {
-    if (text.isEmpty()) {
+    if (text.isEmpty())
         return;
-    }
     xml.writeStartElement(name);
     writeCharacters(xml, text);
     xml.writeEndElement();
@@ -46,9 +44,8 @@ void writeTrack(QXmlStreamWriter &xml, const OrkaPlayListItem &item)
     writeElement(xml, QStringLiteral("location"), safeUrl(item.url()));
     writeElement(xml, QStringLiteral("title"), item.title());
     writeElement(xml, QStringLiteral("creator"), item.artist());
-    if (isPlayableUrl(item.artworkUrl())) {
+    if (isPlayableUrl(item.artworkUrl()))
         writeElement(xml, QStringLiteral("image"), safeUrl(item.artworkUrl()));
-    }
     writeElement(xml, QStringLiteral("album"), item.album());
     if (item.durationSeconds() > 0) {
         writeElement(
@@ -70,9 +67,8 @@ QByteArray toXspf(const PlayListItems &items)
     xml.writeDefaultNamespace(QStringLiteral("http://xspf.org/ns/0/"));
     xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1"));
     xml.writeStartElement(QStringLiteral("trackList"));
-    for (const OrkaPlayListItem &item : items) {
+    for (const OrkaPlayListItem &item : items)
         writeTrack(xml, item);
-    }
     xml.writeEndDocument();
     return buffer.data();
 }

@@ -40,9 +40,8 @@ QString unknownArgument(const CLI::App &app, const QString &text)
             .arg(QString::fromStdString(chosen.front()->get_name()), quoted(text));
     }
     NearestTitles nearest(text);
-    for (const CLI::App *command : app.get_subcommands(nullptr)) {
+    for (const CLI::App *command : app.get_subcommands(nullptr))
         nearest.add(QString::fromStdString(command->get_name()));
-    }
     return QStringLiteral("There is no command or option %1.%2 \"orka --help\" lists them.")
         .arg(quoted(text), nearest.question());
 }
@@ -73,9 +72,8 @@ int report(const Failure &failure, bool json)
     tell(failure.sentence());
     const bool isAnswer =
         failure.status() != WrongUsage && failure.error().name() != QLatin1String("output");
-    if (json && isAnswer) {
+    if (json && isAnswer)
         writeJson(errorDocument(failure.error()));
-    }
     return failure.status();
 }
 
@@ -98,9 +96,8 @@ int run(Command &command, const Options &options)
 void occupyStandardDescriptors()
 {
     int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
         descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    }
     close(descriptor);
 }
 
@@ -108,9 +105,8 @@ void occupyStandardDescriptors()
 std::vector<std::string> argumentsOf(int argc, char **argv)
 {
     std::vector<std::string> arguments;
-    for (int i = argc - 1; i > 0; --i) {
+    for (int i = argc - 1; i > 0; --i)
         arguments.push_back(protectBrackets(argv[i]));
-    }
     return arguments;
 }
 
@@ -139,9 +135,8 @@ int runProgram(int argc, char **argv)
         return reportParsing(app, error);
     }
     for (const CommandPointer &command : commands) {
-        if (command->isChosen()) {
+        if (command->isChosen())
             return run(*command, options);
-        }
     }
     return WrongUsage;
 }

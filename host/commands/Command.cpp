@@ -35,9 +35,8 @@ void Command::addPlaces(QStringList &target)
         .add_option_function<std::vector<std::string>>(
             "PLACE",
             [&target](const std::vector<std::string> &texts) {
-                for (const std::string &text : texts) {
+                for (const std::string &text : texts)
                     target.append(argument(text));
-                }
             },
             "Node paths (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music/Albums\")")
         ->type_name("")

@@ -131,9 +131,8 @@ void checkAddresses(Findings &findings)
 {
     const OrkaNetworkInfo info = NetworkPublisher::currentInfo();
     QStringList addresses;
-    for (const QVariantHash &address : info.wired().addresses() + info.wireless().addresses()) {
+    for (const QVariantHash &address : info.wired().addresses() + info.wireless().addresses())
         addresses.append(OrkaNetworkAddress(OrkaHash(address)).ip());
-    }
     findings.add(addresses.isEmpty() ? Findings::Warning : Findings::Ok, "addresses",
         addresses.isEmpty() ? QStringLiteral("this machine has none that others can reach.")
                             : addresses.join(QStringLiteral(", ")));
@@ -173,9 +172,8 @@ public:
         try {
             checkChain(findings, options);
         } catch (const Failure &failure) {
-            if (failure.status() == WrongUsage || failure.status() == NoAnswer) {
+            if (failure.status() == WrongUsage || failure.status() == NoAnswer)
                 throw;
-            }
             findings.add(Findings::Missing, partOf(failure), failure.sentence());
         }
         return findings.finish();

@@ -9,12 +9,10 @@ CMPath withKind(Session &session, const CMPath &path)
 {
     const QString itemType = QStringLiteral("itemType");
     CMPath result = path;
-    if (path.hasParam(itemType)) {
+    if (path.hasParam(itemType))
         return result;
-    }
-    if (path.base() == ServerList::serverBase(path)) {
+    if (path.base() == ServerList::serverBase(path))
         return result.addParam(itemType, QStringLiteral("server"));
-    }
     const QString kind = session.data(path, {OrkaRoles::Path()}).path().param(itemType);
     if (kind.isEmpty()) {
         throw Failure(AnsweredWithError, QStringLiteral("notPlayable"),

@@ -16,9 +16,8 @@ namespace {
 QVector<Place> parsePlaces(const QStringList &texts, const QString &prefix)
 {
     QVector<Place> places;
-    for (const QString &text : texts) {
+    for (const QString &text : texts)
         places.append(parsePlace(text, prefix));
-    }
     return places;
 }
 
@@ -27,18 +26,16 @@ PlayListItems prepareItems(Session &session, const QVector<Place> &places)
 {
     PlaceResolver resolver(session);
     QVariantList paths;
-    for (const Place &place : places) {
+    for (const Place &place : places)
         paths.append(withKind(session, resolver.resolve(place)).toEncoded());
-    }
     const QVariantList answer = session
                                     .set(session.path(OrkaPlayListPrepareItems()), paths,
                                         QStringLiteral("Collecting tracks"))
                                     .toList();
     PlayListItems items;
     items.reserve(answer.size());
-    for (const QVariant &item : answer) {
+    for (const QVariant &item : answer)
         items.append(OrkaPlayListItem(OrkaHash::fromVariant(item)));
-    }
     return items;
 }
 
@@ -107,9 +104,8 @@ public:
         const QVector<Place> places = parsePlaces(m_places, options.prefix);
         Session session(options);
         const PlayListItems all = prepareItems(session, places);
-        if (options.json) {
+        if (options.json)
             writeJson(queueDocument(all));
-        }
         const PlayListItems items = playableItems(all);
         if (items.isEmpty()) {
             tell(QStringLiteral("There is nothing to play there. \"orka ls\" shows what is."));

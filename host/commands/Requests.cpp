@@ -22,17 +22,15 @@ QStringList rolesOf(const QString &list)
 QVector<CMPath> pathsOf(const CMPath &path, const QVariant &value = QVariant())
 {
     QVector<CMPath> paths{path, CMPath::fromEncoded(path.param(QStringLiteral("path")))};
-    for (const QVariant &entry : value.toList()) {
+    for (const QVariant &entry : value.toList())
         paths.append(CMPath::fromEncoded(entry.toString()));
-    }
     QVector<CMPath> ofServers;
     for (const CMPath &candidate : qAsConst(paths)) {
         const bool inTree = candidate.base().isEmpty()
             ? !candidate.prefix().isEmpty()
             : candidate.base().startsWith(QLatin1Char('/'));
-        if (inTree && candidate.prefix() == path.prefix()) {
+        if (inTree && candidate.prefix() == path.prefix())
             ofServers.append(candidate);
-        }
     }
     return ofServers;
 }
@@ -40,9 +38,8 @@ QVector<CMPath> pathsOf(const CMPath &path, const QVariant &value = QVariant())
 /// The request goes out whatever has shown up.
 void waitForServers(Session &session, const QVector<CMPath> &paths)
 {
-    if (paths.isEmpty()) {
+    if (paths.isEmpty())
         return;
-    }
     try {
         ServerList(session).waitForServersOf(paths);
     } catch (const Failure &) {

@@ -72,9 +72,8 @@ private:
     {
         const QString kind = m_kinds.first();
         const QStringList kinds = searchKinds(session, place);
-        if (!kinds.contains(kind)) {
+        if (!kinds.contains(kind))
             throw notSearchable(place, kind, kinds);
-        }
         OrkaValue text;
         text.setString_(m_text);
         CMPath entry = place.withoutParams();

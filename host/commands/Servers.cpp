@@ -26,14 +26,12 @@ public:
     void tellChanges(const ServerList::Servers &now)
     {
         for (const OrkaRoles &server : m_known) {
-            if (!now.contains(server)) {
+            if (!now.contains(server))
                 write("departed", server);
-            }
         }
         for (const OrkaRoles &server : now) {
-            if (!m_known.contains(server)) {
+            if (!m_known.contains(server))
                 write("arrived", server);
-            }
         }
         m_known = now;
     }
@@ -111,9 +109,8 @@ private:
             &reader, &QSocketNotifier::activated, &reader, [&] { reader.setEnabled(false); });
         for (;;) {
             session.mediaService().requireThere();
-            if (!reader.isEnabled()) {
+            if (!reader.isEnabled())
                 writeLine(QString()); // ends us now, as the next event would
-            }
             arrivals.tellChanges(servers.servers());
             Wait change(std::chrono::hours(24));
             QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);

@@ -16,9 +16,8 @@ namespace {
 std::string fourBytes(std::size_t value, unsigned bits)
 {
     std::string bytes;
-    for (unsigned i = 4; i-- > 0;) {
+    for (unsigned i = 4; i-- > 0;)
         bytes += static_cast<char>((value >> (i * bits)) & ((1U << bits) - 1));
-    }
     return bytes;
 }
 
@@ -42,9 +41,8 @@ std::string track(int number, const std::string &album)
         + textFrame("TPE1", numbered("Artist %03d", (number - 1) / 100)) + textFrame("TALB", album)
         + textFrame("TRCK", numbered("%d", number));
     std::string file = std::string("ID3\x03\0\0", 6) + fourBytes(frames.size(), 7) + frames;
-    for (int frame = 0; frame < 40; ++frame) {
+    for (int frame = 0; frame < 40; ++frame)
         file += std::string("\xff\xfb\x10\xc4", 4) + std::string(100, '\0');
-    }
     return file;
 }
 

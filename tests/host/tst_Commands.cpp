@@ -67,9 +67,8 @@ namespace {
 QStringList titlesOf(const QJsonObject &document, const QString &list = "rows")
 {
     QStringList titles;
-    for (const QJsonValue row : document.value(list).toArray()) {
+    for (const QJsonValue row : document.value(list).toArray())
         titles.append(row.toObject().value("title").toString());
-    }
     return titles;
 }
 

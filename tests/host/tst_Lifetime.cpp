@@ -49,9 +49,8 @@ qint64 childOf(qint64 parent, const QByteArray &name)
     children.open(QIODevice::ReadOnly);
     for (const QByteArray &number : children.readAll().simplified().split(' ')) {
         QFile comm("/proc/" + QString::fromLatin1(number) + "/comm");
-        if (comm.open(QIODevice::ReadOnly) && comm.readAll().startsWith(name)) {
+        if (comm.open(QIODevice::ReadOnly) && comm.readAll().startsWith(name))
             return number.toLongLong();
-        }
     }
     return 0;
 }
@@ -82,9 +81,8 @@ void tst_Lifetime::bridgeAndBusEndWithTheProgram()
     QFETCH(int, signal);
     QFETCH(int, status);
     QStringList arguments{"--bridge", FAKE_BRIDGE, "servers"};
-    if (signal != 0) {
+    if (signal != 0)
         arguments << "--watch";
-    }
     OrkaRun orka(QString(), arguments, busless());
     QVERIFY(!orka.waitForLines(1).isEmpty());
     const qint64 self = orka.process().processId();

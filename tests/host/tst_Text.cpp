@@ -67,9 +67,8 @@ QString elements(const QByteArray &xspf, const QString &name)
     QStringList texts;
     QXmlStreamReader xml(xspf);
     while (!xml.atEnd()) {
-        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == name) {
+        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == name)
             texts.append(xml.readElementText());
-        }
     }
     return xml.hasError() ? xml.errorString() : texts.join('|');
 }
@@ -130,9 +129,8 @@ void tst_Text::jsonBecomesValues()
 void tst_Text::nearestTitlesComeBestFirst()
 {
     NearestTitles nearest(QStringLiteral("Musik"));
-    for (const char *title : {"Pictures", "Music", "All Musik", "musik", "Video", "musik"}) {
+    for (const char *title : {"Pictures", "Music", "All Musik", "musik", "Video", "musik"})
         nearest.add(QString::fromLatin1(title));
-    }
     QCOMPARE(nearest.titles(), (QStringList{"musik", "All Musik", "Music"}));
     QVERIFY(NearestTitles(QStringLiteral("x")).question().isEmpty());
     check(titleInPlace,

@@ -81,9 +81,8 @@ void tst_UPnPServerList::rowsAppearInTheOrderServersAnswer()
     const QString c = w.tree.addServer("uuid:c", "C");
     w.service.hold({"Get"});
     w.start();
-    for (const QString &server : {c, w.server, b}) {
+    for (const QString &server : {c, w.server, b})
         w.release({"Get", server});
-    }
     QCOMPARE(w.titles(), "C One B");
 }
 

@@ -89,9 +89,8 @@ Nodes ShelfWorker::children(const QString &base) const
             track("/shelf/hostile", hostileTitle), node("/shelf/cjk", "漢字"),
             track("/shelf/bigtrack", "Big")};
     }
-    if (base == "/shelf/slash") {
+    if (base == "/shelf/slash")
         return {track("/shelf/backslash", "back\\slash"), track("/shelf/composed", "Caf\u00e9")};
-    }
     Nodes tracks;
     for (int i = 0; base == "/shelf/big" && i < 1200; ++i) {
         const int number = i == 1003 ? 3 : i; // a title that is there twice
@@ -103,9 +102,8 @@ Nodes ShelfWorker::children(const QString &base) const
 Nodes ShelfWorker::rowsOf(const CMPath &path) const
 {
     const QString search = path.param("search");
-    if (search.isNull()) {
+    if (search.isNull())
         return children(path.base());
-    }
     OrkaRoles row;
     row.setPath(path.withoutParams().addParam("search", "title"));
     row.setTitle(search == "menu" ? "Title" : path.param("query"));
@@ -115,9 +113,8 @@ Nodes ShelfWorker::rowsOf(const CMPath &path) const
 
 void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
 {
-    if (nodes()->getRowsRequest(request)) {
+    if (nodes()->getRowsRequest(request))
         return;
-    }
     if (request.path().base() == "/shelf/silent") {
         m_unanswered = request.reply();
         return;
@@ -129,9 +126,8 @@ void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
     }
     const Nodes all = rowsOf(request.path());
     QVariantList rows;
-    for (int i = request.firstRow(); i <= request.lastRow() && i < all.size(); ++i) {
+    for (int i = request.firstRow(); i <= request.lastRow() && i < all.size(); ++i)
         rows.append(QVariant(CMGlobal::itemRolesToList(request.roles(), all.at(i))));
-    }
     OrkaRowsRoles answer;
     answer.setRows(rows);
     answer.setRowsCount(all.size());
@@ -141,9 +137,8 @@ void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
 
 void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
 {
-    if (nodes()->getDataRequest(request)) {
+    if (nodes()->getDataRequest(request))
         return;
-    }
     const QString base = request.path().base();
     const Nodes all = children("/shelf") + children("/shelf/slash");
     const auto found = std::find_if(all.begin(), all.end(),
@@ -159,12 +154,10 @@ void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
 QVariant ShelfWorker::prepare(const QVariantList &paths)
 {
     QVector<QPair<QString, QString>> titlesAndUrls;
-    for (const QVariant &path : paths) {
+    for (const QVariant &path : paths)
         titlesAndUrls.append({path.toString(), "http://192.0.2.1/1.mp3"});
-    }
-    for (const char *url : {"file:///etc/passwd", "--script=evil", "http://192.0.2.1/a b\n.mp3"}) {
+    for (const char *url : {"file:///etc/passwd", "--script=evil", "http://192.0.2.1/a b\n.mp3"})
         titlesAndUrls.append({hostileTitle, url});
-    }
     QVariantList items;
     for (const auto &[title, url] : qAsConst(titlesAndUrls)) {
         OrkaPlayListItem item;

@@ -13,9 +13,8 @@ int main(int argc, char **argv)
     }
     QDBusConnection bus = QDBusConnection::connectToBus(
         QCoreApplication::arguments().value(2), QStringLiteral("bridge"));
-    if (!bus.registerService(QStringLiteral("com.intel.dleyna-server"))) {
+    if (!bus.registerService(QStringLiteral("com.intel.dleyna-server")))
         return 3;
-    }
     QTimer::singleShot(60000, [] { QCoreApplication::exit(1); }); // never left behind
     return QCoreApplication::exec();
 }
