@@ -85,6 +85,20 @@ void measureTurns(PluginClient &plugin)
     figures::report("longest turn worst ms", *std::max_element(longest.begin(), longest.end()));
 }
 
+/// In a walk over a folder with nothing but sub-containers, as many as are read of one.
+void measureWalk(PluginClient &plugin)
+{
+    const CMReply<QVariant> reply;
+    plugin.worker().setDataRequest({CMPath(plugin.path({}).prefix(), OrkaPlayListPrepareItems()),
+        QVariantList{plugin.path(QStringLiteral("wide%1").arg(bigListing)).toEncoded()}, reply});
+    figures::report(
+        "longest turn of a walk ms", turnUntil([&reply] { return reply.isFinished(); }) * 1e3);
+    const double start = figures::threadTime();
+    while (QEventLoop().processEvents()) {
+    }
+    figures::report("end of a walk ms", (figures::threadTime() - start) * 1e3);
+}
+
 void countMessages(PluginClient &plugin)
 {
     ServiceCounters::read();
@@ -103,6 +117,7 @@ int main(int argc, char **argv)
     orkaOpenDBusConnection(bus.address());
     measureStarts();
     PluginClient plugin(bus.address());
+    measureWalk(plugin);
     measureTurns(plugin);
     countMessages(plugin);
 }

@@ -128,8 +128,11 @@ Message FastService::answerList(DBusMessage *call)
             call, nullptr, DBUS_TYPE_UINT32, &offset, DBUS_TYPE_UINT32, &max, DBUS_TYPE_INVALID))
         return wrongArguments(call);
     const ObjectPath path(dbus_message_get_path(call));
-    return path.kind == ObjectPath::Deep ? m_replies.chainLink(path)
-                                         : m_replies.children(windowSize(path.number, offset, max));
+    if (path.kind == ObjectPath::Deep)
+        return m_replies.chainLink(path);
+    if (path.kind == ObjectPath::Wide)
+        return m_replies.containers(path);
+    return m_replies.children(windowSize(path.number, offset, max));
 }
 
 Message FastService::answerSearch(DBusMessage *call)
@@ -141,9 +144,9 @@ Message FastService::answerSearch(DBusMessage *call)
             DBUS_TYPE_UINT32, &max, DBUS_TYPE_INVALID))
         return wrongArguments(call);
     const ObjectPath path(dbus_message_get_path(call));
-    if (path.kind == ObjectPath::Deep)
+    if (path.kind != ObjectPath::Rows)
         return Message(dbus_message_new_error(
-            call, "com.intel.dleyna.OperationFailed", "Chains are walked, not searched."));
+            call, "com.intel.dleyna.OperationFailed", "This is walked, not searched."));
     return m_replies.found(windowSize(path.number, offset, max));
 }
 

@@ -37,6 +37,8 @@ ObjectPath::ObjectPath(const std::string &path)
     std::string text = fromHex(path.substr(slash + 1));
     if (takePrefix(&text, "deep"))
         kind = Deep;
+    else if (takePrefix(&text, "wide"))
+        kind = Wide;
     else if (!takePrefix(&text, "rows"))
         return;
     number = unsigned(std::strtoul(text.c_str(), nullptr, 10));

@@ -4,10 +4,11 @@
 
 /// What an object path of the fast service asks for. Paths below a server are the hex digits of a
 /// text: "rows1000" is a container of 1,000 tracks, "deep30" one at the top of a chain of 30
-/// containers, each with one track. A server itself is a container of 1,000, everything else of 20.
+/// containers, each with one track, "wide1000" one of 1,000 containers, each with one track. A
+/// server itself is a container of 1,000, everything else of 20.
 struct ObjectPath
 {
-    enum Kind { Rows, Deep };
+    enum Kind { Rows, Deep, Wide };
 
     explicit ObjectPath(const std::string &path);
     /// The path of the object `text` below the same server.

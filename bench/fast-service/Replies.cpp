@@ -61,6 +61,14 @@ Message Replies::chainLink(const ObjectPath &path)
     });
 }
 
+Message Replies::containers(const ObjectPath &path)
+{
+    return listReply([&path](DBusMessageIter *list) {
+        for (unsigned i = 0; i < path.number; ++i)
+            rows::appendContainer(list, path.sibling("deep1 " + std::to_string(i)).c_str());
+    });
+}
+
 Message Replies::found(unsigned count)
 {
     Message reply = children(count);

@@ -14,6 +14,8 @@ public:
     Message children(unsigned count);
     /// ListChildren of a container in a chain: one track and, but at the end, the next container.
     Message chainLink(const ObjectPath &path);
+    /// ListChildren of a container of containers.
+    Message containers(const ObjectPath &path);
     /// SearchObjectsEx with `count` tracks found.
     Message found(unsigned count);
     /// GetAll of a track.

@@ -35,12 +35,11 @@ bool ContainerWalk::step()
         visit(object);
         return true;
     }
-    if (!m_subContainers.isEmpty()) {
-        // The barrier tells when these have come, and the next round goes on from there.
-        listSubContainers();
-        return false;
-    }
-    return takeCall();
+    if (m_subContainers.isEmpty())
+        return takeCall();
+    listSubContainer();
+    // When all have come, the barrier tells, and the next round goes on from there.
+    return !m_subContainers.isEmpty();
 }
 
 bool ContainerWalk::takeCall()
@@ -86,7 +85,7 @@ void ContainerWalk::visit(const ObjectProperties &object)
         const QString name =
             m_callName + QStringLiteral("%1").arg(m_position, 5, 10, QLatin1Char('_'));
         LOG4CPLUS_DEBUG(upnpLog(), "browse container: " << name);
-        m_subContainers.append({name, path});
+        m_subContainers.enqueue({name, path});
         return;
     }
     const OrkaPlayListItem item = m_worker->fillin_playlistItem(object, &m_context);
@@ -95,14 +94,15 @@ void ContainerWalk::visit(const ObjectProperties &object)
         m_barrier->results.append(item.toVariant());
 }
 
-void ContainerWalk::listSubContainers()
+void ContainerWalk::listSubContainer()
 {
-    for (const SubContainer &container : qAsConst(m_subContainers)) {
-        const OrgGnomeUPnPMediaContainer2Interface proxy(
-            dleyna::service(), container.path.path(), orkaDBusConnection());
-        m_barrier->addCall(container.callName,
-            proxy.ListChildren(0, walk::maxChildren, m_worker->propertyFilter()));
-    }
+    const SubContainer container = m_subContainers.dequeue();
+    // What comes before the last one has been sent is no end of the round.
+    m_barrier->blockSignals(!m_subContainers.isEmpty());
+    const OrgGnomeUPnPMediaContainer2Interface proxy(
+        dleyna::service(), container.path.path(), orkaDBusConnection());
+    m_barrier->addCall(
+        container.callName, proxy.ListChildren(0, walk::maxChildren, m_worker->propertyFilter()));
 }
 
 void ContainerWalk::answer()

@@ -5,7 +5,7 @@
 #include "SlicedWork.h"
 
 #include <QDBusObjectPath>
-#include <QVector>
+#include <QQueue>
 
 class CMUPnPWorker;
 class DBusBarrier;
@@ -41,7 +41,7 @@ private:
     bool takeCall();
     void readCall(QDBusPendingCallWatcher *call);
     void visit(const ObjectProperties &object);
-    void listSubContainers();
+    void listSubContainer();
     void answer();
 
     CMUPnPWorker *m_worker;
@@ -50,6 +50,6 @@ private:
     /// Of the object in its listing, from 1.
     int m_position = 0;
     PropertyMapReader m_objects;
-    QVector<SubContainer> m_subContainers;
+    QQueue<SubContainer> m_subContainers;
     ReplyContext m_context;
 };

@@ -1,5 +1,6 @@
 #include "NetworkInfo.h"
 #include "PluginFixture.h"
+#include "SlicedWork.h"
 #include "Table.h"
 
 /// Everything below a container of a server that can't search.
@@ -16,6 +17,7 @@ private slots:
     void goesOnWithoutWhatCannotBeRead_data();
     void goesOnWithoutWhatCannotBeRead();
     void takesWhateverIsNoContainerAndHasAUrl();
+    void listsMoreSubContainersThanFitIntoATurn();
     void goesAThousandContainersDeep();
     void releasesRepliesAsItGoes();
     void goesOnWhenTheAnswersComeOutOfOrder();
@@ -193,6 +195,19 @@ void tst_Walk::takesWhateverIsNoContainerAndHasAUrl()
     const QVariantMap p{{"DisplayName", "p"}, {"URLs", url}}, q{{"DisplayName", "q"}};
     w.service.answer({"ListChildren"}, QVariantList{propertyMaps({p, q})});
     QCOMPARE(w.walked(), "p");
+}
+
+void tst_Walk::listsMoreSubContainersThanFitIntoATurn()
+{
+    World w;
+    const int containers = 3 * SlicedWork::stepsPerTurn;
+    for (int i = 0; i < containers; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        w.add(w.nest(w.folder, "c" + number), "t" + number);
+    }
+    w.start();
+    QCOMPARE(w.walk().value().toList().size(), containers);
+    QCOMPARE(w.log.count("DEBUG CB_UPnP: browse finished"), 1);
 }
 
 void tst_Walk::goesAThousandContainersDeep()
