@@ -98,11 +98,13 @@ void ContainerWalk::listSubContainer()
 {
     const SubContainer container = m_subContainers.dequeue();
     // What comes before the last one has been sent is no end of the round.
-    m_barrier->blockSignals(!m_subContainers.isEmpty());
+    m_barrier->hold();
     const OrgGnomeUPnPMediaContainer2Interface proxy(
         dleyna::service(), container.path.path(), orkaDBusConnection());
     m_barrier->addCall(
         container.callName, proxy.ListChildren(0, walk::maxChildren, m_worker->propertyFilter()));
+    if (m_subContainers.isEmpty())
+        m_barrier->proceed();
 }
 
 void ContainerWalk::answer()
@@ -110,5 +112,5 @@ void ContainerWalk::answer()
     LOG4CPLUS_DEBUG(upnpLog(), "browse finished");
     const auto request = m_barrier->takeUserData<CMSetDataRequest>();
     request->reply().setValue(m_barrier->results);
-    m_barrier->deleteLater();
+    m_barrier->deleteInSlices();
 }

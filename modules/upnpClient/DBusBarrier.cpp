@@ -1,5 +1,6 @@
 #include "DBusBarrier.h"
 
+#include "SlicedWork.h"
 #include "sdk.h"
 
 #include <QDBusError>
@@ -30,7 +31,14 @@ void DBusBarrier::callFinished(QDBusPendingCallWatcher *watcher)
 {
     ORKA_ASSERT(m_pending.contains(watcher));
     m_pending.remove(watcher);
-    if (m_pending.isEmpty())
+    if (m_pending.isEmpty() && !m_isHeld)
+        emit finished(this, m_userData);
+}
+
+void DBusBarrier::proceed()
+{
+    m_isHeld = false;
+    if (m_pending.isEmpty() && !m_calls.isEmpty())
         emit finished(this, m_userData);
 }
 
@@ -58,4 +66,19 @@ void DBusBarrier::release(QDBusPendingCall &call)
     static const QDBusPendingCall read =
         QDBusPendingCall::fromError(QDBusError(QDBusError::Other, QStringLiteral("already read")));
     call = read;
+}
+
+void DBusBarrier::deleteInSlices()
+{
+    // Not at once: one of the watchers may be telling right now.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            const auto watchers =
+                findChildren<QDBusPendingCallWatcher *>(QString(), Qt::FindDirectChildrenOnly);
+            loopInSlices(
+                this, watchers.size(), [watchers](int i) { delete watchers[i]; },
+                [this] { deleteLater(); });
+        },
+        Qt::QueuedConnection);
 }

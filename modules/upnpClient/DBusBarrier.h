@@ -35,6 +35,10 @@ public:
     template<typename T>
     std::unique_ptr<T> takeUserData();
 
+    /// Between the two nothing is told, so that calls can be added in several turns of the event
+    /// loop. If all have finished meanwhile, `proceed()` tells.
+    void hold() { m_isHeld = true; }
+    void proceed();
     /// A name that is already there names the new call from now on; the barrier waits for both.
     void addCall(const QString &name, const QDBusPendingCall &call);
     bool containsCall(const QString &name) const { return m_calls.contains(name); }
@@ -49,6 +53,9 @@ public:
     /// Frees a reply that has been read: a connection whose unreleased replies pile up stops
     /// receiving, and watchers live as long as their barrier.
     static void release(QDBusPendingCall &call);
+
+    /// Like `deleteLater()`, but in slices, for a barrier of any number of calls.
+    void deleteInSlices();
 
     // State of a flow that lives as long as its calls; the barrier itself never touches it.
     QSet<QString> visited;
@@ -65,6 +72,7 @@ private:
 
     QMap<QString, QDBusPendingCallWatcher *> m_calls;
     QSet<QDBusPendingCallWatcher *> m_pending;
+    bool m_isHeld = false;
     void *m_userData;
     Dispose m_dispose = nullptr;
 };

@@ -96,7 +96,7 @@ void PreparedItems::append(const ObjectProperties &object)
 
 void PreparedItems::answer()
 {
-    m_barrier->deleteLater();
+    m_barrier->deleteInSlices();
     if (m_searchFailed && m_items.isEmpty()) {
         LOG4CPLUS_INFO(upnpLog(), "Search is not supported by the server - try browsing items");
         m_worker->browsePlaylistItems(*m_request);

@@ -1,5 +1,38 @@
 #include "SlicedWork.h"
 
+namespace {
+
+class SlicedLoop : public SlicedWork
+{
+public:
+    SlicedLoop(
+        QObject *parent, int count, std::function<void(int)> body, std::function<void()> done)
+        : SlicedWork(parent)
+        , m_count(count)
+        , m_body(std::move(body))
+        , m_done(std::move(done))
+    {
+    }
+
+private:
+    bool step() override
+    {
+        if (m_next == m_count) {
+            m_done();
+            return false;
+        }
+        m_body(m_next++);
+        return true;
+    }
+
+    int m_next = 0;
+    int m_count;
+    std::function<void(int)> m_body;
+    std::function<void()> m_done;
+};
+
+} // namespace
+
 void SlicedWork::runSlice()
 {
     for (int done = 0; done < stepsPerTurn; ++done) {
@@ -10,4 +43,10 @@ void SlicedWork::runSlice()
     }
     QMetaObject::invokeMethod(
         this, [this] { runSlice(); }, Qt::QueuedConnection);
+}
+
+void loopInSlices(
+    QObject *parent, int count, std::function<void(int)> body, std::function<void()> done)
+{
+    (new SlicedLoop(parent, count, std::move(body), std::move(done)))->start();
 }

@@ -2,6 +2,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 /// Work on a long reply, cut into turns of the event loop, so that nothing else waits for it
 /// longer than a few milliseconds. Short work is done within `start()`. Deletes itself at its end;
 /// destroyed earlier, with its parent, it just stops.
@@ -25,3 +27,7 @@ protected:
 private:
     void runSlice();
 };
+
+/// Calls `body` with 0 to `count` - 1, then `done`, in slices. Ends with `parent`.
+void loopInSlices(
+    QObject *parent, int count, std::function<void(int)> body, std::function<void()> done);

@@ -108,6 +108,10 @@ private:
 
     // cb_upnp_playlist.cpp
     DBusBarrier *createPlaylistBarrier(const CMSetDataRequest &request);
+    void prepareTrack(const CMPath &path, int number, DBusBarrier *barrier);
+    void prepareSearch(const CMPath &path, int number, DBusBarrier *barrier);
+    static void refuseItem(const CMPath &path, const CMSetDataRequest &request);
+    void browseItem(const CMPath &path, DBusBarrier *barrier);
 
     QString m_serviceId;
     QStringList m_propertyFilter;

@@ -87,32 +87,49 @@ void CMUPnPWorker::preparePlaylistItems(const QList<CMPath> &paths, CMSetDataReq
     DBusBarrier *barrier = createPlaylistBarrier(request);
     connect(barrier, &DBusBarrier::finished, this, &CMUPnPWorker::on_preparePlaylistItems_finished);
 
-    int track = 1;
-    int search = 1;
-    for (const CMPath &path : paths) {
-        const ItemKind kind = itemKind(path);
-        if (kind == ItemKind::Unknown) {
-            LOG4CPLUS_ERROR(upnpLog(), "Unknown item type for adding to Playlist " << path);
-            request.setError(CMError(ORKA_TR("Unknown UPnP item type")));
-            continue;
-        }
-        const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
-        if (kind == ItemKind::Track) {
-            LOG4CPLUS_TRACE(upnpLog(), "Preparing direct item: " << path);
-            barrier->addCall(
-                preparation::directItemCall(track), getAll(object, dleyna::mediaItemInterface()));
-            barrier->addCall(preparation::directObjectCall(track),
-                getAll(object, dleyna::mediaObjectInterface()));
-            ++track;
-        } else {
-            LOG4CPLUS_TRACE(upnpLog(), "Preparing search item: " << path);
-            const OrgGnomeUPnPMediaContainer2Interface container(
-                dleyna::service(), object, orkaDBusConnection());
-            barrier->addCall(preparation::searchCall(search),
-                container.SearchObjectsEx(audioCriteria, 0, maxFound, m_propertyFilter, QString()));
-            ++search;
-        }
-    }
+    barrier->hold();
+    loopInSlices(
+        this, paths.size(),
+        [this, paths, request, barrier, track = 1, search = 1](int i) mutable {
+            switch (itemKind(paths[i])) {
+            case ItemKind::Track:
+                prepareTrack(paths[i], track++, barrier);
+                break;
+            case ItemKind::Container:
+                prepareSearch(paths[i], search++, barrier);
+                break;
+            case ItemKind::Unknown:
+                refuseItem(paths[i], request);
+                break;
+            }
+        },
+        [barrier] { barrier->proceed(); });
+}
+
+void CMUPnPWorker::prepareTrack(const CMPath &path, int number, DBusBarrier *barrier)
+{
+    LOG4CPLUS_TRACE(upnpLog(), "Preparing direct item: " << path);
+    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
+    barrier->addCall(
+        preparation::directItemCall(number), getAll(object, dleyna::mediaItemInterface()));
+    barrier->addCall(
+        preparation::directObjectCall(number), getAll(object, dleyna::mediaObjectInterface()));
+}
+
+void CMUPnPWorker::prepareSearch(const CMPath &path, int number, DBusBarrier *barrier)
+{
+    LOG4CPLUS_TRACE(upnpLog(), "Preparing search item: " << path);
+    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
+    const OrgGnomeUPnPMediaContainer2Interface container(
+        dleyna::service(), object, orkaDBusConnection());
+    barrier->addCall(preparation::searchCall(number),
+        container.SearchObjectsEx(audioCriteria, 0, maxFound, m_propertyFilter, QString()));
+}
+
+void CMUPnPWorker::refuseItem(const CMPath &path, const CMSetDataRequest &request)
+{
+    LOG4CPLUS_ERROR(upnpLog(), "Unknown item type for adding to Playlist " << path);
+    request.setError(CMError(ORKA_TR("Unknown UPnP item type")));
 }
 
 void CMUPnPWorker::on_preparePlaylistItems_finished(DBusBarrier *barrier, void *)
@@ -130,22 +147,29 @@ void CMUPnPWorker::browsePlaylistItems(CMSetDataRequest request)
             SLOT(on_browsePlaylistItems_finished(DBusBarrier*,void*)), Qt::AutoConnection);
 
     const QVariantList encodedPaths = request.value().toList();
-    for (const QVariant &encoded : encodedPaths) {
-        const CMPath path = CMPath::fromEncoded(encoded.toString());
-        const ItemKind kind = itemKind(path);
-        if (kind == ItemKind::Unknown)
-            continue;
-        const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
-        if (kind == ItemKind::Track) {
-            barrier->addCall(walk::trackCall(), getAll(object, QString()));
-        } else {
-            // All containers share one name, so that of several the last is walked.
-            const OrgGnomeUPnPMediaContainer2Interface container(
-                dleyna::service(), object, orkaDBusConnection());
-            barrier->addCall(walk::containerCall(),
-                container.ListChildren(0, walk::maxChildren, m_propertyFilter));
-        }
+    barrier->hold();
+    loopInSlices(
+        this, encodedPaths.size(),
+        [this, encodedPaths, barrier](
+            int i) { browseItem(CMPath::fromEncoded(encodedPaths[i].toString()), barrier); },
+        [barrier] { barrier->proceed(); });
+}
+
+void CMUPnPWorker::browseItem(const CMPath &path, DBusBarrier *barrier)
+{
+    const ItemKind kind = itemKind(path);
+    if (kind == ItemKind::Unknown)
+        return;
+    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
+    if (kind == ItemKind::Track) {
+        barrier->addCall(walk::trackCall(), getAll(object, QString()));
+        return;
     }
+    // All containers share one name, so that of several the last is walked.
+    const OrgGnomeUPnPMediaContainer2Interface container(
+        dleyna::service(), object, orkaDBusConnection());
+    barrier->addCall(
+        walk::containerCall(), container.ListChildren(0, walk::maxChildren, m_propertyFilter));
 }
 
 void CMUPnPWorker::on_browsePlaylistItems_finished(DBusBarrier *barrier, void *)

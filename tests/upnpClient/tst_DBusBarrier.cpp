@@ -15,6 +15,7 @@ private slots:
     void finishesOnceAfterItsLastCall_data();
     void finishesOnceAfterItsLastCall();
     void neverFinishesWithoutCallsOrInsideAddCall();
+    void tellsNothingWhileItIsHeld();
     void aRepeatedNameWaitsForBothAndNamesTheNewer();
     void handsOutFinishedCallsInTheOrderOfTheirNames();
     void takesKeptUserDataWithItUnlessItWasTaken();
@@ -97,6 +98,26 @@ void tst_DBusBarrier::neverFinishesWithoutCallsOrInsideAddCall()
     QCOMPARE(w.finished.count(), 0);
     QVERIFY(!w.barrier->isFinished());
     w.service.settle();
+    QCOMPARE(w.finished.count(), 1);
+}
+
+void tst_DBusBarrier::tellsNothingWhileItIsHeld()
+{
+    World w;
+    w.barrier->hold();
+    w.barrier->proceed();
+    QCOMPARE(w.finished.count(), 0); // nothing to tell of
+    w.barrier->hold();
+    w.add({"UDN"});
+    w.release("UDN");
+    w.add({"FriendlyName"});
+    QCOMPARE(w.finished.count(), 0);
+    w.barrier->proceed();
+    QCOMPARE(w.finished.count(), 0); // one is still pending
+    w.barrier->hold();
+    w.release("FriendlyName");
+    QCOMPARE(w.finished.count(), 0);
+    w.barrier->proceed();
     QCOMPARE(w.finished.count(), 1);
 }
 
