@@ -4,7 +4,7 @@
 
 #include <functional>
 
-/// Work on a long reply, cut into turns of the event loop, so that nothing else waits for it
+/// Work on a long reply or request, cut into turns of the event loop, so that nothing else waits for it
 /// longer than a few milliseconds. Short work is done within `start()`. Deletes itself at its end;
 /// destroyed earlier, with its parent, it just stops.
 class SlicedWork : public QObject
