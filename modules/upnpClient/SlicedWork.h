@@ -4,9 +4,9 @@
 
 #include <functional>
 
-/// Work on a long reply or request, cut into turns of the event loop, so that nothing else waits for it
-/// longer than a few milliseconds. Short work is done within `start()`. Deletes itself at its end;
-/// destroyed earlier, with its parent, it just stops.
+/// Work on a long reply or request, cut into turns of the event loop, so that nothing else waits
+/// for it longer than a few milliseconds. Short work is done within `start()`. Deletes itself at
+/// its end; destroyed earlier, with its parent, it just stops.
 class SlicedWork : public QObject
 {
 public:
