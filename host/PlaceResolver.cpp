@@ -10,7 +10,7 @@ namespace {
 
 using Nodes = QVector<OrkaRoles>;
 
-constexpr std::chrono::milliseconds nextServer(50);
+constexpr std::chrono::milliseconds nextServer(20);
 
 QString titleOf(const OrkaRoles &node)
 {

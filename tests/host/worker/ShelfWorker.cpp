@@ -29,7 +29,7 @@ public:
         m_root->rowsAppend(node("/shelf", "Shelf", "server"));
         m_root->rowsAppend(node("/twin1", "Twin", "server"));
         QTimer::singleShot(
-            30, this, [this] { m_root->rowsAppend(node("/twin2", "Twin", "server")); });
+            5, this, [this] { m_root->rowsAppend(node("/twin2", "Twin", "server")); });
         QTimer::singleShot(
             300, this, [this] { m_root->rowsAppend(node("/late", "Late", "server")); });
         QTimer::singleShot(
