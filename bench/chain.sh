@@ -2,8 +2,8 @@
 # chain.sh PROGRAMS [TRACKS]: measures the whole chain on a MiniDLNA with a folder of so many tracks (1,000); run by
 # enter-world.sh in a world of its own.
 set -euo pipefail
-# shellcheck source=tests/e2e/world.sh
-. "$WORLD_ROOT/tests/e2e/world.sh"
+# shellcheck source=world/world.sh
+. "$WORLD_ROOT/world/world.sh"
 
 world_lan
 world_host nas 2

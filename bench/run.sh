@@ -26,7 +26,7 @@ work_figures() {
 # Where no network may be made for the media server, the chain is left out and the table says so.
 chain_figures() {
     WORLD_REFUSED_STATUS=0 ORKA_BUILD=$(dirname "$programs") \
-        "$here/../tests/e2e/enter-world.sh" "$here/chain.sh" "$programs"
+        "$here/../world/enter-world.sh" "$here/chain.sh" "$programs"
 }
 
 print_table() {

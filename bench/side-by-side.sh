@@ -15,7 +15,7 @@ pids=()
 trap cleanup EXIT
 
 export DBUS_SESSION_BUS_ADDRESS=unix:path=$folder/bus
-dbus-daemon --config-file="$here/../host/private-bus.conf" --nofork --nopidfile --address="$DBUS_SESSION_BUS_ADDRESS" \
+dbus-daemon --config-file="$here/../host/chain/private-bus.conf" --nofork --nopidfile --address="$DBUS_SESSION_BUS_ADDRESS" \
     2>/dev/null &
 pids+=($!)
 until [ -S "$folder/bus" ]; do sleep 0.05; done

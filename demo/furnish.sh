@@ -2,10 +2,10 @@
 # The demo's world: one media server with a small library, a message bus and the media service on it.
 # Sourced by tour.sh and prompt.sh, which enter-world.sh runs.
 
-# shellcheck source=tests/e2e/world.sh
-. "$WORLD_ROOT/tests/e2e/world.sh"
-# shellcheck source=tests/e2e/library.sh
-. "$WORLD_ROOT/tests/e2e/library.sh"
+# shellcheck source=world/world.sh
+. "$WORLD_ROOT/world/world.sh"
+# shellcheck source=world/library.sh
+. "$WORLD_ROOT/world/library.sh"
 
 export PATH=$ORKA_BUILD/host:$ORKA_BUILD/services/mediaBridge:$PATH
 

@@ -1,14 +1,14 @@
 #include "Failure.h"
+#include "GlobalOptions.h"
 #include "Interrupt.h"
-#include "JsonOutput.h"
-#include "Logging.h"
-#include "NearestTitles.h"
-#include "Options.h"
-#include "Output.h"
-#include "Progress.h"
-#include "SafeText.h"
-#include "StuckBus.h"
+#include "chain/StuckBus.h"
 #include "commands/Command.h"
+#include "output/JsonOutput.h"
+#include "output/Logging.h"
+#include "output/Output.h"
+#include "output/Progress.h"
+#include "output/SafeText.h"
+#include "tree/NearestTitles.h"
 
 #include <QCoreApplication>
 #include <QTextCodec>
@@ -77,7 +77,7 @@ int report(const Failure &failure, bool json)
     return failure.status();
 }
 
-int run(Command &command, const Options &options)
+int run(Command &command, const GlobalOptions &options)
 {
     try {
         startLogging(options);
@@ -120,7 +120,7 @@ int runProgram(int argc, char **argv)
     Progress::startClock();
     const Interrupt interrupt;
 
-    Options options;
+    GlobalOptions options;
     CLI::App app(description, "orka");
     app.footer(exitStatuses);
     app.get_formatter()->column_width(24);

@@ -1,10 +1,11 @@
 #include "commands/Answer.h"
 
-#include "JsonOutput.h"
-#include "Output.h"
-#include "TextOutput.h"
+#include "output/JsonOutput.h"
+#include "output/Output.h"
+#include "output/TextOutput.h"
 
-void writeAnswer(const Options &options, const CMPath &path, const Rows &rows, int first, int step)
+void writeAnswer(
+    const GlobalOptions &options, const CMPath &path, const Rows &rows, int first, int step)
 {
     if (options.json) {
         writeJson(rowsDocument(path, rows));
@@ -13,7 +14,7 @@ void writeAnswer(const Options &options, const CMPath &path, const Rows &rows, i
     }
 }
 
-void writeAnswer(const Options &options, const CMPath &path, const OrkaRoles &roles)
+void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRoles &roles)
 {
     if (options.json) {
         writeJson(dataDocument(path, roles));

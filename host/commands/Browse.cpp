@@ -1,11 +1,11 @@
-#include "Output.h"
-#include "PlaceResolver.h"
-#include "RowRange.h"
-#include "RowsReader.h"
-#include "Session.h"
+#include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
-#include "commands/NodeKind.h"
+#include "output/Output.h"
+#include "tree/NodeKind.h"
+#include "tree/PlaceResolver.h"
+#include "tree/RowRange.h"
+#include "tree/RowsReader.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ public:
         addRows(m_rows, "First and last row, counted from 0 (all)");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
         const Place place = parsePlace(m_place, options.prefix);
@@ -45,7 +45,7 @@ public:
         addPlace(m_place);
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
@@ -69,7 +69,7 @@ public:
         parser().add_flag("--context", m_context, "What can be done with the node: play, queue");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
@@ -110,7 +110,7 @@ public:
         addRows(m_rows, "Rows of the sample, counted from 0; at most B+1 rows are\nanswered");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const SampleRange sample = parseSampleRange(m_sample);
         const RowRange range =

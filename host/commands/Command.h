@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Options.h"
+#include "GlobalOptions.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -17,7 +17,7 @@ public:
 
     bool isChosen() const { return m_parser->parsed(); }
     /// Returns the status that the program ends with; throws Failure or InterruptedBySignal.
-    virtual int run(const Options &options) = 0;
+    virtual int run(const GlobalOptions &options) = 0;
 
 protected:
     /// `example` is shown below the help text.

@@ -1,14 +1,14 @@
-#include "Bus.h"
-#include "BusLimits.h"
 #include "Failure.h"
-#include "JsonOutput.h"
-#include "Output.h"
-#include "SafeText.h"
-#include "SearchKinds.h"
-#include "ServerList.h"
-#include "Session.h"
-#include "StuckBus.h"
+#include "chain/Bus.h"
+#include "chain/BusLimits.h"
+#include "chain/Session.h"
+#include "chain/StuckBus.h"
 #include "commands/Command.h"
+#include "output/JsonOutput.h"
+#include "output/Output.h"
+#include "output/SafeText.h"
+#include "tree/SearchKinds.h"
+#include "tree/ServerList.h"
 
 #include <api/core/orka.h>
 
@@ -66,7 +66,7 @@ private:
     QVariantList m_checks;
 };
 
-void checkBusLimits(Findings &findings, const MediaService &service)
+void checkBusLimits(Findings &findings, const ServiceOnBus &service)
 {
     const PendingReplies replies = measurePendingReplies(service.bus(), service.busDescription());
     if (!replies.error.isEmpty()) {
@@ -89,21 +89,22 @@ void checkBusLimits(Findings &findings, const MediaService &service)
     }
 }
 
-void checkMediaService(Findings &findings, const Options &options, const MediaService &service)
+void checkMediaService(
+    Findings &findings, const GlobalOptions &options, const ServiceOnBus &service)
 {
     findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
     checkBusLimits(findings, service);
     const Bus bus(orkaDBusConnection(), std::min(options.timeout, answerLimit));
-    const QString owner = safeText(bus.describeOwner(bus.owner(MediaService::busName())));
-    if (!bus.answers(MediaService::busName())) {
+    const QString owner = safeText(bus.describeOwner(bus.owner(ServiceOnBus::busName())));
+    if (!bus.answers(ServiceOnBus::busName())) {
         findings.add(Findings::Missing, "media service",
             QStringLiteral("%1 has the name %2 but doesn't answer. End it, or start it again.")
-                .arg(owner, MediaService::busName()));
+                .arg(owner, ServiceOnBus::busName()));
         return;
     }
     findings.add(Findings::Ok, "media service",
         QStringLiteral("%1 has the name %2%3.")
-            .arg(owner, MediaService::busName(),
+            .arg(owner, ServiceOnBus::busName(),
                 service.startedBridge() ? QStringLiteral(", started for this run") : QString()));
 }
 
@@ -164,7 +165,7 @@ public:
     {
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         Findings findings(options.json);
         checkAddresses(findings);
@@ -180,9 +181,9 @@ public:
     }
 
 private:
-    static void checkChain(Findings &findings, const Options &options)
+    static void checkChain(Findings &findings, const GlobalOptions &options)
     {
-        auto service = std::make_unique<MediaService>(options);
+        auto service = std::make_unique<ServiceOnBus>(options);
         try {
             checkMediaService(findings, options, *service);
         } catch (const StuckBus &) {

@@ -1,13 +1,13 @@
 #include "Failure.h"
-#include "JsonOutput.h"
-#include "Output.h"
-#include "PlaceResolver.h"
-#include "Player.h"
-#include "Playlist.h"
-#include "Session.h"
-#include "TextOutput.h"
+#include "chain/Session.h"
 #include "commands/Command.h"
-#include "commands/NodeKind.h"
+#include "output/JsonOutput.h"
+#include "output/Output.h"
+#include "output/Playlist.h"
+#include "output/TextOutput.h"
+#include "player/Player.h"
+#include "tree/NodeKind.h"
+#include "tree/PlaceResolver.h"
 
 #include <api/core/orka.h>
 
@@ -53,7 +53,7 @@ public:
             ->check(CLI::IsMember({"table", "json", "m3u8", "xspf"}).description(""));
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         if (options.json && !m_format.empty() && m_format != "json") {
             throw wrongUsage(QStringLiteral("--json and --format %1 contradict each other. Leave "
@@ -99,7 +99,7 @@ public:
             "COMMAND");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const QVector<Place> places = parsePlaces(m_places, options.prefix);
         Session session(options);

@@ -1,13 +1,13 @@
 #include "Failure.h"
-#include "JsonOutput.h"
-#include "Output.h"
-#include "Place.h"
-#include "RowsReader.h"
-#include "ServerList.h"
-#include "Session.h"
-#include "TextOutput.h"
+#include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
+#include "output/JsonOutput.h"
+#include "output/Output.h"
+#include "output/TextOutput.h"
+#include "tree/Place.h"
+#include "tree/RowsReader.h"
+#include "tree/ServerList.h"
 
 namespace {
 
@@ -78,7 +78,7 @@ public:
         addRoles(m_roles);
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const CMPath path = this->path();
         Session session(options);
@@ -104,7 +104,7 @@ public:
         addRoles(m_roles);
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const CMPath path = this->path();
         Session session(options);
@@ -129,7 +129,7 @@ public:
             ->required();
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         const CMPath path = this->path();
         const QVariant value = valueFromJson(m_value);

@@ -1,13 +1,13 @@
 #include "Failure.h"
-#include "Output.h"
-#include "PlaceResolver.h"
-#include "RowRange.h"
-#include "RowsReader.h"
-#include "SafeText.h"
-#include "SearchKinds.h"
-#include "Session.h"
+#include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
+#include "output/Output.h"
+#include "output/SafeText.h"
+#include "tree/PlaceResolver.h"
+#include "tree/RowRange.h"
+#include "tree/RowsReader.h"
+#include "tree/SearchKinds.h"
 
 #include <api/core/OrkaValue.h>
 
@@ -49,7 +49,7 @@ public:
         addRows(m_rows, "First and last row, counted from 0 (all)");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         if (m_kinds.size() != 1) {
             throw wrongUsage(QStringLiteral("A search goes by one thing: write --artist TEXT, "

@@ -1,11 +1,11 @@
-#include "JsonOutput.h"
-#include "Output.h"
-#include "SafeText.h"
-#include "ServerList.h"
-#include "Session.h"
-#include "TextOutput.h"
-#include "Wait.h"
+#include "chain/Session.h"
+#include "chain/Wait.h"
 #include "commands/Command.h"
+#include "output/JsonOutput.h"
+#include "output/Output.h"
+#include "output/SafeText.h"
+#include "output/TextOutput.h"
+#include "tree/ServerList.h"
 
 #include <QSocketNotifier>
 #include <QTime>
@@ -67,7 +67,7 @@ public:
             "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}");
     }
 
-    int run(const Options &options) override
+    int run(const GlobalOptions &options) override
     {
         Session session(options);
         ServerList servers(session);
@@ -115,7 +115,7 @@ private:
             Wait change(std::chrono::hours(24));
             QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);
             QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
-            QObject::connect(&session.mediaService(), &MediaService::gone, &change, &Wait::wake);
+            QObject::connect(&session.mediaService(), &ServiceOnBus::gone, &change, &Wait::wake);
             change.until([&] {
                 return servers.isStale() || !session.mediaService().isThere()
                     || !reader.isEnabled();

@@ -2,10 +2,10 @@
 # What the end-to-end tests are written with; sourced by them. A test goes on after a failed
 # check, so that one run shows them all, and ends with "finish".
 
-# shellcheck source=tests/e2e/world.sh
-. "$WORLD_ROOT/tests/e2e/world.sh"
-# shellcheck source=tests/e2e/library.sh
-. "$WORLD_ROOT/tests/e2e/library.sh"
+# shellcheck source=world/world.sh
+. "$WORLD_ROOT/world/world.sh"
+# shellcheck source=world/library.sh
+. "$WORLD_ROOT/world/library.sh"
 export PATH=$ORKA_BUILD/host:$PATH
 failures=0
 

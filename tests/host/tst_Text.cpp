@@ -1,11 +1,11 @@
 #include "Failure.h"
-#include "JsonOutput.h"
-#include "NearestTitles.h"
-#include "Place.h"
-#include "Playlist.h"
-#include "RowRange.h"
-#include "SafeText.h"
-#include "TextOutput.h"
+#include "output/JsonOutput.h"
+#include "tree/NearestTitles.h"
+#include "tree/Place.h"
+#include "output/Playlist.h"
+#include "tree/RowRange.h"
+#include "output/SafeText.h"
+#include "output/TextOutput.h"
 
 #include <QXmlStreamReader>
 #include <QtTest>

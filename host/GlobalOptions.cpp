@@ -1,0 +1,90 @@
+#include "GlobalOptions.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <regex>
+
+namespace {
+
+constexpr char bracketMark = '\x01';
+constexpr double longest = 86400; // seconds
+
+using Milliseconds = std::chrono::milliseconds;
+
+CLI::Option *addText(
+    CLI::App &app, const char *name, QString &target, const char *help, const char *type)
+{
+    return app
+        .add_option_function<std::string>(
+            name, [&target](const std::string &text) { target = argument(text); }, help)
+        ->type_name(type)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+/// What the parser says of a prefix: nothing where it is one.
+std::string isPrefix(const std::string &text)
+{
+    static const std::regex letters("[A-Za-z0-9._-]+");
+    return std::regex_match(text, letters) ? ""
+                                           : "is made of letters, digits, \".\", \"_\" and \"-\"";
+}
+
+void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help)
+{
+    app.add_option_function<std::string>(
+           name,
+           [&target, name](const std::string &text) {
+               bool isNumber = false;
+               const double seconds = argument(text).toDouble(&isNumber);
+               if (!isNumber || !(seconds >= 0 && seconds <= longest)) { // nan is a number, too
+                   throw CLI::ValidationError(name, "is a number of seconds from 0 to 86400");
+               }
+               target = Milliseconds(qRound64(seconds * 1000));
+           },
+           help)
+        ->type_name("SECONDS")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+} // namespace
+
+void addGlobalOptions(CLI::App &app, GlobalOptions &options)
+{
+    addText(app, "--plugin", options.plugin,
+        "The worker's library; this installation's where none is\nnamed", "FILE");
+    addText(app, "--prefix", options.prefix, "First part of the worker's node paths (upnp)", "NAME")
+        ->check(CLI::Validator(isPrefix, "", "prefix"));
+    addText(app, "--service-id", options.serviceId, "Service id that the worker puts into its rows",
+        "ID");
+    addText(app, "--bus", options.bus, "session (the default), system or a D-Bus address",
+        "session|system|ADDRESS");
+    const std::map<std::string, MediaServiceSource> sources = {{"auto", MediaServiceSource::Auto},
+        {"session", MediaServiceSource::Session}, {"bridge", MediaServiceSource::Bridge}};
+    app.add_option("--media-service", options.mediaService,
+           "session: the one on the bus; bridge: a bridge of our own,\n"
+           "on a private bus where there is no session bus;\n"
+           "auto (the default): the first, else the second")
+        ->type_name("auto|session|bridge")
+        ->transform(CLI::CheckedTransformer(sources).description(""));
+    addText(app, "--bridge", options.bridge,
+        "The bridge's program; this installation's where none is\nnamed", "FILE");
+    addSeconds(app, "--wait", options.wait, "For a media server to show up (5)");
+    addSeconds(app, "--timeout", options.timeout, "For an answer (30)");
+    app.add_flag("--json", options.json, "Print one JSON document on standard output");
+    addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");
+    app.add_flag("-v", options.verbosity,
+        "Log to standard error: -v what happens, -vv details,\n-vvv everything");
+}
+
+QString argument(const std::string &text)
+{
+    const bool marked = !text.empty() && text.front() == bracketMark;
+    return QString::fromUtf8(text.data() + (marked ? 1 : 0), int(text.size()) - (marked ? 1 : 0));
+}
+
+std::string protectBrackets(const char *text)
+{
+    const std::string copy = text;
+    const bool bracketed = copy.size() > 1 && copy.front() == '[' && copy.back() == ']';
+    return bracketed || copy.compare(0, 1, &bracketMark, 1) == 0 ? bracketMark + copy : copy;
+}

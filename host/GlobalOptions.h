@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+/// Where the media service comes from.
+enum class MediaServiceSource {
+    /// What is on the bus or can be activated there, else our bridge.
+    Auto,
+    Session,
+    Bridge
+};
+
+/// The options that every command has.
+struct GlobalOptions
+{
+    /// Empty: the plug-in beside the program.
+    QString plugin;
+    /// Empty: the bridge beside the program, or the one on PATH.
+    QString bridge;
+    QString prefix = QStringLiteral("upnp");
+    QString serviceId;
+    /// "session", "system" or a D-Bus address.
+    QString bus = QStringLiteral("session");
+    MediaServiceSource mediaService = MediaServiceSource::Auto;
+    /// How long a media server may take to show up.
+    std::chrono::milliseconds wait = std::chrono::seconds(5);
+    /// How long an answer may take.
+    std::chrono::milliseconds timeout = std::chrono::seconds(30);
+    bool json = false;
+    /// Empty: `verbosity` decides.
+    QString logConfig;
+    /// 0 none, 1 INFO, 2 DEBUG, 3 and more TRACE.
+    int verbosity = 0;
+};
+
+/// Declares the options on the parser; `options` is filled while it parses.
+void addGlobalOptions(CLI::App &app, GlobalOptions &options);
+
+/// A text of the command line, UTF-8.
+QString argument(const std::string &text);
+
+/// The parser takes an argument in square brackets apart as a list of its own. This marks such an
+/// argument, so that "[Unknown]" arrives as it is; argument() takes the mark away again.
+std::string protectBrackets(const char *text);

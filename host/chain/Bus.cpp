@@ -1,0 +1,86 @@
+#include "chain/Bus.h"
+
+#include "chain/Wait.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QFile>
+#include <QStringList>
+
+namespace {
+
+const QString daemonName = QStringLiteral("org.freedesktop.DBus");
+
+bool failed(const QDBusMessage &reply)
+{
+    return reply.type() != QDBusMessage::ReplyMessage;
+}
+
+QString commandOf(uint process)
+{
+    QFile file(QStringLiteral("/proc/%1/cmdline").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QByteArray program = file.readAll().split('\0').value(0);
+    return QString::fromLocal8Bit(program.mid(program.lastIndexOf('/') + 1));
+}
+
+} // namespace
+
+Bus::Bus(const QDBusConnection &connection, std::chrono::milliseconds limit)
+    : m_connection(connection)
+    , m_limit(limit)
+{
+}
+
+QDBusMessage Bus::send(const QDBusMessage &call) const
+{
+    const QDBusPendingCallWatcher watcher(m_connection.asyncCall(call, int(m_limit.count())));
+    Wait wait(m_limit);
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
+    return wait.until([&] { return watcher.isFinished(); }) ? watcher.reply() : QDBusMessage();
+}
+
+QDBusMessage Bus::ask(const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        daemonName, QStringLiteral("/org/freedesktop/DBus"), daemonName, method);
+    call.setArguments(arguments);
+    return send(call);
+}
+
+QString Bus::owner(const QString &name) const
+{
+    const QDBusMessage reply = ask(QStringLiteral("GetNameOwner"), {name});
+    return failed(reply) ? QString() : reply.arguments().value(0).toString();
+}
+
+bool Bus::canActivate(const QString &name) const
+{
+    const QDBusMessage reply = ask(QStringLiteral("ListActivatableNames"), {});
+    return !failed(reply) && reply.arguments().value(0).toStringList().contains(name);
+}
+
+QString Bus::activate(const QString &name) const
+{
+    const QDBusMessage reply = ask(QStringLiteral("StartServiceByName"), {name, 0U});
+    if (!failed(reply))
+        return QString();
+    return reply.errorMessage().isEmpty() ? QStringLiteral("the bus did not answer in time")
+                                          : reply.errorMessage();
+}
+
+bool Bus::answers(const QString &name) const
+{
+    return !failed(send(QDBusMessage::createMethodCall(name, QStringLiteral("/"),
+        QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))));
+}
+
+QString Bus::describeOwner(const QString &uniqueName) const
+{
+    const QDBusMessage reply = ask(QStringLiteral("GetConnectionUnixProcessID"), {uniqueName});
+    const uint process = reply.arguments().value(0).toUInt();
+    const QString command = failed(reply) ? QString() : commandOf(process);
+    return command.isEmpty()
+        ? uniqueName
+        : QStringLiteral("%1 (process %2)").arg(command, QString::number(process));
+}

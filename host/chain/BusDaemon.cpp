@@ -1,0 +1,43 @@
+#include "chain/BusDaemon.h"
+
+#include "Failure.h"
+#include "chain/Installation.h"
+#include "chain/Wait.h"
+#include "output/SafeText.h"
+
+#include <QStandardPaths>
+
+namespace {
+
+constexpr std::chrono::seconds startLimit(10);
+
+Failure noBus(const QString &why)
+{
+    return missing(QStringLiteral("noBus"),
+        QStringLiteral("There is no session bus, and no bus could be started instead: %1 Install "
+                       "the package dbus-daemon, or name a bus with --bus ADDRESS.")
+            .arg(why));
+}
+
+} // namespace
+
+BusDaemon::BusDaemon()
+    : m_process(ChildProcess::Service)
+{
+    const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
+    if (program.isEmpty())
+        throw noBus(QStringLiteral("there is no program dbus-daemon."));
+    Wait wait(startLimit, QStringLiteral("Starting a message bus"));
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &wait, &Wait::wake);
+    QObject::connect(&m_process, &QProcess::stateChanged, &wait, &Wait::wake);
+    m_process.start(program,
+        {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+            QStringLiteral("--config-file=%1").arg(Installation::privateBusConfiguration())});
+    wait.until(
+        [this] { return m_process.canReadLine() || m_process.state() == QProcess::NotRunning; });
+    m_address = QString::fromUtf8(m_process.readLine()).trimmed();
+    if (m_address.isEmpty()) {
+        const QString said = QString::fromUtf8(m_process.readAllStandardError()).trimmed();
+        throw noBus(QStringLiteral("dbus-daemon said %1.").arg(quoted(said)));
+    }
+}

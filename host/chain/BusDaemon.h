@@ -1,0 +1,18 @@
+#pragma once
+
+#include "chain/ChildProcess.h"
+
+/// A message bus of our own, for machines without a session bus: it can activate nothing, has a
+/// session bus's limits and ends with us.
+class BusDaemon
+{
+public:
+    /// Throws Failure (missing) with a sentence when no bus could be started.
+    BusDaemon();
+
+    const QString &address() const { return m_address; }
+
+private:
+    ChildProcess m_process;
+    QString m_address;
+};

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Failure.h"
+#include "GlobalOptions.h"
+#include "chain/BusDaemon.h"
+
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+#include <memory>
+
+/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: the one
+/// that the bus has or can activate, or our bridge, on a private bus of ours where there is no
+/// session bus. What it started ends with it.
+class ServiceOnBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Throws Failure (missing) with a sentence where there can't be one.
+    explicit ServiceOnBus(const GlobalOptions &options);
+    ~ServiceOnBus() override;
+
+    static QString busName() { return QStringLiteral("com.intel.dleyna-server"); }
+
+    /// "session bus", "the private bus …": for people.
+    const QString &busDescription() const { return m_busDescription; }
+    /// "session", "system" or the bus's address.
+    QString bus() const { return m_busDaemon ? m_busDaemon->address() : m_options.bus; }
+    bool startedBridge() const { return bool(m_bridge); }
+    /// False after gone().
+    bool isThere() const { return m_there; }
+    /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
+    void requireThere() const;
+
+signals:
+    /// The service has left the bus.
+    void gone();
+
+private:
+    void openBus();
+    void openPrivateBus();
+    bool useServiceOnBus();
+    void startBridge();
+    void takenName();
+    QStringList bridgeArguments() const;
+    void waitForBridge();
+    Failure bridgeFailed(const QString &why);
+    void watch();
+
+    const GlobalOptions m_options;
+    QString m_busDescription;
+    std::unique_ptr<BusDaemon> m_busDaemon;
+    std::unique_ptr<ChildProcess> m_bridge;
+    QDBusServiceWatcher m_watcher;
+    bool m_there = true;
+};

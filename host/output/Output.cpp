@@ -1,0 +1,62 @@
+#include "output/Output.h"
+
+#include "Failure.h"
+#include "output/SafeText.h"
+
+#include <api/core/OrkaHash.h>
+
+#include <QStringList>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+/// JSON allows DEL and the C1 controls as they are; a terminal would obey them.
+QString withoutRawControls(const QString &json)
+{
+    QString safe;
+    safe.reserve(json.size());
+    for (const QChar c : json) {
+        if (c.unicode() >= 0x7f && c.unicode() <= 0x9f) {
+            safe += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        } else {
+            safe += c;
+        }
+    }
+    return safe;
+}
+
+} // namespace
+
+void writeLine(const QString &line)
+{
+    writeText(line.toUtf8() + '\n');
+}
+
+void writeText(const QByteArray &bytes)
+{
+    const bool written =
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
+        && std::fflush(stdout) == 0;
+    if (!written) {
+        throw Failure(AnsweredWithError, QStringLiteral("output"),
+            QStringLiteral("The answer could not be written to standard output: %1.")
+                .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    }
+}
+
+void writeJson(const OrkaHash &document)
+{
+    writeLine(withoutRawControls(document.toJsonString()));
+}
+
+void tell(const QString &sentence)
+{
+    QStringList lines = sentence.split(QLatin1Char('\n'));
+    for (QString &line : lines)
+        line = safeText(line);
+    const QString text = QStringLiteral("orka: %1\n").arg(lines.join(QLatin1Char('\n')));
+    std::fputs(text.toUtf8().constData(), stderr);
+}

@@ -1,0 +1,49 @@
+#include "output/Progress.h"
+
+#include "output/SafeText.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+QElapsedTimer &programClock()
+{
+    static QElapsedTimer clock;
+    return clock;
+}
+
+} // namespace
+
+void Progress::startClock()
+{
+    programClock().start();
+}
+
+Progress::Progress(const QString &doing)
+    : m_doing(safeText(doing))
+{
+    if (m_doing.isEmpty() || isatty(STDERR_FILENO) == 0)
+        return;
+    if (!programClock().isValid())
+        startClock();
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { show(); });
+    m_timer.start(500);
+}
+
+Progress::~Progress()
+{
+    if (m_shown)
+        std::fputs("\r\033[K", stderr);
+}
+
+void Progress::show()
+{
+    if (programClock().elapsed() < 1000)
+        return;
+    m_shown = true;
+    const QString line = QStringLiteral("\r\033[K%1 … %2 s (Ctrl-C stops)")
+                             .arg(m_doing)
+                             .arg(programClock().elapsed() / 1000);
+    std::fputs(line.toUtf8().constData(), stderr);
+}

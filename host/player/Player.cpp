@@ -1,0 +1,118 @@
+#include "player/Player.h"
+
+#include "Failure.h"
+#include "chain/ChildProcess.h"
+#include "chain/Wait.h"
+#include "output/Output.h"
+#include "output/SafeText.h"
+#include "output/TextOutput.h"
+#include "player/MpvWatch.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryFile>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+QString findPlayer(const QString &name)
+{
+    QString program = QStandardPaths::findExecutable(name);
+    if (program.isEmpty()) {
+        throw missing(QStringLiteral("noPlayer"),
+            QStringLiteral("There is no player %1. Install it, or name another with --player; "
+                           "\"orka queue --format m3u8\" writes a playlist for any.")
+                .arg(quoted(name)));
+    }
+    return program;
+}
+
+void writePlaylist(QTemporaryFile &file, const PlayListItems &items)
+{
+    if (!file.open() || file.write(toM3u8(items).toUtf8()) < 0 || !file.flush()) {
+        throw Failure(AnsweredWithError, QStringLiteral("output"),
+            QStringLiteral("The playlist can't be written to %1: %2. Make room there, or set "
+                           "TMPDIR to another folder.")
+                .arg(quoted(QDir::tempPath()), file.errorString()));
+    }
+}
+
+/// The item with this address, from `next` on and round; -1 for the playlist's own file and what
+/// somebody added in the player.
+int positionOf(const QString &url, const PlayListItems &items, int next)
+{
+    for (int i = 0; i < items.size(); ++i) {
+        const int position = (next + i) % items.size();
+        if (safeUrl(items.at(position).url()) == url)
+            return position;
+    }
+    return -1;
+}
+
+void tellTrack(const PlayListItems &items, int position)
+{
+    const OrkaPlayListItem &item = items.at(position);
+    const QString length = lengthText(item.durationSeconds() * 1000LL);
+    if (isatty(STDERR_FILENO) != 0)
+        std::fputs("\r\033[K", stderr); // over the player's status line
+    tell(QStringLiteral("Playing %1 of %2: %3%4")
+             .arg(QString::number(position + 1), QString::number(items.size()),
+                 safeText(itemName(item)),
+                 length.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(length)));
+}
+
+int statusOf(const ChildProcess &player)
+{
+    return player.exitStatus() == QProcess::NormalExit ? player.exitCode()
+                                                       : 128 + player.exitCode();
+}
+
+} // namespace
+
+int playItems(const PlayListItems &items, const QString &command, bool quietOutput)
+{
+    QStringList arguments = QProcess::splitCommand(command);
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    const QString program = findPlayer(name);
+    QTemporaryFile playlist(QDir::tempPath() + QStringLiteral("/orka-XXXXXX.m3u8"));
+    writePlaylist(playlist, items);
+
+    ChildProcess player(ChildProcess::Foreground);
+    player.setProcessChannelMode(QProcess::ForwardedChannels);
+    player.setInputChannelMode(QProcess::ForwardedInputChannel);
+    if (quietOutput)
+        player.sendOutputToStderr();
+    MpvWatch watch;
+    int last = -1;
+    QObject::connect(&watch, &MpvWatch::playing, &watch, [&](const QString &url) {
+        const int position = positionOf(url, items, last + 1);
+        if (position >= 0) {
+            last = position;
+            tellTrack(items, position);
+        }
+    });
+    const bool isMpv = QFileInfo(program).fileName() == QLatin1String("mpv");
+    if (isMpv && watch.playerDescriptor() >= 0) {
+        player.inherit(watch.playerDescriptor());
+        arguments << QStringLiteral("--input-ipc-client=fd://%1").arg(watch.playerDescriptor());
+    } else {
+        tellTrack(items, 0);
+    }
+
+    Wait wait(std::chrono::hours(24));
+    QObject::connect(&player, &QProcess::stateChanged, &wait, &Wait::wake);
+    player.start(program, arguments << playlist.fileName());
+    watch.start();
+    while (!wait.until([&player] { return player.state() == QProcess::NotRunning; })) {
+        // For days, if somebody likes.
+    }
+    if (player.error() == QProcess::FailedToStart) {
+        throw missing(QStringLiteral("noPlayer"),
+            QStringLiteral("The player %1 can't be started: %2. Name another with --player.")
+                .arg(quoted(program), player.errorString()));
+    }
+    return statusOf(player);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tree/Place.h"
+#include "tree/ServerList.h"
+
+class Session;
+
+/// Finds the nodes that places name. Waits for their media servers first, --wait at most.
+///
+/// Throws Failure (missing) for a server or title that isn't there, with the nearest titles, and
+/// for one that isn't the only one, with the paths of those that there are.
+class PlaceResolver
+{
+public:
+    explicit PlaceResolver(Session &session);
+
+    enum Kind { Anything, Folder };
+
+    /// A node path is returned as it was given. A title's node comes with the parameters that its
+    /// worker gave it. Where a folder is wanted, tracks with the same title don't count.
+    CMPath resolve(const Place &place, Kind wanted = Anything);
+
+private:
+    CMPath resolvePath(const Place &place);
+    CMPath findServer(const QString &title);
+    CMPath findChild(const CMPath &parent, const QString &title, Kind wanted);
+
+    Session &m_session;
+    ServerList m_servers;
+};
