@@ -22,9 +22,10 @@ public:
     bool answers(const QString &name) const;
     /// "orka-media-bridge (process 123)"; the unique name alone where the process can't be known.
     QString describeOwner(const QString &uniqueName) const;
+    /// The reply; an invalid message where none came in time.
+    QDBusMessage send(const QDBusMessage &call) const;
 
 private:
-    QDBusMessage send(const QDBusMessage &call) const;
     /// Asks the bus itself.
     QDBusMessage ask(const QString &method, const QVariantList &arguments) const;
 

@@ -188,12 +188,28 @@ Failure ServiceOnBus::bridgeFailed(const QString &why)
 void ServiceOnBus::watch()
 {
     m_watcher.setConnection(orkaDBusConnection());
-    m_watcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    // Another owner is another service, which knows nothing of what the first was asked.
+    m_watcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     m_watcher.addWatchedService(busName());
-    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
-        m_there = false;
-        emit gone();
-    });
+    m_owner = Bus(orkaDBusConnection(), m_options.timeout).owner(busName());
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString &, const QString &, const QString &owner) {
+            if (owner != m_owner)
+                leave();
+        });
+}
+
+void ServiceOnBus::leave()
+{
+    m_there = false;
+    emit gone();
+}
+
+void ServiceOnBus::requireSameOwner()
+{
+    if (m_there && Bus(orkaDBusConnection(), m_options.timeout).owner(busName()) != m_owner)
+        leave();
+    requireThere();
 }
 
 void ServiceOnBus::requireThere() const

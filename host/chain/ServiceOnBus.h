@@ -32,6 +32,8 @@ public:
     bool isThere() const { return m_there; }
     /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
     void requireThere() const;
+    /// The same, after asking the bus: the news may come behind an answer that it makes worthless.
+    void requireSameOwner();
 
 signals:
     /// The service has left the bus.
@@ -47,11 +49,14 @@ private:
     void waitForBridge();
     Failure bridgeFailed(const QString &why);
     void watch();
+    void leave();
 
     const GlobalOptions m_options;
     QString m_busDescription;
     std::unique_ptr<BusDaemon> m_busDaemon;
     std::unique_ptr<ChildProcess> m_bridge;
     QDBusServiceWatcher m_watcher;
+    /// The service's unique name on the bus.
+    QString m_owner;
     bool m_there = true;
 };

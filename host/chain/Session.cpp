@@ -9,31 +9,43 @@
 
 namespace {
 
-Failure errorAnswer(const CMError &error, const CMPath &path)
+using Milliseconds = std::chrono::milliseconds;
+
+/// A node that says nothing for so long doesn't answer.
+constexpr Milliseconds answerLimit(10'000);
+/// However long the worker has waited, the node is given this to answer a question of ours.
+constexpr Milliseconds shortestQuestion(500);
+/// All that the plug-in says where a listing failed, or a node isn't there.
+const QString unexplained = QStringLiteral("Failed to retrieve content");
+
+QString withoutStop(QString text)
 {
-    QString message = safeText(error.message().toString());
-    if (message.endsWith(QLatin1Char('.')))
-        message.chop(1);
-    return Failure(error,
-        QStringLiteral("%1 was answered with an error: %2. \"orka servers\" lists what is there; "
-                       "\"orka doctor\" checks every part.")
-            .arg(safeText(path.toEncoded()), message));
+    while (text.endsWith(QLatin1Char('.')))
+        text.chop(1);
+    return text;
 }
 
-Failure noAnswer(const CMPath &path, std::chrono::milliseconds limit)
+Failure errorAnswer(const CMError &error, const QString &node)
+{
+    return Failure(error,
+        QStringLiteral("%1 was answered with an error: %2.")
+            .arg(node, withoutStop(safeText(error.message().toString()))));
+}
+
+Failure noAnswer(const QString &node, Milliseconds limit)
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
         QStringLiteral("No answer about %1 came in %2 s: the media server or the media service "
                        "hangs, or the work takes longer. Try again with a longer --timeout.")
-            .arg(safeText(path.toEncoded()))
-            .arg(double(limit.count()) / 1000));
+            .arg(node, QString::number(double(limit.count()) / 1000)));
 }
 
 } // namespace
 
-Session::Session(const GlobalOptions &options)
+Session::Session(const GlobalOptions &options, Errors errors)
     : Session(options, std::make_unique<ServiceOnBus>(options))
 {
+    m_errors = errors;
 }
 
 Session::Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> mediaService)
@@ -41,6 +53,7 @@ Session::Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> med
     , m_mediaService(std::move(mediaService))
     , m_worker(loadWorker(options))
 {
+    m_silence.start();
     mount();
 }
 
@@ -55,19 +68,78 @@ void Session::mount()
     }
 }
 
+QString Session::nameOf(const CMPath &path) const
+{
+    const QString name = m_names.value(path.base());
+    return name.isNull() ? safeText(path.toEncoded()) : quoted(name);
+}
+
+QString Session::serverNameOf(const CMPath &path) const
+{
+    const QString base = QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
+    return m_names.contains(base)
+        ? QStringLiteral("The media server %1").arg(quoted(m_names.value(base)))
+        : QStringLiteral("The media server of %1").arg(nameOf(path));
+}
+
+Milliseconds Session::remaining() const
+{
+    return std::max(Milliseconds(0), m_options.timeout - Milliseconds(m_silence.elapsed()));
+}
+
 void Session::await(const CMVoidReply &reply, const CMPath &path, const QString &doing)
 {
     const CMReplyWatcherObject watcher(reply);
-    Wait wait(m_options.timeout, doing);
+    Wait wait(remaining(), doing);
     QObject::connect(&watcher, &CMReplyWatcherObject::finishedSignal, &wait, &Wait::wake);
     QObject::connect(m_mediaService.get(), &ServiceOnBus::gone, &wait, &Wait::wake);
+    m_asked.start();
     const bool inTime =
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
     m_mediaService->requireThere();
     if (!inTime)
-        throw noAnswer(path, m_options.timeout);
-    if (reply.error().isError())
-        throw errorAnswer(reply.error(), path);
+        throw noAnswer(nameOf(path), m_options.timeout);
+    if (!reply.error().isError())
+        m_silence.start();
+}
+
+Patient Session::patient(const CMPath &path) const
+{
+    return {nameOf(path), serverNameOf(path), path.hasParam(QStringLiteral("query")),
+        Milliseconds(m_asked.elapsed())};
+}
+
+/// Asks the media service, which has what is left of the time, and a moment where that is nothing.
+Diagnosis Session::diagnoseRow(const CMPath &path, int position) const
+{
+    const Milliseconds left = answerLimit - Milliseconds(m_asked.elapsed());
+    return diagnose(path, position, std::min(remaining(), std::max(shortestQuestion, left)));
+}
+
+void Session::requireAnswerOf(const CMPath &path)
+{
+    m_mediaService->requireSameOwner();
+    m_asked.start();
+    const Diagnosis diagnosis = diagnoseRow(path, 0);
+    if (diagnosis.isTrouble())
+        throw failureOf(diagnosis, patient(path));
+}
+
+int Session::explain(const CMError &error, const CMPath &path, int position)
+{
+    m_mediaService->requireSameOwner();
+    const QString text = error.message().toString();
+    if (m_errors == Plain || !text.startsWith(unexplained))
+        throw errorAnswer(error, nameOf(path));
+    if (text == unexplained && remaining() < shortestQuestion)
+        throw noAnswer(nameOf(path), m_options.timeout);
+    const Diagnosis diagnosis = text == unexplained ? diagnoseRow(path, position)
+                                                    : diagnosisOf(text.mid(unexplained.size() + 2));
+    if (diagnosis.isTrouble())
+        throw failureOf(diagnosis, patient(path));
+    if (diagnosis.verdict != Diagnosis::Empty)
+        throw errorAnswer(error, nameOf(path));
+    return diagnosis.childCount;
 }
 
 OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStringList &roles)
@@ -76,7 +148,11 @@ OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStri
     // Not through getRows(), which makes an error of one row that isn't there.
     CMRoot()->getRowsRequest(CMGetRowsRequest(path, first, last, -1, roles, reply));
     await(reply, path, QStringLiteral("Reading rows from %1").arg(first));
-    return reply.value();
+    if (!reply.error().isError())
+        return reply.value();
+    OrkaRowsRoles empty;
+    empty.setRowsCount(explain(reply.error(), path, first));
+    return empty;
 }
 
 OrkaRoles Session::data(const CMPath &path, const QStringList &roles)
@@ -84,6 +160,7 @@ OrkaRoles Session::data(const CMPath &path, const QStringList &roles)
     const CMReply<QVariantList> reply;
     CMRoot()->getDataRequest(CMGetDataRequest(path, roles, reply));
     await(reply, path, QStringLiteral("Reading a node"));
+    requireNoError(reply.error(), path);
     return recordOf(roles, reply.value());
 }
 
@@ -92,7 +169,16 @@ QVariant Session::set(const CMPath &path, const QVariant &value, const QString &
     const CMReply<QVariant> reply;
     CMRoot()->setDataRequest(CMSetDataRequest(path, value, reply));
     await(reply, path, doing);
+    requireNoError(reply.error(), path);
     return reply.value();
+}
+
+void Session::requireNoError(const CMError &error, const CMPath &path)
+{
+    if (!error.isError())
+        return;
+    explain(error, path, 0);
+    throw errorAnswer(error, nameOf(path)); // nothing there is no answer about one node
 }
 
 OrkaRoles recordOf(const QStringList &roles, const QVariantList &values)

@@ -1,23 +1,35 @@
 #pragma once
 
 #include "GlobalOptions.h"
+#include "chain/Diagnosis.h"
 #include "chain/NetworkPublisher.h"
 #include "chain/ServiceOnBus.h"
 
 #include <api/core/CMSyncWorker.h>
 
+#include <QElapsedTimer>
+#include <QHash>
+
 #include <memory>
 
 /// One run of the chain: addresses published, media service on the bus, worker loaded and mounted.
-/// Sends requests and waits for their answers in the event loop.
+/// Sends requests and waits for their answers in the event loop, --timeout at most since the last
+/// one that was no error.
 ///
-/// A request throws Failure with status AnsweredWithError for an error answer and NoAnswer where
-/// none came in time, and Missing where the media service has left the bus.
+/// A request throws Failure: NoAnswer where nothing came in time, Missing where the media service
+/// has left the bus, AnsweredWithError for an error answer. Where that gives no reason, the media
+/// service itself is asked about the node, so that the failure names what is the matter, with the
+/// status of that. An error by which a server says that there is nothing is an empty answer.
 class Session
 {
 public:
+    enum Errors {
+        Explained,
+        /// As the worker gave them.
+        Plain
+    };
     /// Throws Failure (missing) where a part of the chain isn't there.
-    explicit Session(const GlobalOptions &options);
+    explicit Session(const GlobalOptions &options, Errors errors = Explained);
     /// With a media service that is there already.
     Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> mediaService);
 
@@ -27,6 +39,14 @@ public:
     CMPath root() const { return path(QString()); }
     CMPath path(const QString &base) const { return CMPath(m_worker->prefix(), base); }
 
+    /// What sentences call the node, whatever the parameters of its path: a place as a person wrote
+    /// it, a media server's title.
+    void setName(const CMPath &path, const QString &name) { m_names.insert(path.base(), name); }
+    /// That name between quotation marks; the path where it has none.
+    QString nameOf(const CMPath &path) const;
+    /// The media server "My NAS".
+    QString serverNameOf(const CMPath &path) const;
+
     /// `last` is inclusive.
     OrkaRowsRoles rows(const CMPath &path, int first, int last, const QStringList &roles);
     /// The record made of the values that came for `roles`.
@@ -34,11 +54,28 @@ public:
     /// `doing` is what a terminal shows meanwhile.
     QVariant set(const CMPath &path, const QVariant &value, const QString &doing);
 
+    /// Asks the media service about a node of which an answer tells nothing, though it should, like
+    /// a playlist without tracks. Throws Failure that says what is the matter; returns where the
+    /// node answers, or its server has nothing there.
+    void requireAnswerOf(const CMPath &path);
+
 private:
     void mount();
     void await(const CMVoidReply &reply, const CMPath &path, const QString &doing);
+    /// Throws Failure for an error answer; returns how many rows the node has where all that it
+    /// means is that there is none at `position`.
+    int explain(const CMError &error, const CMPath &path, int position);
+    void requireNoError(const CMError &error, const CMPath &path);
+    Diagnosis diagnoseRow(const CMPath &path, int position) const;
+    Patient patient(const CMPath &path) const;
+    std::chrono::milliseconds remaining() const;
 
     const GlobalOptions m_options;
+    Errors m_errors = Explained;
+    /// Since the last answer that was no error.
+    QElapsedTimer m_silence;
+    QElapsedTimer m_asked;
+    QHash<QString, QString> m_names;
     NetworkPublisher m_network;
     std::unique_ptr<ServiceOnBus> m_mediaService;
     std::unique_ptr<CMSyncWorker> m_worker;

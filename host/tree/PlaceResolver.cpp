@@ -77,9 +77,12 @@ CMPath PlaceResolver::resolve(const Place &place, Kind wanted)
         return m_session.root();
     }
     CMPath path = findServer(place.titles.first());
+    QString name = titleInPlace(place.titles.first());
     for (int i = 1; i < place.titles.size(); ++i) {
         const bool last = i + 1 == place.titles.size();
         path = findChild(path, place.titles.at(i), last ? wanted : Folder);
+        name += QLatin1Char('/') + titleInPlace(place.titles.at(i));
+        m_session.setName(path, name);
     }
     return path;
 }
@@ -133,7 +136,7 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
             QStringLiteral("There is no %1 %2 in %3.%4 \"orka ls\" lists what is "
                            "there.")
                 .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
-                    quoted(title), safeText(parent.toEncoded()), nearest.question()));
+                    quoted(title), m_session.nameOf(parent), nearest.question()));
     }
     if (found.size() > 1)
         throw ambiguous(title, found);

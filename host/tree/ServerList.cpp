@@ -37,6 +37,8 @@ const ServerList::Servers &ServerList::servers()
     if (m_stale) {
         m_stale = false; // first, so that a change meanwhile isn't missed
         m_servers = readRows(m_session, m_session.root(), {}, OrkaRoles::all()).rows;
+        for (const OrkaRoles &server : qAsConst(m_servers))
+            m_session.setName(server.path(), server.title().toString());
     }
     return m_servers;
 }

@@ -1,5 +1,7 @@
 #include "OrkaRun.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 OrkaRun::OrkaRun(
@@ -18,7 +20,11 @@ OrkaRun::OrkaRun(
 
 int OrkaRun::status()
 {
-    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(20000)) {
+    // In the event loop, from which a service of the test's own answers.
+    const QDeadlineTimer deadline(20000);
+    while (m_process.state() != QProcess::NotRunning && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    if (m_process.state() != QProcess::NotRunning) {
         m_process.kill();
         m_process.waitForFinished();
         return -1;

@@ -1,0 +1,110 @@
+#include "chain/Diagnosis.h"
+
+#include "chain/ServiceCalls.h"
+#include "output/SafeText.h"
+
+#include <api/core/CMPath.h>
+
+#include <QRegularExpression>
+
+namespace {
+
+constexpr int longestText = 300;
+
+bool contains(const QString &text, const char *part)
+{
+    return text.contains(QLatin1String(part), Qt::CaseInsensitive);
+}
+
+/// Without the service's own heading and whatever XML it was given.
+QString reasonIn(const QString &error)
+{
+    static const QRegularExpression heading(QStringLiteral("^\\w+ operation failed: "));
+    QString text = error.section(QLatin1Char('<'), 0, 0).remove(heading).simplified();
+    while (text.endsWith(QLatin1Char('.')) || text.endsWith(QLatin1Char(':')))
+        text.chop(1);
+    return text.size() > longestText ? text.left(longestText) + QStringLiteral("…") : text;
+}
+
+QString secondsText(std::chrono::milliseconds time)
+{
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+    return seconds <= 1 ? QStringLiteral("a second") : QStringLiteral("%1 seconds").arg(seconds);
+}
+
+Diagnosis diagnosisOf(const ServiceAnswer &answer)
+{
+    if (!answer.came)
+        return {Diagnosis::ServerSilent};
+    if (!answer.isError())
+        return {Diagnosis::Answers};
+    if (answer.errorName.endsWith(QLatin1String(".Cancelled")))
+        return {Diagnosis::ServerGone};
+    return diagnosisOf(answer.error);
+}
+
+} // namespace
+
+Diagnosis diagnose(const CMPath &path, int position, std::chrono::milliseconds limit)
+{
+    const ServiceCalls service(limit);
+    const ServiceAnswer servers = service.servers();
+    if (!servers.came)
+        return {Diagnosis::ServiceSilent};
+    if (servers.isError())
+        return {Diagnosis::Unknown};
+    const QString object = service.objectOf(path.base(), objectPaths(servers));
+    if (object.isEmpty())
+        return {Diagnosis::ServerGone};
+    if (path.param(QStringLiteral("itemType")) == QLatin1String("track"))
+        return diagnosisOf(service.everything(object));
+    const ServiceAnswer child = service.child(object, uint(position));
+    Diagnosis diagnosis = diagnosisOf(child);
+    // Others answer with an empty list.
+    if (child.isGood() && childrenIn(child) == 0)
+        diagnosis.verdict = Diagnosis::Empty;
+    if (diagnosis.verdict == Diagnosis::Empty && position > 0)
+        diagnosis.childCount = valueOf(service.childCount(object)).toInt();
+    return diagnosis;
+}
+
+Diagnosis diagnosisOf(const QString &error)
+{
+    if (contains(error, "Empty 'DIDL-Lite'") || contains(error, "empty DIDL-Lite"))
+        return {Diagnosis::Empty};
+    for (const char *sign : {"did not answer within", "did not receive a reply", "timed out",
+             "time-out", "timeout was reached"}) {
+        if (contains(error, sign))
+            return {Diagnosis::ServerSilent};
+    }
+    if (contains(error, "Operation cancelled") || contains(error, "Operation was cancelled"))
+        return {Diagnosis::ServerGone};
+    return {Diagnosis::Refused, reasonIn(error)};
+}
+
+Failure failureOf(const Diagnosis &diagnosis, const Patient &patient)
+{
+    const QString seconds = secondsText(patient.waited);
+    switch (diagnosis.verdict) {
+    case Diagnosis::ServerSilent:
+        return Failure(NoAnswer, QStringLiteral("noAnswer"),
+            QStringLiteral("%1 did not answer within %2. It may be busy, asleep or "
+                           "switched off; try again, or restart it.")
+                .arg(patient.server, seconds));
+    case Diagnosis::ServiceSilent:
+        return Failure(NoAnswer, QStringLiteral("noAnswer"),
+            QStringLiteral("The media service did not answer within %1. End it, or start "
+                           "it again; \"orka doctor\" tells which program it is.")
+                .arg(seconds));
+    case Diagnosis::ServerGone:
+        return missing(QStringLiteral("serverGone"),
+            QStringLiteral("%1 is not there any more. \"orka servers\" lists those that are there.")
+                .arg(patient.server));
+    default:
+        return Failure(AnsweredWithError, QStringLiteral("refused"),
+            QStringLiteral("%1 could not be %2: %3.")
+                .arg(patient.node,
+                    patient.isSearched ? QStringLiteral("searched") : QStringLiteral("read"),
+                    safeText(diagnosis.text)));
+    }
+}

@@ -1,0 +1,122 @@
+#include "chain/ServiceCalls.h"
+
+#include "chain/Bus.h"
+#include "chain/ServiceOnBus.h"
+
+#include <api/core/orka.h>
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+
+namespace {
+
+const QString managerObject = QStringLiteral("/com/intel/dLeynaServer");
+const QString managerInterface = QStringLiteral("com.intel.dLeynaServer.Manager");
+const QString deviceInterface = QStringLiteral("com.intel.dLeynaServer.MediaDevice");
+const QString containerInterface = QStringLiteral("org.gnome.UPnP.MediaContainer2");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+/// As the object path of a server ends since dLeyna 0.6; before, it was a number.
+QString escaped(const QString &udn)
+{
+    QString text;
+    const QByteArray bytes = udn.toUtf8();
+    for (const char c : bytes) {
+        const bool plain =
+            (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        text += plain ? QString(QLatin1Char(c))
+                      : QStringLiteral("_%1").arg(uchar(c), 2, 16, QLatin1Char('0'));
+    }
+    return text;
+}
+
+} // namespace
+
+ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
+    : m_limit(limit)
+{
+}
+
+ServiceAnswer ServiceCalls::call(const QString &object, const QString &interface,
+    const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(ServiceOnBus::busName(), object, interface, method);
+    call.setArguments(arguments);
+    const QDBusMessage reply = Bus(orkaDBusConnection(), m_limit).send(call);
+    ServiceAnswer answer;
+    const bool isError = reply.type() == QDBusMessage::ErrorMessage;
+    // The bus says so where the service ended meanwhile, and the library where the time is over.
+    answer.came = reply.type() == QDBusMessage::ReplyMessage
+        || (isError && reply.errorName() != QLatin1String("org.freedesktop.DBus.Error.NoReply"));
+    if (isError) {
+        answer.errorName = reply.errorName();
+        answer.error = reply.errorMessage();
+    } else {
+        answer.values = reply.arguments();
+    }
+    return answer;
+}
+
+ServiceAnswer ServiceCalls::servers() const
+{
+    return call(managerObject, managerInterface, QStringLiteral("GetServers"), {});
+}
+
+ServiceAnswer ServiceCalls::property(const QString &server, const QString &name) const
+{
+    return call(server, propertiesInterface, QStringLiteral("Get"), {deviceInterface, name});
+}
+
+ServiceAnswer ServiceCalls::everything(const QString &object) const
+{
+    return call(object, propertiesInterface, QStringLiteral("GetAll"), {QString()});
+}
+
+ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
+{
+    return call(container, containerInterface, QStringLiteral("ListChildren"),
+        {position, 1U, QStringList{QStringLiteral("Path")}});
+}
+
+ServiceAnswer ServiceCalls::childCount(const QString &container) const
+{
+    return call(container, propertiesInterface, QStringLiteral("Get"),
+        {containerInterface, QStringLiteral("ChildCount")});
+}
+
+QString ServiceCalls::objectOf(const QString &base, const QStringList &servers) const
+{
+    const QString udn = base.section(QLatin1Char('/'), 1, 1);
+    const QString below = base.section(QLatin1Char('/'), 2);
+    const QString ending = QLatin1Char('/') + escaped(udn);
+    for (const QString &server : servers) {
+        if (server.endsWith(ending)
+            || valueOf(property(server, QStringLiteral("UDN"))).toString() == udn)
+            return below.isEmpty() ? server : server + QLatin1Char('/') + below;
+    }
+    return QString();
+}
+
+QStringList objectPaths(const ServiceAnswer &answer)
+{
+    QStringList paths;
+    const auto list = qdbus_cast<QList<QDBusObjectPath>>(answer.values.value(0));
+    for (const QDBusObjectPath &path : list)
+        paths.append(path.path());
+    return paths;
+}
+
+QVariant valueOf(const ServiceAnswer &answer)
+{
+    return answer.values.value(0).value<QDBusVariant>().variant();
+}
+
+int childrenIn(const ServiceAnswer &answer)
+{
+    const auto list = answer.values.value(0).value<QDBusArgument>();
+    return list.currentSignature() == QLatin1String("aa{sv}")
+        ? qdbus_cast<QList<QVariantMap>>(list).size()
+        : 0;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+#include <chrono>
+
+/// What the media service answered to one call.
+struct ServiceAnswer
+{
+    /// Whether an answer came in time, be it an error.
+    bool came = false;
+    /// Both empty where it is no error.
+    QString errorName;
+    QString error;
+    QVariantList values;
+
+    bool isError() const { return !errorName.isEmpty(); }
+    bool isGood() const { return came && !isError(); }
+};
+
+/// Calls to the media service's own objects, past any worker. Each is waited for in the event loop,
+/// `limit` at most.
+class ServiceCalls
+{
+public:
+    explicit ServiceCalls(std::chrono::milliseconds limit);
+
+    /// The object paths of its media servers.
+    ServiceAnswer servers() const;
+    /// A property of a media server.
+    ServiceAnswer property(const QString &server, const QString &name) const;
+    /// All that is known of any object.
+    ServiceAnswer everything(const QString &object) const;
+    /// One child of a container, counted from 0.
+    ServiceAnswer child(const QString &container, uint position) const;
+    ServiceAnswer childCount(const QString &container) const;
+    /// "/…/server/…/36" for the base of a node path, "/uuid:…/36"; empty where none of `servers`
+    /// has this UDN.
+    QString objectOf(const QString &base, const QStringList &servers) const;
+
+private:
+    ServiceAnswer call(const QString &object, const QString &interface, const QString &method,
+        const QVariantList &arguments) const;
+
+    std::chrono::milliseconds m_limit;
+};
+
+/// The object paths in a good answer of `servers()`.
+QStringList objectPaths(const ServiceAnswer &answer);
+/// How many objects a good answer of `child()` holds.
+int childrenIn(const ServiceAnswer &answer);
+/// The value in the answer of `property()` or `childCount()`; invalid where there is none.
+QVariant valueOf(const ServiceAnswer &answer);

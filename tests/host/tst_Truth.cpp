@@ -1,0 +1,117 @@
+#include "FakeMediaService.h"
+#include "MediaServiceNames.h"
+#include "OrkaRun.h"
+#include "PrivateBus.h"
+
+#include <QtTest>
+
+#include <memory>
+
+/// The program and the plug-in before a media service that fails: what people are told, and that it
+/// is never an empty answer.
+class tst_Truth : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void failuresSayWhatIsTheMatter_data();
+    void failuresSayWhatIsTheMatter();
+
+private:
+    std::unique_ptr<OrkaRun> run(const QStringList &arguments)
+    {
+        return std::make_unique<OrkaRun>(
+            m_bus->address(), QStringList{"--plugin", PLUGIN} + arguments);
+    }
+
+    std::unique_ptr<PrivateBus> m_bus;
+    std::unique_ptr<FakeMediaService> m_service;
+};
+
+void tst_Truth::init()
+{
+    m_bus = std::make_unique<PrivateBus>();
+    m_service = std::make_unique<FakeMediaService>(*m_bus);
+    const QString server = m_service->tree.addServer("uuid:1", "Den", QStringList{"DisplayName"});
+    const QString music = m_service->tree.addContainer(server, "m", "Mu,sic");
+    m_service->tree.addTrack(music, "t", "Song");
+}
+
+void tst_Truth::cleanup()
+{
+    m_service.reset();
+    m_bus.reset();
+}
+
+using Fault = std::function<void(FakeMediaService &)>;
+Q_DECLARE_METATYPE(Fault)
+
+void tst_Truth::failuresSayWhatIsTheMatter_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("said"); // on standard error; the output where it is 0
+    const auto row = [](const char *name, const Fault &fault, const QString &command, int status,
+                         const char *said) {
+        QTest::newRow(name) << fault << command.split(' ') << status << QString(said);
+    };
+    const QString music = FakeTree::objectPath(FakeTree::serverPath("uuid:1"), "m");
+    const FakeMatch listing{"ListChildren", music};
+    const QString noRows = "Browse operation failed: Empty 'DIDL-Lite' node in the DIDL-Lite XML:\n"
+                           "<DIDL-Lite xmlns=\"urn\"></DIDL-Lite>";
+    row(
+        "refused", [=](auto &s) { s.fail(listing, "Browse operation failed: Bad (701)."); },
+        "ls Den/Mu,sic", 1, "\"Den/Mu,sic\" could not be read: Bad (701).\n");
+    row(
+        "hangs",
+        [=](auto &s) {
+            s.hold(listing);
+            s.fail({"ListChildren", music, {}, 1}, "did not answer within 10 seconds");
+        },
+        "--timeout 2.2 ls Den/Mu,sic", 4,
+        "The media server \"Den\" did not answer within 2 seconds.");
+    row(
+        "empty", [=](auto &s) { s.fail(listing, noRows); }, "ls Den/Mu,sic", 0,
+        "There are no rows.\n");
+    row(
+        "nothing found", [=](auto &s) { s.fail({"SearchObjectsEx"}, noRows); },
+        "search Den --title x", 0, "There are no rows.\n");
+    row(
+        "behind the last", [=](auto &s) { s.fail(listing, noRows); }, "ls Den/Mu,sic --rows 5-9", 0,
+        "None of 1 rows is in this range.\n");
+    row(
+        "search refused",
+        [=](auto &s) { s.fail({"SearchObjectsEx"}, "Search operation failed: No"); },
+        "search Den --title x", 1, "\"Den\" could not be searched: No.\n");
+    row(
+        "server left",
+        [=](auto &s) {
+            s.answer(listing, [&s](const FakeCall &) {
+                s.tree.remove(FakeTree::serverPath("uuid:1"));
+                return FakeReply::error("com.intel.dleyna.Cancelled", "Operation cancelled.");
+            });
+        },
+        "ls Den/Mu,sic", 3, "The media server \"Den\" is not there any more.");
+    row(
+        "silent", [=](auto &s) { s.hold(listing); }, "--timeout 0.5 ls Den/Mu,sic", 4,
+        "No answer about \"Den/Mu,sic\" came in 0.5 s");
+}
+
+void tst_Truth::failuresSayWhatIsTheMatter()
+{
+    QFETCH(Fault, fault);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, said);
+    fault(*m_service);
+    const auto orka = run(arguments);
+    const int status = orka->status();
+    const QByteArray text = status == 0 ? orka->output() : orka->errors();
+    QVERIFY2(text.contains(said.toUtf8()), orka->errors() + orka->output());
+    QTEST(status, "status");
+}
+
+QTEST_GUILESS_MAIN(tst_Truth)
+#include "tst_Truth.moc"
