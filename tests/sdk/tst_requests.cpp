@@ -141,8 +141,12 @@ void tst_requests::theRootRoutesByPrefixAndForgetsWhatWent()
     QCOMPARE(changes.count(), 1);
 
     const QPointer<QObject> worker = inner;
+    const CMReply<QVariantList> onItsWay;
+    CMRoot()->getData(CMPath("a", ""), {"title"}, onItsWay);
+    QVERIFY(!onItsWay.isFinished());
     a.reset();
     QVERIFY(!worker);
+    QVERIFY(onItsWay.error().message().toString().contains("gone"));
     QVERIFY(askRoot("a").contains("\"a\""));
 }
 
