@@ -10,17 +10,57 @@ namespace {
 
 std::atomic<LogLevel> highestLevel{LogLevel::Warning};
 
+constexpr size_t longestLine = 1000;
+// What a stranger's packets may make the libraries say.
+constexpr unsigned libraryWarningsInAMinute = 10;
+
+/// Nothing that a terminal or a reader of the log takes for anything but text of this line: no
+/// breaks, no escapes, no change of direction.
+bool isPlain(gunichar character)
+{
+    const GUnicodeType type = g_unichar_type(character);
+    return type != G_UNICODE_CONTROL && type != G_UNICODE_FORMAT && type != G_UNICODE_LINE_SEPARATOR
+        && type != G_UNICODE_PARAGRAPH_SEPARATOR;
+}
+
+std::string plainLine(std::string_view text)
+{
+    const std::string_view start = text.substr(0, longestLine);
+    char *valid = g_utf8_make_valid(start.data(), static_cast<gssize>(start.size()));
+    std::string line;
+    for (const char *at = valid; *at != '\0'; at = g_utf8_next_char(at)) {
+        if (isPlain(g_utf8_get_char(at)))
+            line.append(at, static_cast<size_t>(g_utf8_next_char(at) - at));
+        else
+            line += '?';
+    }
+    g_free(valid);
+    return text.size() > longestLine ? line + "…" : line;
+}
+
+/// Warnings of the libraries are shown, some a minute.
+LogLevel levelOfLibraryLine(GLogLevelFlags level)
+{
+    static std::atomic<gint64> minute{0};
+    static std::atomic<unsigned> shown{0};
+    const gint64 now = g_get_monotonic_time() / (60 * G_USEC_PER_SEC);
+    if (minute.exchange(now) != now)
+        shown = 0;
+    const bool isWarning = (level & G_LOG_LEVEL_WARNING) != 0;
+    return isWarning && shown++ < libraryWarningsInAMinute ? LogLevel::Warning : LogLevel::Debug;
+}
+
 GLogWriterOutput writeLibraryLine(
     GLogLevelFlags level, const GLogField *fields, gsize count, gpointer)
 {
     // A CRITICAL is a fault of this program and is shown whatever the level.
     if ((level & (G_LOG_LEVEL_ERROR | G_LOG_LEVEL_CRITICAL)) != 0)
         return g_log_writer_standard_streams(level, fields, count, nullptr);
-    if (!isLogged(LogLevel::Debug) || (level & (G_LOG_LEVEL_DEBUG | G_LOG_LEVEL_INFO)) != 0)
+    if ((level & (G_LOG_LEVEL_DEBUG | G_LOG_LEVEL_INFO)) != 0)
         return G_LOG_WRITER_HANDLED;
     for (gsize i = 0; i < count; ++i) {
         if (g_str_equal(fields[i].key, "MESSAGE"))
-            logDebug(static_cast<const char *>(fields[i].value));
+            logLine(levelOfLibraryLine(level), static_cast<const char *>(fields[i].value));
     }
     return G_LOG_WRITER_HANDLED;
 }
@@ -42,8 +82,8 @@ void logLine(LogLevel level, const std::string &text)
     static constexpr const char *names[] = {"warning", "info", "debug"};
     if (!isLogged(level))
         return;
-    const std::string line =
-        std::string("orka-media-bridge: ") + names[static_cast<int>(level)] + ": " + text + "\n";
+    const std::string line = std::string("orka-media-bridge: ") + names[static_cast<int>(level)]
+        + ": " + plainLine(text) + "\n";
     std::fputs(line.c_str(), stderr);
 }
 

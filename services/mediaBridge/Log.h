@@ -10,7 +10,8 @@ enum class LogLevel { Warning, Info, Debug };
 void setLogLevel(LogLevel level);
 bool isLogged(LogLevel level);
 
-/// One line on standard error, from any thread.
+/// One line on standard error, from any thread. Texts from the network may be part of it: what
+/// isn't plain text becomes "?", and what is longer than 1,000 bytes is cut.
 void logLine(LogLevel level, const std::string &text);
 inline void logWarning(const std::string &text)
 {
@@ -25,7 +26,7 @@ inline void logDebug(const std::string &text)
     logLine(LogLevel::Debug, text);
 }
 
-/// Sends what the libraries have to say about odd packets and descriptions to Debug, so that a
+/// Shows the libraries' warnings as ours, ten a minute and the others with Debug, so that a
 /// careless device doesn't fill the log.
 void captureLibraryLog();
 
