@@ -22,28 +22,24 @@ void DBusBarrier::addCall(const QString &name, const QDBusPendingCall &call)
     auto *watcher = new QDBusPendingCallWatcher(call, this);
     m_pending.insert(watcher);
     m_calls[name] = watcher;
-    sdk::connectChecked(watcher,
+    orkaConnect(watcher,
         SIGNAL(finished(QDBusPendingCallWatcher*)), this,
             SLOT(callFinished(QDBusPendingCallWatcher*)));
 }
 
 void DBusBarrier::callFinished(QDBusPendingCallWatcher *watcher)
 {
-    sdk::verify(m_pending.contains(watcher), "m_pending.contains(watcher)");
-    hold();
+    ORKA_ASSERT(m_pending.contains(watcher));
     m_pending.remove(watcher);
-    m_isDue = true;
-    if (m_onArrival)
-        m_onArrival(watcher);
-    proceed();
+    if (m_pending.isEmpty() && !m_isHeld)
+        emit finished(this, m_userData);
 }
 
 void DBusBarrier::proceed()
 {
-    if (--m_holds > 0 || !m_isDue || !m_pending.isEmpty())
-        return;
-    m_isDue = false;
-    emit finished(this, m_userData);
+    m_isHeld = false;
+    if (m_pending.isEmpty() && !m_calls.isEmpty())
+        emit finished(this, m_userData);
 }
 
 QDBusPendingCall &DBusBarrier::getCall(const QString &name)

@@ -1,9 +1,12 @@
 #pragma once
 
-#include "ArrivedObjects.h"
-#include "ObjectMapping.h"
+#include "PropertyMapReader.h"
+#include "ReplyContext.h"
+#include "SlicedWork.h"
+#include "sdk.h"
 
-#include <functional>
+class CMUPnPWorker;
+class DBusBarrier;
 
 /// Names of a preparation's calls in its barrier; `number` counts from 1.
 namespace preparation {
@@ -15,32 +18,28 @@ QString directObjectCall(int number);
 QString searchCall(int number);
 } // namespace preparation
 
-/// Answers a preparation; start() when its barrier has all replies. Its tracks come first, then
-/// what each search found. Where a search failed and nothing was found at all, `walk` gets the
-/// request instead. Disposes of the barrier, and of itself, its child.
+/// Answers a preparation whose calls have all finished: its tracks first, then what each search
+/// found. Where a search failed and nothing was found at all, the containers are walked instead.
+/// Disposes of the barrier. A child of the worker.
 class PreparedItems : public SlicedWork
 {
-    Q_OBJECT
-
 public:
-    PreparedItems(DBusBarrier *barrier, const ObjectMapping &mapping,
-        std::function<void(const CMSetDataRequest &)> walk);
+    PreparedItems(CMUPnPWorker *worker, DBusBarrier *barrier);
 
 private:
-    Next step() override;
+    bool step() override;
     void takeTrack();
     void openSearch();
-    ObjectProperties takeProperties(const QString &callName);
     void append(const ObjectProperties &object);
     void answer();
 
+    CMUPnPWorker *m_worker;
     DBusBarrier *m_barrier;
-    ArrivedObjects m_arrived;
-    ObjectMapping m_mapping;
-    std::function<void(const CMSetDataRequest &)> m_walk;
+    std::unique_ptr<CMSetDataRequest> m_request;
     int m_track = 1;
     int m_search = 1;
     bool m_searchFailed = false;
-    ArrivedObjects::Objects m_found;
+    PropertyMapReader m_found;
+    ReplyContext m_context;
     QVariantList m_items;
 };

@@ -15,14 +15,14 @@ public:
     }
 
 private:
-    Next step() override
+    bool step() override
     {
         if (m_next == m_count) {
             m_done();
-            return Next::End;
+            return false;
         }
         m_body(m_next++);
-        return Next::Step;
+        return true;
     }
 
     int m_next = 0;
@@ -36,11 +36,10 @@ private:
 void SlicedWork::runSlice()
 {
     for (int done = 0; done < stepsPerTurn; ++done) {
-        const Next next = step();
-        if (next == Next::End)
+        if (!step()) {
             deleteLater();
-        if (next != Next::Step)
             return;
+        }
     }
     QMetaObject::invokeMethod(
         this, [this] { runSlice(); }, Qt::QueuedConnection);

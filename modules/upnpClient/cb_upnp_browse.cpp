@@ -11,6 +11,18 @@ const QString listChildrenCall = QStringLiteral("ListChildren");
 const QString childCountCall = QStringLiteral("ChildCount");
 const QString getAllCall = QStringLiteral("GetAll");
 
+/// What a container that can be searched says of its search menu.
+OrkaRoles searchRoles(const UPnPPath &container)
+{
+    CMPath menu = container.orkaPathWithoutParams();
+    menu.addParam(QStringLiteral("search"), QStringLiteral("menu"));
+    OrkaRoles search;
+    search.setPath(menu);
+    search.setType(OrkaRolesType::Container);
+    search.setContainerType(OrkaRolesContainerType::SearchMenu);
+    return search;
+}
+
 } // namespace
 
 void CMUPnPWorker::handleListRowsRequest(
@@ -42,13 +54,12 @@ void CMUPnPWorker::on_handleListRows_finished(DBusBarrier *barrier, void *)
 
     if (children.isError() || count.isError()) {
         LOG4CPLUS_INFO(upnpLog(), "Fetching children failed");
-        LOG4CPLUS_INFO(upnpLog(), "listChildren: " << logText(children.error().message()));
-        LOG4CPLUS_INFO(upnpLog(), "childCount: " << logText(count.error().message()));
-        sdk::refuse(*request, createErrorInternal(QStringLiteral("Failed to retrieve content")));
+        LOG4CPLUS_INFO(upnpLog(), "listChildren: " << children.error().message());
+        LOG4CPLUS_INFO(upnpLog(), "childCount: " << count.error().message());
+        request->setError(createErrorInternal(QStringLiteral("Failed to retrieve content")));
         return;
     }
-    const int total = count.value().variant().toInt();
-    (new RowsAnswer(this, mapping(), *request, children.reply(), total))->start();
+    RowsAnswer::start(this, *request, children.reply(), count.value().variant().toInt());
 }
 
 void CMUPnPWorker::handleListDataRequest(const CMGetDataRequest &request, const UPnPPath &path)
@@ -68,21 +79,21 @@ void CMUPnPWorker::on_handleListData_finished(DBusBarrier *barrier, void *)
 {
     TRACE_ENTER();
     const auto request = barrier->takeUserData<CMGetDataRequest>();
-    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, sdk::pathOf(*request));
+    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, request->path());
     const QDBusPendingReply<QVariantMap> properties = barrier->getCall(getAllCall);
     barrier->deleteLater();
 
     if (properties.isError()) {
         const QString message = properties.error().message();
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching properties failed: " << logText(message));
-        sdk::refuse(*request,
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching properties failed: " << message);
+        request->setError(
             createErrorInternal(QStringLiteral("Failed to retrieve content: %1").arg(message)));
         return;
     }
 
     OrkaRoles roles = fillin_roles(properties.value());
-    if (sdk::isContainer(roles) && upath.queryValue(QStringLiteral("search")).isEmpty()
-        && hasSearchCaps(upath.udn()))
-        roles.setSearch(searchMenu(upath, std::nullopt));
-    sdk::answer(*request, CMGlobal::itemRolesToList(sdk::rolesOf(*request), roles));
+    if (roles.type() == OrkaRolesType::Container
+        && upath.queryValue(QStringLiteral("search")).isEmpty() && hasSearchCaps(upath.udn()))
+        roles.setSearch(searchRoles(upath));
+    request->reply().setValue(CMGlobal::itemRolesToList(request->roles(), roles));
 }

@@ -41,7 +41,7 @@ QString searchCriteria(const QString &key, const QString &text)
         if (key == QLatin1String(type.key))
             return QString::fromLatin1(type.criteria).arg(escaped(text));
     }
-    LOG4CPLUS_ERROR(upnpLog(), "Invalid search type: " << logText(key));
+    LOG4CPLUS_ERROR(upnpLog(), "Invalid search type: " << key);
     return QString();
 }
 
@@ -59,7 +59,7 @@ bool CMUPnPWorker::hasSearchCaps(const QString &udn) const
 
 bool CMUPnPWorker::checkSearchCap(const QString &udn, const QString &cap) const
 {
-    TRACE_ENTER_WITH("udn=" << logText(udn) << "cap=" << logText(cap));
+    TRACE_ENTER_WITH("udn=" << udn << "cap=" << cap);
     // Titles are searched under the media service's own name for them.
     const QString name = cap == QLatin1String("Title") ? QStringLiteral("DisplayName") : cap;
     const bool can = m_searchCaps.value(udn).contains(name);
@@ -69,46 +69,42 @@ bool CMUPnPWorker::checkSearchCap(const QString &udn, const QString &cap) const
 
 OrkaRoles CMUPnPWorker::getSearchMenuRoles(const UPnPPath &path) const
 {
-    return searchMenu(path, SDK_TR("Search menu"));
-}
-
-/// The search menu of a node. It has no title in the node's own data.
-OrkaRoles CMUPnPWorker::searchMenu(const UPnPPath &node, const std::optional<TrString> &title) const
-{
-    auto roles = sdk::empty<OrkaRoles>();
-    roles.setPath(sdk::withParam(node.orkaPathWithoutParams(), searchKey, menuValue));
-    if (title)
-        roles.setTitle(*title);
-    roles.setType(sdk::containerType());
-    roles.setContainerType(sdk::searchMenuType());
+    CMPath menu = path.orkaPathWithoutParams();
+    menu.addParam(searchKey, menuValue);
+    OrkaRoles roles;
+    roles.setPath(menu);
+    roles.setTitle(ORKA_TR("Search menu"));
+    roles.setType(OrkaRolesType::Container);
+    roles.setContainerType(OrkaRolesContainerType::SearchMenu);
     return roles;
 }
 
 void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
     const UPnPPath &path, const QString &search, const QString &query, int first, int last) const
 {
-    TRACE_ENTER_WITH("search: " << logText(search) << " query: " << logText(query));
-    QList<OrkaRoles> entries;
+    TRACE_ENTER_WITH("search: " << search << " query: " << query);
+    QVector<OrkaRoles> entries;
     for (const SearchType &type : searchTypes) {
         if (!checkSearchCap(path.udn(), QLatin1String(type.capability)))
             continue;
-        auto entry = sdk::empty<OrkaRoles>();
-        entry.setTitle(sdk::translatable(Q_FUNC_INFO, type.capability));
-        entry.setType(sdk::searchEntryType());
-        entry.setPath(
-            sdk::withParam(path.orkaPathWithoutParams(), searchKey, QLatin1String(type.key)));
+        OrkaRoles entry;
+        entry.setTitle(TrString(trExtractContext(Q_FUNC_INFO), type.capability));
+        entry.setType(OrkaRolesType::Search);
+        CMPath entryPath = path.orkaPathWithoutParams();
+        entryPath.addParam(searchKey, QLatin1String(type.key));
+        entry.setPath(entryPath);
         entries.append(entry);
     }
 
     QVariantList rows;
     for (int i = qMax(first, 0); i <= last && i < entries.size(); ++i)
-        rows.append(QVariant(CMGlobal::itemRolesToList(sdk::rolesOf(request), entries.at(i))));
-    auto answer = sdk::empty<OrkaRowsRoles>();
+        rows.append(QVariant(CMGlobal::itemRolesToList(request.roles(), entries.at(i))));
+    OrkaRowsRoles answer;
     answer.setRoles(getSearchMenuRoles(path));
     answer.setRowsVersion(0);
     answer.setRows(rows);
     answer.setRowsCount(entries.size());
-    sdk::answer(request, answer);
+    request.reply().setValue(answer);
 }
 
 void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
@@ -116,21 +112,21 @@ void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, cons
 {
     TRACE_ENTER();
     Q_UNUSED(query)
-    auto roles = sdk::empty<OrkaRoles>();
+    OrkaRoles roles;
     if (search == menuValue) {
         roles = getSearchMenuRoles(path);
     } else {
-        roles.setTitle(SDK_TR("Search results"));
-        roles.setPath(sdk::pathOf(request));
-        roles.setType(sdk::containerType());
+        roles.setTitle(ORKA_TR("Search results"));
+        roles.setPath(request.path());
+        roles.setType(OrkaRolesType::Container);
     }
-    sdk::answer(request, CMGlobal::itemRolesToList(sdk::rolesOf(request), roles));
+    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), roles));
 }
 
 void CMUPnPWorker::handleSearchRowsRequest(const CMGetRowsRequest &request, const UPnPPath &path,
     const QString &search, const QString &query, int first, int last)
 {
-    TRACE_ENTER_WITH("search : " << logText(search) << " query " << logText(query));
+    TRACE_ENTER_WITH("search : " << search << " query " << query);
     const OrgGnomeUPnPMediaContainer2Interface proxy(
         dleyna::service(), path.dbusPath().path(), orkaDBusConnection(), this);
     auto *barrier = new DBusBarrier(nullptr, this);
@@ -151,11 +147,10 @@ void CMUPnPWorker::on_handleSearchRows_finished(DBusBarrier *barrier, void *)
 
     if (found.isError()) {
         const QString message = found.error().message();
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching search results failed; error: " << logText(message));
-        sdk::refuse(*request,
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching search results failed; error: " << message);
+        request->setError(
             createErrorInternal(QStringLiteral("Failed to retrieve content: %1").arg(message)));
         return;
     }
-    const int total = int(found.argumentAt<1>());
-    (new RowsAnswer(this, mapping(), *request, found.reply(), total))->start();
+    RowsAnswer::start(this, *request, found.reply(), int(found.argumentAt<1>()));
 }

@@ -5,11 +5,10 @@
 #include <QEvent>
 
 #include <mutex>
-#include <optional>
 #include <variant>
 
 /// Hands requests over to a worker from any thread and outlives it: a request that comes when the
-/// worker is gone, or hasn't reached it until then, is answered with an error.
+/// worker is gone is answered with an error.
 class CMWorkerGate
 {
 public:
@@ -29,18 +28,16 @@ private:
     CMAbstractWorker *m_worker;
 };
 
-/// A request on its way through the event loop of its worker. One that is never taken, since the
-/// worker went, is answered with an error when this is destroyed.
+/// A request on its way through the event loop of its worker.
 class CMRequestEvent : public QEvent
 {
 public:
-    explicit CMRequestEvent(CMWorkerGate::Request request);
-    ~CMRequestEvent() override;
+    explicit CMRequestEvent(CMWorkerGate::Request what)
+        : QEvent(eventType())
+        , request(std::move(what))
+    {
+    }
     static Type eventType();
 
-    /// For the worker, once.
-    CMWorkerGate::Request take();
-
-private:
-    std::optional<CMWorkerGate::Request> m_request;
+    const CMWorkerGate::Request request;
 };

@@ -1,9 +1,13 @@
 #include "orka.h"
 
+#include <dbus/dbus.h>
 #include <mutex>
 #include <optional>
 
 namespace {
+// A connection whose unreleased replies reach this limit stops reading for good.
+constexpr long receiveLimitBytes = 1L << 30;
+
 struct SharedConnection
 {
     std::mutex mutex;
@@ -35,7 +39,11 @@ bool SharedConnection::open(const QString &bus)
     close();
     // Qt may still be winding up the last connection; a new name never meets it.
     connection = connectTo(bus, QStringLiteral("orka-%1").arg(++opened));
-    return connection->isConnected();
+    if (!connection->isConnected())
+        return false;
+    auto *const raw = static_cast<DBusConnection *>(connection->internalPointer());
+    dbus_connection_set_max_received_size(raw, receiveLimitBytes);
+    return true;
 }
 
 void SharedConnection::close()

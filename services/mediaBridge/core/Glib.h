@@ -72,7 +72,7 @@ inline std::string takeMessage(GError *&error)
 /// `uri` as seen from `base`; empty where there is no such URL.
 inline std::string absoluteUrl(const std::string &uri, const std::string &base)
 {
-    if (uri.empty() || uri.find("://") != std::string::npos)
+    if (uri.empty() || g_uri_peek_scheme(uri.c_str()))
         return uri;
     return takeString(
         g_uri_resolve_relative(base.c_str(), uri.c_str(), G_URI_FLAGS_ENCODED, nullptr));

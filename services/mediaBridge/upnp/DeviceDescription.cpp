@@ -4,6 +4,9 @@
 #include "core/Numbers.h"
 #include "core/SearchCriteria.h"
 #include "core/Xml.h"
+#include "upnp/HttpUrl.h"
+
+#include <algorithm>
 
 namespace bridge {
 
@@ -52,15 +55,37 @@ void readIcon(DeviceDescription &description, pugi::xml_node device)
     }
 }
 
+/// "urn:schemas-upnp-org:service:ContentDirectory:" and a version.
+bool isContentDirectory(const std::string &serviceType)
+{
+    constexpr std::string_view name = "urn:schemas-upnp-org:service:ContentDirectory:";
+    constexpr size_t longestVersion = 3;
+    const size_t end = serviceType.size();
+    return serviceType.compare(0, name.size(), name) == 0 && end > name.size()
+        && end <= name.size() + longestVersion
+        && std::all_of(serviceType.begin() + name.size(), serviceType.end(),
+            [](char c) { return c >= '0' && c <= '9'; });
+}
+
+/// Calls go to the machine that described itself, however it writes its address, and to no other.
+std::string ownUrl(const std::string &url, const std::string &location)
+{
+    const auto parts = parseHttpUrl(url);
+    if (!parts || parts->host != hostOf(location))
+        return {};
+    return withScopeOf(url, location);
+}
+
 void readContentDirectory(DeviceDescription &description, pugi::xml_node device)
 {
-    constexpr std::string_view wanted = "urn:schemas-upnp-org:service:ContentDirectory:";
     for (const pugi::xml_node service : childElement(device, "serviceList").children()) {
         const std::string type = childText(service, "serviceType");
-        if (type.compare(0, wanted.size(), wanted) != 0 || !description.controlUrl.empty())
+        if (!isContentDirectory(type) || !description.controlUrl.empty())
             continue;
         description.serviceType = type;
-        description.controlUrl = absoluteUrl(childText(service, "controlURL"), description.baseUrl);
+        description.controlUrl =
+            ownUrl(absoluteUrl(childText(service, "controlURL"), description.baseUrl),
+                description.location);
     }
 }
 
@@ -88,8 +113,8 @@ std::optional<DeviceDescription> readDescription(
     DeviceDescription description;
     description.udn = udn;
     description.location = location;
-    description.baseUrl = childText(document.root(), "URLBase");
-    if (g_uri_is_valid(description.baseUrl.c_str(), G_URI_FLAGS_ENCODED, nullptr) == FALSE)
+    description.baseUrl = ownUrl(childText(document.root(), "URLBase"), location);
+    if (description.baseUrl.empty())
         description.baseUrl = location;
     readTexts(description, device);
     readIcon(description, device);

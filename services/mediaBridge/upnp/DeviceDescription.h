@@ -35,7 +35,7 @@ struct DeviceDescription
 
 /// Reads the description of the device `udn` (which may be embedded in another) out of `body`,
 /// which was loaded from `location`. Nothing comes back where there is no such device, or one
-/// without a content directory that can be called.
+/// without a content directory that can be called on that same machine.
 std::optional<DeviceDescription> readDescription(
     std::string body, const std::string &udn, const std::string &location);
 

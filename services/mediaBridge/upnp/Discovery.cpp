@@ -1,6 +1,7 @@
 #include "upnp/Discovery.h"
 
 #include "Log.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 
@@ -8,32 +9,25 @@ namespace bridge {
 
 namespace {
 
-constexpr const char *target = "urn:schemas-upnp-org:device:MediaServer:1";
-// Wireless networks lose multicast packets. Asking now and then keeps a server whose announcements
-// were lost from expiring.
-constexpr guint rescanSeconds = 300;
+// Reports of one change come in a row.
+constexpr unsigned changeSettlesMs = 50;
+// An IPv6 address can't be used in its first second or two.
+constexpr unsigned retryMs = 500;
+// Where the kernel reported nothing, or couldn't.
+constexpr unsigned compareMs = 10'000;
+constexpr unsigned roundsBeforeWarning = 10;
+constexpr size_t maxListeners = 64;
+constexpr size_t maxNamed = 64;
 
-std::string udnOf(const char *usn)
-{
-    const std::string text = usn;
-    return text.substr(0, text.find("::"));
-}
+// Packets get lost, and a switch may take half a minute before it lets any through. After that,
+// asking now and then keeps servers whose announcements were lost from expiring.
+constexpr unsigned searchGapsMs[] = {0, 400, 600, 500, 500, 1'000, 4'000, 10'000, 20'000, 300'000};
+// However often clients ask for a search.
+constexpr int64_t searchPauseMs = 250;
 
-int rankOf(GUPnPContext *context)
+std::string describe(const LocalAddress &address)
 {
-    GInetAddress *address = gssdp_client_get_address(GSSDP_CLIENT(context));
-    if (!address)
-        return 3;
-    const bool isIPv4 = g_inet_address_get_family(address) == G_SOCKET_FAMILY_IPV4;
-    const bool isLocal = g_inet_address_get_is_link_local(address) != FALSE;
-    g_object_unref(address);
-    return (isIPv4 ? 0 : 1) + (isLocal ? 2 : 0);
-}
-
-std::string describe(GUPnPContext *context)
-{
-    return textOrEmpty(gssdp_client_get_host_ip(GSSDP_CLIENT(context))) + " on "
-        + textOrEmpty(gssdp_client_get_interface(GSSDP_CLIENT(context)));
+    return address.text + " on " + address.interface;
 }
 
 } // namespace
@@ -43,92 +37,116 @@ Discovery::Discovery(std::vector<std::string> interfaces)
 {
 }
 
-Discovery::~Discovery()
-{
-    if (m_rescanTimer != 0)
-        g_source_remove(m_rescanTimer);
-    if (m_manager)
-        g_signal_handlers_disconnect_by_data(m_manager.get(), this);
-    for (const auto &browser : m_browsers)
-        g_signal_handlers_disconnect_by_data(browser.get(), this);
-}
-
 void Discovery::start()
 {
-    m_manager = Ref<GUPnPContextManager>(
-        gupnp_context_manager_create_full(GSSDP_UDA_VERSION_1_0, G_SOCKET_FAMILY_INVALID, 0));
-    g_signal_connect(m_manager.get(), "context-available", G_CALLBACK(contextAvailable), this);
-    g_signal_connect(m_manager.get(), "context-unavailable", G_CALLBACK(contextUnavailable), this);
-    m_rescanTimer = g_timeout_add_seconds(
-        rescanSeconds,
-        [](gpointer self) -> gboolean {
-            static_cast<Discovery *>(self)->rescan();
-            return G_SOURCE_CONTINUE;
-        },
-        this);
+    // Not started anew by each report: a network that never rests would put it off for ever.
+    m_watch.onChange = [this] {
+        if (!m_change.isRunning())
+            m_change.start(changeSettlesMs, [this] { reconcile(); });
+    };
+    if (!m_watch.start())
+        logWarning("the kernel doesn't report changes of the network; they are seen late");
+    reconcile();
 }
 
 void Discovery::rescan()
 {
-    for (const auto &browser : m_browsers)
-        gssdp_resource_browser_rescan(browser.get());
+    const int64_t restMs = searchPauseMs - (g_get_monotonic_time() - m_searched) / 1000;
+    if (m_searched == 0 || restMs <= 0)
+        searchOn(0);
+    else
+        m_search.start(static_cast<unsigned>(restMs), [this] { searchOn(0); });
 }
 
-bool Discovery::isWanted(GUPnPContext *context) const
+/// Searches now, and after the gaps from `round` on.
+void Discovery::searchOn(size_t round)
 {
-    const std::string interface = textOrEmpty(gssdp_client_get_interface(GSSDP_CLIENT(context)));
-    return m_interfaces.empty()
-        || std::find(m_interfaces.begin(), m_interfaces.end(), interface) != m_interfaces.end();
+    m_searched = g_get_monotonic_time();
+    for (const auto &[id, listener] : m_listeners)
+        listener->search();
+    const size_t next = std::min(round + 1, std::size(searchGapsMs) - 1);
+    m_search.start(searchGapsMs[next], [this, next] { searchOn(next); });
 }
 
-void Discovery::contextAvailable(GUPnPContextManager *, GUPnPContext *context, Discovery *self)
+void Discovery::reconcile()
 {
-    if (!self->isWanted(context))
+    m_compare.start(compareMs, [this] { reconcile(); });
+    auto addresses = localAddresses(m_interfaces);
+    if (!addresses)
         return;
-    logInfo("listening at " + describe(context));
-    Ref<GSSDPResourceBrowser> browser(gssdp_resource_browser_new(GSSDP_CLIENT(context), target));
-    gssdp_resource_browser_set_mx(browser.get(), 1);
-    g_signal_connect(browser.get(), "resource-available", G_CALLBACK(resourceAvailable), self);
-    g_signal_connect(browser.get(), "resource-unavailable", G_CALLBACK(resourceUnavailable), self);
-    self->m_browsers.push_back(browser);
-    gssdp_resource_browser_set_active(browser.get(), TRUE);
+    addresses->resize(std::min(addresses->size(), maxListeners));
+    dropGone(*addresses);
+    const size_t before = m_listeners.size();
+    bool isComplete = true;
+    for (const LocalAddress &address : *addresses)
+        isComplete = add(address) && isComplete;
+    if (m_listeners.size() > before)
+        rescan();
+    m_failedRounds = isComplete ? 0 : m_failedRounds + 1;
+    if (!isComplete)
+        m_compare.start(retryMs, [this] { reconcile(); });
 }
 
-void Discovery::contextUnavailable(GUPnPContextManager *, GUPnPContext *context, Discovery *self)
+/// Leaves in `wanted` what isn't listened at.
+void Discovery::dropGone(std::vector<LocalAddress> &wanted)
 {
-    const auto found =
-        std::find_if(self->m_browsers.begin(), self->m_browsers.end(), [&](const auto &browser) {
-            return gssdp_resource_browser_get_client(browser.get()) == GSSDP_CLIENT(context);
-        });
-    if (found == self->m_browsers.end())
+    for (auto it = m_listeners.begin(); it != m_listeners.end();) {
+        const auto found = std::find(wanted.begin(), wanted.end(), it->second->address());
+        const unsigned id = it->first;
+        if (found != wanted.end() && m_broken.erase(id) == 0) {
+            wanted.erase(found);
+            ++it;
+            continue;
+        }
+        logInfo("no longer listening at " + describe(it->second->address()));
+        it = m_listeners.erase(it);
+        onListenerGone(id);
+    }
+    m_broken.clear();
+}
+
+bool Discovery::add(const LocalAddress &address)
+{
+    auto listener = std::make_unique<SsdpListener>(address);
+    const std::string problem = listener->start();
+    if (!problem.empty()) {
+        if (m_failedRounds == roundsBeforeWarning)
+            logWarning("media servers can't be heard at " + describe(address) + " (" + problem
+                + "); trying on");
+        return false;
+    }
+    logInfo("listening at " + describe(address));
+    const unsigned id = m_nextListener++;
+    listener->onMessage = [this, id](const SsdpMessage &message, const std::string &sender) {
+        received(id, message, sender);
+    };
+    listener->onBroken = [this, id] {
+        m_broken.insert(id);
+        m_compare.start(retryMs, [this] { reconcile(); });
+    };
+    m_listeners.emplace(id, std::move(listener));
+    return true;
+}
+
+/// An announcement leads to nobody but its own sender: else one packet would make this machine call
+/// whomever the packet names.
+void Discovery::received(unsigned id, const SsdpMessage &message, const std::string &sender)
+{
+    if (message.isGoodbye) {
+        onGoodbye(message.udn, id);
         return;
-    logInfo("no longer listening at " + describe(context));
-    const Ref<GSSDPResourceBrowser> browser = *found;
-    self->m_browsers.erase(found);
-    // Tells of every server that was heard there before it goes quiet.
-    gssdp_resource_browser_set_active(browser.get(), FALSE);
-    g_signal_handlers_disconnect_by_data(browser.get(), self);
-}
-
-void Discovery::resourceAvailable(
-    GSSDPResourceBrowser *browser, const char *usn, GList *locations, Discovery *self)
-{
-    if (!locations)
-        return;
-    auto *context = GUPNP_CONTEXT(gssdp_resource_browser_get_client(browser));
-    const auto *heard = static_cast<const char *>(locations->data);
-    // A link-local address is of use only together with the link.
-    const std::string scoped = takeString(gupnp_context_rewrite_uri(context, heard));
-    const std::string location = scoped.empty() ? heard : scoped;
-    logDebug(std::string("heard ") + usn + " at " + location + " through " + describe(context));
-    self->onFound(udnOf(usn), {Ref<GUPnPContext>::share(context), location, rankOf(context)});
-}
-
-void Discovery::resourceUnavailable(GSSDPResourceBrowser *browser, const char *usn, Discovery *self)
-{
-    auto *context = GUPNP_CONTEXT(gssdp_resource_browser_get_client(browser));
-    logDebug(std::string("gone: ") + usn + " through " + describe(context));
-    self->onLost(udnOf(usn), context);
+    }
+    const LocalAddress &address = m_listeners.at(id)->address();
+    const auto url = parseHttpUrl(message.location);
+    const bool isOwn = url && url->host == sender && (!url->isLoopback || address.isLoopback);
+    if (isOwn) {
+        onHeard(message.udn, {id, withScope(message.location, address.index), address.rank()},
+            message.maxAge);
+    } else if (m_named.size() < maxNamed && m_named.insert(sender).second) {
+        logWarning("the media server " + message.udn + ", heard from " + sender
+            + ", names another machine for its description (" + message.location
+            + "), which isn't asked");
+    }
 }
 
 } // namespace bridge

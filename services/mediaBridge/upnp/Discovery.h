@@ -1,38 +1,42 @@
 #pragma once
 
-#include "core/Glib.h"
+#include "core/Timer.h"
+#include "upnp/SsdpListener.h"
 
-#include <functional>
-#include <libgupnp/gupnp.h>
-#include <string>
-#include <vector>
+#include <map>
+#include <set>
 
 namespace bridge {
 
 /// One way to a media server: where it was heard, and its description's URL there.
 struct Route
 {
-    Ref<GUPnPContext> context;
+    /// The address of this machine, by a number that is never used again.
+    unsigned listener = 0;
+    /// An "http" URL whose host is the sender of the announcement.
     std::string location;
-    /// Better routes are lower: IPv4, then IPv6, then addresses that are good on one link only.
+    /// Lower is better.
     int rank = 0;
 };
 
 /// Listens for media servers on every address of the machine that can do multicast, loopback too
-/// where nothing else is up, and follows addresses as they come and go.
+/// where nothing else is up. Addresses that come and go are followed: what is listened at is
+/// compared with what there is, at the start, with every report of the kernel and now and then.
 class Discovery
 {
 public:
     /// `interfaces` limits it to these; empty for all.
     explicit Discovery(std::vector<std::string> interfaces);
-    ~Discovery();
     Discovery(const Discovery &) = delete;
     Discovery &operator=(const Discovery &) = delete;
 
-    /// Called per address and server; the same server comes once per address.
-    std::function<void(const std::string &udn, const Route &)> onFound;
-    /// The server said goodbye there, fell silent, or the address is gone.
-    std::function<void(const std::string &udn, GUPnPContext *)> onLost;
+    /// A server said that it is there, and for how many seconds that is to be believed; the same
+    /// server is heard once per address, and again and again.
+    std::function<void(const std::string &udn, const Route &, unsigned maxAge)> onHeard;
+    /// Somebody said that the server goes.
+    std::function<void(const std::string &udn, unsigned listener)> onGoodbye;
+    /// The address is gone, and what was heard there with it.
+    std::function<void(unsigned listener)> onListenerGone;
 
     /// Starts to listen and sends the first search.
     void start();
@@ -40,18 +44,26 @@ public:
     void rescan();
 
 private:
-    static void contextAvailable(GUPnPContextManager *, GUPnPContext *context, Discovery *self);
-    static void contextUnavailable(GUPnPContextManager *, GUPnPContext *context, Discovery *self);
-    static void resourceAvailable(
-        GSSDPResourceBrowser *browser, const char *usn, GList *locations, Discovery *self);
-    static void resourceUnavailable(
-        GSSDPResourceBrowser *browser, const char *usn, Discovery *self);
-    bool isWanted(GUPnPContext *context) const;
+    void reconcile();
+    void dropGone(std::vector<LocalAddress> &wanted);
+    bool add(const LocalAddress &address);
+    void received(unsigned listener, const SsdpMessage &message, const std::string &sender);
+    void searchOn(size_t round);
 
     std::vector<std::string> m_interfaces;
-    Ref<GUPnPContextManager> m_manager;
-    std::vector<Ref<GSSDPResourceBrowser>> m_browsers;
-    guint m_rescanTimer = 0;
+    AddressWatch m_watch;
+    std::map<unsigned, std::unique_ptr<SsdpListener>> m_listeners;
+    unsigned m_nextListener = 1;
+    /// Listeners that hear nothing any more.
+    std::set<unsigned> m_broken;
+    /// How often in a row some address could not be listened at.
+    unsigned m_failedRounds = 0;
+    /// Who was complained of in the log.
+    std::set<std::string> m_named;
+    Timer m_change;
+    Timer m_compare;
+    Timer m_search;
+    int64_t m_searched = 0;
 };
 
 } // namespace bridge

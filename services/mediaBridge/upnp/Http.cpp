@@ -222,7 +222,11 @@ void failLater(const std::string &url, HttpCallback done)
 
 Ref<SoupMessage> newMessage(const char *method, const std::string &url)
 {
-    return Ref<SoupMessage>(soup_message_new(method, url.c_str()));
+    Ref<SoupMessage> message(soup_message_new(method, url.c_str()));
+    // Nobody is asked because another machine says so.
+    if (message)
+        soup_message_add_flags(message.get(), SOUP_MESSAGE_NO_REDIRECT);
+    return message;
 }
 
 } // namespace

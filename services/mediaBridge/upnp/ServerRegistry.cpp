@@ -2,17 +2,56 @@
 
 #include "Log.h"
 #include "core/ObjectPath.h"
+#include "upnp/HttpUrl.h"
+
+#include <algorithm>
+#include <sys/resource.h>
 
 namespace bridge {
 
-ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
-    : m_discovery(std::move(interfaces))
+namespace {
+
+constexpr size_t longestNameInLog = 100;
+constexpr size_t maxServersInAll = 512;
+constexpr size_t maxServersOfOneHost = 128;
+// Connections a server may have open, and what else the process has.
+constexpr rlim_t descriptorsOfOneServer = 8;
+constexpr rlim_t otherDescriptors = 256;
+
+/// Raises the limit on descriptors as far as it is needed and allowed, and says for how many
+/// servers it is enough.
+size_t serversThatFit()
 {
-    m_discovery.onFound = [this](const std::string &udn, const Route &route) {
-        found(udn, route);
+    constexpr rlim_t wanted = maxServersInAll * descriptorsOfOneServer + otherDescriptors;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return maxServersOfOneHost;
+    if (limit.rlim_cur < wanted) {
+        limit.rlim_cur = std::min(wanted, limit.rlim_max);
+        if (setrlimit(RLIMIT_NOFILE, &limit) != 0)
+            getrlimit(RLIMIT_NOFILE, &limit);
+    }
+    const rlim_t free = limit.rlim_cur - std::min(limit.rlim_cur / 2, otherDescriptors);
+    return std::clamp<size_t>(free / descriptorsOfOneServer, 1, maxServersInAll);
+}
+
+} // namespace
+
+ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
+    : m_maxServers(serversThatFit())
+    , m_discovery(std::move(interfaces))
+{
+    m_discovery.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
+        heard(udn, route, maxAge);
     };
-    m_discovery.onLost = [this](const std::string &udn, GUPnPContext *context) {
-        lost(udn, context);
+    m_discovery.onGoodbye = [this](const std::string &udn, unsigned listener) {
+        const auto tracker = m_trackers.find(serverPathFromUdn(udn));
+        if (tracker != m_trackers.end())
+            tracker->second->saidGoodbye(listener);
+    };
+    m_discovery.onListenerGone = [this](unsigned listener) {
+        for (const auto &[path, tracker] : m_trackers)
+            tracker->listenerGone(listener);
     };
 }
 
@@ -20,7 +59,7 @@ void ServerRegistry::rescan()
 {
     m_discovery.rescan();
     for (const auto &[path, tracker] : m_trackers)
-        tracker->probe();
+        tracker->look();
 }
 
 std::vector<std::shared_ptr<MediaServer>> ServerRegistry::servers() const
@@ -39,29 +78,59 @@ std::shared_ptr<MediaServer> ServerRegistry::find(const std::string &serverPath)
     return tracker == m_trackers.end() ? nullptr : tracker->second->announced();
 }
 
-void ServerRegistry::found(const std::string &udn, const Route &route)
+void ServerRegistry::heard(const std::string &udn, const Route &route, unsigned maxAge)
 {
     const std::string path = serverPathFromUdn(udn);
-    auto &tracker = m_trackers[path];
-    if (!tracker) {
-        tracker = std::make_shared<ServerTracker>(
-            udn, [this](const std::shared_ptr<MediaServer> &server, bool isThere) {
-                logInfo((isThere ? "found \"" : "lost \"") + server->description().friendlyName
-                    + "\" " + server->description().location);
-                onChange(server, isThere);
-            });
-        tracker->onForgettable = [this, path] {
-            m_trackers.erase(path);
-        };
+    auto tracker = m_trackers.find(path);
+    if (tracker == m_trackers.end()) {
+        const std::string host = hostOf(route.location);
+        if (!makeRoomFor(host)) {
+            if (!std::exchange(m_wasFull, true))
+                logWarning("more media servers are announced than can be followed; new ones of "
+                    + host + " are ignored");
+            return;
+        }
+        tracker = m_trackers.emplace(path, newTracker(udn, path, host)).first;
     }
-    tracker->addRoute(route);
+    tracker->second->heard(route, maxAge);
 }
 
-void ServerRegistry::lost(const std::string &udn, GUPnPContext *context)
+/// A server that was heard for the first time takes the place of one that never answered, of its
+/// own host where that has all its places.
+bool ServerRegistry::makeRoomFor(const std::string &host)
 {
-    const auto tracker = m_trackers.find(serverPathFromUdn(udn));
-    if (tracker != m_trackers.end())
-        tracker->second->removeRoute(context);
+    const auto isOfHost = [&](const auto &entry) {
+        return entry.second->host() == host;
+    };
+    const bool isHostFull = std::count_if(m_trackers.begin(), m_trackers.end(), isOfHost)
+        >= static_cast<std::ptrdiff_t>(maxServersOfOneHost);
+    if (!isHostFull && m_trackers.size() < m_maxServers)
+        return true;
+    const auto stranger =
+        std::find_if(m_trackers.begin(), m_trackers.end(), [&](const auto &entry) {
+            return entry.second->isStranger() && (!isHostFull || isOfHost(entry));
+        });
+    if (stranger == m_trackers.end())
+        return false;
+    m_trackers.erase(stranger);
+    return true;
+}
+
+std::shared_ptr<ServerTracker> ServerRegistry::newTracker(
+    const std::string &udn, const std::string &path, const std::string &host)
+{
+    auto tracker = std::make_shared<ServerTracker>(
+        udn, host, m_queue, [this](const std::shared_ptr<MediaServer> &server, bool isThere) {
+            const DeviceDescription &description = server->description();
+            logInfo((isThere ? "found \"" : "lost \"")
+                + description.friendlyName.substr(0, longestNameInLog) + "\" "
+                + description.location);
+            onChange(server, isThere);
+        });
+    tracker->onForgettable = [this, path] {
+        m_trackers.erase(path);
+    };
+    return tracker;
 }
 
 } // namespace bridge

@@ -6,7 +6,8 @@
 
 namespace bridge {
 
-/// Every media server that was heard of, one entry per UDN.
+/// Every media server that was heard of, one entry per UDN; so many in all and by host as this
+/// process has descriptors for. Servers that never answered properly make room for others.
 class ServerRegistry
 {
 public:
@@ -25,11 +26,16 @@ public:
     std::shared_ptr<MediaServer> find(const std::string &serverPath) const;
 
 private:
-    void found(const std::string &udn, const Route &route);
-    void lost(const std::string &udn, GUPnPContext *context);
+    void heard(const std::string &udn, const Route &route, unsigned maxAge);
+    bool makeRoomFor(const std::string &host);
+    std::shared_ptr<ServerTracker> newTracker(
+        const std::string &udn, const std::string &path, const std::string &host);
 
+    LookQueue m_queue;
     /// By the server's D-Bus path.
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
+    size_t m_maxServers;
+    bool m_wasFull = false;
     Discovery m_discovery;
 };
 

@@ -8,15 +8,29 @@ namespace bridge {
 
 namespace {
 
-constexpr unsigned descriptionTimeoutMs = 4'000;
+constexpr int64_t microsecondsInMs = 1000;
 // Long enough for a client that was just told of a server to read its properties.
 constexpr unsigned settleMs = 1'000;
+// The same where the server itself said goodbye.
+constexpr unsigned goodbyeSettleMs = 300;
+// For so long after it was announced, a server may still turn out to have a better route.
+constexpr unsigned routesSettleMs = 3'000;
+// However much is said of a server, it isn't asked more often.
+constexpr unsigned pauseMs = 200;
+constexpr unsigned pauseAfterFailureMs = 1'000;
+
+// A server that has been in the list is asked every second; after ten minutes, every ten will do.
 constexpr unsigned retryMs = 1'000;
-// After ten minutes of asking every second, every ten seconds will do.
 constexpr unsigned patientRetries = 600;
+constexpr unsigned slowRetryMs = 10'000;
+// One that never answered properly is asked ever more seldom, and then forgotten.
+constexpr unsigned longestBackOffMs = 60'000;
+constexpr unsigned strangersRetries = 10;
+
 constexpr unsigned capabilityRetryMs = 5'000;
 constexpr unsigned maxCapabilityRetries = 5;
-constexpr unsigned slowRetryMs = 10'000;
+// After a goodbye, for a server that closes its port a little later.
+constexpr unsigned firstDoubtMs = 100;
 
 bool looksTheSame(const MediaServer &a, const MediaServer &b)
 {
@@ -24,10 +38,24 @@ bool looksTheSame(const MediaServer &a, const MediaServer &b)
         && a.searchCaps() == b.searchCaps();
 }
 
+unsigned doubled(unsigned firstMs, unsigned times)
+{
+    constexpr unsigned enough = 16;
+    return std::min(firstMs << std::min(times, enough), longestBackOffMs);
+}
+
+/// Milliseconds from `since`, a time of the monotonic clock.
+int64_t msSince(int64_t since)
+{
+    return (g_get_monotonic_time() - since) / microsecondsInMs;
+}
+
 } // namespace
 
-ServerTracker::ServerTracker(std::string udn, Announce announce)
+ServerTracker::ServerTracker(std::string udn, std::string host, LookQueue &queue, Announce announce)
     : m_udn(std::move(udn))
+    , m_host(std::move(host))
+    , m_queue(queue)
     , m_announce(std::move(announce))
 {
 }
@@ -37,140 +65,215 @@ ServerTracker::~ServerTracker()
     soup_session_abort(m_session.get());
 }
 
-void ServerTracker::addRoute(const Route &route)
+void ServerTracker::heard(const Route &route, unsigned maxAge)
 {
-    removeRoute(route.context.get());
-    const auto place = std::upper_bound(m_routes.begin(), m_routes.end(), route,
-        [](const Route &a, const Route &b) { return a.rank < b.rank; });
-    const bool isBest = place == m_routes.begin();
-    m_routes.insert(place, route);
-    m_failedProbes = 0;
-    if (isBest || !m_isAnnounced || m_withdrawal.isRunning())
-        probe();
+    const bool isSettling = !m_isAnnounced || msSince(m_announcedAt) < routesSettleMs;
+    const int64_t expires = g_get_monotonic_time() + int64_t{maxAge} * G_USEC_PER_SEC;
+    const bool isNew = m_routes.hear(route, expires, isSettling) == RouteList::Heard::New;
+    watchExpiry();
+    const bool isBetter = m_routes.inOrder().front().location == route.location;
+    const bool isMove = isNew && (isBetter || !isSettling);
+    if (isMove || !m_isAnnounced || m_withdrawal.isRunning())
+        look();
 }
 
-void ServerTracker::removeRoute(GUPnPContext *context)
+void ServerTracker::saidGoodbye(unsigned listener)
 {
-    const auto route = std::find_if(m_routes.begin(), m_routes.end(),
-        [&](const Route &known) { return known.context.get() == context; });
-    if (route == m_routes.end())
-        return;
-    const bool wasUsed = m_server && m_server->description().location == route->location;
-    m_routes.erase(route);
-    if (m_routes.empty())
+    m_routes.doubt(listener);
+    m_goodbyeAt = g_get_monotonic_time();
+    look();
+}
+
+void ServerTracker::listenerGone(unsigned listener)
+{
+    m_routes.drop(listener);
+    watchExpiry();
+    if (m_routes.isEmpty())
         goneForNow();
-    else if (wasUsed)
-        probe();
+    else
+        look();
 }
 
-void ServerTracker::probe()
+void ServerTracker::watchExpiry()
 {
-    m_mustProbeAgain = m_isProbing;
-    if (m_isProbing || m_routes.empty())
-        return;
-    m_isProbing = true;
-    m_sawRefusal = false;
-    m_retry.stop();
-    tryRoute(0);
-}
-
-void ServerTracker::tryRoute(size_t index)
-{
-    if (index >= m_routes.size()) {
-        finishProbe(false);
+    const int64_t next = m_routes.nextExpiry();
+    if (next == 0) {
+        m_expiry.stop();
         return;
     }
-    httpGet(m_session.get(), m_routes[index].location, descriptionTimeoutMs, nullptr,
-        [weak = weak_from_this(), index](HttpReply reply) {
-            if (const auto self = weak.lock())
-                self->gotDescription(index, std::move(reply));
-        });
-}
-
-void ServerTracker::gotDescription(size_t index, HttpReply reply)
-{
-    // Routes may have come and gone meanwhile; the new ones are looked at in a probe of their own.
-    if (index >= m_routes.size() || m_mustProbeAgain) {
-        finishProbe(false);
-        return;
-    }
-    const Route &route = m_routes[index];
-    auto description = readDescription(std::move(reply.body), m_udn, route.location);
-    if (reply.status != 200 || !description) {
-        logDebug(route.location + " gives no description of " + m_udn
-            + (reply.problem.empty() ? std::string() : ": " + reply.problem));
-        m_sawRefusal = m_sawRefusal || reply.outcome != HttpOutcome::TimedOut;
-        tryRoute(index + 1);
-        return;
-    }
-    auto server = std::make_shared<MediaServer>(std::move(*description), m_session);
-    server->onUnreachable = [weak = weak_from_this()] {
-        if (const auto self = weak.lock())
-            self->probe();
-    };
-    server->readCapabilities([weak = weak_from_this(), server] {
-        if (const auto self = weak.lock())
-            self->accept(server);
+    const int64_t ms = std::max<int64_t>(-msSince(next), 0) + 1;
+    m_expiry.start(static_cast<unsigned>(ms), [this] {
+        if (m_routes.doubtExpired(g_get_monotonic_time()))
+            look();
+        watchExpiry();
     });
 }
 
-void ServerTracker::accept(std::shared_ptr<MediaServer> server)
+void ServerTracker::look()
 {
-    if (m_routes.empty()) {
-        finishProbe(false);
+    m_mustLookAgain = isLooking();
+    if (m_mustLookAgain || m_routes.isEmpty())
+        return;
+    const bool isFailing = !m_isAnnounced && m_failures > 0;
+    const int64_t restMs = (isFailing ? pauseAfterFailureMs : pauseMs) - msSince(m_finishedAt);
+    if (m_finishedAt != 0 && restMs > 0) {
+        lookLater(static_cast<unsigned>(restMs));
         return;
     }
+    m_next.stop();
+    if (m_isAnnounced) {
+        lookAt(nullptr);
+        return;
+    }
+    m_isWaiting = true;
+    m_queue.wait(m_host, weak_from_this(), [this](LookQueue::Place place) {
+        m_isWaiting = false;
+        lookAt(std::move(place));
+    });
+}
+
+void ServerTracker::lookLater(unsigned ms)
+{
+    m_next.start(ms, [this] { look(); });
+}
+
+void ServerTracker::lookAt(LookQueue::Place place)
+{
+    m_place = std::move(place);
+    m_look = std::make_shared<DescriptionLook>(
+        m_udn, m_routes.inOrder(), [weak = weak_from_this()](LookResult result) {
+            if (const auto self = weak.lock())
+                self->looked(std::move(result));
+        });
+    m_look->start();
+}
+
+void ServerTracker::looked(LookResult result)
+{
+    const auto ended = std::exchange(m_look, nullptr);
+    if (!result.description) {
+        fail(result.sawRefusal || m_routes.areAllDoubted());
+        return;
+    }
+    // Where it has moved, what was silent is out of date, too.
+    const bool hasMoved = !m_routes.isTrusted(result.route);
+    for (const Route &route : hasMoved ? result.asked : result.failed)
+        m_routes.drop(route);
+    m_candidateRoute = result.route;
+    readCapabilities(std::move(*result.description));
+}
+
+void ServerTracker::readCapabilities(DeviceDescription description)
+{
+    m_candidate = std::make_shared<MediaServer>(std::move(description), m_session);
+    const auto isDeaf = std::make_shared<bool>(false);
+    m_candidate->onUnreachable = [isDeaf] {
+        *isDeaf = true;
+    };
+    m_candidate->readCapabilities([weak = weak_from_this(), isDeaf] {
+        const auto self = weak.lock();
+        if (!self)
+            return;
+        if (*isDeaf) {
+            logDebug(self->m_candidate->description().controlUrl + " isn't there");
+            self->fail(true);
+        } else {
+            self->accept();
+        }
+    });
+}
+
+void ServerTracker::accept()
+{
+    if (m_routes.isEmpty()) {
+        fail(true);
+        return;
+    }
+    m_candidate->onUnreachable = [weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->look();
+    };
     m_withdrawal.stop();
+    m_routes.confirm(m_candidateRoute);
     if (m_isAnnounced)
-        server->inheritCapabilities(*m_server);
-    if (m_isAnnounced && !looksTheSame(*server, *m_server))
+        m_candidate->inheritCapabilities(*m_server);
+    if (m_isAnnounced && !looksTheSame(*m_candidate, *m_server))
         withdraw();
-    m_server = std::move(server);
+    m_server = std::move(m_candidate);
     if (!m_isAnnounced) {
         m_isAnnounced = true;
+        m_announcedAt = g_get_monotonic_time();
         m_announce(m_server, true);
     }
-    finishProbe(true);
-    askAgainForCapabilities();
+    succeed();
 }
 
-/// A server that was too busy to say what it can search is asked again; clients hear of the answer
-/// as of a change.
-void ServerTracker::askAgainForCapabilities()
+void ServerTracker::succeed()
 {
-    if (m_server->searchCaps() || m_capabilityRetries >= maxCapabilityRetries)
-        return;
-    ++m_capabilityRetries;
-    m_retry.start(capabilityRetryMs, [this] { probe(); });
-}
-
-void ServerTracker::finishProbe(bool success)
-{
-    m_isProbing = false;
-    if (std::exchange(m_mustProbeAgain, false)) {
-        probe();
-        return;
+    m_failures = 0;
+    if (m_routes.isDoubted(m_candidateRoute)) {
+        lookLater(doubled(firstDoubtMs, m_looksInDoubt++));
+    } else if (!m_server->searchCaps() && m_capabilityRetries < maxCapabilityRetries) {
+        // Too busy to say what it can search; clients hear of the answer as of a change.
+        ++m_capabilityRetries;
+        lookLater(capabilityRetryMs);
+    } else {
+        m_looksInDoubt = 0;
     }
-    m_failedProbes = success ? 0 : m_failedProbes + 1;
-    if (success || m_routes.empty())
-        return;
-    // A server that only takes too long is kept: it may be busy or stopped for a while.
-    if (m_sawRefusal)
+    finish();
+}
+
+/// A server that only takes too long is kept: it may be busy or stopped for a while.
+void ServerTracker::fail(bool isGone)
+{
+    m_candidate = nullptr;
+    ++m_failures;
+    if (isGone)
+        m_routes.dropDoubted();
+    if (isGone || isHopeless())
         goneForNow();
-    m_retry.start(m_failedProbes < patientRetries ? retryMs : slowRetryMs, [this] { probe(); });
+    if (isStranger()) {
+        // Closes what connections it still has.
+        soup_session_abort(m_session.get());
+        lookLater(doubled(retryMs, m_failures - 1));
+    } else {
+        lookLater(m_failures < patientRetries ? retryMs : slowRetryMs);
+    }
+    finish();
+}
+
+void ServerTracker::finish()
+{
+    m_finishedAt = g_get_monotonic_time();
+    const LookQueue::Place place = std::move(m_place);
+    if (std::exchange(m_mustLookAgain, false))
+        look();
 }
 
 void ServerTracker::goneForNow()
 {
     if (m_withdrawal.isRunning())
         return;
-    m_withdrawal.start(settleMs, [weak = weak_from_this()] {
+    const int64_t sinceGoodbyeMs = m_goodbyeAt == 0 ? settleMs : msSince(m_goodbyeAt);
+    const int64_t waitMs = sinceGoodbyeMs < settleMs ? goodbyeSettleMs - sinceGoodbyeMs : settleMs;
+    const int64_t restMs = std::max({waitMs, settleMs - msSince(m_announcedAt), int64_t{0}});
+    m_withdrawal.start(static_cast<unsigned>(restMs), [weak = weak_from_this()] {
         // Held, since forgetting it takes it out of the list it is in.
         const auto self = weak.lock();
         self->withdraw();
-        if (self->isForgettable() && self->onForgettable)
-            self->onForgettable();
+        self->forgetIfNothingIsLeft();
     });
+}
+
+void ServerTracker::forgetIfNothingIsLeft()
+{
+    if (!m_isAnnounced && (m_routes.isEmpty() || isHopeless()) && onForgettable)
+        onForgettable();
+}
+
+bool ServerTracker::isHopeless() const
+{
+    return isStranger() && m_failures >= strangersRetries;
 }
 
 void ServerTracker::withdraw()

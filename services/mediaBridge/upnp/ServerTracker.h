@@ -1,62 +1,88 @@
 #pragma once
 
-#include "core/Timer.h"
-#include "upnp/Discovery.h"
+#include "upnp/DescriptionLook.h"
+#include "upnp/LookQueue.h"
 #include "upnp/MediaServer.h"
-
-#include <memory>
 
 namespace bridge {
 
 /// Follows one UDN: the ways to it, whether it answers, and what clients were told about it.
-/// Announced once description and capabilities were read; withdrawn a second after it went, so that
-/// a server which restarts or changes its address in that time never leaves the list.
+/// Announced once description and capabilities were read. What anybody may say of it on the
+/// network, that it goes or that it is somewhere else now, is only a reason to look: where it still
+/// answers, it stays where it is. Withdrawn a moment after it went, so that a server which restarts
+/// or changes its address in that time never leaves the list.
 class ServerTracker : public std::enable_shared_from_this<ServerTracker>
 {
 public:
     /// Tells clients that a server is there, or no longer.
     using Announce = std::function<void(const std::shared_ptr<MediaServer> &, bool isThere)>;
 
-    ServerTracker(std::string udn, Announce announce);
+    /// `queue` must outlive it.
+    ServerTracker(std::string udn, std::string host, LookQueue &queue, Announce announce);
     /// Ends what is still asked of the server.
     ~ServerTracker();
     ServerTracker(const ServerTracker &) = delete;
     ServerTracker &operator=(const ServerTracker &) = delete;
 
-    void addRoute(const Route &route);
-    void removeRoute(GUPnPContext *context);
-    /// Looks whether the server still answers; does nothing while it is being looked at.
-    void probe();
+    /// Announced there, to be believed for `maxAge` seconds.
+    void heard(const Route &route, unsigned maxAge);
+    void saidGoodbye(unsigned listener);
+    void listenerGone(unsigned listener);
+    /// Looks whether the server still answers, a second look at a time at most.
+    void look();
     /// Withdraws the server if it was announced, for the end of the tracking.
     void withdraw();
 
     /// The server as clients know it; null while it isn't announced.
     std::shared_ptr<MediaServer> announced() const { return m_isAnnounced ? m_server : nullptr; }
-    bool isForgettable() const { return m_routes.empty() && !m_isAnnounced; }
+    /// Who was the first to announce it.
+    const std::string &host() const { return m_host; }
+    /// It has never been in the list.
+    bool isStranger() const { return !m_server; }
     /// Called when nothing is left to track; may delete the tracker's last owner.
     std::function<void()> onForgettable;
 
 private:
-    void tryRoute(size_t index);
-    void gotDescription(size_t index, HttpReply reply);
-    void accept(std::shared_ptr<MediaServer> server);
-    void finishProbe(bool success);
+    bool isLooking() const { return m_isWaiting || m_look || m_candidate; }
+    void lookAt(LookQueue::Place place);
+    void looked(LookResult result);
+    void readCapabilities(DeviceDescription description);
+    void accept();
+    void succeed();
+    void fail(bool isGone);
+    void finish();
     void goneForNow();
-    void askAgainForCapabilities();
+    void forgetIfNothingIsLeft();
+    bool isHopeless() const;
+    void lookLater(unsigned ms);
+    void watchExpiry();
 
     std::string m_udn;
+    std::string m_host;
+    LookQueue &m_queue;
     Announce m_announce;
     Ref<SoupSession> m_session{newHttpSession()};
-    std::vector<Route> m_routes;
+    RouteList m_routes;
     std::shared_ptr<MediaServer> m_server;
     bool m_isAnnounced = false;
-    bool m_isProbing = false;
-    bool m_mustProbeAgain = false;
-    bool m_sawRefusal = false;
-    unsigned m_failedProbes = 0;
+    int64_t m_announcedAt = 0;
+    int64_t m_goodbyeAt = 0;
+
+    /// The look under way, in its three stages: waiting, description, capabilities.
+    bool m_isWaiting = false;
+    std::shared_ptr<DescriptionLook> m_look;
+    std::shared_ptr<MediaServer> m_candidate;
+    Route m_candidateRoute;
+    LookQueue::Place m_place;
+    bool m_mustLookAgain = false;
+    int64_t m_finishedAt = 0;
+
+    unsigned m_failures = 0;
+    unsigned m_looksInDoubt = 0;
     unsigned m_capabilityRetries = 0;
     Timer m_withdrawal;
-    Timer m_retry;
+    Timer m_next;
+    Timer m_expiry;
 };
 
 } // namespace bridge

@@ -40,6 +40,12 @@ QString ip(const QString &lines)
         : QString::fromUtf8(process.readAllStandardError());
 }
 
+QString addressLine(const QString &interface, const QString &address)
+{
+    const bool v6 = address.contains(':');
+    return "address add %1 dev %2%3\n"_s.arg(address, interface, v6 ? " nodad" : QString());
+}
+
 } // namespace
 
 QString enterTestNamespace()
@@ -57,12 +63,15 @@ QString enterTestNamespace()
 QString addTestInterface(const QString &name, const QStringList &addresses)
 {
     QString lines = "link add %1 type veth peer name %1-peer\n"_s.arg(name);
-    for (const QString &address : addresses) {
-        const bool v6 = address.contains(':');
-        lines += "address add %1 dev %2%3\n"_s.arg(address, name, v6 ? " nodad" : QString());
-    }
+    for (const QString &address : addresses)
+        lines += addressLine(name, address);
     lines += "link set %1 up\nlink set %1-peer up\n"_s.arg(name);
     return ip(lines);
+}
+
+QString addTestAddress(const QString &interface, const QString &address)
+{
+    return ip(addressLine(interface, address));
 }
 
 void removeTestInterface(const QString &name)

@@ -13,6 +13,8 @@ QString enterTestNamespace();
 /// every process of the namespace) with addresses such as "10.77.0.1/24" or "fd77::1/64". Returns
 /// an empty text, or what went wrong.
 QString addTestInterface(const QString &name, const QStringList &addresses);
+/// One more address for an interface; the result as above.
+QString addTestAddress(const QString &interface, const QString &address);
 /// Removes it, as unplugging a cable for good does.
 void removeTestInterface(const QString &name);
 

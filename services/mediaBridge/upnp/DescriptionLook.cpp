@@ -1,0 +1,79 @@
+#include "upnp/DescriptionLook.h"
+
+#include "Log.h"
+
+namespace bridge {
+
+namespace {
+
+constexpr unsigned timeoutMs = 4'000;
+// A server that has moved is to be found within a second, and a busy one is not to be left for
+// whoever announces himself in its name.
+constexpr unsigned patienceMs = 600;
+
+} // namespace
+
+DescriptionLook::DescriptionLook(std::string udn, std::vector<Route> routes, Done done)
+    : m_udn(std::move(udn))
+    , m_routes(std::move(routes))
+    , m_done(std::move(done))
+{
+}
+
+DescriptionLook::~DescriptionLook()
+{
+    g_cancellable_cancel(m_cancellable.get());
+}
+
+void DescriptionLook::askNext()
+{
+    if (m_next >= m_routes.size()) {
+        if (m_underWay == 0)
+            finish();
+        return;
+    }
+    const Route &route = m_routes[m_next++];
+    ++m_underWay;
+    httpGet(m_session.get(), route.location, timeoutMs, m_cancellable.get(),
+        [weak = weak_from_this(), route](HttpReply reply) {
+            if (const auto self = weak.lock())
+                self->answered(route, std::move(reply));
+        });
+    m_patience.start(patienceMs, [this] { askNext(); });
+}
+
+void DescriptionLook::answered(const Route &route, HttpReply reply)
+{
+    if (!m_done)
+        return;
+    --m_underWay;
+    if (reply.status == 200)
+        m_result.description = readDescription(std::move(reply.body), m_udn, route.location);
+    if (m_result.description) {
+        m_result.route = route;
+        finish();
+        return;
+    }
+    logDebug(route.location + " gives no description of " + m_udn
+        + (reply.problem.empty() ? std::string() : ": " + reply.problem));
+    m_result.failed.push_back(route);
+    m_result.sawRefusal = m_result.sawRefusal || reply.outcome != HttpOutcome::TimedOut;
+    askNext();
+}
+
+void DescriptionLook::finish()
+{
+    m_patience.stop();
+    g_cancellable_cancel(m_cancellable.get());
+    for (size_t i = 0; i < m_next; ++i) {
+        const bool isWinner = m_result.description
+            && m_routes[i].location == m_result.route.location
+            && m_routes[i].listener == m_result.route.listener;
+        if (!isWinner)
+            m_result.asked.push_back(m_routes[i]);
+    }
+    const Done done = std::exchange(m_done, nullptr);
+    done(std::move(m_result));
+}
+
+} // namespace bridge

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/Timer.h"
+#include "upnp/DeviceDescription.h"
+#include "upnp/Http.h"
+#include "upnp/RouteList.h"
+
+#include <memory>
+
+namespace bridge {
+
+/// What a look at a server's descriptions brought.
+struct LookResult
+{
+    /// The description, and the route where it was; nothing where no route had one.
+    std::optional<DeviceDescription> description;
+    Route route;
+    /// Routes that had no such description.
+    std::vector<Route> failed;
+    /// These and the routes that were silent so far.
+    std::vector<Route> asked;
+    /// Of the failed, some refused or gave something else; the others were silent.
+    bool sawRefusal = false;
+};
+
+/// Looks for the description of one server, at its routes in their order. The next route is asked
+/// where one fails, and also where one is silent for some time; the first description counts.
+class DescriptionLook : public std::enable_shared_from_this<DescriptionLook>
+{
+public:
+    using Done = std::function<void(LookResult)>;
+
+    DescriptionLook(std::string udn, std::vector<Route> routes, Done done);
+    /// Ends what is under way, without calling back.
+    ~DescriptionLook();
+    DescriptionLook(const DescriptionLook &) = delete;
+    DescriptionLook &operator=(const DescriptionLook &) = delete;
+
+    /// `done` is called once, from the main loop.
+    void start() { askNext(); }
+
+private:
+    void askNext();
+    void answered(const Route &route, HttpReply reply);
+    void finish();
+
+    /// Its own: it has to go on where calls hold all connections of the server's.
+    Ref<SoupSession> m_session{newHttpSession()};
+    std::string m_udn;
+    std::vector<Route> m_routes;
+    Done m_done;
+    size_t m_next = 0;
+    size_t m_underWay = 0;
+    LookResult m_result;
+    Ref<GCancellable> m_cancellable{g_cancellable_new()};
+    Timer m_patience;
+};
+
+} // namespace bridge

@@ -1,0 +1,59 @@
+#include "upnp/HttpUrl.h"
+
+#include "core/Glib.h"
+#include "core/Numbers.h"
+
+#include <algorithm>
+
+namespace bridge {
+
+std::optional<HttpUrl> parseHttpUrl(const std::string &text)
+{
+    char *host = nullptr;
+    char *scheme = nullptr;
+    if (g_uri_split(text.c_str(), G_URI_FLAGS_NONE, &scheme, nullptr, &host, nullptr, nullptr,
+            nullptr, nullptr, nullptr)
+        == FALSE)
+        return std::nullopt;
+    const std::string protocol = takeString(scheme);
+    HttpUrl url{takeString(host)};
+    if (g_ascii_strcasecmp(protocol.c_str(), "http") != 0 || url.host.empty())
+        return std::nullopt;
+    url.host.resize(std::min(url.host.find('%'), url.host.size()));
+    const Ref<GInetAddress> address(g_inet_address_new_from_string(url.host.c_str()));
+    url.isNumeric = bool(address);
+    if (address) {
+        url.host = takeString(g_inet_address_to_string(address.get()));
+        url.isLoopback = g_inet_address_get_is_loopback(address.get()) != FALSE;
+        url.isIPv6LinkLocal = g_inet_address_get_family(address.get()) == G_SOCKET_FAMILY_IPV6
+            && g_inet_address_get_is_link_local(address.get()) != FALSE;
+    }
+    return url;
+}
+
+std::string hostOf(const std::string &url)
+{
+    const auto parts = parseHttpUrl(url);
+    return parts ? parts->host : std::string();
+}
+
+std::string withScope(const std::string &url, unsigned interfaceIndex)
+{
+    const size_t end = url.find(']');
+    const auto parts = parseHttpUrl(url);
+    if (!parts || !parts->isIPv6LinkLocal || end == std::string::npos)
+        return url;
+    const size_t scope = std::min(url.find('%'), end);
+    return url.substr(0, scope) + "%25" + std::to_string(interfaceIndex) + url.substr(end);
+}
+
+std::string withScopeOf(const std::string &url, const std::string &other)
+{
+    const size_t scope = other.find("%25");
+    const auto index = scope == std::string::npos
+        ? std::nullopt
+        : parseAs<uint32_t>(std::string_view(other).substr(scope + 3));
+    return index ? withScope(url, *index) : url;
+}
+
+} // namespace bridge

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace bridge {
+
+/// The parts of an "http" URL that say whom it leads to.
+struct HttpUrl
+{
+    /// A numeric address without brackets and scope, in its shortest form, or a name.
+    std::string host;
+    bool isNumeric = false;
+    bool isLoopback = false;
+    bool isIPv6LinkLocal = false;
+};
+
+/// Nothing where `text` isn't an "http" URL with a host.
+std::optional<HttpUrl> parseHttpUrl(const std::string &text);
+
+/// The host of `url`; empty where it isn't an "http" URL.
+std::string hostOf(const std::string &url);
+
+/// `url`, whose host is a link-local IPv6 address, with the interface that it is good on. Other
+/// URLs stay as they are.
+std::string withScope(const std::string &url, unsigned interfaceIndex);
+/// The same with the interface that `other` names.
+std::string withScopeOf(const std::string &url, const std::string &other);
+
+} // namespace bridge

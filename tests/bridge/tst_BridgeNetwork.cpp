@@ -1,0 +1,223 @@
+#include "BridgeFixture.h"
+#include "ScriptedUpnpServer.h"
+#include "TestNamespace.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QNetworkInterface>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QUdpSocket>
+
+namespace {
+
+const QString strangersHost = "10.77.0.66";
+
+/// Somebody on the network, at an address of its own, who says what the test wants: in SSDP packets
+/// and as a web server that gives every request the same answer and counts them.
+class Stranger
+{
+public:
+    explicit Stranger(const QString &host = strangersHost)
+        : m_host(host)
+    {
+        m_udp.bind(QHostAddress(host), 0);
+        m_udp.setMulticastInterface(QNetworkInterface::interfaceFromName("lan0"));
+        m_http.listen(QHostAddress(host), 0);
+        QObject::connect(&m_http, &QTcpServer::newConnection, &m_http, [this] {
+            while (QTcpSocket *connection = m_http.nextPendingConnection())
+                QObject::connect(connection, &QTcpSocket::readyRead, connection,
+                    [this, connection] { answer(connection); });
+        });
+    }
+    QString url(const QString &path = "/description.xml") const
+    {
+        return "http://%1:%2%3"_s.arg(m_host).arg(m_http.serverPort()).arg(path);
+    }
+    void say(const QString &kind, const QString &udn, const QString &location = QString())
+    {
+        QString text =
+            "NOTIFY * HTTP/1.1\r\nHOST: 239.255.255.250:1900\r\nNT: %1\r\nNTS: ssdp:%2\r\n"
+            "USN: %3::%1\r\nCACHE-CONTROL: max-age=1800\r\n"_s.arg(
+                "urn:schemas-upnp-org:device:MediaServer:1", kind, udn);
+        if (!location.isEmpty())
+            text += "LOCATION: " + location + "\r\n";
+        send((text + "\r\n").toUtf8());
+    }
+    void send(const QByteArray &packet)
+    {
+        m_udp.writeDatagram(packet, QHostAddress("239.255.255.250"), 1900);
+    }
+    void announce(const QString &udn) { say("alive", udn, url()); }
+    /// What it says of itself.
+    void describe(const QString &udn, const QString &control, const QString &base = QString())
+    {
+        body =
+            "<root><URLBase>%1</URLBase><device><UDN>%2</UDN><friendlyName>Stranger</friendlyName>"
+            "<serviceList><service><serviceType>urn:schemas-upnp-org:service:ContentDirectory:1"
+            "</serviceType><controlURL>%3</controlURL></service></serviceList></device></root>"_s
+                .arg(base, udn, control)
+                .toUtf8();
+    }
+
+    QByteArray status = "200 OK", headers, body;
+    int requests = 0;
+
+private:
+    void answer(QTcpSocket *connection)
+    {
+        ++requests;
+        connection->readAll();
+        connection->write("HTTP/1.1 " + status
+            + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n"
+            + headers + "\r\n" + body);
+        connection->disconnectFromHost();
+    }
+
+    QString m_host;
+    QUdpSocket m_udp;
+    QTcpServer m_http;
+};
+
+} // namespace
+
+/// What anybody on the network may say, and what the bridge makes of it.
+class tst_BridgeNetwork : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<BridgeFixture> bridge;
+
+private Q_SLOTS:
+    void initTestCase() { QCOMPARE(addTestAddress("lan0", strangersHost + "/24"), QString()); }
+    void init() { bridge = std::make_unique<BridgeFixture>(); }
+    void cleanup() { bridge.reset(); }
+
+    void oddPacketsHurtNobody();
+    void goodbyesAreBelievedWhenTheServerIsGone();
+    void aServerThatMovesIsFollowed();
+    void nobodyElseIsAsked();
+    void deadControlAddressesAreAskedSeldom();
+    void manyAnnouncementsLeaveRoomForOthers();
+};
+
+void tst_BridgeNetwork::oddPacketsHurtNobody()
+{
+    Stranger stranger;
+    const QString here = "http://" + strangersHost + ":1/d";
+    for (const QString &udn : {QString(), QString(4000, 'u'), QString("uuid:a b")})
+        stranger.say("alive", udn, here);
+    for (const QString location : {"http:///d", "://", "file:///etc/passwd"})
+        stranger.say("alive", newUdn(), location);
+    // GSSDP ends the program here.
+    stranger.send("NOTIFY * HTTP/1.1\r\nNTS: ssdp:alive\r\nUSN: abc\r\nLOCATION: http://x\r\n"
+                  "NT: urn:schemas-upnp-org:device:MediaServer:1\r\n\r\n");
+    ScriptedUpnpServer server(newUdn());
+    QVERIFY(!bridge->add(server).isEmpty());
+    QCOMPARE(bridge->servers(), QStringList{serverPath(server.udn())});
+    QVERIFY(!bridge->log().contains("CRITICAL"));
+}
+
+void tst_BridgeNetwork::goodbyesAreBelievedWhenTheServerIsGone()
+{
+    ScriptedUpnpServer server(newUdn());
+    const QString path = bridge->add(server);
+    QTest::qWait(1000); // for so long none is withdrawn that was just announced
+    Stranger stranger;
+    for (int i = 0; i < 10; ++i) {
+        stranger.say("byebye", server.udn());
+        QTest::qWait(100);
+        QCOMPARE(bridge->list(path).message, QString());
+    }
+    QElapsedTimer since;
+    since.start();
+    server.leave();
+    QTRY_COMPARE(bridge->lost(), QStringList{path});
+    QVERIFY2(since.elapsed() < 700, qPrintable(QString::number(since.elapsed())));
+    QCOMPARE(bridge->found(), QStringList{path});
+}
+
+void tst_BridgeNetwork::aServerThatMovesIsFollowed()
+{
+    ScriptedUpnpServer server(newUdn(), "Original");
+    const QString path = bridge->add(server);
+    QTest::qWait(3100); // after that its routes are known
+    Stranger stranger;
+    stranger.describe(server.udn(), "/control");
+    stranger.announce(server.udn());
+    QTest::qWait(500);
+    QCOMPARE(bridge->get(path, deviceInterface, "FriendlyName").value().toString(), "Original");
+    QCOMPARE(bridge->lost(), QStringList());
+
+    server.behaviour.hang = QStringList{"description"};
+    stranger.say("alive", server.udn(), stranger.url("/elsewhere"));
+    QElapsedTimer since;
+    since.start();
+    QTRY_COMPARE(bridge->get(path, deviceInterface, "FriendlyName").value().toString(), "Stranger");
+    QVERIFY2(since.elapsed() < 1300, qPrintable(QString::number(since.elapsed())));
+}
+
+void tst_BridgeNetwork::nobodyElseIsAsked()
+{
+    const Stranger loopback("127.0.0.1"), neighbour("10.77.0.1");
+    std::vector<std::unique_ptr<Stranger>> strangers;
+    const auto stranger = [&](const QString &control, const QString &base, const QString &redirect,
+                              const QString &location) {
+        const QString udn = newUdn();
+        strangers.push_back(std::make_unique<Stranger>());
+        Stranger &one = *strangers.back();
+        one.describe(udn, control, base);
+        if (!redirect.isEmpty()) {
+            one.status = "302 Found";
+            one.headers = "Location: " + redirect.toUtf8() + "\r\n";
+        }
+        one.say("alive", udn, location.isEmpty() ? one.url() : location);
+    };
+    for (const Stranger *victim : {&loopback, &neighbour}) {
+        const QString url = victim->url();
+        stranger(url, {}, {}, {});
+        stranger("c", url, {}, {});
+        stranger("c", {}, url, {});
+        stranger("c", {}, {}, url);
+    }
+    QTest::qWait(1500);
+    QCOMPARE(loopback.requests + neighbour.requests, 0);
+    QVERIFY(strangers.front()->requests > 0);
+}
+
+/// The description is there, what it leads to isn't: no reason to ask without a pause.
+void tst_BridgeNetwork::deadControlAddressesAreAskedSeldom()
+{
+    Stranger stranger;
+    const QString udn = newUdn();
+    stranger.describe(udn, "http://%1:1/control"_s.arg(strangersHost));
+    stranger.announce(udn);
+    QTest::qWait(3500);
+    QVERIFY2(stranger.requests >= 2 && stranger.requests <= 4,
+        qPrintable(QString::number(stranger.requests)));
+}
+
+void tst_BridgeNetwork::manyAnnouncementsLeaveRoomForOthers()
+{
+    ScriptedUpnpServer server(newUdn());
+    const QString path = bridge->add(server);
+    Stranger stranger;
+    for (int i = 0; i < 2000; ++i) {
+        stranger.announce("uuid:many-" + QString::number(i));
+        if (i % 50 == 0)
+            QCOMPARE(bridge->list(path).message, QString());
+    }
+    const QString descriptors = "/proc/%1/fd"_s.arg(bridge->pid());
+    const int inUse =
+        QDir(descriptors).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
+    QVERIFY2(inUse < 100, qPrintable(QString::number(inUse)));
+    ScriptedUpnpServer newcomer(newUdn());
+    QElapsedTimer since;
+    since.start();
+    QVERIFY(!bridge->add(newcomer).isEmpty());
+    QVERIFY2(since.elapsed() < 2000, qPrintable(QString::number(since.elapsed())));
+}
+
+BRIDGE_TEST_MAIN(tst_BridgeNetwork)
+#include "tst_BridgeNetwork.moc"
