@@ -3,10 +3,10 @@
 // Everything before and after runs uncounted; all threads of this process are counted.
 
 #include "FloorClient.h"
+#include "ObjectMapping.h"
 #include "PluginClient.h"
 #include "Processes.h"
 #include "PropertyMaps.h"
-#include "ReplyContext.h"
 
 #include <QCoreApplication>
 
@@ -30,12 +30,12 @@ void countMapping(PluginClient &plugin, int count, const QStringList &roles)
     const QVector<ObjectProperties> objects =
         asProperties(readPropertyMaps(QStringLiteral("rows%1").arg(count), count));
     counted([&] {
-        ReplyContext context;
-        context.wanted = WantedRoles(roles);
+        ObjectMapping mapping = plugin.worker().mapping();
+        mapping.setRoles(roles);
         QVariantList rows;
         rows.reserve(count);
         for (const ObjectProperties &object : objects)
-            rows.append(QVariant(plugin.worker().fillin_childRoles(object, roles, &context)));
+            rows.append(QVariant(mapping.row(object)));
         return rows;
     });
 }

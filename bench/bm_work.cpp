@@ -2,10 +2,10 @@
 // takes to issue a call. On real property maps, a hundred servers known.
 
 #include "DBusBarrier.h"
+#include "ObjectMapping.h"
 #include "PluginClient.h"
 #include "Processes.h"
 #include "PropertyMaps.h"
-#include "ReplyContext.h"
 #include "UPnPServerList.h"
 
 #include <QCoreApplication>
@@ -26,11 +26,11 @@ void mapRows(benchmark::State &state, const QStringList &roles, bool fromMaps = 
 {
     const QVector<ObjectProperties> objects = asProperties(maps);
     for (auto _ : state) {
-        ReplyContext context;
-        context.wanted = WantedRoles(roles);
+        ObjectMapping mapping = plugin->worker().mapping();
+        mapping.setRoles(roles);
         for (int i = 0; i < maps.size(); ++i)
-            benchmark::DoNotOptimize(plugin->worker().fillin_childRoles(
-                fromMaps ? ObjectProperties(maps.at(i)) : objects.at(i), roles, &context));
+            benchmark::DoNotOptimize(
+                mapping.row(fromMaps ? ObjectProperties(maps.at(i)) : objects.at(i)));
     }
     state.SetItemsProcessed(state.iterations() * maps.size());
 }
@@ -54,9 +54,9 @@ void playlistItem(benchmark::State &state)
 {
     const QVector<ObjectProperties> objects = asProperties(maps);
     for (auto _ : state) {
-        ReplyContext context;
+        ObjectMapping mapping = plugin->worker().mapping();
         for (const ObjectProperties &object : objects)
-            benchmark::DoNotOptimize(plugin->worker().fillin_playlistItem(object, &context));
+            benchmark::DoNotOptimize(mapping.playListItem(object));
     }
     state.SetItemsProcessed(state.iterations() * maps.size());
 }

@@ -29,17 +29,20 @@ std::string isPrefix(const std::string &text)
                                            : "is made of letters, digits, \".\", \"_\" and \"-\"";
 }
 
-void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help)
+void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help,
+    bool *isNamed = nullptr)
 {
     app.add_option_function<std::string>(
            name,
-           [&target, name](const std::string &text) {
+           [&target, name, isNamed](const std::string &text) {
                bool isNumber = false;
                const double seconds = argument(text).toDouble(&isNumber);
                if (!isNumber || !(seconds >= 0 && seconds <= longest)) { // nan is a number, too
                    throw CLI::ValidationError(name, "is a number of seconds from 0 to 86400");
                }
                target = Milliseconds(qRound64(seconds * 1000));
+               if (isNamed != nullptr)
+                   *isNamed = true;
            },
            help)
         ->type_name("SECONDS")
@@ -68,7 +71,8 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
         ->transform(CLI::CheckedTransformer(sources).description(""));
     addText(app, "--bridge", options.bridge,
         "The bridge's program; this installation's where none is\nnamed", "FILE");
-    addSeconds(app, "--wait", options.wait, "For a media server to show up (5)");
+    addSeconds(
+        app, "--wait", options.wait, "For a media server to show up (5)", &options.waitIsNamed);
     addSeconds(app, "--timeout", options.timeout, "For an answer (30)");
     app.add_flag("--json", options.json, "Print one JSON document on standard output");
     addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");

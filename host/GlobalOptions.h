@@ -31,6 +31,9 @@ struct GlobalOptions
     MediaServiceSource mediaService = MediaServiceSource::Auto;
     /// How long a media server may take to show up.
     std::chrono::milliseconds wait = std::chrono::seconds(5);
+    /// Whether somebody named that time: then a server may take all of it, else no longer than it
+    /// takes to know all servers that are there.
+    bool waitIsNamed = false;
     /// How long an answer may take.
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
     bool json = false;

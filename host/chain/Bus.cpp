@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QStringList>
 
+#include <ctime>
+#include <unistd.h>
+
 namespace {
 
 const QString daemonName = QStringLiteral("org.freedesktop.DBus");
@@ -22,6 +25,25 @@ QString commandOf(uint process)
         return QString();
     const QByteArray program = file.readAll().split('\0').value(0);
     return QString::fromLocal8Bit(program.mid(program.lastIndexOf('/') + 1));
+}
+
+/// As the kernel counts, since the machine's start; 0 where it can't be known.
+std::chrono::milliseconds startOf(uint process)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray stat = file.readAll();
+    // The program's name comes in parentheses and may hold anything.
+    const QByteArray ticks = stat.mid(stat.lastIndexOf(')') + 2).split(' ').value(19);
+    return std::chrono::milliseconds(ticks.toLongLong() * 1000 / sysconf(_SC_CLK_TCK));
+}
+
+std::chrono::milliseconds sinceBoot()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::milliseconds(now.tv_nsec / 1'000'000);
 }
 
 } // namespace
@@ -75,12 +97,23 @@ bool Bus::answers(const QString &name) const
         QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))));
 }
 
-QString Bus::describeOwner(const QString &uniqueName) const
+uint Bus::processOf(const QString &uniqueName) const
 {
     const QDBusMessage reply = ask(QStringLiteral("GetConnectionUnixProcessID"), {uniqueName});
-    const uint process = reply.arguments().value(0).toUInt();
-    const QString command = failed(reply) ? QString() : commandOf(process);
+    return failed(reply) ? 0 : reply.arguments().value(0).toUInt();
+}
+
+QString Bus::describeOwner(const QString &uniqueName) const
+{
+    const uint process = processOf(uniqueName);
+    const QString command = process == 0 ? QString() : commandOf(process);
     return command.isEmpty()
         ? uniqueName
         : QStringLiteral("%1 (process %2)").arg(command, QString::number(process));
+}
+
+std::chrono::milliseconds Bus::ageOf(const QString &uniqueName) const
+{
+    const std::chrono::milliseconds start = startOf(processOf(uniqueName));
+    return start.count() > 0 ? sinceBoot() - start : std::chrono::milliseconds(0);
 }

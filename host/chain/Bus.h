@@ -22,10 +22,14 @@ public:
     bool answers(const QString &name) const;
     /// "orka-media-bridge (process 123)"; the unique name alone where the process can't be known.
     QString describeOwner(const QString &uniqueName) const;
+    /// For how long the process with this unique name has run; 0 where that can't be known.
+    std::chrono::milliseconds ageOf(const QString &uniqueName) const;
     /// The reply; an invalid message where none came in time.
     QDBusMessage send(const QDBusMessage &call) const;
 
 private:
+    /// 0 where it can't be known.
+    uint processOf(const QString &uniqueName) const;
     /// Asks the bus itself.
     QDBusMessage ask(const QString &method, const QVariantList &arguments) const;
 

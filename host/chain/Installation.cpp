@@ -25,19 +25,19 @@ QString firstOf(const QStringList &places)
 QString Installation::plugin()
 {
     return firstOf({QStringLiteral("../modules/upnpClient/liborka_cb_upnpClient.so"),
-        QStringLiteral("../" ORKA_LIBDIR "/orka/workers/liborka_cb_upnpClient.so")});
+        QStringLiteral(ORKA_WORKERS "/liborka_cb_upnpClient.so")});
 }
 
 QString Installation::privateBusConfiguration()
 {
     return firstOf(
-        {QStringLiteral("private-bus.conf"), QStringLiteral("../share/orka/private-bus.conf")});
+        {QStringLiteral("private-bus.conf"), QStringLiteral(ORKA_DATA "/private-bus.conf")});
 }
 
 QString Installation::bridge()
 {
     const QString path = firstOf({QStringLiteral("../services/mediaBridge/orka-media-bridge"),
-        QStringLiteral("../libexec/orka-media-bridge"), QStringLiteral("orka-media-bridge")});
+        QStringLiteral("orka-media-bridge")});
     return QFileInfo(path).isExecutable()
         ? path
         : QStandardPaths::findExecutable(QStringLiteral("orka-media-bridge"));

@@ -11,8 +11,6 @@
 
 namespace {
 
-const QString managerObject = QStringLiteral("/com/intel/dLeynaServer");
-const QString managerInterface = QStringLiteral("com.intel.dLeynaServer.Manager");
 const QString deviceInterface = QStringLiteral("com.intel.dLeynaServer.MediaDevice");
 const QString containerInterface = QStringLiteral("org.gnome.UPnP.MediaContainer2");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
@@ -38,12 +36,15 @@ ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
 {
 }
 
-ServiceAnswer ServiceCalls::call(const QString &object, const QString &interface,
-    const QString &method, const QVariantList &arguments) const
+QDBusMessage ServiceCalls::managerCall(const QString &method)
 {
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(ServiceOnBus::busName(), object, interface, method);
-    call.setArguments(arguments);
+    return QDBusMessage::createMethodCall(ServiceOnBus::busName(),
+        QStringLiteral("/com/intel/dLeynaServer"), QStringLiteral("com.intel.dLeynaServer.Manager"),
+        method);
+}
+
+ServiceAnswer ServiceCalls::send(const QDBusMessage &call) const
+{
     const QDBusMessage reply = Bus(orkaDBusConnection(), m_limit).send(call);
     ServiceAnswer answer;
     const bool isError = reply.type() == QDBusMessage::ErrorMessage;
@@ -59,9 +60,18 @@ ServiceAnswer ServiceCalls::call(const QString &object, const QString &interface
     return answer;
 }
 
+ServiceAnswer ServiceCalls::call(const QString &object, const QString &interface,
+    const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(ServiceOnBus::busName(), object, interface, method);
+    call.setArguments(arguments);
+    return send(call);
+}
+
 ServiceAnswer ServiceCalls::servers() const
 {
-    return call(managerObject, managerInterface, QStringLiteral("GetServers"), {});
+    return send(managerCall(QStringLiteral("GetServers")));
 }
 
 ServiceAnswer ServiceCalls::property(const QString &server, const QString &name) const
@@ -90,13 +100,17 @@ QString ServiceCalls::objectOf(const QString &base, const QStringList &servers) 
 {
     const QString udn = base.section(QLatin1Char('/'), 1, 1);
     const QString below = base.section(QLatin1Char('/'), 2);
-    const QString ending = QLatin1Char('/') + escaped(udn);
     for (const QString &server : servers) {
-        if (server.endsWith(ending)
+        if (isPathOf(server, udn)
             || valueOf(property(server, QStringLiteral("UDN"))).toString() == udn)
             return below.isEmpty() ? server : server + QLatin1Char('/') + below;
     }
     return QString();
+}
+
+bool isPathOf(const QString &server, const QString &udn)
+{
+    return server.section(QLatin1Char('/'), -1) == escaped(udn);
 }
 
 QStringList objectPaths(const ServiceAnswer &answer)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusMessage>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -27,6 +28,9 @@ class ServiceCalls
 public:
     explicit ServiceCalls(std::chrono::milliseconds limit);
 
+    /// A call of its manager, which lists the servers and announces them.
+    static QDBusMessage managerCall(const QString &method);
+
     /// The object paths of its media servers.
     ServiceAnswer servers() const;
     /// A property of a media server.
@@ -41,12 +45,15 @@ public:
     QString objectOf(const QString &base, const QStringList &servers) const;
 
 private:
+    ServiceAnswer send(const QDBusMessage &call) const;
     ServiceAnswer call(const QString &object, const QString &interface, const QString &method,
         const QVariantList &arguments) const;
 
     std::chrono::milliseconds m_limit;
 };
 
+/// Whether a server's object path is made of this UDN, as they are since dLeyna 0.6.
+bool isPathOf(const QString &server, const QString &udn);
 /// The object paths in a good answer of `servers()`.
 QStringList objectPaths(const ServiceAnswer &answer);
 /// How many objects a good answer of `child()` holds.

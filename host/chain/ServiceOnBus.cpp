@@ -15,6 +15,11 @@
 namespace {
 
 constexpr std::chrono::seconds startLimit(10);
+/// A media service that is silent for so long hangs.
+constexpr std::chrono::milliseconds answerLimit(5'000);
+/// The bridge answers when its first search is over; the others at once, and search for 3 s.
+constexpr std::chrono::milliseconds bridgeSearch(2'000);
+constexpr std::chrono::milliseconds otherSearch(3'500);
 
 QString describeBus(const QString &bus)
 {
@@ -191,18 +196,70 @@ void ServiceOnBus::watch()
     // Another owner is another service, which knows nothing of what the first was asked.
     m_watcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     m_watcher.addWatchedService(busName());
-    m_owner = Bus(orkaDBusConnection(), m_options.timeout).owner(busName());
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
         [this](const QString &, const QString &, const QString &owner) {
-            if (owner != m_owner)
+            if (m_there && owner != m_owner)
                 leave();
+            if (!owner.isEmpty())
+                emit back();
         });
+    meet(Bus(orkaDBusConnection(), m_options.timeout).owner(busName()));
+}
+
+void ServiceOnBus::meet(const QString &owner)
+{
+    const Bus bus(orkaDBusConnection(), m_options.timeout);
+    m_owner = owner;
+    m_there = true;
+    const bool isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
+    m_servers =
+        std::make_unique<ServiceServers>(bus.ageOf(owner), isBridge ? bridgeSearch : otherSearch);
 }
 
 void ServiceOnBus::leave()
 {
     m_there = false;
     emit gone();
+}
+
+bool ServiceOnBus::returns()
+{
+    const Bus bus(orkaDBusConnection(), m_options.timeout);
+    QString owner = bus.owner(busName());
+    if (owner.isEmpty() && m_bridge)
+        waitForBridge();
+    else if (owner.isEmpty() && bus.canActivate(busName()))
+        bus.activate(busName());
+    owner = bus.owner(busName());
+    if (!owner.isEmpty())
+        meet(owner);
+    return m_there;
+}
+
+QString ServiceOnBus::program() const
+{
+    return Bus(orkaDBusConnection(), m_options.timeout).describeOwner(m_owner);
+}
+
+bool ServiceOnBus::answers()
+{
+    // One that was just started may search first, whatever the time for an answer is.
+    Wait wait(std::max(std::min(m_options.timeout, answerLimit), m_servers->untilSettled()),
+        QStringLiteral("Asking the media service"));
+    connect(m_servers.get(), &ServiceServers::changed, &wait, &Wait::wake);
+    connect(this, &ServiceOnBus::gone, &wait, &Wait::wake);
+    return wait.until([this] { return m_servers->state() != ServiceServers::Asked || !m_there; });
+}
+
+void ServiceOnBus::requireAnswer()
+{
+    if (!answers()) {
+        throw Failure(NoAnswer, QStringLiteral("noAnswer"),
+            QStringLiteral("The media service does not answer: %1 has the name %2 on %3. End it, "
+                           "or start it again.")
+                .arg(safeText(program()), busName(), m_busDescription));
+    }
+    requireThere();
 }
 
 void ServiceOnBus::requireSameOwner()

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "chain/BusDaemon.h"
+#include "chain/ServiceServers.h"
 
 #include <QDBusServiceWatcher>
 #include <QObject>
@@ -28,16 +29,28 @@ public:
     /// "session", "system" or the bus's address.
     QString bus() const { return m_busDaemon ? m_busDaemon->address() : m_options.bus; }
     bool startedBridge() const { return bool(m_bridge); }
+    /// "orka-media-bridge (process 123)".
+    QString program() const;
+    /// The media servers that it lists.
+    ServiceServers &servers() { return *m_servers; }
+    /// Waits for its first answer, 5 s and --timeout at most. Returns whether one came.
+    bool answers();
+    /// Throws Failure (no answer) where it doesn't.
+    void requireAnswer();
     /// False after gone().
     bool isThere() const { return m_there; }
     /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
     void requireThere() const;
     /// The same, after asking the bus: the news may come behind an answer that it makes worthless.
     void requireSameOwner();
+    /// After gone(): whether a service is there again; starts one where that can be done.
+    bool returns();
 
 signals:
     /// The service has left the bus.
     void gone();
+    /// Another one has its name now.
+    void back();
 
 private:
     void openBus();
@@ -49,6 +62,7 @@ private:
     void waitForBridge();
     Failure bridgeFailed(const QString &why);
     void watch();
+    void meet(const QString &owner);
     void leave();
 
     const GlobalOptions m_options;
@@ -58,5 +72,6 @@ private:
     QDBusServiceWatcher m_watcher;
     /// The service's unique name on the bus.
     QString m_owner;
+    std::unique_ptr<ServiceServers> m_servers;
     bool m_there = true;
 };

@@ -51,8 +51,15 @@ Session::Session(const GlobalOptions &options, Errors errors)
 Session::Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> mediaService)
     : m_options(options)
     , m_mediaService(std::move(mediaService))
-    , m_worker(loadWorker(options))
 {
+    m_mediaService->requireAnswer();
+    makeWorker();
+}
+
+void Session::makeWorker()
+{
+    m_worker.reset(); // first: two can't have the same prefix
+    m_worker = loadWorker(m_options);
     m_silence.start();
     mount();
 }

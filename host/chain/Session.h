@@ -39,6 +39,9 @@ public:
     CMPath root() const { return path(QString()); }
     CMPath path(const QString &base) const { return CMPath(m_worker->prefix(), base); }
 
+    /// Anew, when the worker has missed what the media service announced.
+    void makeWorker();
+
     /// What sentences call the node, whatever the parameters of its path: a place as a person wrote
     /// it, a media server's title.
     void setName(const CMPath &path, const QString &name) { m_names.insert(path.base(), name); }

@@ -1,5 +1,4 @@
 #include "Failure.h"
-#include "chain/Bus.h"
 #include "chain/BusLimits.h"
 #include "chain/Session.h"
 #include "chain/StuckBus.h"
@@ -10,18 +9,12 @@
 #include "tree/SearchKinds.h"
 #include "tree/ServerList.h"
 
-#include <api/core/orka.h>
-
 #include <QStandardPaths>
-
-#include <algorithm>
 
 namespace {
 
 /// 200 tracks prepared at once, with two calls each.
 constexpr int neededPendingReplies = 400;
-/// A media service that is silent for so long hangs.
-constexpr std::chrono::milliseconds answerLimit(5000);
 
 /// What was found, in the order in which it was looked at.
 class Findings
@@ -89,23 +82,19 @@ void checkBusLimits(Findings &findings, const ServiceOnBus &service)
     }
 }
 
-void checkMediaService(
-    Findings &findings, const GlobalOptions &options, const ServiceOnBus &service)
+/// Whether it can be asked.
+bool checkMediaService(Findings &findings, ServiceOnBus &service)
 {
     findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
     checkBusLimits(findings, service);
-    const Bus bus(orkaDBusConnection(), std::min(options.timeout, answerLimit));
-    const QString owner = safeText(bus.describeOwner(bus.owner(ServiceOnBus::busName())));
-    if (!bus.answers(ServiceOnBus::busName())) {
-        findings.add(Findings::Missing, "media service",
-            QStringLiteral("%1 has the name %2 but doesn't answer. End it, or start it again.")
-                .arg(owner, ServiceOnBus::busName()));
-        return;
-    }
-    findings.add(Findings::Ok, "media service",
+    const bool answers = service.answers();
+    findings.add(answers ? Findings::Ok : Findings::Missing, "media service",
         QStringLiteral("%1 has the name %2%3.")
-            .arg(owner, ServiceOnBus::busName(),
-                service.startedBridge() ? QStringLiteral(", started for this run") : QString()));
+            .arg(safeText(service.program()), ServiceOnBus::busName(),
+                !answers ? QStringLiteral(" but doesn't answer. End it, or start it again")
+                    : service.startedBridge() ? QStringLiteral(", started for this run")
+                                              : QString()));
+    return answers;
 }
 
 void checkServers(Findings &findings, Session &session)
@@ -185,7 +174,8 @@ private:
     {
         auto service = std::make_unique<ServiceOnBus>(options);
         try {
-            checkMediaService(findings, options, *service);
+            if (!checkMediaService(findings, *service))
+                return;
         } catch (const StuckBus &) {
             static_cast<void>(service.release()); // tidying up would wait for the bus as well
             throw;

@@ -1,3 +1,5 @@
+#include "Failure.h"
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
 #include "commands/Command.h"
@@ -14,6 +16,10 @@
 
 namespace {
 
+constexpr std::chrono::milliseconds questionLimit(1000);
+/// So often a service that left is started again, and a server that was missed looked for.
+constexpr std::chrono::milliseconds lookEvery(1000);
+
 /// Says which servers came and went since it was last asked.
 class Arrivals
 {
@@ -21,6 +27,22 @@ public:
     explicit Arrivals(bool json)
         : m_json(json)
     {
+    }
+
+    bool isServiceThere() const { return m_isServiceThere; }
+
+    void tellServiceLeft()
+    {
+        tellChanges({});
+        m_isServiceThere = false;
+        write("service left", {});
+        tell(QStringLiteral("The media service has left the bus; waiting for it."));
+    }
+
+    void tellServiceBack()
+    {
+        m_isServiceThere = true;
+        write("service back", {});
     }
 
     void tellChanges(const ServerList::Servers &now)
@@ -42,7 +64,8 @@ private:
         if (m_json) {
             OrkaHash document;
             document.setValue(QStringLiteral("event"), QString::fromLatin1(event));
-            document.setValue(QStringLiteral("server"), server.toVariant());
+            if (!server.isEmpty())
+                document.setValue(QStringLiteral("server"), server.toVariant());
             writeJson(document);
         } else {
             writeLine(QStringLiteral("%1  %2  %3")
@@ -52,6 +75,7 @@ private:
     }
 
     bool m_json;
+    bool m_isServiceThere = true;
     ServerList::Servers m_known;
 };
 
@@ -64,7 +88,9 @@ public:
     {
         parser().add_flag("--watch", m_watch,
             "Print arrivals and departures until stopped; with --json\none document a line:\n"
-            "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}");
+            "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}; the media\n"
+            "service's own leaving and coming back are told, too:\n"
+            "{\"event\":\"service left\"|\"service back\"}");
     }
 
     int run(const GlobalOptions &options) override
@@ -81,23 +107,41 @@ private:
         const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
         if (session.options().json) {
             writeJson(rowsDocument(session.root(), rows));
-            return Answered;
+        } else if (!rows.rows.isEmpty()) {
+            writeTable(rows.rows);
         }
-        if (rows.rows.isEmpty()) {
+        const QStringList missing = servers.missing();
+        for (const QString &path : missing)
+            tell(leftOut(session, path));
+        if (rows.rows.isEmpty() && missing.isEmpty() && !session.options().json) {
             tell(QStringLiteral("No media server has shown up in %1 s. Start one on this network, "
                                 "or give it more time with --wait; \"orka doctor\" checks every "
                                 "part.")
                      .arg(double(session.options().wait.count()) / 1000));
-            return Answered;
         }
+        return missing.isEmpty() ? Answered : AnsweredWithError;
+    }
+
+    static void writeTable(const ServerList::Servers &servers)
+    {
         Table table({QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")});
-        for (const OrkaRoles &row : rows.rows) {
-            table.add({row.title().toString(),
-                row.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"),
-                row.path().toEncoded()});
+        for (const OrkaRoles &server : servers) {
+            table.add({server.title().toString(),
+                server.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"),
+                server.path().toEncoded()});
         }
         table.write();
-        return Answered;
+    }
+
+    static QString leftOut(const Session &session, const QString &server)
+    {
+        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
+        const QString name =
+            valueOf(service.property(server, QStringLiteral("FriendlyName"))).toString();
+        return QStringLiteral("The media server %1 is left out: the media service lists it, but "
+                              "does not tell all about it. It may not answer; try again with a "
+                              "longer --wait.")
+            .arg(quoted(name.isEmpty() ? server : name));
     }
 
     static int watch(Session &session, ServerList &servers)
@@ -108,19 +152,38 @@ private:
         QObject::connect(
             &reader, &QSocketNotifier::activated, &reader, [&] { reader.setEnabled(false); });
         for (;;) {
-            session.mediaService().requireThere();
             if (!reader.isEnabled())
                 writeLine(QString()); // ends us now, as the next event would
-            arrivals.tellChanges(servers.servers());
-            Wait change(std::chrono::hours(24));
-            QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);
-            QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
-            QObject::connect(&session.mediaService(), &ServiceOnBus::gone, &change, &Wait::wake);
-            change.until([&] {
-                return servers.isStale() || !session.mediaService().isThere()
-                    || !reader.isEnabled();
-            });
+            ServiceOnBus &service = session.mediaService();
+            if (arrivals.isServiceThere() && service.isThere()) {
+                arrivals.tellChanges(servers.servers());
+                servers.mend();
+            } else if (arrivals.isServiceThere()) {
+                arrivals.tellServiceLeft();
+            } else if (service.returns()) {
+                arrivals.tellServiceBack();
+                session.makeWorker();
+                servers.startAgain();
+            }
+            waitForChange(session, servers, reader);
         }
+    }
+
+    static void waitForChange(Session &session, ServerList &servers, QSocketNotifier &reader)
+    {
+        ServiceOnBus &service = session.mediaService();
+        Wait change(lookEvery);
+        QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);
+        QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
+        QObject::connect(&service, &ServiceOnBus::gone, &change, &Wait::wake);
+        QObject::connect(&service, &ServiceOnBus::back, &change, &Wait::wake);
+        bool isBack = false;
+        QObject::connect(&service, &ServiceOnBus::back, &change, [&] { isBack = true; });
+        const bool wasThere = service.isThere();
+        change.until([&] {
+            return isBack || servers.isStale() || service.isThere() != wasThere
+                || !reader.isEnabled();
+        });
     }
 
     bool m_watch = false;

@@ -1,16 +1,27 @@
 #include "tree/ServerList.h"
 
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
 #include "tree/RowsReader.h"
 
 #include <api/core/CMRoot.h>
 
+#include <QTimer>
+
 #include <algorithm>
 
 namespace {
 
-constexpr std::chrono::milliseconds stillFor(1000);
+using Milliseconds = std::chrono::milliseconds;
+
+constexpr Milliseconds stillFor(1000);
+/// A worker that has been told of a server reads its properties for so long.
+constexpr Milliseconds readingTime(150);
+constexpr Milliseconds questionLimit(1000);
+constexpr int lookEvery = 50; // milliseconds
+/// A server that no worker ever lists isn't worth more.
+constexpr int mostWorkers = 3;
 
 bool hasServer(const ServerList::Servers &servers, const QString &base)
 {
@@ -24,12 +35,27 @@ ServerList::ServerList(Session &session)
     : m_session(session)
 {
     m_clock.start();
+    m_sinceChange.start();
     connect(CMRoot(), &CMRootWorker::rowsChanged, this, [this](const CMPath &path) {
-        if (path == m_session.root()) {
-            m_stale = true;
-            emit changed();
-        }
+        if (path == m_session.root())
+            noteChange();
     });
+}
+
+void ServerList::noteChange()
+{
+    m_stale = true;
+    m_sinceChange.start();
+    emit changed();
+}
+
+void ServerList::startAgain()
+{
+    m_clock.start();
+    m_mended = 0;
+    m_udns.clear();
+    m_unreadable.clear();
+    noteChange();
 }
 
 const ServerList::Servers &ServerList::servers()
@@ -48,30 +74,41 @@ QString ServerList::serverBase(const CMPath &path)
     return QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
 }
 
-bool ServerList::waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) const
+bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit) const
 {
     Wait wait(limit, QStringLiteral("Looking for media servers"));
     connect(this, &ServerList::changed, &wait, &Wait::wake);
-    const ServiceOnBus &service = m_session.mediaService();
+    ServiceOnBus &service = m_session.mediaService();
     connect(&service, &ServiceOnBus::gone, &wait, &Wait::wake);
+    connect(&service.servers(), &ServiceServers::changed, &wait, &Wait::wake);
+    QTimer look; // for what becomes true by the time alone
+    connect(&look, &QTimer::timeout, &wait, &Wait::wake);
+    look.start(lookEvery);
     const bool isDone = wait.until([&] { return !service.isThere() || done(); });
     service.requireThere();
     return isDone;
 }
 
-std::chrono::milliseconds ServerList::remaining() const
+Milliseconds ServerList::remaining() const
 {
-    const std::chrono::milliseconds left =
-        m_session.options().wait - std::chrono::milliseconds(m_clock.elapsed());
-    return std::max(left, std::chrono::milliseconds(0));
+    const Milliseconds left = m_session.options().wait - Milliseconds(m_clock.elapsed());
+    return std::max(left, Milliseconds(0));
 }
 
 bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
 {
-    return waitUntil([&] { return enough(servers()); }, remaining());
+    const bool mayGiveUp = !m_session.options().waitIsNamed;
+    bool isEnough = false;
+    waitUntil(
+        [&] {
+            isEnough = enough(servers());
+            return isEnough || (isComplete() && mayGiveUp);
+        },
+        remaining());
+    return isEnough;
 }
 
-void ServerList::standStill(std::chrono::milliseconds time)
+void ServerList::standStill(Milliseconds time)
 {
     bool changing = true;
     while (changing && remaining().count() > 0) {
@@ -82,8 +119,65 @@ void ServerList::standStill(std::chrono::milliseconds time)
 
 void ServerList::settle()
 {
-    waitFor([](const Servers &servers) { return !servers.isEmpty(); });
-    standStill(stillFor);
+    waitUntil([this] { return isComplete(); }, remaining());
+}
+
+bool ServerList::isComplete()
+{
+    const bool hasServers = !servers().isEmpty();
+    const ServiceServers &service = m_session.mediaService().servers();
+    if (service.state() != ServiceServers::Listed)
+        return hasServers && m_sinceChange.elapsed() >= stillFor.count();
+    mend();
+    const QStringList lacking = missing();
+    return !service.paths().isEmpty() && service.isSettled()
+        && std::all_of(lacking.begin(), lacking.end(),
+            [this](const QString &path) { return m_unreadable.contains(path); });
+}
+
+QStringList ServerList::missing()
+{
+    QStringList lacking;
+    const QStringList paths = m_session.mediaService().servers().paths();
+    for (const QString &path : paths) {
+        const auto isRow = [&](const OrkaRoles &server) {
+            const QString udn = serverBase(server.path()).mid(1);
+            return isPathOf(path, udn) || m_udns.value(path) == udn;
+        };
+        if (std::none_of(servers().begin(), servers().end(), isRow))
+            lacking.append(path);
+    }
+    return lacking;
+}
+
+void ServerList::mend()
+{
+    if (m_mended == mostWorkers || m_sinceChange.elapsed() < readingTime.count() || isWhole())
+        return;
+    bool isMissed = false;
+    for (const QString &path : missing())
+        isMissed = isReadable(path) || isMissed;
+    if (!isMissed || isWhole())
+        return; // the worker waits for the same answers, or is about to have them
+    ++m_mended;
+    qInfo("The worker has missed a media server that the media service lists; made anew.");
+    m_session.makeWorker();
+    noteChange();
+}
+
+/// Whether the media service has told all that a worker asks of a server before it lists it.
+bool ServerList::isReadable(const QString &server)
+{
+    const ServiceCalls service(std::min(questionLimit, remaining()));
+    const ServiceAnswer udn = service.property(server, QStringLiteral("UDN"));
+    const ServiceAnswer name = service.property(server, QStringLiteral("FriendlyName"));
+    // A worker does without these, but waits for them.
+    const bool hasCaps = service.property(server, QStringLiteral("SearchCaps")).came;
+    if (udn.isGood())
+        m_udns.insert(server, valueOf(udn).toString());
+    if (udn.isError() || name.isError())
+        m_unreadable.insert(server);
+    return udn.isGood() && name.isGood() && hasCaps;
 }
 
 bool ServerList::waitForServersOf(const QVector<CMPath> &paths)

@@ -24,37 +24,38 @@ int ContainerSampler::pathPosition() const
 void ContainerSampler::performSample()
 {
     const int position = pathPosition();
-    TRACE_ENTER_WITH(m_path << ", " << m_sampleIndex << ", " << position);
+    TRACE_ENTER_WITH(sdk::logged(m_path) << ", " << m_sampleIndex << ", " << position);
     const CMReply<OrkaRowsRoles> reply;
-    CMRoot()->getRows(m_path, position, position, -1, m_request.roles(), reply);
-    auto *watcher = new CMReplyWatcherObject(reply, this);
+    // Watched before it is asked for, so that an answer within the call isn't missed.
+    auto *watcher = sdk::watch(reply, this);
     connect(watcher, &CMReplyWatcherObject::finishedSignal, this,
         &ContainerSampler::on_getRows_finished, Qt::QueuedConnection);
     connect(watcher, &CMReplyWatcherObject::finishedSignal, watcher, &QObject::deleteLater);
+    CMRoot()->getRows(m_path, position, position, -1, sdk::rolesOf(m_request), reply);
 }
 
 void ContainerSampler::on_getRows_finished(const CMVoidReply &reply)
 {
     TRACE_ENTER();
-    const CMError error = reply.error();
-    if (!error.value(CMError::Name()).toString().isEmpty()) {
+    const CMError error = sdk::errorOf(reply);
+    if (sdk::isError(error)) {
         LOG4CPLUS_ERROR(upnpLog(),
-            "Failed to perform container sampling at item " << pathPosition()
-                                                            << "; error: " << error);
-        m_request.setError(error);
+            "Failed to perform container sampling at item "
+                << pathPosition() << "; error: " << sdk::errorText(error));
+        sdk::refuse(m_request, error);
         deleteLater();
         return;
     }
 
-    const OrkaRowsRoles child = CMReplyData<OrkaRowsRoles>(reply).value();
-    const QVariantList rows = child.rows();
+    const OrkaRowsRoles child = sdk::rowsOf(reply);
+    const QVariantList rows = sdk::rowList(child);
     if (m_totalCount == -1)
         m_totalCount = child.rowsCount();
     if (rows.size() != 1) {
         LOG4CPLUS_WARN(upnpLog(), "Incorrect number of rows in the reply: " << rows.size());
     }
     // The tree answers a request for one row with an error when it has none.
-    ORKA_ASSERT(!rows.isEmpty());
+    sdk::verify(!rows.isEmpty(), "!rows.isEmpty()");
     m_samples.append(rows.first());
     ++m_sampleIndex;
     if (isComplete()) {
@@ -74,10 +75,10 @@ void ContainerSampler::finalizeSampling()
 {
     TRACE_ENTER();
     const int span = int(unsigned(m_end) - unsigned(m_start) + 1);
-    OrkaRowsRoles answer;
+    auto answer = sdk::empty<OrkaRowsRoles>();
     answer.setRows(m_samples);
     answer.setRowsVersion(0);
     answer.setRowsCount(qMin(span, m_totalCount));
-    m_request.reply().setValue(answer);
+    sdk::answer(m_request, answer);
     deleteLater();
 }

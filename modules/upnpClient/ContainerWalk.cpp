@@ -1,7 +1,6 @@
 #include "ContainerWalk.h"
 
 #include "DBusBarrier.h"
-#include "cb_upnp.h"
 #include "dleyna.h"
 #include "log.h"
 
@@ -21,55 +20,45 @@ const QString &trackCall()
 
 } // namespace walk
 
-ContainerWalk::ContainerWalk(CMUPnPWorker *worker, DBusBarrier *barrier)
-    : SlicedWork(worker)
-    , m_worker(worker)
+ContainerWalk::ContainerWalk(
+    DBusBarrier *barrier, const ObjectMapping &mapping, const QStringList &filter)
+    : SlicedWork(barrier)
     , m_barrier(barrier)
+    , m_arrived(barrier, this)
+    , m_mapping(mapping)
+    , m_filter(filter)
 {
 }
 
-bool ContainerWalk::step()
+SlicedWork::Next ContainerWalk::step()
 {
-    ObjectProperties object;
-    if (m_objects.next(&object)) {
-        visit(object);
-        return true;
+    if (!m_objects.empty()) {
+        visit(m_objects.front());
+        m_objects.pop_front();
+        return Next::Step;
     }
-    if (m_subContainers.isEmpty())
-        return takeCall();
-    listSubContainer();
-    // When all have come, the barrier tells, and the next round goes on from there.
-    return !m_subContainers.isEmpty();
+    return m_subContainers.isEmpty() ? takeCall() : listSubContainer();
 }
 
-bool ContainerWalk::takeCall()
+SlicedWork::Next ContainerWalk::takeCall()
 {
     QDBusPendingCallWatcher *call = m_barrier->takeFinishedCall(&m_callName);
     if (!call) {
         if (m_barrier->isFinished())
             answer();
-        return false;
+        return Next::Rest;
     }
-    if (call->isError()) {
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching children failed: " << call->error().message());
-    } else {
-        readCall(call);
+    auto objects = m_arrived.take(call);
+    if (!objects) {
+        LOG4CPLUS_ERROR(
+            upnpLog(), "Fetching children failed: " << logText(call->error().message()));
+        return Next::Step;
     }
-    // The barrier keeps the watcher to the end of the walk; the reply mustn't stay that long.
-    DBusBarrier::release(*call);
-    return true;
-}
-
-void ContainerWalk::readCall(QDBusPendingCallWatcher *call)
-{
+    LOG4CPLUS_DEBUG(upnpLog(), "browse finished call: " << logText(m_callName));
     m_position = 0;
-    m_context = ReplyContext();
-    LOG4CPLUS_DEBUG(upnpLog(), "browse finished call: " << m_callName);
-    if (m_callName == walk::trackCall()) {
-        visit(ObjectProperties(QDBusPendingReply<QVariantMap>(*call).value()));
-    } else {
-        m_objects.open(QDBusPendingReply<PropertyMaps>(*call).reply());
-    }
+    m_objects = std::move(*objects);
+    m_mapping.startReply();
+    return Next::Step;
 }
 
 void ContainerWalk::visit(const ObjectProperties &object)
@@ -84,33 +73,40 @@ void ContainerWalk::visit(const ObjectProperties &object)
         // '_' sorts after the digits, so containers at larger positions are visited first.
         const QString name =
             m_callName + QStringLiteral("%1").arg(m_position, 5, 10, QLatin1Char('_'));
-        LOG4CPLUS_DEBUG(upnpLog(), "browse container: " << name);
+        LOG4CPLUS_DEBUG(upnpLog(), "browse container: " << logText(name));
         m_subContainers.enqueue({name, path});
         return;
     }
-    const OrkaPlayListItem item = m_worker->fillin_playlistItem(object, &m_context);
-    LOG4CPLUS_DEBUG(upnpLog(), "browse add: " << item.title());
-    if (!item.isEmpty())
-        m_barrier->results.append(item.toVariant());
+    const OrkaPlayListItem item = m_mapping.playListItem(object);
+    const bool isEmpty = sdk::isEmpty(item);
+    LOG4CPLUS_DEBUG(upnpLog(),
+        "browse add: " << logText(
+            isEmpty ? QString() : object.string(ObjectProperties::DisplayName)));
+    if (!isEmpty)
+        m_barrier->results.append(sdk::variantOf(item));
 }
 
-void ContainerWalk::listSubContainer()
+SlicedWork::Next ContainerWalk::listSubContainer()
 {
     const SubContainer container = m_subContainers.dequeue();
     // What comes before the last one has been sent is no end of the round.
-    m_barrier->hold();
+    if (!m_isSending)
+        m_barrier->hold();
+    m_isSending = true;
     const OrgGnomeUPnPMediaContainer2Interface proxy(
         dleyna::service(), container.path.path(), orkaDBusConnection());
-    m_barrier->addCall(
-        container.callName, proxy.ListChildren(0, walk::maxChildren, m_worker->propertyFilter()));
-    if (m_subContainers.isEmpty())
-        m_barrier->proceed();
+    m_barrier->addCall(container.callName, proxy.ListChildren(0, walk::maxChildren, m_filter));
+    if (!m_subContainers.isEmpty())
+        return Next::Step;
+    m_isSending = false;
+    m_barrier->proceed();
+    return Next::Rest;
 }
 
 void ContainerWalk::answer()
 {
     LOG4CPLUS_DEBUG(upnpLog(), "browse finished");
     const auto request = m_barrier->takeUserData<CMSetDataRequest>();
-    request->reply().setValue(m_barrier->results);
+    sdk::answer(*request, QVariant(m_barrier->results));
     m_barrier->deleteInSlices();
 }

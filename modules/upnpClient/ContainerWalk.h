@@ -1,15 +1,10 @@
 #pragma once
 
-#include "PropertyMapReader.h"
-#include "ReplyContext.h"
-#include "SlicedWork.h"
+#include "ArrivedObjects.h"
+#include "ObjectMapping.h"
 
 #include <QDBusObjectPath>
 #include <QQueue>
-
-class CMUPnPWorker;
-class DBusBarrier;
-class QDBusPendingCallWatcher;
 
 /// Names of the calls of a walk for what its request names; a sub-container's name is its parent's
 /// followed by its position.
@@ -20,15 +15,21 @@ const QString &trackCall();
 constexpr uint maxChildren = 10000;
 } // namespace walk
 
-/// One round of a walk over containers: takes the finished calls of the walk's barrier in the order
-/// of their names and turns their objects into playlist items, until a call has listed
-/// sub-containers, whose listings it then sends, or none is left, when it answers the request and
-/// disposes of the barrier. The barrier holds what the rounds share: the objects met and the items
-/// so far. A child of the worker.
+/// A walk over containers, for a request whose first calls are in `barrier`.
+///
+/// It goes in rounds. Each time the barrier has all replies, start() begins one: finished calls are
+/// taken in the order of their names and their objects turned into playlist items. Where a call has
+/// listed containers, their listings are asked for and the round ends; names and order make that a
+/// walk in depth, although all listings of a round are on their way at once. A round that finds no
+/// call left answers the request and disposes of the barrier, and of this, its child. What the
+/// rounds share besides, the objects met and the items so far, is in the barrier.
 class ContainerWalk : public SlicedWork
 {
+    Q_OBJECT
+
 public:
-    ContainerWalk(CMUPnPWorker *worker, DBusBarrier *barrier);
+    /// `filter`: the names of the properties that are asked for.
+    ContainerWalk(DBusBarrier *barrier, const ObjectMapping &mapping, const QStringList &filter);
 
 private:
     struct SubContainer
@@ -37,19 +38,23 @@ private:
         QDBusObjectPath path;
     };
 
-    bool step() override;
-    bool takeCall();
-    void readCall(QDBusPendingCallWatcher *call);
+    Next step() override;
+    Next takeCall();
     void visit(const ObjectProperties &object);
-    void listSubContainer();
+    Next listSubContainer();
     void answer();
 
-    CMUPnPWorker *m_worker;
     DBusBarrier *m_barrier;
+    ArrivedObjects m_arrived;
+    ObjectMapping m_mapping;
+    QStringList m_filter;
+
+    // Of the call that is being read.
     QString m_callName;
+    ArrivedObjects::Objects m_objects;
     /// Of the object in its listing, from 1.
     int m_position = 0;
-    PropertyMapReader m_objects;
     QQueue<SubContainer> m_subContainers;
-    ReplyContext m_context;
+    /// Some of them have been asked for, some haven't.
+    bool m_isSending = false;
 };

@@ -22,24 +22,28 @@ void DBusBarrier::addCall(const QString &name, const QDBusPendingCall &call)
     auto *watcher = new QDBusPendingCallWatcher(call, this);
     m_pending.insert(watcher);
     m_calls[name] = watcher;
-    orkaConnect(watcher,
+    sdk::connectChecked(watcher,
         SIGNAL(finished(QDBusPendingCallWatcher*)), this,
             SLOT(callFinished(QDBusPendingCallWatcher*)));
 }
 
 void DBusBarrier::callFinished(QDBusPendingCallWatcher *watcher)
 {
-    ORKA_ASSERT(m_pending.contains(watcher));
+    sdk::verify(m_pending.contains(watcher), "m_pending.contains(watcher)");
+    hold();
     m_pending.remove(watcher);
-    if (m_pending.isEmpty() && !m_isHeld)
-        emit finished(this, m_userData);
+    m_isDue = true;
+    if (m_onArrival)
+        m_onArrival(watcher);
+    proceed();
 }
 
 void DBusBarrier::proceed()
 {
-    m_isHeld = false;
-    if (m_pending.isEmpty() && !m_calls.isEmpty())
-        emit finished(this, m_userData);
+    if (--m_holds > 0 || !m_isDue || !m_pending.isEmpty())
+        return;
+    m_isDue = false;
+    emit finished(this, m_userData);
 }
 
 QDBusPendingCall &DBusBarrier::getCall(const QString &name)

@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 
 /// Groups the asynchronous D-Bus calls of one piece of work and tells when the last of them has
@@ -15,8 +16,8 @@
 /// A flow makes a barrier, adds its calls under names of its choosing, connects `finished` to its
 /// handler and returns to the event loop; a call's completion is never seen before that. The
 /// handler fetches the replies by name and disposes of the barrier with `deleteLater()`. A barrier
-/// destroyed with calls still pending discards them and never tells. A barrier without calls never
-/// tells either. All of it on the thread that owns the barrier.
+/// destroyed with calls still pending discards them, and `finished` is not emitted. Nor is it for a
+/// barrier without calls. All of it on the thread that owns the barrier.
 class DBusBarrier : public QObject
 {
     Q_OBJECT
@@ -35,15 +36,23 @@ public:
     template<typename T>
     std::unique_ptr<T> takeUserData();
 
-    /// Between the two nothing is told, so that calls can be added in several turns of the event
-    /// loop. If all have finished meanwhile, `proceed()` tells.
-    void hold() { m_isHeld = true; }
+    /// Between hold() and proceed() `finished` is not emitted, so that calls can be added, or their
+    /// replies read, in several turns of the event loop. If the last call has finished meanwhile,
+    /// proceed() emits it. Pairs may overlap.
+    void hold() { ++m_holds; }
     void proceed();
+    /// `read` gets each call when it has finished.
+    void onArrival(std::function<void(QDBusPendingCallWatcher *)> read)
+    {
+        m_onArrival = std::move(read);
+    }
     /// A name that is already there names the new call from now on; the barrier waits for both.
     void addCall(const QString &name, const QDBusPendingCall &call);
     bool containsCall(const QString &name) const { return m_calls.contains(name); }
     /// `name` has been added and not been taken.
     QDBusPendingCall &getCall(const QString &name);
+    /// The same call with its watcher.
+    QDBusPendingCallWatcher *watcher(const QString &name) const { return m_calls.value(name); }
     /// True also while nothing has been added.
     bool isFinished() const { return m_pending.isEmpty(); }
     /// Hands out the finished call with the smallest name and forgets the name; null when there is
@@ -72,7 +81,10 @@ private:
 
     QMap<QString, QDBusPendingCallWatcher *> m_calls;
     QSet<QDBusPendingCallWatcher *> m_pending;
-    bool m_isHeld = false;
+    std::function<void(QDBusPendingCallWatcher *)> m_onArrival;
+    int m_holds = 0;
+    /// A call has finished since `finished` was last emitted.
+    bool m_isDue = false;
     void *m_userData;
     Dispose m_dispose = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "ObjectProperties.h"
 
+#include <QDBusArgument>
+
 namespace {
 
 const std::array<QString, ObjectProperties::Count> &names()
@@ -29,8 +31,22 @@ const std::array<QString, ObjectProperties::Count> &names()
 ObjectProperties::ObjectProperties(const QVariantMap &map)
     : m_map(map)
 {
-    for (auto entry = map.begin(); entry != map.end(); ++entry)
-        set(nameOf(entry.key()), entry.value());
+    // Of a name that comes more than once, the first entry is the one that value() finds.
+    for (auto entry = map.begin(); entry != map.end(); ++entry) {
+        const Name name = nameOf(entry.key());
+        if (name != Count && !has(name))
+            set(name, entry.value());
+    }
+}
+
+void ObjectProperties::merge(const ObjectProperties &other)
+{
+    for (int name = 0; name < Count; ++name) {
+        if (other.has(Name(name)))
+            set(Name(name), other.value(Name(name)));
+    }
+    for (auto entry = other.m_map.begin(); entry != other.m_map.end(); ++entry)
+        m_map.insert(entry.key(), other.m_map.value(entry.key()));
 }
 
 ObjectProperties::Name ObjectProperties::nameOf(const QString &text)
@@ -49,6 +65,11 @@ void ObjectProperties::set(Name name, const QVariant &value)
 {
     if (name == Count)
         return;
-    m_values[std::size_t(name)] = value;
+    // Undecoded, it converts to nothing and would keep the whole reply.
+    static const int undecoded = qMetaTypeId<QDBusArgument>();
+    if (value.userType() == undecoded)
+        m_values[std::size_t(name)].clear();
+    else
+        m_values[std::size_t(name)] = value;
     m_present |= 1U << name;
 }

@@ -34,6 +34,8 @@ public:
     static Name nameOf(const QString &text);
 
     void set(Name name, const QVariant &value);
+    /// Takes over what `other` has, in place of what is here.
+    void merge(const ObjectProperties &other);
     bool has(Name name) const { return (m_present >> name & 1U) != 0; }
     /// Each converts as Qt does; what is absent gives an invalid value, an empty text, 0 or an
     /// empty list.

@@ -1,8 +1,6 @@
 #include "PreparedItems.h"
 
 #include "DBusBarrier.h"
-#include "cb_upnp.h"
-#include "dleyna.h"
 #include "log.h"
 
 namespace preparation {
@@ -24,84 +22,78 @@ QString searchCall(int number)
 
 } // namespace preparation
 
-namespace {
-
-/// The properties that a call has read, none where it failed. Frees the reply.
-QVariantMap takeProperties(QDBusPendingCall &call)
-{
-    const QDBusPendingReply<QVariantMap> reply = call;
-    DBusBarrier::release(call);
-    return reply.isError() ? QVariantMap() : reply.value();
-}
-
-} // namespace
-
-PreparedItems::PreparedItems(CMUPnPWorker *worker, DBusBarrier *barrier)
-    : SlicedWork(worker)
-    , m_worker(worker)
+PreparedItems::PreparedItems(DBusBarrier *barrier, const ObjectMapping &mapping,
+    std::function<void(const CMSetDataRequest &)> walk)
+    : SlicedWork(barrier)
     , m_barrier(barrier)
-    , m_request(barrier->takeUserData<CMSetDataRequest>())
+    , m_arrived(barrier, this)
+    , m_mapping(mapping)
+    , m_walk(std::move(walk))
 {
 }
 
-bool PreparedItems::step()
+SlicedWork::Next PreparedItems::step()
 {
-    ObjectProperties object;
-    if (m_found.next(&object)) {
-        append(object);
+    if (!m_found.empty()) {
+        append(m_found.front());
+        m_found.pop_front();
     } else if (m_barrier->containsCall(preparation::directItemCall(m_track))) {
         takeTrack();
     } else if (m_barrier->containsCall(preparation::searchCall(m_search))) {
         openSearch();
     } else {
         answer();
-        return false;
+        return Next::Rest;
     }
-    return true;
+    return Next::Step;
 }
 
 void PreparedItems::takeTrack()
 {
-    QVariantMap properties =
-        takeProperties(m_barrier->getCall(preparation::directItemCall(m_track)));
-    const QVariantMap objectProperties =
-        takeProperties(m_barrier->getCall(preparation::directObjectCall(m_track)));
-    for (auto it = objectProperties.begin(); it != objectProperties.end(); ++it)
-        properties.insert(it.key(), it.value());
-    append(ObjectProperties(properties));
+    ObjectProperties properties = takeProperties(preparation::directItemCall(m_track));
+    properties.merge(takeProperties(preparation::directObjectCall(m_track)));
+    append(properties);
     ++m_track;
+}
+
+/// None where the call failed.
+ObjectProperties PreparedItems::takeProperties(const QString &callName)
+{
+    const auto objects = m_arrived.take(m_barrier->watcher(callName));
+    return objects ? objects->front() : ObjectProperties();
 }
 
 void PreparedItems::openSearch()
 {
-    QDBusPendingCall &call = m_barrier->getCall(preparation::searchCall(m_search));
-    const QDBusPendingReply<PropertyMaps, uint> found = call;
-    if (found.isError()) {
-        LOG4CPLUS_WARN(
-            upnpLog(), "Fetching search results failed; error: " << found.error().message());
-        m_searchFailed = true;
+    const QDBusPendingCallWatcher *const call =
+        m_barrier->watcher(preparation::searchCall(m_search));
+    auto found = m_arrived.take(call);
+    if (found) {
+        m_found = std::move(*found);
     } else {
-        m_found.open(found.reply());
+        LOG4CPLUS_WARN(upnpLog(),
+            "Fetching search results failed; error: " << logText(call->error().message()));
+        m_searchFailed = true;
     }
-    DBusBarrier::release(call);
     ++m_search;
 }
 
 void PreparedItems::append(const ObjectProperties &object)
 {
-    const OrkaPlayListItem item = m_worker->fillin_playlistItem(object, &m_context);
-    if (!item.isEmpty())
-        m_items.append(item.toVariant());
+    const OrkaPlayListItem item = m_mapping.playListItem(object);
+    if (!sdk::isEmpty(item))
+        m_items.append(sdk::variantOf(item));
 }
 
 void PreparedItems::answer()
 {
+    const auto request = m_barrier->takeUserData<CMSetDataRequest>();
     m_barrier->deleteInSlices();
     if (m_searchFailed && m_items.isEmpty()) {
         LOG4CPLUS_INFO(upnpLog(), "Search is not supported by the server - try browsing items");
-        m_worker->browsePlaylistItems(*m_request);
+        m_walk(*request);
         return;
     }
-    LOG4CPLUS_TRACE(upnpLog(), "Result: " << m_items);
-    m_request->reply().setValue(m_items);
+    LOG4CPLUS_TRACE(upnpLog(), "Result: " << logText(m_items));
+    sdk::answer(*request, QVariant(m_items));
 }

@@ -1,12 +1,9 @@
 #pragma once
 
-#include "PropertyMapReader.h"
-#include "ReplyContext.h"
-#include "SlicedWork.h"
-#include "sdk.h"
+#include "ArrivedObjects.h"
+#include "ObjectMapping.h"
 
-class CMUPnPWorker;
-class DBusBarrier;
+#include <functional>
 
 /// Names of a preparation's calls in its barrier; `number` counts from 1.
 namespace preparation {
@@ -18,28 +15,32 @@ QString directObjectCall(int number);
 QString searchCall(int number);
 } // namespace preparation
 
-/// Answers a preparation whose calls have all finished: its tracks first, then what each search
-/// found. Where a search failed and nothing was found at all, the containers are walked instead.
-/// Disposes of the barrier. A child of the worker.
+/// Answers a preparation; start() when its barrier has all replies. Its tracks come first, then
+/// what each search found. Where a search failed and nothing was found at all, `walk` gets the
+/// request instead. Disposes of the barrier, and of itself, its child.
 class PreparedItems : public SlicedWork
 {
+    Q_OBJECT
+
 public:
-    PreparedItems(CMUPnPWorker *worker, DBusBarrier *barrier);
+    PreparedItems(DBusBarrier *barrier, const ObjectMapping &mapping,
+        std::function<void(const CMSetDataRequest &)> walk);
 
 private:
-    bool step() override;
+    Next step() override;
     void takeTrack();
     void openSearch();
+    ObjectProperties takeProperties(const QString &callName);
     void append(const ObjectProperties &object);
     void answer();
 
-    CMUPnPWorker *m_worker;
     DBusBarrier *m_barrier;
-    std::unique_ptr<CMSetDataRequest> m_request;
+    ArrivedObjects m_arrived;
+    ObjectMapping m_mapping;
+    std::function<void(const CMSetDataRequest &)> m_walk;
     int m_track = 1;
     int m_search = 1;
     bool m_searchFailed = false;
-    PropertyMapReader m_found;
-    ReplyContext m_context;
+    ArrivedObjects::Objects m_found;
     QVariantList m_items;
 };

@@ -28,7 +28,9 @@ void PropertyMapReader::open(const QDBusMessage &reply, const WantedRoles &wante
     if (list.userType() != qMetaTypeId<QDBusArgument>())
         return;
     m_argument = list.value<QDBusArgument>();
-    std::as_const(*m_argument).beginArray();
+    m_isArray = m_argument->currentType() == QDBusArgument::ArrayType;
+    if (m_isArray)
+        std::as_const(*m_argument).beginArray();
 }
 
 bool PropertyMapReader::isWanted(P::Name name) const
@@ -84,7 +86,7 @@ bool PropertyMapReader::next(P *properties)
 void PropertyMapReader::close()
 {
     // An argument dropped inside its array would keep the whole reply for good.
-    if (m_argument)
+    if (m_argument && m_isArray)
         std::as_const(*m_argument).endArray();
     m_argument.reset();
 }

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "ObjectProperties.h"
-#include "ReplyContext.h"
+#include "WantedRoles.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
 
 #include <optional>
 
-/// Reads the property maps of a reply (its first argument, aa{sv}) one by one, straight from the
-/// message: nothing is decoded twice, no second copy of a long list is held, and what nobody asks
-/// for is passed over. The reply's signature has been checked before. Keeps the message until the
-/// last map has been read.
+/// Reads the property maps of a reply (its first argument, aa{sv} or a single a{sv}) one by one,
+/// straight from the message: nothing is decoded twice, no second copy of a long list is held, and
+/// what nobody asks for is passed over. The reply's signature has been checked before. Keeps the
+/// message until the last map has been read.
 class PropertyMapReader
 {
 public:
@@ -29,7 +29,8 @@ private:
     bool isWanted(ObjectProperties::Name name) const;
     void close();
 
-    /// Inside its array.
+    /// Inside its array, where it is one.
     std::optional<QDBusArgument> m_argument;
+    bool m_isArray = false;
     bool m_wantsMediaData = true;
 };

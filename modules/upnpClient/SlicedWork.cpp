@@ -15,14 +15,14 @@ public:
     }
 
 private:
-    bool step() override
+    Next step() override
     {
         if (m_next == m_count) {
             m_done();
-            return false;
+            return Next::End;
         }
         m_body(m_next++);
-        return true;
+        return Next::Step;
     }
 
     int m_next = 0;
@@ -36,10 +36,11 @@ private:
 void SlicedWork::runSlice()
 {
     for (int done = 0; done < stepsPerTurn; ++done) {
-        if (!step()) {
+        const Next next = step();
+        if (next == Next::End)
             deleteLater();
+        if (next != Next::Step)
             return;
-        }
     }
     QMetaObject::invokeMethod(
         this, [this] { runSlice(); }, Qt::QueuedConnection);

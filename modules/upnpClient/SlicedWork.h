@@ -5,8 +5,8 @@
 #include <functional>
 
 /// Work on a long reply or request, cut into turns of the event loop, so that nothing else waits
-/// for it longer than a few milliseconds. Short work is done within `start()`. Deletes itself at
-/// its end; destroyed earlier, with its parent, it just stops.
+/// for it longer than a few milliseconds. Short work is done within `start()`. Destroyed with its
+/// parent in the middle of it, it just stops.
 class SlicedWork : public QObject
 {
 public:
@@ -16,13 +16,19 @@ public:
     void start() { runSlice(); }
 
 protected:
+    enum class Next {
+        Step, ///< there is more to do
+        Rest, ///< nothing now; `start()` goes on
+        End ///< all is done: the work deletes itself
+    };
+
     explicit SlicedWork(QObject *parent)
         : QObject(parent)
     {
     }
 
-    /// Does one piece; false when that was the last, after which nothing more is called.
-    virtual bool step() = 0;
+    /// Does one piece.
+    virtual Next step() = 0;
 
 private:
     void runSlice();

@@ -25,7 +25,7 @@ QVariant valueOf(const PropertyReply &reply)
 
 UPnPServerList *UPnPServerList::create(CMUPnPWorker *upnpWorker, const CMPath &path)
 {
-    ORKA_ASSERT(upnpWorker);
+    sdk::verify(upnpWorker, "upnpWorker");
     return new UPnPServerList(upnpWorker, path);
 }
 
@@ -38,7 +38,7 @@ UPnPServerList::UPnPServerList(CMUPnPWorker *upnpWorker, const CMPath &path)
     m_manager = new ComIntelDLeynaServerManagerInterface(
         dleyna::service(), dleyna::managerPath(), orkaDBusConnection(), this);
     m_initialList = new QDBusPendingCallWatcher(m_manager->GetServers());
-    orkaConnect(m_initialList,
+    sdk::connectChecked(m_initialList,
         SIGNAL(finished(QDBusPendingCallWatcher*)), this,
             SLOT(on_upnpManager_getServers(QDBusPendingCallWatcher*)));
 }
@@ -57,17 +57,17 @@ void UPnPServerList::on_upnpManager_getServers(QDBusPendingCallWatcher *watcher)
     watcher->deleteLater();
 
     // Connected only now, so that no signal can overtake the initial list.
-    orkaConnect(m_manager,
+    sdk::connectChecked(m_manager,
         SIGNAL(LostServer(QDBusObjectPath)), this,
             SLOT(on_upnpManager_lostServer(QDBusObjectPath)));
-    orkaConnect(m_manager,
+    sdk::connectChecked(m_manager,
         SIGNAL(FoundServer(QDBusObjectPath)), this,
             SLOT(on_upnpManager_foundServer(QDBusObjectPath)));
 
     if (reply.isError()) {
         LOG4CPLUS_ERROR(upnpLog(),
-            "Could not populate UPnP server list: " << reply.error().name() << ": "
-                                                    << reply.error().message());
+            "Could not populate UPnP server list: " << logText(reply.error().name()) << ": "
+                                                    << logText(reply.error().message()));
         return;
     }
     for (const QDBusObjectPath &path : reply.value())
@@ -96,9 +96,11 @@ void UPnPServerList::on_addServer(DBusBarrier *barrier, void *)
     barrier->deleteLater();
 
     if (udnReply.isError())
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching UDN failed: " << udnReply.error().message());
-    if (nameReply.isError())
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching friendlyName failed: " << nameReply.error().message());
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching UDN failed: " << logText(udnReply.error().message()));
+    if (nameReply.isError()) {
+        LOG4CPLUS_ERROR(
+            upnpLog(), "Fetching friendlyName failed: " << logText(nameReply.error().message()));
+    }
     if (udnReply.isError() || nameReply.isError())
         return;
 
@@ -118,7 +120,7 @@ QStringList UPnPServerList::readSearchCaps(DBusBarrier *barrier, const QString &
         return caps;
     }
     // Written ahead of the conversion, so it shows an empty list whatever the server can do.
-    LOG4CPLUS_DEBUG(upnpLog(), "Search caps: " << caps);
+    LOG4CPLUS_DEBUG(upnpLog(), "Search caps: " << logText(caps));
     caps = valueOf(reply).toStringList();
     m_worker->setSearchCaps(udn, caps);
     return caps;
@@ -144,10 +146,10 @@ void UPnPServerList::appendRow(
         m_worker, this, path, {{QStringLiteral("itemType"), QStringLiteral("server")}});
     m_rootNode->rowsRemoveStartingWithPath(upath.orkaPath());
 
-    OrkaRoles roles;
-    roles.setType(OrkaRolesType::Container);
+    auto roles = sdk::empty<OrkaRoles>();
+    roles.setType(sdk::containerType());
     roles.setContainerPlayable(true);
-    roles.setTitle(friendlyName);
+    roles.setTitle(sdk::plainText(friendlyName));
     roles.setPath(upath.orkaPath());
     if (canSearch)
         roles.setSearch(m_worker->getSearchMenuRoles(upath));
@@ -161,4 +163,18 @@ void UPnPServerList::on_upnpManager_lostServer(const QDBusObjectPath &path)
     if (forget(udn) != 1)
         LOG4CPLUS_ERROR(upnpLog(), "Could not remove an UDN; server list out of sync.");
     m_rootNode->rowsRemoveStartingWithPath(m_worker->addPrefix(QLatin1Char('/') + udn));
+}
+
+QString ServerLookUp::udn(QStringView serverId)
+{
+    const QString &prefix = dleyna::serverPathPrefix();
+    if (!m_path.isNull() && QStringView(m_path).mid(prefix.size() + 1) == serverId)
+        return m_udn;
+
+    QString path;
+    path.reserve(prefix.size() + 1 + int(serverId.size()));
+    path.append(prefix).append(QLatin1Char('/')).append(serverId.data(), int(serverId.size()));
+    m_path = path;
+    m_udn = m_serverList->udnOfServer(path);
+    return m_udn;
 }

@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QPointer>
+#include <QStringView>
 
 class CMUPnPWorker;
 class DBusBarrier;
@@ -59,4 +60,26 @@ private:
     /// The same by object path: a row's path is translated far more often than servers change.
     QMultiHash<QString, QString> m_udnsByPath;
     QPointer<QDBusPendingCallWatcher> m_initialList;
+};
+
+/// Looks up the servers of the rows of one reply. A server is kept while the rows are its own, so
+/// that its leaving in the middle of them changes nothing.
+class ServerLookUp
+{
+public:
+    explicit ServerLookUp(UPnPServerList *serverList)
+        : m_serverList(serverList)
+    {
+    }
+
+    UPnPServerList *serverList() const { return m_serverList; }
+    /// The UDN of a server by what its object path ends in; empty when there is none.
+    QString udn(QStringView serverId);
+    void forget() { m_path.clear(); }
+
+private:
+    UPnPServerList *m_serverList;
+    /// Of the server looked up last.
+    QString m_path;
+    QString m_udn;
 };

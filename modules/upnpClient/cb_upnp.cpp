@@ -2,6 +2,7 @@
 
 #include "ContainerSampler.h"
 #include "DBusBarrier.h"
+#include "ReceiveLimit.h"
 #include "UPnPServerList.h"
 #include "dleyna.h"
 #include "log.h"
@@ -9,8 +10,7 @@
 extern "C" Q_DECL_EXPORT void *worker_create(const char *name, void *config)
 {
     TRACE_ENTER_WITH(name);
-    auto *worker = new CMUPnPWorker(*static_cast<QHash<QString, QVariant> *>(config));
-    return new CMSyncWorker(worker);
+    return sdk::adaptorOf(new CMUPnPWorker(*static_cast<const QHash<QString, QVariant> *>(config)));
 }
 
 CMUPnPWorker::CMUPnPWorker(const QHash<QString, QVariant> &config)
@@ -19,12 +19,11 @@ CMUPnPWorker::CMUPnPWorker(const QHash<QString, QVariant> &config)
 {
     dleyna::registerTypes();
     qRegisterMetaType<DBusBarrier *>();
-    qRegisterMetaType<CMGetRowsRequest>();
-    qRegisterMetaType<OrkaRowsRoles>();
-    qRegisterMetaType<OrkaValue>();
+    sdk::registerTypes();
+    raiseReceiveLimit(orkaDBusConnection());
 
     m_serverList = UPnPServerList::create(this, addPrefix(QString()));
-    orkaConnect(new CMValueItem(this, OrkaNetworkInfoPath()),
+    sdk::connectChecked(new CMValueItem(this, OrkaNetworkInfoPath()),
         SIGNAL(changed(OrkaValue, OrkaValue)), this, SLOT(on_networkInfo_changed(OrkaValue)));
     m_propertyFilter = QStringList{QStringLiteral("Type"), QStringLiteral("TypeEx"),
         QStringLiteral("MIMEType"), QStringLiteral("DisplayName"), QStringLiteral("Artist"),
@@ -39,23 +38,24 @@ void CMUPnPWorker::getRowsRequest(const CMGetRowsRequest &request)
     TRACE_ENTER();
     if (nodes()->getRowsRequest(request))
         return;
-    if (request.path().base().startsWith(QLatin1String("context"))) {
+    const CMPath path = sdk::pathOf(request);
+    if (path.base().startsWith(QLatin1String("context"))) {
         answerContextMenu(request);
         return;
     }
 
-    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, request.path());
+    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, path);
     if (!m_serverList->containsUdn(upath.udn())) {
-        request.setError(CMError(ORKA_TR("Server not found")));
+        sdk::refuse(request, sdk::errorFor(SDK_TR("Server not found")));
         return;
     }
     if (upath.dbusPath().path().isEmpty()) {
-        request.setError(createStandardError(request.path()));
+        sdk::refuse(request, createStandardError(path));
         return;
     }
 
-    const int first = request.firstRow();
-    const int last = request.lastRow();
+    const int first = sdk::firstRowOf(request);
+    const int last = sdk::lastRowOf(request);
     const QString sample = upath.queryValue(QStringLiteral("sample"));
     const QString search = upath.queryValue(QStringLiteral("search"));
     const QString query = upath.queryValue(QStringLiteral("query"));
@@ -71,19 +71,19 @@ void CMUPnPWorker::getRowsRequest(const CMGetRowsRequest &request)
 
 void CMUPnPWorker::answerContextMenu(const CMGetRowsRequest &request)
 {
-    LOG4CPLUS_TRACE(upnpLog(), "Context request path: " << request.path());
+    LOG4CPLUS_TRACE(upnpLog(), "Context request path: " << sdk::logged(sdk::pathOf(request)));
     const QVariantList rows = PlayListHelper::playListRows(request);
     if (rows.isEmpty()) {
-        request.setError(CMError(ORKA_TR("Invalid context menu request")));
+        sdk::refuse(request, sdk::errorFor(SDK_TR("Invalid context menu request")));
         return;
     }
-    OrkaRoles menu;
-    menu.setTitle(ORKA_TR("UPnP Context Menu"));
-    OrkaRowsRoles answer;
+    auto menu = sdk::empty<OrkaRoles>();
+    menu.setTitle(SDK_TR("UPnP Context Menu"));
+    auto answer = sdk::empty<OrkaRowsRoles>();
     answer.setRowsCount(rows.size());
     answer.setRows(rows);
     answer.setRoles(menu);
-    request.reply().setValue(answer);
+    sdk::answer(request, answer);
     LOG4CPLUS_TRACE(upnpLog(), "sent reply with " << rows.size() << " lines");
 }
 
@@ -93,35 +93,38 @@ void CMUPnPWorker::sampleRows(
     const QStringList numbers = sample.split(QLatin1Char(','));
     if (numbers.size() != 3) {
         LOG4CPLUS_ERROR(upnpLog(), "Expected 3 arguments for 'sample', got " << numbers.size());
-        request.setError(createStandardError(request.path()));
+        sdk::refuse(request, createStandardError(sdk::pathOf(request)));
         return;
     }
     const CMPath container = path.withoutQuery(QStringLiteral("sample")).orkaPath();
     new ContainerSampler(this, request, container, uint(numbers[0].toInt()),
-        uint(numbers[1].toInt()), uint(numbers[2].toInt()), request.firstRow(), request.lastRow());
+        uint(numbers[1].toInt()), uint(numbers[2].toInt()), sdk::firstRowOf(request),
+        sdk::lastRowOf(request));
 }
 
 void CMUPnPWorker::on_sample_getRowsRequest(
     const CMGetRowsRequest &request, const OrkaRowsRoles &roles)
 {
-    TRACE_ENTER_WITH(request.isValid());
-    request.reply().setValue(roles);
+    TRACE_ENTER_WITH(sdk::isValid(request));
+    sdk::answer(request, roles);
 }
 
 void CMUPnPWorker::getDataRequest(const CMGetDataRequest &request)
 {
     TRACE_ENTER();
-    if (request.roles().size() == 1 && request.roles().first() == OrkaRoles::Permission()) {
-        request.reply().setValue({OrkaPermission::Default_()});
+    const QStringList roles = sdk::rolesOf(request);
+    if (roles.size() == 1 && roles.first() == OrkaRoles::Permission()) {
+        sdk::answer(request, QVariantList{sdk::defaultPermission()});
         return;
     }
 
-    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, request.path());
+    const CMPath path = sdk::pathOf(request);
+    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, path);
     const QString search = upath.queryValue(QStringLiteral("search"));
     if (search.isEmpty() && nodes()->getDataRequest(request))
         return;
     if (upath.dbusPath().path().isEmpty()) {
-        request.setError(createStandardError(request.path()));
+        sdk::refuse(request, createStandardError(path));
         return;
     }
     if (search.isNull())
@@ -132,44 +135,45 @@ void CMUPnPWorker::getDataRequest(const CMGetDataRequest &request)
 
 void CMUPnPWorker::setDataRequest(const CMSetDataRequest &request)
 {
-    TRACE_ENTER_WITH(request.value() << ", path: " << request.path());
+    const QVariant value = sdk::valueOf(request);
+    const CMPath path = sdk::pathOf(request);
+    TRACE_ENTER_WITH(sdk::logged(value) << ", path: " << sdk::logged(path));
     if (nodes()->setDataRequest(request))
         return;
 
-    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, request.path());
-    const OrkaValue value = OrkaHash(request.value().toHash());
+    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, path);
+    const QVariantHash hash = value.toHash();
     if (!upath.queryValue(QStringLiteral("search")).isEmpty()
-        && value.contains(OrkaValue::String_())) {
-        answerSearchText(request, upath, value);
+        && hash.contains(OrkaValue::String_())) {
+        answerSearchText(request, upath, OrkaValue(OrkaHash(hash)));
         return;
     }
-    if (request.path().base() != OrkaPlayListPrepareItems()) {
-        request.setError(createErrorInternal(QStringLiteral("Not implemented")));
+    if (path.base() != OrkaPlayListPrepareItems()) {
+        sdk::refuse(request, createErrorInternal(QStringLiteral("Not implemented")));
         return;
     }
 
     QList<CMPath> paths;
-    const QVariantList encodedPaths = request.value().toList();
+    const QVariantList encodedPaths = value.toList();
     for (const QVariant &encoded : encodedPaths)
         paths.append(CMPath::fromEncoded(encoded.toString()));
-    LOG4CPLUS_DEBUG(upnpLog(), "prepare items: " << paths);
+    LOG4CPLUS_DEBUG(upnpLog(), "prepare items: " << logText(paths));
     preparePlaylistItems(paths, request);
 }
 
 void CMUPnPWorker::answerSearchText(
     const CMSetDataRequest &request, const UPnPPath &path, const OrkaValue &value)
 {
-    CMPath results = path.orkaPath();
-    results.addParam(QStringLiteral("search"), path.queryValue(QStringLiteral("search")));
-    results.addParam(QStringLiteral("query"), value.string_());
-    request.reply().setValue(results.toEncoded());
+    const QString key = QStringLiteral("search");
+    const CMPath menu = sdk::withParam(path.orkaPath(), key, path.queryValue(key));
+    const CMPath results = sdk::withParam(menu, QStringLiteral("query"), value.string_());
+    sdk::answer(request, QVariant(results.toEncoded()));
 }
 
 CMError CMUPnPWorker::createStandardError(const CMPath &path)
 {
     // The log names the node; the user sees only that it could not be had.
-    LOG4CPLUS_ERROR(
-        upnpLog(), QStringLiteral("Node at path '%1' does not exist").arg(path.toEncoded()));
-    return CMError(
-        CMError::DefaultName(), CMError::DefaultTitle(), ORKA_TR("Failed to retrieve content"));
+    LOG4CPLUS_ERROR(upnpLog(),
+        logText(QStringLiteral("Node at path '%1' does not exist").arg(path.toEncoded())));
+    return sdk::errorFor(SDK_TR("Failed to retrieve content"));
 }

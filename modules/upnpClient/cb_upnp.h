@@ -4,7 +4,7 @@
 //
 //   cb_upnp.cpp           entry, construction, request routing, errors
 //   cb_upnp_browse.cpp    listing a container, data of one object
-//   cb_upnp_metadata.cpp  property map to roles, album art, the device's addresses
+//   cb_upnp_metadata.cpp  what objects become (ObjectMapping does it), the device's addresses
 //   cb_upnp_search.cpp    capabilities, menu, results
 //   cb_upnp_playlist.cpp  playlist items, preparation, recursive browse
 
@@ -15,10 +15,11 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+
 class DBusBarrier;
+class ObjectMapping;
 class UPnPServerList;
-struct ReplyContext;
-class ObjectProperties;
 
 /// Serves the media servers of the local network below its prefix: "/UDN" is a server, "/UDN/id" an
 /// object on it, the query values "search", "query" and "sample" choose what of it is asked for.
@@ -48,11 +49,12 @@ public:
 
     // cb_upnp_metadata.cpp
     OrkaRoles fillin_roles(const QVariantMap &properties);
-    OrkaRoles fillin_roles(const ObjectProperties &properties, ReplyContext *context);
     /// One row: the values of `roles`, in their order.
     QVariantList fillin_childRoles(const QVariantMap &properties, const QStringList &roles);
-    QVariantList fillin_childRoles(
-        const ObjectProperties &properties, const QStringList &roles, ReplyContext *context);
+    /// An object whose list of URLs is empty gives an empty item.
+    OrkaPlayListItem fillin_playlistItem(const QVariantMap &props);
+    /// The same for the objects of a reply.
+    ObjectMapping mapping();
     /// A plain HTTP URL as one on the device's own HTTPS proxy; any other as it is.
     QString handleAlbumArtUrl(const QString &url);
 
@@ -70,9 +72,6 @@ public:
         const QString &search, const QString &query, int first, int last);
 
     // cb_upnp_playlist.cpp
-    /// An object whose list of URLs is empty gives an empty item.
-    OrkaPlayListItem fillin_playlistItem(const QVariantMap &props);
-    OrkaPlayListItem fillin_playlistItem(const ObjectProperties &properties, ReplyContext *context);
     void preparePlaylistItems(const QList<CMPath> &paths, CMSetDataRequest request);
     void browsePlaylistItems(CMSetDataRequest request);
 
@@ -100,18 +99,13 @@ private:
     void answerSearchText(
         const CMSetDataRequest &request, const UPnPPath &path, const OrkaValue &value);
 
-    // cb_upnp_metadata.cpp
-    QString handleAlbumArtUrl(const QString &url, const QString &address);
-    QString firstAddress() const { return m_localAddresses.value(0); }
-    CMPath rowPath(const ObjectProperties &properties, const QString &type, ReplyContext *context);
-    OrkaMediaData mediaData(const ObjectProperties &properties, ReplyContext *context) const;
+    // cb_upnp_search.cpp
+    OrkaRoles searchMenu(const UPnPPath &node, const std::optional<TrString> &title) const;
 
     // cb_upnp_playlist.cpp
     DBusBarrier *createPlaylistBarrier(const CMSetDataRequest &request);
-    void prepareTrack(const CMPath &path, int number, DBusBarrier *barrier);
-    void prepareSearch(const CMPath &path, int number, DBusBarrier *barrier);
+    QString serviceObject(const CMPath &path);
     static void refuseItem(const CMPath &path, const CMSetDataRequest &request);
-    void browseItem(const CMPath &path, DBusBarrier *barrier);
 
     QString m_serviceId;
     QStringList m_propertyFilter;

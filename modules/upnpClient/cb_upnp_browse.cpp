@@ -11,18 +11,6 @@ const QString listChildrenCall = QStringLiteral("ListChildren");
 const QString childCountCall = QStringLiteral("ChildCount");
 const QString getAllCall = QStringLiteral("GetAll");
 
-/// What a container that can be searched says of its search menu.
-OrkaRoles searchRoles(const UPnPPath &container)
-{
-    CMPath menu = container.orkaPathWithoutParams();
-    menu.addParam(QStringLiteral("search"), QStringLiteral("menu"));
-    OrkaRoles search;
-    search.setPath(menu);
-    search.setType(OrkaRolesType::Container);
-    search.setContainerType(OrkaRolesContainerType::SearchMenu);
-    return search;
-}
-
 } // namespace
 
 void CMUPnPWorker::handleListRowsRequest(
@@ -54,12 +42,13 @@ void CMUPnPWorker::on_handleListRows_finished(DBusBarrier *barrier, void *)
 
     if (children.isError() || count.isError()) {
         LOG4CPLUS_INFO(upnpLog(), "Fetching children failed");
-        LOG4CPLUS_INFO(upnpLog(), "listChildren: " << children.error().message());
-        LOG4CPLUS_INFO(upnpLog(), "childCount: " << count.error().message());
-        request->setError(createErrorInternal(QStringLiteral("Failed to retrieve content")));
+        LOG4CPLUS_INFO(upnpLog(), "listChildren: " << logText(children.error().message()));
+        LOG4CPLUS_INFO(upnpLog(), "childCount: " << logText(count.error().message()));
+        sdk::refuse(*request, createErrorInternal(QStringLiteral("Failed to retrieve content")));
         return;
     }
-    RowsAnswer::start(this, *request, children.reply(), count.value().variant().toInt());
+    const int total = count.value().variant().toInt();
+    (new RowsAnswer(this, mapping(), *request, children.reply(), total))->start();
 }
 
 void CMUPnPWorker::handleListDataRequest(const CMGetDataRequest &request, const UPnPPath &path)
@@ -79,21 +68,21 @@ void CMUPnPWorker::on_handleListData_finished(DBusBarrier *barrier, void *)
 {
     TRACE_ENTER();
     const auto request = barrier->takeUserData<CMGetDataRequest>();
-    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, request->path());
+    const UPnPPath upath = UPnPPath::fromOrka(this, m_serverList, sdk::pathOf(*request));
     const QDBusPendingReply<QVariantMap> properties = barrier->getCall(getAllCall);
     barrier->deleteLater();
 
     if (properties.isError()) {
         const QString message = properties.error().message();
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching properties failed: " << message);
-        request->setError(
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching properties failed: " << logText(message));
+        sdk::refuse(*request,
             createErrorInternal(QStringLiteral("Failed to retrieve content: %1").arg(message)));
         return;
     }
 
     OrkaRoles roles = fillin_roles(properties.value());
-    if (roles.type() == OrkaRolesType::Container
-        && upath.queryValue(QStringLiteral("search")).isEmpty() && hasSearchCaps(upath.udn()))
-        roles.setSearch(searchRoles(upath));
-    request->reply().setValue(CMGlobal::itemRolesToList(request->roles(), roles));
+    if (sdk::isContainer(roles) && upath.queryValue(QStringLiteral("search")).isEmpty()
+        && hasSearchCaps(upath.udn()))
+        roles.setSearch(searchMenu(upath, std::nullopt));
+    sdk::answer(*request, CMGlobal::itemRolesToList(sdk::rolesOf(*request), roles));
 }

@@ -2,15 +2,13 @@
 
 #include "ContainerWalk.h"
 #include "DBusBarrier.h"
-#include "ObjectProperties.h"
 #include "PreparedItems.h"
-#include "ReplyContext.h"
 #include "dleyna.h"
 #include "log.h"
 
-namespace {
+#include <QVector>
 
-using P = ObjectProperties;
+namespace {
 
 /// All sound below a container, whatever its depth; no more than the first of it.
 const QString audioCriteria = QStringLiteral("(Type derivedfrom \"audio\")");
@@ -28,49 +26,78 @@ ItemKind itemKind(const CMPath &path)
     return ItemKind::Unknown;
 }
 
-QDBusPendingCall getAll(const QString &path, const QString &interface)
+/// A node of a request and its object path in the media service.
+///
+/// Translated for all nodes when the request comes: only sending the calls takes several turns, so
+/// that a server which leaves or moves meanwhile changes nothing.
+struct PlayedNode
+{
+    ItemKind kind = ItemKind::Unknown;
+    QString object;
+};
+
+QDBusPendingCall getAll(const QString &object, const QString &interface)
 {
     const OrgFreedesktopDBusPropertiesInterface proxy(
-        dleyna::service(), path, orkaDBusConnection());
+        dleyna::service(), object, orkaDBusConnection());
     return proxy.GetAll(interface);
 }
 
-} // namespace
-
-OrkaPlayListItem CMUPnPWorker::fillin_playlistItem(const QVariantMap &props)
+QDBusPendingCall searchAudio(const QString &object, const QStringList &filter)
 {
-    ReplyContext context;
-    return fillin_playlistItem(ObjectProperties(props), &context);
+    const OrgGnomeUPnPMediaContainer2Interface proxy(
+        dleyna::service(), object, orkaDBusConnection());
+    return proxy.SearchObjectsEx(audioCriteria, 0, maxFound, filter, QString());
 }
 
-OrkaPlayListItem CMUPnPWorker::fillin_playlistItem(
-    const ObjectProperties &properties, ReplyContext *context)
+QDBusPendingCall listChildren(const QString &object, const QStringList &filter)
 {
-    OrkaPlayListItem item;
-    item.setServiceId(m_serviceId);
-    item.setOrkaRoles(fillin_roles(properties, context).toJsonString());
-    if (properties.has(P::Artist))
-        item.setArtist(properties.string(P::Artist));
-    if (properties.has(P::Album))
-        item.setAlbum(properties.string(P::Album));
-    if (properties.has(P::AlbumArtURL))
-        item.setArtworkUrl(properties.string(P::AlbumArtURL));
-    if (properties.has(P::Duration))
-        item.setDurationSeconds(properties.integer(P::Duration));
-    if (properties.has(P::Genre))
-        item.setGenre(properties.string(P::Genre));
-    if (properties.has(P::URLs)) {
-        const QStringList urls = properties.strings(P::URLs);
-        if (urls.isEmpty()) {
-            LOG4CPLUS_ERROR(upnpLog(), "Trying to add item without URL to playlist");
-            return OrkaPlayListItem();
-        }
-        item.setUrl(urls.first());
+    const OrgGnomeUPnPMediaContainer2Interface proxy(
+        dleyna::service(), object, orkaDBusConnection());
+    return proxy.ListChildren(0, walk::maxChildren, filter);
+}
+
+/// Sends the calls of a preparation, node by node, and numbers them.
+class PreparationCalls
+{
+public:
+    PreparationCalls(DBusBarrier *barrier, const QStringList &filter)
+        : m_barrier(barrier)
+        , m_filter(filter)
+    {
     }
-    if (properties.has(P::DisplayName))
-        item.setTitle(properties.string(P::DisplayName));
-    return item;
+
+    void send(const PlayedNode &node)
+    {
+        if (node.kind == ItemKind::Container) {
+            m_barrier->addCall(
+                preparation::searchCall(m_search++), searchAudio(node.object, m_filter));
+            return;
+        }
+        m_barrier->addCall(preparation::directItemCall(m_track),
+            getAll(node.object, dleyna::mediaItemInterface()));
+        m_barrier->addCall(preparation::directObjectCall(m_track),
+            getAll(node.object, dleyna::mediaObjectInterface()));
+        ++m_track;
+    }
+
+private:
+    DBusBarrier *m_barrier;
+    QStringList m_filter;
+    int m_track = 1;
+    int m_search = 1;
+};
+
+/// All containers share one name, and so do all tracks: of several the last is walked.
+void sendWalkCall(const PlayedNode &node, DBusBarrier *barrier, const QStringList &filter)
+{
+    if (node.kind == ItemKind::Track)
+        barrier->addCall(walk::trackCall(), getAll(node.object, QString()));
+    else
+        barrier->addCall(walk::containerCall(), listChildren(node.object, filter));
 }
+
+} // namespace
 
 DBusBarrier *CMUPnPWorker::createPlaylistBarrier(const CMSetDataRequest &request)
 {
@@ -81,99 +108,77 @@ DBusBarrier *CMUPnPWorker::createPlaylistBarrier(const CMSetDataRequest &request
     return barrier;
 }
 
+QString CMUPnPWorker::serviceObject(const CMPath &path)
+{
+    return UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
+}
+
 void CMUPnPWorker::preparePlaylistItems(const QList<CMPath> &paths, CMSetDataRequest request)
 {
-    TRACE_ENTER_WITH(paths);
+    TRACE_ENTER_WITH(logText(paths));
     DBusBarrier *barrier = createPlaylistBarrier(request);
+    new PreparedItems(barrier, mapping(),
+        [this](const CMSetDataRequest &refused) { browsePlaylistItems(refused); });
     connect(barrier, &DBusBarrier::finished, this, &CMUPnPWorker::on_preparePlaylistItems_finished);
 
+    QVector<PlayedNode> nodes;
+    for (const CMPath &path : paths) {
+        const ItemKind kind = itemKind(path);
+        if (kind == ItemKind::Unknown) {
+            refuseItem(path, request);
+            continue;
+        }
+        LOG4CPLUS_TRACE(upnpLog(),
+            (kind == ItemKind::Track ? "Preparing direct item: " : "Preparing search item: ")
+                << sdk::logged(path));
+        nodes.append({kind, serviceObject(path)});
+    }
     barrier->hold();
     loopInSlices(
-        this, paths.size(),
-        [this, paths, request, barrier, track = 1, search = 1](int i) mutable {
-            switch (itemKind(paths[i])) {
-            case ItemKind::Track:
-                prepareTrack(paths[i], track++, barrier);
-                break;
-            case ItemKind::Container:
-                prepareSearch(paths[i], search++, barrier);
-                break;
-            case ItemKind::Unknown:
-                refuseItem(paths[i], request);
-                break;
-            }
-        },
+        this, nodes.size(),
+        [nodes, calls = PreparationCalls(barrier, m_propertyFilter)](
+            int i) mutable { calls.send(nodes[i]); },
         [barrier] { barrier->proceed(); });
-}
-
-void CMUPnPWorker::prepareTrack(const CMPath &path, int number, DBusBarrier *barrier)
-{
-    LOG4CPLUS_TRACE(upnpLog(), "Preparing direct item: " << path);
-    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
-    barrier->addCall(
-        preparation::directItemCall(number), getAll(object, dleyna::mediaItemInterface()));
-    barrier->addCall(
-        preparation::directObjectCall(number), getAll(object, dleyna::mediaObjectInterface()));
-}
-
-void CMUPnPWorker::prepareSearch(const CMPath &path, int number, DBusBarrier *barrier)
-{
-    LOG4CPLUS_TRACE(upnpLog(), "Preparing search item: " << path);
-    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
-    const OrgGnomeUPnPMediaContainer2Interface container(
-        dleyna::service(), object, orkaDBusConnection());
-    barrier->addCall(preparation::searchCall(number),
-        container.SearchObjectsEx(audioCriteria, 0, maxFound, m_propertyFilter, QString()));
 }
 
 void CMUPnPWorker::refuseItem(const CMPath &path, const CMSetDataRequest &request)
 {
-    LOG4CPLUS_ERROR(upnpLog(), "Unknown item type for adding to Playlist " << path);
-    request.setError(CMError(ORKA_TR("Unknown UPnP item type")));
+    LOG4CPLUS_ERROR(upnpLog(), "Unknown item type for adding to Playlist " << sdk::logged(path));
+    sdk::refuse(request, sdk::errorFor(SDK_TR("Unknown UPnP item type")));
 }
 
 void CMUPnPWorker::on_preparePlaylistItems_finished(DBusBarrier *barrier, void *)
 {
     TRACE_ENTER();
-    (new PreparedItems(this, barrier))->start();
+    barrier->findChild<PreparedItems *>()->start();
 }
 
 void CMUPnPWorker::browsePlaylistItems(CMSetDataRequest request)
 {
     TRACE_ENTER();
     DBusBarrier *barrier = createPlaylistBarrier(request);
-    orkaConnect(barrier,
+    new ContainerWalk(barrier, mapping(), m_propertyFilter);
+    sdk::connectChecked(barrier,
         SIGNAL(finished(DBusBarrier*,void*)), this,
-            SLOT(on_browsePlaylistItems_finished(DBusBarrier*,void*)), Qt::AutoConnection);
+            SLOT(on_browsePlaylistItems_finished(DBusBarrier*,void*)));
 
-    const QVariantList encodedPaths = request.value().toList();
+    QVector<PlayedNode> nodes;
+    const QVariantList encodedPaths = sdk::valueOf(request).toList();
+    for (const QVariant &encoded : encodedPaths) {
+        const CMPath path = CMPath::fromEncoded(encoded.toString());
+        const ItemKind kind = itemKind(path);
+        if (kind != ItemKind::Unknown)
+            nodes.append({kind, serviceObject(path)});
+    }
     barrier->hold();
     loopInSlices(
-        this, encodedPaths.size(),
-        [this, encodedPaths, barrier](
-            int i) { browseItem(CMPath::fromEncoded(encodedPaths[i].toString()), barrier); },
+        this, nodes.size(),
+        [this, nodes, barrier](int i) { sendWalkCall(nodes[i], barrier, m_propertyFilter); },
         [barrier] { barrier->proceed(); });
-}
-
-void CMUPnPWorker::browseItem(const CMPath &path, DBusBarrier *barrier)
-{
-    const ItemKind kind = itemKind(path);
-    if (kind == ItemKind::Unknown)
-        return;
-    const QString object = UPnPPath::fromOrka(this, m_serverList, path).dbusPath().path();
-    if (kind == ItemKind::Track) {
-        barrier->addCall(walk::trackCall(), getAll(object, QString()));
-        return;
-    }
-    // All containers share one name, so that of several the last is walked.
-    const OrgGnomeUPnPMediaContainer2Interface container(
-        dleyna::service(), object, orkaDBusConnection());
-    barrier->addCall(
-        walk::containerCall(), container.ListChildren(0, walk::maxChildren, m_propertyFilter));
 }
 
 void CMUPnPWorker::on_browsePlaylistItems_finished(DBusBarrier *barrier, void *)
 {
     TRACE_ENTER();
-    (new ContainerWalk(this, barrier))->start();
+    barrier->findChild<ContainerWalk *>()->start();
 }

@@ -41,7 +41,7 @@ QString searchCriteria(const QString &key, const QString &text)
         if (key == QLatin1String(type.key))
             return QString::fromLatin1(type.criteria).arg(escaped(text));
     }
-    LOG4CPLUS_ERROR(upnpLog(), "Invalid search type: " << key);
+    LOG4CPLUS_ERROR(upnpLog(), "Invalid search type: " << logText(key));
     return QString();
 }
 
@@ -59,7 +59,7 @@ bool CMUPnPWorker::hasSearchCaps(const QString &udn) const
 
 bool CMUPnPWorker::checkSearchCap(const QString &udn, const QString &cap) const
 {
-    TRACE_ENTER_WITH("udn=" << udn << "cap=" << cap);
+    TRACE_ENTER_WITH("udn=" << logText(udn) << "cap=" << logText(cap));
     // Titles are searched under the media service's own name for them.
     const QString name = cap == QLatin1String("Title") ? QStringLiteral("DisplayName") : cap;
     const bool can = m_searchCaps.value(udn).contains(name);
@@ -69,42 +69,46 @@ bool CMUPnPWorker::checkSearchCap(const QString &udn, const QString &cap) const
 
 OrkaRoles CMUPnPWorker::getSearchMenuRoles(const UPnPPath &path) const
 {
-    CMPath menu = path.orkaPathWithoutParams();
-    menu.addParam(searchKey, menuValue);
-    OrkaRoles roles;
-    roles.setPath(menu);
-    roles.setTitle(ORKA_TR("Search menu"));
-    roles.setType(OrkaRolesType::Container);
-    roles.setContainerType(OrkaRolesContainerType::SearchMenu);
+    return searchMenu(path, SDK_TR("Search menu"));
+}
+
+/// The search menu of a node. It has no title in the node's own data.
+OrkaRoles CMUPnPWorker::searchMenu(const UPnPPath &node, const std::optional<TrString> &title) const
+{
+    auto roles = sdk::empty<OrkaRoles>();
+    roles.setPath(sdk::withParam(node.orkaPathWithoutParams(), searchKey, menuValue));
+    if (title)
+        roles.setTitle(*title);
+    roles.setType(sdk::containerType());
+    roles.setContainerType(sdk::searchMenuType());
     return roles;
 }
 
 void CMUPnPWorker::handleSearchMenuRowsRequest(const CMGetRowsRequest &request,
     const UPnPPath &path, const QString &search, const QString &query, int first, int last) const
 {
-    TRACE_ENTER_WITH("search: " << search << " query: " << query);
-    QVector<OrkaRoles> entries;
+    TRACE_ENTER_WITH("search: " << logText(search) << " query: " << logText(query));
+    QList<OrkaRoles> entries;
     for (const SearchType &type : searchTypes) {
         if (!checkSearchCap(path.udn(), QLatin1String(type.capability)))
             continue;
-        OrkaRoles entry;
-        entry.setTitle(TrString(trExtractContext(Q_FUNC_INFO), type.capability));
-        entry.setType(OrkaRolesType::Search);
-        CMPath entryPath = path.orkaPathWithoutParams();
-        entryPath.addParam(searchKey, QLatin1String(type.key));
-        entry.setPath(entryPath);
+        auto entry = sdk::empty<OrkaRoles>();
+        entry.setTitle(sdk::translatable(Q_FUNC_INFO, type.capability));
+        entry.setType(sdk::searchEntryType());
+        entry.setPath(
+            sdk::withParam(path.orkaPathWithoutParams(), searchKey, QLatin1String(type.key)));
         entries.append(entry);
     }
 
     QVariantList rows;
     for (int i = qMax(first, 0); i <= last && i < entries.size(); ++i)
-        rows.append(QVariant(CMGlobal::itemRolesToList(request.roles(), entries.at(i))));
-    OrkaRowsRoles answer;
+        rows.append(QVariant(CMGlobal::itemRolesToList(sdk::rolesOf(request), entries.at(i))));
+    auto answer = sdk::empty<OrkaRowsRoles>();
     answer.setRoles(getSearchMenuRoles(path));
     answer.setRowsVersion(0);
     answer.setRows(rows);
     answer.setRowsCount(entries.size());
-    request.reply().setValue(answer);
+    sdk::answer(request, answer);
 }
 
 void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, const UPnPPath &path,
@@ -112,21 +116,21 @@ void CMUPnPWorker::handleSearchDataRequest(const CMGetDataRequest &request, cons
 {
     TRACE_ENTER();
     Q_UNUSED(query)
-    OrkaRoles roles;
+    auto roles = sdk::empty<OrkaRoles>();
     if (search == menuValue) {
         roles = getSearchMenuRoles(path);
     } else {
-        roles.setTitle(ORKA_TR("Search results"));
-        roles.setPath(request.path());
-        roles.setType(OrkaRolesType::Container);
+        roles.setTitle(SDK_TR("Search results"));
+        roles.setPath(sdk::pathOf(request));
+        roles.setType(sdk::containerType());
     }
-    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), roles));
+    sdk::answer(request, CMGlobal::itemRolesToList(sdk::rolesOf(request), roles));
 }
 
 void CMUPnPWorker::handleSearchRowsRequest(const CMGetRowsRequest &request, const UPnPPath &path,
     const QString &search, const QString &query, int first, int last)
 {
-    TRACE_ENTER_WITH("search : " << search << " query " << query);
+    TRACE_ENTER_WITH("search : " << logText(search) << " query " << logText(query));
     const OrgGnomeUPnPMediaContainer2Interface proxy(
         dleyna::service(), path.dbusPath().path(), orkaDBusConnection(), this);
     auto *barrier = new DBusBarrier(nullptr, this);
@@ -147,10 +151,11 @@ void CMUPnPWorker::on_handleSearchRows_finished(DBusBarrier *barrier, void *)
 
     if (found.isError()) {
         const QString message = found.error().message();
-        LOG4CPLUS_ERROR(upnpLog(), "Fetching search results failed; error: " << message);
-        request->setError(
+        LOG4CPLUS_ERROR(upnpLog(), "Fetching search results failed; error: " << logText(message));
+        sdk::refuse(*request,
             createErrorInternal(QStringLiteral("Failed to retrieve content: %1").arg(message)));
         return;
     }
-    RowsAnswer::start(this, *request, found.reply(), int(found.argumentAt<1>()));
+    const int total = int(found.argumentAt<1>());
+    (new RowsAnswer(this, mapping(), *request, found.reply(), total))->start();
 }

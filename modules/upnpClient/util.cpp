@@ -57,27 +57,17 @@ Captures match(QStringView text, IsFirst isFirst)
     return {first, rest};
 }
 
-/// The UDN of a server's object path, from `known` while it is the same server.
-QString lookUpUdn(UPnPServerList *serverList, const QStringView &serverId, KnownServer *known)
-{
-    const QString &prefix = dleyna::serverPathPrefix();
-    if (known && !known->path.isNull()
-        && QStringView(known->path).mid(prefix.size() + 1) == serverId)
-        return known->udn;
-
-    QString path;
-    path.reserve(prefix.size() + 1 + int(serverId.size()));
-    path.append(prefix).append(QLatin1Char('/')).append(serverId.data(), int(serverId.size()));
-    QString udn = serverList->udnOfServer(path);
-    if (known)
-        *known = {path, udn};
-    return udn;
-}
-
 } // namespace
 
 UPnPPath UPnPPath::fromDleyna(CMUPnPWorker *worker, UPnPServerList *serverList,
-    const QDBusObjectPath &path, const Query &query, KnownServer *known)
+    const QDBusObjectPath &path, const Query &query)
+{
+    ServerLookUp servers(serverList);
+    return fromDleyna(worker, &servers, path, query);
+}
+
+UPnPPath UPnPPath::fromDleyna(
+    CMUPnPWorker *worker, ServerLookUp *servers, const QDBusObjectPath &path, const Query &query)
 {
     const QString text = path.path();
     const Captures captures =
@@ -85,13 +75,13 @@ UPnPPath UPnPPath::fromDleyna(CMUPnPWorker *worker, UPnPServerList *serverList,
 
     UPnPPath result;
     result.m_worker = worker;
-    result.m_serverList = serverList;
-    result.m_udn = lookUpUdn(serverList, captures.first, known);
+    result.m_serverList = servers->serverList();
+    result.m_udn = servers->udn(captures.first);
     if (result.m_udn.isEmpty()) {
+        const QString server =
+            dleyna::serverPathPrefix() + QLatin1Char('/') + captures.first.toString();
         LOG4CPLUS_ERROR(upnpUtilLog(),
-            "Could not translate dleyna path \"" << dleyna::serverPathPrefix() << "/"
-                                                 << captures.first.toString()
-                                                 << "\" to server UDN");
+            "Could not translate dleyna path \"" << logText(server) << "\" to server UDN");
     }
     result.objectId = captures.rest.toString();
     result.query = query;
@@ -108,7 +98,7 @@ UPnPPath UPnPPath::fromOrka(CMUPnPWorker *worker, UPnPServerList *serverList, co
     result.m_serverList = serverList;
     result.m_udn = captures.first.toString();
     result.objectId = captures.rest.toString();
-    const QMap<QString, QString> params = path.params();
+    const auto params = path.params();
     for (auto it = params.begin(); it != params.end(); ++it)
         result.query.append({it.key(), it.value()});
     return result;
@@ -137,7 +127,7 @@ CMPath UPnPPath::orkaPath() const
 {
     CMPath path = orkaPathWithoutParams();
     for (const auto &pair : query)
-        path.addParam(pair.first, pair.second);
+        path = sdk::withParam(std::move(path), pair.first, pair.second);
     return path;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// UPnPPath, the two names of a media object, and getPropertyAsync(). The file's name is fixed: the
+// log calls it "CB_UPnP_util".
+
 #include "sdk.h"
 
 #include <QDBusObjectPath>
@@ -9,14 +12,8 @@
 #include <QString>
 
 class CMUPnPWorker;
+class ServerLookUp;
 class UPnPServerList;
-
-/// The server that the rows of one reply belong to, looked up with the first of them.
-struct KnownServer
-{
-    QString path;
-    QString udn;
-};
 
 /// Names one object of a media server, as a node path of the SDK and as an object path of the media
 /// service, and translates between the two.
@@ -31,10 +28,11 @@ public:
 
     UPnPPath() = default;
 
-    /// From an object path of the media service. `known` is used in place of the server list's
-    /// look-up while the server stays the same, and updated when it doesn't.
+    /// From an object path of the media service.
     static UPnPPath fromDleyna(CMUPnPWorker *worker, UPnPServerList *serverList,
-        const QDBusObjectPath &path, const Query &query, KnownServer *known = nullptr);
+        const QDBusObjectPath &path, const Query &query);
+    static UPnPPath fromDleyna(CMUPnPWorker *worker, ServerLookUp *servers,
+        const QDBusObjectPath &path, const Query &query);
     /// From a node path below the worker's prefix, "/UDN" or "/UDN/object-id"; its parameters
     /// become the query, in ascending order of their keys.
     static UPnPPath fromOrka(CMUPnPWorker *worker, UPnPServerList *serverList, const CMPath &path);

@@ -2,10 +2,13 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 namespace {
-CMError workerGone()
+void refuse(const CMWorkerGate::Request &request)
 {
-    return createErrorInternal(QStringLiteral("The worker of this path is gone."));
+    const CMError error = createErrorInternal(QStringLiteral("The worker of this path is gone."));
+    std::visit([&error](const auto &r) { r.setError(error); }, request);
 }
 } // namespace
 
@@ -19,13 +22,30 @@ void CMWorkerGate::post(const Request &request)
             return;
         }
     }
-    std::visit([](const auto &r) { r.setError(workerGone()); }, request);
+    refuse(request);
 }
 
 void CMWorkerGate::close()
 {
     const std::lock_guard lock(m_mutex);
     m_worker = nullptr;
+}
+
+CMRequestEvent::CMRequestEvent(CMWorkerGate::Request request)
+    : QEvent(eventType())
+    , m_request(std::move(request))
+{
+}
+
+CMRequestEvent::~CMRequestEvent()
+{
+    if (m_request)
+        refuse(*m_request);
+}
+
+CMWorkerGate::Request CMRequestEvent::take()
+{
+    return *std::exchange(m_request, std::nullopt);
 }
 
 QEvent::Type CMRequestEvent::eventType()

@@ -5,10 +5,11 @@
 #include <QEvent>
 
 #include <mutex>
+#include <optional>
 #include <variant>
 
 /// Hands requests over to a worker from any thread and outlives it: a request that comes when the
-/// worker is gone is answered with an error.
+/// worker is gone, or hasn't reached it until then, is answered with an error.
 class CMWorkerGate
 {
 public:
@@ -28,16 +29,18 @@ private:
     CMAbstractWorker *m_worker;
 };
 
-/// A request on its way through the event loop of its worker.
+/// A request on its way through the event loop of its worker. One that is never taken, since the
+/// worker went, is answered with an error when this is destroyed.
 class CMRequestEvent : public QEvent
 {
 public:
-    explicit CMRequestEvent(CMWorkerGate::Request what)
-        : QEvent(eventType())
-        , request(std::move(what))
-    {
-    }
+    explicit CMRequestEvent(CMWorkerGate::Request request);
+    ~CMRequestEvent() override;
     static Type eventType();
 
-    const CMWorkerGate::Request request;
+    /// For the worker, once.
+    CMWorkerGate::Request take();
+
+private:
+    std::optional<CMWorkerGate::Request> m_request;
 };

@@ -1,8 +1,20 @@
 #include "OrkaRun.h"
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+namespace {
+
+/// Of the event loop, from which a service of the test's own answers.
+void turn()
+{
+    QEventLoop loop;
+    QTimer::singleShot(5, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+} // namespace
 
 OrkaRun::OrkaRun(
     const QString &busAddress, const QStringList &arguments, const QProcessEnvironment &environment)
@@ -20,10 +32,9 @@ OrkaRun::OrkaRun(
 
 int OrkaRun::status()
 {
-    // In the event loop, from which a service of the test's own answers.
     const QDeadlineTimer deadline(20000);
     while (m_process.state() != QProcess::NotRunning && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+        turn();
     if (m_process.state() != QProcess::NotRunning) {
         m_process.kill();
         m_process.waitForFinished();
@@ -35,10 +46,9 @@ int OrkaRun::status()
 
 QByteArray OrkaRun::waitForLines(int lines)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (m_output.count('\n') < lines && clock.elapsed() < 10000) {
-        m_process.waitForReadyRead(100);
+    const QDeadlineTimer deadline(10000);
+    while (m_output.count('\n') < lines && !deadline.hasExpired()) {
+        turn();
         m_output += m_process.readAllStandardOutput();
     }
     return m_output;

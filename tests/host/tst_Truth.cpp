@@ -3,6 +3,7 @@
 #include "OrkaRun.h"
 #include "PrivateBus.h"
 
+#include <QDBusObjectPath>
 #include <QtTest>
 
 #include <memory>
@@ -18,6 +19,9 @@ private slots:
     void cleanup();
     void failuresSayWhatIsTheMatter_data();
     void failuresSayWhatIsTheMatter();
+    void noStartMissesAServer();
+    void hungServiceIsSaid();
+    void watchOutlivesTheService();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -111,6 +115,48 @@ void tst_Truth::failuresSayWhatIsTheMatter()
     const QByteArray text = status == 0 ? orka->output() : orka->errors();
     QVERIFY2(text.contains(said.toUtf8()), orka->errors() + orka->output());
     QTEST(status, "status");
+}
+
+/// The real service answers an empty list when it has just been started, and announces soon after.
+void tst_Truth::noStartMissesAServer()
+{
+    for (int delay = 0; delay <= 60; ++delay) {
+        m_service.reset();
+        m_service = std::make_unique<FakeMediaService>(*m_bus);
+        m_service->answer({"GetServers", {}, {}, 1}, [=](const FakeCall &) {
+            QTimer::singleShot(delay, m_service.get(), [this] {
+                for (const char *udn : {"uuid:1", "uuid:2"})
+                    m_service->announceFound(m_service->tree.addServer(udn, udn));
+            });
+            return FakeReply{{QVariant::fromValue(QList<QDBusObjectPath>())}};
+        });
+        const auto orka = run({"servers"});
+        QCOMPARE(orka->status(), 0);
+        QVERIFY2(orka->output().count("uuid") == 4, QByteArray::number(delay) + orka->output());
+    }
+}
+
+void tst_Truth::hungServiceIsSaid()
+{
+    m_service->hold({"GetServers"});
+    for (const char *command : {"servers", "ls Den", "rows upnp:/uuid:1"}) {
+        const auto orka = run(QStringList{"--timeout", "1"} + QString(command).split(' '));
+        QCOMPARE(orka->status(), 4);
+        QVERIFY(orka->errors().contains("The media service does not answer: tst_Truth (process "));
+    }
+    QCOMPARE(run({"--timeout", "1", "doctor"})->status(), 3);
+}
+
+void tst_Truth::watchOutlivesTheService()
+{
+    const auto orka = run({"--json", "servers", "--watch"});
+    QVERIFY(orka->waitForLines(1).contains("arrived"));
+    m_service->vanish();
+    QVERIFY(orka->waitForLines(3).contains("\"service left\""));
+    m_service->tree.setProperty(FakeTree::serverPath("uuid:1"), "FriendlyName", "Attic");
+    m_service->comeBack();
+    QVERIFY2(orka->waitForLines(5).contains("Attic"), orka->waitForLines(5));
+    QCOMPARE(orka->process().state(), QProcess::Running);
 }
 
 QTEST_GUILESS_MAIN(tst_Truth)

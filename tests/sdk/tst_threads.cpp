@@ -1,5 +1,7 @@
-// Replies and the value store from plain C++ threads, for ThreadSanitizer.
-#include <api/core/CMRequest.h>
+// Replies, the value store and the root from plain C++ threads, for ThreadSanitizer.
+#include <api/core/CMNodesWorker.h>
+#include <api/core/CMRoot.h>
+#include <api/core/CMSyncWorker.h>
 #include <api/core/CMValueItem.h>
 
 #include <QCoreApplication>
@@ -58,21 +60,6 @@ void oneAnswerWins()
     }
 }
 
-void valuesAndErrorsMix()
-{
-    for (int round = 0; round < rounds; ++round) {
-        CMReply<QVariant> reply;
-        inThreads([&](int t) {
-            CMReplyData<QVariant> handle(reply);
-            if (t % 2)
-                handle.setValue(t);
-            else
-                handle.setError(createErrorInternal(QString::number(t)));
-        });
-        require(reply.error().isError() && reply.value().isValid(), "both kinds are kept");
-    }
-}
-
 void watchersComeAndGo()
 {
     int told = 0;
@@ -104,13 +91,32 @@ void valuesTravel()
         }
     });
 }
+
+void workersGoWhileThreadsAsk()
+{
+    for (int round = 0; round < rounds / 5; ++round) {
+        auto sync = std::make_unique<CMSyncWorker>(new CMNodesWorker({}, "held"));
+        require(CMRoot()->mount(sync.get()), "a prefix is free again");
+        std::thread asker([] {
+            QString error;
+            while (!error.contains("gone") && !error.contains("mounted")) {
+                const CMReply<QVariantList> reply;
+                CMRoot()->getData(CMPath("held", "/x"), {"title"}, reply);
+                error = reply.error().message().toString();
+            }
+        });
+        QCoreApplication::processEvents();
+        sync.reset();
+        asker.join();
+    }
+}
 } // namespace
 
 int main(int argc, char *argv[])
 {
     const QCoreApplication app(argc, argv);
     oneAnswerWins();
-    valuesAndErrorsMix();
+    workersGoWhileThreadsAsk();
     watchersComeAndGo();
     valuesTravel();
     std::puts("PASS");

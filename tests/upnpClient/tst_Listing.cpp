@@ -198,11 +198,11 @@ void tst_Listing::leavesRequestsUnansweredWhenTheWorkerGoes()
 void tst_Listing::keepsNoReplyItHasRead()
 {
     FolderFixture w;
-    PrivateBus::limitUnreleasedReplies(4 << 20);
     w.addTracks(350, {{"Genre", QString(3000, 'x')}});
     w.start();
     for (int round = 0; round < 6; ++round) {
         w.log.clear();
+        PrivateBus::limitUnreleasedReplies(4 << 20);
         w.askRows("/uuid:1/31", 0, 349);
         w.runUntilLogged(firstRowIsMade);
         w.stop();

@@ -22,6 +22,7 @@ private slots:
     void readsDates();
     void missesNothingButTheType();
     void mapsTheRowsOfAReplyAsEachAlone();
+    void takesTheLastOfAPropertyThatComesTwice();
     void logsTheSameWhateverRolesAreWanted();
     void queuesWhatATrackHas_data();
     void queuesWhatATrackHas();
@@ -246,6 +247,28 @@ void tst_Mapping::mapsTheRowsOfAReplyAsEachAlone()
                 QCOMPARE(orkaToJson(rows.value().rows()[i]),
                     orkaToJson(w.worker().fillin_childRoles(maps[i], roles)));
             }
+        }
+    }
+}
+
+// A request for one object agrees, and so do both where the roles are none, or none that are known.
+void tst_Mapping::takesTheLastOfAPropertyThatComesTwice()
+{
+    World w;
+    QMultiMap<QString, QVariant> twice{{"Type", "music"}, {"Path", at("1")}};
+    for (const char *name : {"last on the wire", "first on the wire"})
+        twice.insert("DisplayName", name);
+    w.service.answer({"ListChildren"}, QVariantList{propertyMaps({twice})});
+    w.service.answer({"GetAll"}, QVariantList{twice});
+    for (const auto level : {log4cplus::TRACE_LOG_LEVEL, log4cplus::ERROR_LOG_LEVEL}) {
+        w.log.setLevel(level);
+        for (const QStringList &roles :
+            {QStringList{"title"}, QStringList(), QStringList{"mediaData/metaData/artist"}}) {
+            const QVariantList row =
+                w.settled(w.askRows("/uuid:1", 0, 9, roles)).value().rows().value(0).toList();
+            QCOMPARE(orkaToJson(row), orkaToJson(w.settled(w.askData("/uuid:1/1", roles)).value()));
+            if (roles == QStringList{"title"})
+                QCOMPARE(row.value(0).value<TrString>().sourceString(), "last on the wire");
         }
     }
 }

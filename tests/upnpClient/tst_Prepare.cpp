@@ -9,6 +9,8 @@ class tst_Prepare : public QObject
 private slots:
     void givesTracksFirstThenWhatSearchesFound();
     void keepsTheOrderAskedWhateverAnswersFirst();
+    void translatesEverythingAtOnce_data();
+    void translatesEverythingAtOnce();
     void prefersAnObjectsOwnProperties();
     void keepsATrackThatCannotBeRead_data();
     void keepsATrackThatCannotBeRead();
@@ -105,6 +107,43 @@ void tst_Prepare::keepsTheOrderAskedWhateverAnswersFirst()
         w.release({call->member(), call->path()});
     }
     QCOMPARE(itemsText(items.value()), (expected + expected).join(' '));
+}
+
+void tst_Prepare::translatesEverythingAtOnce_data()
+{
+    columns<int>("paths");
+    row("sent in one turn", 50);
+    row("sent in many", 5000);
+}
+
+// What becomes of the server while the calls are sent changes nothing.
+void tst_Prepare::translatesEverythingAtOnce()
+{
+    QFETCH(int, paths);
+    World w;
+    w.log.setLevel(log4cplus::INFO_LOG_LEVEL);
+    const QString moved = names::serverPrefix + "moved";
+    QStringList tracks;
+    for (int i = 0; i < paths; ++i)
+        tracks.append(trackA);
+    const auto items = w.askPrepare(tracks + QStringList{image});
+    w.service.announceLost(w.server);
+    w.service.answer({"Get", moved, "UDN"}, propertyValue("uuid:1"));
+    w.service.answer({"Get", moved}, propertyValue(QStringList()));
+    w.service.hold({"GetAll"});
+    while (w.service.count({"GetAll"}) < 40)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QVERIFY(items.announcements() == 1); // the kind that nobody knows
+    w.service.announceFound(moved);
+    w.settle();
+    QCOMPARE(w.service.count({"GetAll"}), w.service.count({"GetAll", w.a}));
+    w.release();
+    QCOMPARE(items.outcome(), unknownKind);
+    QCOMPARE(itemsText(items.value()), QString(" A").repeated(paths).mid(1));
+    w.service.announceLost(moved);
+    w.settle();
+    QCOMPARE(w.settled(w.askRows("/uuid:1", 0, 0)).outcome(), "error error: Server not found");
+    w.log.clear();
 }
 
 void tst_Prepare::prefersAnObjectsOwnProperties()

@@ -19,7 +19,8 @@ private slots:
     void takesWhateverIsNoContainerAndHasAUrl();
     void listsMoreSubContainersThanFitIntoATurn();
     void goesAThousandContainersDeep();
-    void releasesRepliesAsItGoes();
+    void livesWithinAConnectionsLimit_data();
+    void livesWithinAConnectionsLimit();
     void goesOnWhenTheAnswersComeOutOfOrder();
     void looksUpTheAddressAnewForEveryListing();
     void dropsALongWalkWithItsWorker();
@@ -222,20 +223,36 @@ void tst_Walk::goesAThousandContainersDeep()
     QCOMPARE(w.walked(), "bottom");
 }
 
-// Twenty containers, one in the other, on a connection that holds the listings of four.
-void tst_Walk::releasesRepliesAsItGoes()
+void tst_Walk::livesWithinAConnectionsLimit_data()
 {
+    columns<bool, bool>("nested", "limitedLater");
+    // The plug-in raises what it finds, so that twenty listings may be on their way at once.
+    row("one beside the other", false, false);
+    // The limit stays, and each is released before the next one comes.
+    row("one in the other", true, true);
+}
+
+// Twenty listings of a megabyte, and a connection that holds four.
+void tst_Walk::livesWithinAConnectionsLimit()
+{
+    QFETCH(bool, nested);
+    QFETCH(bool, limitedLater);
     World w;
-    PrivateBus::limitUnreleasedReplies(4 << 20);
     w.log.setLevel(log4cplus::ERROR_LOG_LEVEL);
-    QString container = w.folder;
-    for (int depth = 0; depth < 20; ++depth) {
-        const QByteArray number = QByteArray::number(depth);
+    QString parent = w.folder;
+    for (int i = 0; i < 20; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        const QString container = w.nest(parent, "c" + number);
         w.tree.addTrack(container, "t" + number, number, {{"Genre", QString(1 << 20, 'x')}});
-        container = w.nest(container, "c" + number);
+        parent = nested ? container : parent;
     }
+    if (!limitedLater)
+        PrivateBus::limitUnreleasedReplies(4 << 20);
     w.start();
+    if (limitedLater)
+        PrivateBus::limitUnreleasedReplies(4 << 20);
     QCOMPARE(w.walk().value().toList().size(), 20);
+    QCOMPARE(w.settled(w.askData("/uuid:1")).outcome(), "value");
 }
 
 void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()

@@ -4,8 +4,8 @@
 
 /// Makes a worker usable from every thread: requests may come from anywhere and reach the worker
 /// through its own thread's event loop, in the order in which each thread sent them. Owns the
-/// worker: destroying this, on the worker's thread, destroys it, and requests that it has not
-/// answered stay unanswered.
+/// worker: destroying this, on the worker's thread, destroys it. Requests that it had taken and not
+/// answered stay unanswered; those that hadn't reached it are answered with an error.
 class ORKA_API_EXPORT CMSyncWorker : public CMAbstractWorker
 {
     Q_OBJECT

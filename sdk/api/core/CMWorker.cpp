@@ -44,7 +44,7 @@ bool CMAbstractWorker::event(QEvent *event)
     if (event->type() != CMRequestEvent::eventType())
         return QObject::event(event);
     std::visit([this](const auto &request) { deliver(this, request); },
-        static_cast<CMRequestEvent *>(event)->request);
+        static_cast<CMRequestEvent *>(event)->take());
     return true;
 }
 

@@ -26,8 +26,8 @@ ORKA_API_EXPORT QMetaObject::Connection orkaConnect(const QObject *sender, const
     const QObject *receiver, const char *slot, Qt::ConnectionType type = Qt::AutoConnection);
 
 /// The bus connection that every worker shares. Opened by the first call, which waits for the bus:
-/// a host opens it before it loads a plug-in. Takes up to 1 GiB of replies that nobody has
-/// released yet. A connection that could not be opened is returned unconnected. Any thread.
+/// a host opens it before it loads a plug-in. A connection that could not be opened is returned
+/// unconnected. Any thread.
 ORKA_API_EXPORT QDBusConnection orkaDBusConnection();
 
 /// Chooses the bus of `orkaDBusConnection()`: "session" (the default), "system" or a D-Bus

@@ -1,13 +1,9 @@
 #include "orka.h"
 
-#include <dbus/dbus.h>
 #include <mutex>
 #include <optional>
 
 namespace {
-// A connection whose unreleased replies reach this limit stops reading for good.
-constexpr long receiveLimitBytes = 1L << 30;
-
 struct SharedConnection
 {
     std::mutex mutex;
@@ -39,11 +35,7 @@ bool SharedConnection::open(const QString &bus)
     close();
     // Qt may still be winding up the last connection; a new name never meets it.
     connection = connectTo(bus, QStringLiteral("orka-%1").arg(++opened));
-    if (!connection->isConnected())
-        return false;
-    auto *const raw = static_cast<DBusConnection *>(connection->internalPointer());
-    dbus_connection_set_max_received_size(raw, receiveLimitBytes);
-    return true;
+    return connection->isConnected();
 }
 
 void SharedConnection::close()
