@@ -1,9 +1,13 @@
 #include "Log.h"
+#include "LoopWatch.h"
 #include "Options.h"
 #include "bus/MediaService.h"
+#include "core/Background.h"
+#include "core/Limits.h"
 
 #include <cstdio>
 #include <glib-unix.h>
+#include <malloc.h>
 #include <net/if.h>
 
 namespace bridge {
@@ -86,8 +90,16 @@ int serve(const Options &options, GMainLoop *loop)
         bus.onCall = [](const BusCallPtr &) {
         };
     }
+    background::stop();
     finishRequests();
+    bus.finishSending(limits::farewellMs);
     return status;
+}
+
+/// The thread that reads long documents gets no heap of its own, which would never shrink.
+void keepOneHeap()
+{
+    mallopt(M_ARENA_MAX, 1);
 }
 
 int run(int argc, char **argv)
@@ -101,6 +113,8 @@ int run(int argc, char **argv)
     }
     setLogLevel(options.logLevel);
     captureLibraryLog();
+    watchLoop();
+    keepOneHeap();
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
     g_unix_signal_add(SIGTERM, quit, loop);
     g_unix_signal_add(SIGINT, quit, loop);

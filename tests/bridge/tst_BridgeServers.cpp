@@ -107,7 +107,7 @@ void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
     }
     stopped.signal(SIGCONT);
     hanging->behaviour.hang.clear();
-    QTRY_COMPARE_WITH_TIMEOUT(listFolder(stoppedUdn).rows().size(), 10, 5000);
+    QTRY_COMPARE_WITH_TIMEOUT(listFolder(stoppedUdn).rows().size(), 20, 5000);
     QTRY_COMPARE_WITH_TIMEOUT(listFolder(hanging->udn()).rows().size(), 10, 5000);
 }
 
@@ -193,7 +193,7 @@ void tst_BridgeServers::aKilledServerIsLostAndFoundAgain()
     const QString udn = newUdn(), path = serverPath(udn);
     ServerProcess server(udn);
     QVERIFY(!bridge->waitForServer(udn).isEmpty());
-    QCOMPARE(listFolder(udn).rows().size(), 10);
+    QCOMPARE(listFolder(udn).rows().size(), 20);
     server.kill();
     QVERIFY(!listFolder(udn).ok());
     QTRY_COMPARE_WITH_TIMEOUT(lostCount(path), 1, 5000);
@@ -202,7 +202,7 @@ void tst_BridgeServers::aKilledServerIsLostAndFoundAgain()
     bridge->forgetSignals();
     server.start();
     QTRY_COMPARE_WITH_TIMEOUT(foundCount(path), 1, 2000);
-    QCOMPARE(listFolder(udn).rows().size(), 10);
+    QCOMPARE(listFolder(udn).rows().size(), 20);
 }
 
 /// A router gave it another port, and it never said that it had gone.

@@ -1,16 +1,21 @@
 #include "bus/BusCall.h"
 
 #include "Log.h"
+#include "core/Limits.h"
+#include "core/Text.h"
 
 namespace bridge {
 
-BusCall::BusCall(DBusConnection *connection, DBusMessage *message)
+BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes)
     : m_connection(dbus_connection_ref(connection))
     , m_message(dbus_message_ref(message))
     , m_path(textOrEmpty(dbus_message_get_path(message)))
     , m_interface(textOrEmpty(dbus_message_get_interface(message)))
     , m_member(textOrEmpty(dbus_message_get_member(message)))
     , m_sender(textOrEmpty(dbus_message_get_sender(message)))
+    , m_serial(dbus_message_get_serial(message))
+    , m_wantsAnswer(dbus_message_get_no_reply(message) == FALSE)
+    , m_maxBytes(maxBytes)
 {
 }
 
@@ -24,25 +29,30 @@ BusCall::~BusCall()
 void BusCall::reply(const Value &value)
 {
     Message answer = newAnswer();
-    MessageWriter(answer.get()).add(value);
-    send(std::move(answer));
+    MessageWriter body(answer.get());
+    body.add(value);
+    send(std::move(answer), body.bytes());
 }
 
 void BusCall::replyVariant(const Value &value)
 {
     Message answer = newAnswer();
-    MessageWriter(answer.get()).addVariant(value);
-    send(std::move(answer));
+    MessageWriter body(answer.get());
+    body.addVariant(value);
+    send(std::move(answer), body.bytes());
 }
 
 void BusCall::fail(const Failure &failure)
 {
     if (m_isAnswered)
         return;
-    logDebug(m_member + " " + m_path + ": " + failure.text);
-    // The text may hold what a server said, which may be anything.
-    const std::string text = takeString(g_utf8_make_valid(failure.text.c_str(), -1));
-    send(Message(dbus_message_new_error(m_message.get(), failure.name.c_str(), text.c_str())));
+    // The text may hold what a server or a client said, which may be anything and of any length.
+    const std::string text = shortened(failure.text, limits::errorTextBytes);
+    logDebug(m_member + " " + m_path + ": " + text);
+    Message answer = addressed(DBUS_MESSAGE_TYPE_ERROR);
+    dbus_message_set_error_name(answer.get(), failure.name.c_str());
+    MessageWriter(answer.get()).add(text);
+    post(std::move(answer));
 }
 
 void BusCall::cancel()
@@ -51,15 +61,46 @@ void BusCall::cancel()
     g_cancellable_cancel(m_cancellable.get());
 }
 
-Message BusCall::newAnswer() const
+void BusCall::drop()
 {
-    return Message(dbus_message_new_method_return(m_message.get()));
+    m_isAnswered = true;
+    g_cancellable_cancel(m_cancellable.get());
 }
 
-void BusCall::send(Message answer)
+Message BusCall::newAnswer() const
 {
-    if (!std::exchange(m_isAnswered, true) && !dbus_message_get_no_reply(m_message.get()))
+    return addressed(DBUS_MESSAGE_TYPE_METHOD_RETURN);
+}
+
+void BusCall::send(Message answer, size_t bytes)
+{
+    if (bytes > m_maxBytes)
+        fail(tooLargeForBus(m_maxBytes));
+    else
+        post(std::move(answer));
+}
+
+Message BusCall::addressed(int type) const
+{
+    Message answer(dbus_message_new(type));
+    dbus_message_set_no_reply(answer.get(), TRUE);
+    dbus_message_set_reply_serial(answer.get(), m_serial);
+    if (!m_sender.empty())
+        dbus_message_set_destination(answer.get(), m_sender.c_str());
+    return answer;
+}
+
+void BusCall::post(Message answer)
+{
+    if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
         dbus_connection_send(m_connection, answer.get(), nullptr);
+}
+
+Failure tooLargeForBus(size_t maxBytes)
+{
+    return {errors::operationFailed,
+        "The answer is too long for one D-Bus message (" + std::to_string(maxBytes >> 20)
+            + " MiB). Ask for fewer objects at a time, or for fewer properties."};
 }
 
 } // namespace bridge

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bus/Message.h"
+#include "core/Caller.h"
 #include "core/Failure.h"
 #include "core/Glib.h"
 
@@ -14,7 +15,8 @@ namespace bridge {
 class BusCall
 {
 public:
-    BusCall(DBusConnection *connection, DBusMessage *message);
+    /// `maxBytes` is what one message on this bus may hold.
+    BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes);
     ~BusCall();
     BusCall(const BusCall &) = delete;
     BusCall &operator=(const BusCall &) = delete;
@@ -23,34 +25,52 @@ public:
     const std::string &interface() const { return m_interface; }
     const std::string &member() const { return m_member; }
     const std::string &sender() const { return m_sender; }
+    /// These two only until the arguments are let go.
     std::string signature() const { return dbus_message_get_signature(m_message.get()); }
     Arguments arguments() const { return Arguments(m_message.get()); }
+    /// They may hold megabytes and file descriptors, and the call may wait for long.
+    void letArgumentsGo() { m_message.reset(); }
     /// Cancelled with the call; for the work that is done for it.
     GCancellable *cancellable() const { return m_cancellable.get(); }
+    Caller caller() const { return {m_sender, m_cancellable}; }
 
     /// Answers with nothing, one value, or one value as a variant.
-    void reply() { send(newAnswer()); }
+    void reply() { send(newAnswer(), 0); }
     void reply(const Value &value);
     void replyVariant(const Value &value);
     void fail(const Failure &failure);
     /// Ends the work behind the call and answers that it was cancelled.
     void cancel();
+    /// Ends it without an answer: the caller is no longer there.
+    void drop();
 
-    /// For an answer that is written bit by bit: an empty one, and its sending.
+    /// For an answer that is written bit by bit: an empty one, and its sending. `bytes` is the size
+    /// of its body; one that is too large for the bus becomes an error that says so.
     Message newAnswer() const;
-    void send(Message answer);
+    void send(Message answer, size_t bytes);
+    size_t maxBytes() const { return m_maxBytes; }
 
 private:
+    /// An answer without its kind: who gets it and to which call.
+    Message addressed(int type) const;
+    void post(Message answer);
+
     DBusConnection *m_connection;
     Message m_message;
     std::string m_path;
     std::string m_interface;
     std::string m_member;
     std::string m_sender;
+    dbus_uint32_t m_serial;
+    bool m_wantsAnswer;
+    size_t m_maxBytes;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     bool m_isAnswered = false;
 };
 
 using BusCallPtr = std::shared_ptr<BusCall>;
+
+/// That a call would need, or was given, more than one D-Bus message holds.
+Failure tooLargeForBus(size_t maxBytes);
 
 } // namespace bridge

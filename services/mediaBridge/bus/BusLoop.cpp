@@ -74,14 +74,20 @@ BusLoop::~BusLoop()
     dbus_connection_set_watch_functions(m_connection, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
-/// One message a turn, so that many of them don't hold up everything else.
+/// For a few milliseconds a turn, so that many messages don't hold up everything else.
 void BusLoop::dispatchLater()
 {
+    constexpr int64_t longestUs = 3'000;
     if (m_dispatch.isRunning())
         return;
     m_dispatch.start(0, [this] {
-        if (dbus_connection_dispatch(m_connection) == DBUS_DISPATCH_DATA_REMAINS)
-            dispatchLater();
+        const int64_t end = g_get_monotonic_time() + longestUs;
+        while (dbus_connection_dispatch(m_connection) == DBUS_DISPATCH_DATA_REMAINS) {
+            if (g_get_monotonic_time() > end) {
+                dispatchLater();
+                return;
+            }
+        }
     });
 }
 

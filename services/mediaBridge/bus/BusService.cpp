@@ -2,6 +2,7 @@
 
 #include "Log.h"
 #include "bus/Introspection.h"
+#include "core/Limits.h"
 #include "core/ObjectPath.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace bridge {
 
 namespace {
 
-constexpr size_t mebibyte = size_t{1} << 20;
 constexpr unsigned quietMs = 1'000;
 
 /// An error of libdbus's that cleans up after itself.
@@ -60,9 +60,6 @@ void BusService::ConnectionCloser::operator()(DBusConnection *connection) const
 
 BusService::~BusService()
 {
-    // Answers that were sent last must not be lost with the connection.
-    if (m_connection)
-        dbus_connection_flush(m_connection.get());
     m_loop.reset();
 }
 
@@ -74,8 +71,9 @@ std::string BusService::connect(const std::string &where)
         return "Can't reach the D-Bus \"" + where + "\": " + error.message
             + ". Start a bus (dbus-run-session does) or name one with --bus.";
     dbus_connection_set_exit_on_disconnect(m_connection.get(), FALSE);
-    // A system bus disconnects whoever sends a message above 32 MiB; elsewhere an array ends at 64.
-    m_maxReplyBytes = (where == "system" ? 30 : 60) * mebibyte;
+    m_messageBytes = where == "system" ? limits::systemMessageBytes : limits::messageBytes;
+    // Whoever has no room for one more descriptor loses the whole connection.
+    dbus_connection_set_max_received_unix_fds(m_connection.get(), limits::descriptorsOnBus);
     dbus_connection_add_filter(
         m_connection.get(),
         [](DBusConnection *, DBusMessage *message, void *self) {
@@ -110,11 +108,12 @@ std::string BusService::ownName(bool replace)
 bool BusService::receive(DBusMessage *message)
 {
     if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
-        // Ping and the machine id are answered by libdbus.
-        if (!isOurPath(textOrEmpty(dbus_message_get_path(message)))
+        // Ping and the machine id are answered by libdbus, and so is whoever calls nobody.
+        const std::string_view path = dbus_message_get_path(message);
+        if (path.size() > limits::pathBytes || !isOurPath(path)
             || dbus_message_has_interface(message, DBUS_INTERFACE_PEER))
             return false;
-        receiveCall(std::make_shared<BusCall>(m_connection.get(), message));
+        receiveCall(std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes));
         return true;
     }
     // Anybody may send us a signal of this name; only the bus's own counts.
@@ -135,21 +134,54 @@ void BusService::receiveCall(const BusCallPtr &call)
     if (!call->sender().empty() && m_clients.insert(call->sender()).second && isFirst
         && onFirstClient)
         onFirstClient();
-    m_calls.erase(std::remove_if(m_calls.begin(), m_calls.end(),
-                      [](const auto &known) { return known.expired(); }),
-        m_calls.end());
-    m_calls.push_back(call);
     giveMemoryBackWhenQuiet();
-    onCall(call);
+    if (keepCall(call)) {
+        onCall(call);
+    } else {
+        call->fail({errors::limitsExceeded,
+            "Too many calls at once: wait for the answers of those that are under way."});
+    }
+    call->letArgumentsGo();
+}
+
+/// Whether the client may have one more call under way.
+bool BusService::keepCall(const BusCallPtr &call)
+{
+    Calls &calls = m_calls[call->sender()];
+    if (calls.known.size() >= calls.purgeAt)
+        purge(calls);
+    const size_t most =
+        m_callCount < limits::callsOfAll ? limits::callsPerClient : limits::callsPerClientInNeed;
+    if (calls.known.size() >= most) {
+        purge(calls);
+        if (calls.known.size() >= most)
+            return false;
+    }
+    calls.known.push_back(call);
+    ++m_callCount;
+    return true;
+}
+
+void BusService::purge(Calls &calls)
+{
+    auto &known = calls.known;
+    const size_t before = known.size();
+    known.erase(
+        std::remove_if(known.begin(), known.end(), [](const auto &call) { return call.expired(); }),
+        known.end());
+    m_callCount -= before - known.size();
+    calls.purgeAt = std::max<size_t>(64, 2 * known.size());
 }
 
 /// A long list takes many times what the service needs between calls; the allocator would keep it.
 void BusService::giveMemoryBackWhenQuiet()
 {
     m_quiet.start(quietMs, [this] {
-        const bool isBusy = std::any_of(
-            m_calls.begin(), m_calls.end(), [](const auto &call) { return !call.expired(); });
-        if (isBusy) {
+        for (auto calls = m_calls.begin(); calls != m_calls.end();) {
+            purge(calls->second);
+            calls = calls->second.known.empty() ? m_calls.erase(calls) : std::next(calls);
+        }
+        if (!m_calls.empty()) {
             giveMemoryBackWhenQuiet();
             return;
         }
@@ -160,9 +192,14 @@ void BusService::giveMemoryBackWhenQuiet()
 
 void BusService::clientLeft(const std::string &name)
 {
-    if (m_clients.count(name) == 0)
-        return;
-    cancelCalls(std::string(managerPath), name);
+    if (const auto calls = m_calls.find(name); calls != m_calls.end()) {
+        for (const auto &known : calls->second.known) {
+            if (const BusCallPtr call = known.lock())
+                call->drop();
+        }
+        m_callCount -= calls->second.known.size();
+        m_calls.erase(calls);
+    }
     releaseClient(name);
 }
 
@@ -181,12 +218,29 @@ void BusService::emitManagerSignal(const char *name, const std::string &path)
 
 void BusService::cancelCalls(const std::string &path, const std::string &sender)
 {
-    const auto calls = m_calls;
-    for (const auto &known : calls) {
+    std::vector<std::weak_ptr<BusCall>> meant;
+    for (const auto &[client, calls] : m_calls) {
+        if (sender.empty() || client == sender)
+            meant.insert(meant.end(), calls.known.begin(), calls.known.end());
+    }
+    for (const auto &known : meant) {
         const BusCallPtr call = known.lock();
-        if (call && isWithin(call->path(), path) && (sender.empty() || call->sender() == sender))
+        if (call && isWithin(call->path(), path))
             call->cancel();
     }
+}
+
+size_t BusService::unsentBytes() const
+{
+    return static_cast<size_t>(dbus_connection_get_outgoing_size(m_connection.get()));
+}
+
+void BusService::finishSending(unsigned ms)
+{
+    Timer enough;
+    enough.start(ms, [] {});
+    while (dbus_connection_has_messages_to_send(m_connection.get()) != FALSE && enough.isRunning())
+        g_main_context_iteration(nullptr, TRUE);
 }
 
 } // namespace bridge

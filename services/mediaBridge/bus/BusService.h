@@ -4,6 +4,7 @@
 #include "bus/BusLoop.h"
 
 #include <functional>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -26,8 +27,10 @@ public:
     /// Takes the name, from a running service only with `replace`. Failure as above. Calls are
     /// answered from then on.
     std::string ownName(bool replace);
-    /// Bytes that one reply may hold on this bus.
-    size_t maxReplyBytes() const { return m_maxReplyBytes; }
+    /// Bytes of answers that the bus hasn't taken yet.
+    size_t unsentBytes() const;
+    /// Waits for the bus to take the last answers, for so long at most; the main loop runs on.
+    void finishSending(unsigned ms);
 
     /// Every call to a path of the service, on the main thread.
     std::function<void(const BusCallPtr &)> onCall;
@@ -41,7 +44,7 @@ public:
     void emitManagerSignal(const char *name, const std::string &path);
     /// Cancels what `sender` asked of objects at or below `path`; of everybody if it is empty.
     void cancelCalls(const std::string &path, const std::string &sender);
-    /// Stops to count this client, as if it had left.
+    /// Stops counting this client, as if it had left.
     void releaseClient(const std::string &sender);
 
 private:
@@ -50,17 +53,29 @@ private:
         void operator()(DBusConnection *connection) const;
     };
 
+    /// Calls of one client that may still be unanswered.
+    struct Calls
+    {
+        std::vector<std::weak_ptr<BusCall>> known;
+        /// How many there may be before the answered ones are taken out.
+        size_t purgeAt = 64;
+    };
+
     bool receive(DBusMessage *message);
     void receiveCall(const BusCallPtr &call);
+    bool keepCall(const BusCallPtr &call);
+    void purge(Calls &calls);
     void giveMemoryBackWhenQuiet();
     void clientLeft(const std::string &name);
 
     std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
     std::unique_ptr<BusLoop> m_loop;
-    size_t m_maxReplyBytes = 0;
-    /// Unique names of those who have made a call.
+    size_t m_messageBytes = 0;
+    /// Unique names of those who have made a call and didn't release the service since.
     std::set<std::string> m_clients;
-    std::vector<std::weak_ptr<BusCall>> m_calls;
+    /// By the caller's unique name.
+    std::map<std::string, Calls> m_calls;
+    size_t m_callCount = 0;
     Timer m_quiet;
 };
 

@@ -198,7 +198,7 @@ void MediaService::introspect(const BusCallPtr &call, const Target &target)
         return;
     }
     // What an object is, only its server knows.
-    target.server->readObject(target.objectId, {}, call->cancellable(),
+    target.server->readObject(target.objectId, {}, call->caller(),
         [call, isRoot = target.objectId == rootObjectId](
             const Failure &failure, const MediaObject &object) {
             if (!failure.name.empty()) {

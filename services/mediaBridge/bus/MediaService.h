@@ -80,6 +80,7 @@ private:
     std::vector<BusCallPtr> m_waitingForServers;
     /// By the container's path: listings under way that will know its child count.
     std::map<std::string, std::weak_ptr<Listing>> m_listings;
+    size_t m_purgeListingsAt = 64;
     Timer m_firstSearch;
 };
 

@@ -10,6 +10,9 @@ constexpr const char *signatures[] = {
     "", "b", "i", "u", "x", "s", "o", "as", "ao", "a{sb}", "a(sb)", "a{sv}", "aa{sv}"};
 static_assert(std::size(signatures) == std::variant_size_v<Value::variant>);
 
+/// What names an object where a server's text made a path that is none; nothing is there.
+constexpr const char *nowhere = "/";
+
 std::string takeText(DBusMessageIter &from)
 {
     const char *text = nullptr;
@@ -35,7 +38,7 @@ struct MessageWriter::Adder
     void operator()(uint32_t value) { to.addBasic(DBUS_TYPE_UINT32, &value); }
     void operator()(int64_t value) { to.addBasic(DBUS_TYPE_INT64, &value); }
     void operator()(const std::string &value) { to.addText(DBUS_TYPE_STRING, value); }
-    void operator()(const ObjectPath &value) { to.addText(DBUS_TYPE_OBJECT_PATH, value.text); }
+    void operator()(const ObjectPath &value) { to.addPath(value.text); }
     void operator()(const FlagMap &map) { to.addFlags(DBUS_TYPE_DICT_ENTRY, map.flags); }
     void operator()(const FlagList &list) { to.addFlags(DBUS_TYPE_STRUCT, list.flags); }
     void operator()(const PropertyMap &map)
@@ -124,6 +127,15 @@ void MessageWriter::addText(int type, const std::string &text)
     addBasic(type, &bytes, valid.size());
 }
 
+void MessageWriter::addPath(const std::string &path)
+{
+    // As with texts; a NUL would hide what comes behind it.
+    const bool isValid =
+        path.find('\0') == std::string::npos && dbus_validate_path(path.c_str(), nullptr) != FALSE;
+    const char *bytes = isValid ? path.c_str() : nowhere;
+    addBasic(DBUS_TYPE_OBJECT_PATH, &bytes, path.size());
+}
+
 void MessageWriter::addFlags(int type, const std::vector<std::pair<std::string, bool>> &flags)
 {
     for (const auto &[name, isSet] : flags) {
@@ -146,12 +158,12 @@ uint32_t Arguments::number()
     return number;
 }
 
-std::vector<std::string> Arguments::texts()
+std::vector<std::string> Arguments::texts(size_t most)
 {
     std::vector<std::string> texts;
     DBusMessageIter inside;
     dbus_message_iter_recurse(&m_iter, &inside);
-    while (dbus_message_iter_get_arg_type(&inside) != DBUS_TYPE_INVALID)
+    while (texts.size() <= most && dbus_message_iter_get_arg_type(&inside) != DBUS_TYPE_INVALID)
         texts.push_back(takeText(inside));
     dbus_message_iter_next(&m_iter);
     return texts;

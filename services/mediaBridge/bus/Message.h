@@ -15,7 +15,8 @@ struct MessageUnref
 using Message = std::unique_ptr<DBusMessage, MessageUnref>;
 
 /// Appends values to the body of a message, or to a container in it that is open for as long as its
-/// writer lives. Only the innermost writer may be used.
+/// writer lives. Only the innermost writer may be used. libdbus ends the program over a text that
+/// isn't UTF-8 and over a path that is none: both are replaced here, whoever they came from.
 class MessageWriter
 {
 public:
@@ -34,13 +35,15 @@ public:
     /// As an entry of an a{sv}; nothing for none.
     void addEntry(const char *name, const Value &value);
 
-    /// At least the bytes that were appended, those of closed containers included.
+    /// At least the bytes that were appended, those of closed containers included; of the whole
+    /// body where this is its writer.
     size_t bytes() const { return m_bytes; }
 
 private:
     struct Adder;
     void addBasic(int type, const void *value, size_t size = 0);
     void addText(int type, const std::string &text);
+    void addPath(const std::string &path);
     void addFlags(int type, const std::vector<std::pair<std::string, bool>> &flags);
 
     MessageWriter *m_parent = nullptr;
@@ -58,8 +61,8 @@ public:
     std::string text();
     /// A u.
     uint32_t number();
-    /// An as or ao.
-    std::vector<std::string> texts();
+    /// An as or ao. One more than `most` means that there are more: the rest isn't read.
+    std::vector<std::string> texts(size_t most);
 
 private:
     DBusMessageIter m_iter;

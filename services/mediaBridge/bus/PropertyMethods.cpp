@@ -1,6 +1,7 @@
 #include "bus/DeviceProperties.h"
 #include "bus/Introspection.h"
 #include "bus/MediaService.h"
+#include "core/Limits.h"
 #include "core/Numbers.h"
 #include "core/ObjectPath.h"
 
@@ -67,8 +68,9 @@ void replyValue(BusCall &call, const std::string &name, const Value &value)
 void readUpdateId(const std::shared_ptr<MediaServer> &server, const BusCallPtr &call,
     std::function<void(std::optional<uint32_t>)> done)
 {
-    server->call("GetSystemUpdateID", "GetSystemUpdateID", {}, updateIdTimeoutMs,
-        call->cancellable(), [done = std::move(done)](const ActionReply &reply) {
+    server->call(
+        {"GetSystemUpdateID", {}, call->caller(), updateIdTimeoutMs, limits::capabilityBytes},
+        [done = std::move(done)](const ActionReply &reply) {
             done(reply.isError() ? std::nullopt : parseAs<uint32_t>(reply.answer.value("Id")));
         });
 }
@@ -87,13 +89,13 @@ void countChildren(const BusCallPtr &call, const MediaServerPtr &server, const s
             call->fail(end.failure);
     };
     const auto dropRow = [](const MediaObject &) {
-        return size_t{0};
+        return Failure();
     };
-    Listing::start(server, first, 0, call->cancellable(), dropRow, [=](const ListEnd &end) {
+    Listing::start(server, first, call->caller(), dropRow, [=](const ListEnd &end) {
         if (end.isTotalKnown || end.rowCount == 0)
             answer(end);
         else
-            Listing::start(server, all, 0, call->cancellable(), dropRow, answer);
+            Listing::start(server, all, call->caller(), dropRow, answer);
     });
 }
 
@@ -104,7 +106,7 @@ void readChildCount(const BusCallPtr &call, const MediaServerPtr &server, const 
     PropertySet wanted;
     wanted.insert(Prop::ChildCount);
     server->readObject(
-        id, wanted, call->cancellable(), [=](const Failure &failure, const MediaObject &object) {
+        id, wanted, call->caller(), [=](const Failure &failure, const MediaObject &object) {
             const Failure problem =
                 failure.name.empty() ? checkInterface(interface, object) : failure;
             if (!problem.name.empty())
@@ -177,7 +179,7 @@ void MediaService::getObjectProperty(const BusCallPtr &call, const Target &targe
     }
     PropertySet wanted;
     wanted.insert(info->prop);
-    target.server->readObject(target.objectId, wanted, call->cancellable(),
+    target.server->readObject(target.objectId, wanted, call->caller(),
         [call, interface, info, server = target.server](
             const Failure &failure, const MediaObject &object) {
             const Failure problem =
@@ -240,7 +242,7 @@ void MediaService::getAllOfDevice(const BusCallPtr &call, const Target &target)
 void MediaService::getAllOfObject(
     const BusCallPtr &call, const Target &target, const std::string &interface)
 {
-    target.server->readObject(target.objectId, PropertySet::all(), call->cancellable(),
+    target.server->readObject(target.objectId, PropertySet::all(), call->caller(),
         [call, interface, target](const Failure &failure, const MediaObject &object) {
             const Failure problem =
                 failure.name.empty() ? checkInterface(interface, object) : failure;

@@ -1,6 +1,8 @@
 #include "core/Didl.h"
 
+#include "core/Limits.h"
 #include "core/Numbers.h"
+#include "core/Text.h"
 #include "core/Xml.h"
 
 #include <cstdlib>
@@ -8,6 +10,17 @@
 namespace bridge {
 
 namespace {
+
+std::string boundedText(std::string text)
+{
+    return text.size() <= limits::textBytes ? std::move(text) : shortened(text, limits::textBytes);
+}
+
+/// What names something is as it is, or not there.
+std::string shortOrNothing(std::string text, size_t maxBytes)
+{
+    return text.size() <= maxBytes ? std::move(text) : std::string();
+}
 
 /// Splits `protocol:network:mimeType:additional`, whose last field may hold more colons.
 void readProtocolInfo(Resource &resource, std::string_view info)
@@ -49,10 +62,10 @@ void readResolution(Resource &resource, std::string_view text)
 Resource readResource(pugi::xml_node element)
 {
     Resource resource;
-    resource.uri = elementText(element);
+    resource.uri = shortOrNothing(elementText(element), limits::urlBytes);
     for (const pugi::xml_attribute attribute : element.attributes()) {
         const std::string_view name = localName(attribute.name());
-        const std::string value = attributeText(attribute);
+        const std::string value = boundedText(attributeText(attribute));
         if (name == "protocolInfo")
             readProtocolInfo(resource, value);
         else if (name == "size")
@@ -77,7 +90,7 @@ void readObjectAttributes(MediaObject &object, pugi::xml_node element)
 {
     for (const pugi::xml_attribute attribute : element.attributes()) {
         const std::string_view name = localName(attribute.name());
-        std::string value = attributeText(attribute);
+        std::string value = shortOrNothing(attributeText(attribute), limits::idBytes);
         if (name == "id")
             object.id = std::move(value);
         else if (name == "parentID")
@@ -98,14 +111,14 @@ void readObjectAttributes(MediaObject &object, pugi::xml_node element)
 std::pair<std::string, bool> readCreateClass(pugi::xml_node element)
 {
     const std::string_view includeDerived = element.attribute("includeDerived").value();
-    return {elementText(element), parseBool(includeDerived).value_or(false)};
+    return {boundedText(elementText(element)), parseBool(includeDerived).value_or(false)};
 }
 
 /// Sets a text that hasn't been set before: the first of several wins.
 void setOnce(std::string &field, pugi::xml_node element)
 {
     if (field.empty())
-        field = elementText(element);
+        field = boundedText(elementText(element));
 }
 
 bool readText(MediaObject &object, std::string_view name, pugi::xml_node element)
@@ -138,10 +151,10 @@ void readChild(MediaObject &object, pugi::xml_node element)
     const std::string_view name = localName(element.name());
     if (readText(object, name, element))
         return;
-    if (name == "res")
+    if (name == "res" && object.resources.size() < limits::repeated)
         object.resources.push_back(readResource(element));
-    else if (name == "artist")
-        object.artists.push_back(elementText(element));
+    else if (name == "artist" && object.artists.size() < limits::repeated)
+        object.artists.push_back(boundedText(elementText(element)));
     else if (name == "originalTrackNumber")
         object.trackNumber = parseAs<int32_t>(elementText(element));
     else if (name == "objectUpdateID")
@@ -150,7 +163,7 @@ void readChild(MediaObject &object, pugi::xml_node element)
         object.containerUpdateId = parseAs<uint32_t>(elementText(element));
     else if (name == "totalDeletedChildCount")
         object.totalDeletedChildCount = parseAs<uint32_t>(elementText(element));
-    else if (name == "createClass")
+    else if (name == "createClass" && object.createClasses.size() < limits::repeated)
         object.createClasses.push_back(readCreateClass(element));
 }
 
@@ -180,19 +193,25 @@ const Resource *MediaObject::primaryResource() const
     return best;
 }
 
-std::optional<DidlList> parseDidl(std::string didl)
+std::optional<DidlList> parseDidl(std::string didl, size_t maxObjects)
 {
     DidlList list;
     if (didl.find_first_not_of(" \t\r\n") == std::string::npos)
         return list;
-    const XmlDocument document(std::move(didl));
+    const XmlDocument document(std::move(didl), limits::tags(maxObjects));
     if (localName(document.root().name()) != "DIDL-Lite")
         return std::nullopt;
     list.isWhole = document.isWhole();
     for (const pugi::xml_node element : document.root().children()) {
         const std::string_view name = localName(element.name());
-        if (name == "container" || name == "item")
-            list.objects.push_back(readObject(element, name == "container"));
+        if (name != "container" && name != "item")
+            continue;
+        if (list.objects.size() == maxObjects) {
+            // What is behind the last one that counts doesn't matter.
+            list.isWhole = true;
+            break;
+        }
+        list.objects.push_back(readObject(element, name == "container"));
     }
     return list;
 }

@@ -2,6 +2,7 @@
 
 #include "core/MediaObject.h"
 
+#include <limits>
 #include <optional>
 
 namespace bridge {
@@ -15,8 +16,10 @@ struct DidlList
     bool isWhole = true;
 };
 
+/// Reading ends behind `maxObjects`; texts and lists of an object have bounds of their own.
 /// Nothing comes back only where the text isn't DIDL-Lite at all; an empty text is an empty list.
 /// Whatever an object lacks or has wrong costs that one value: an object is never dropped.
-std::optional<DidlList> parseDidl(std::string didl);
+std::optional<DidlList> parseDidl(
+    std::string didl, size_t maxObjects = std::numeric_limits<uint32_t>::max());
 
 } // namespace bridge

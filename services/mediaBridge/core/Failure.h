@@ -15,6 +15,7 @@ inline constexpr const char *unknownProperty = "com.intel.dleyna.UnknownProperty
 inline constexpr const char *unknownInterface = "com.intel.dleyna.UnknownInterface";
 inline constexpr const char *unknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
 inline constexpr const char *invalidArgs = "org.freedesktop.DBus.Error.InvalidArgs";
+inline constexpr const char *limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
 inline constexpr const char *propertyReadOnly = "org.freedesktop.DBus.Error.PropertyReadOnly";
 } // namespace errors
 

@@ -1,6 +1,7 @@
 #include "core/SoapMessage.h"
 
 #include "core/Glib.h"
+#include "core/Limits.h"
 #include "core/Numbers.h"
 #include "core/Xml.h"
 
@@ -46,7 +47,7 @@ std::string SoapAnswer::value(std::string_view name) const
 SoapAnswer parseSoapAnswer(std::string body, const std::string &action)
 {
     SoapAnswer answer;
-    const XmlDocument document(std::move(body));
+    const XmlDocument document(std::move(body), limits::tags(std::numeric_limits<uint32_t>::max()));
     const pugi::xml_node soapBody = childElement(document.root(), "Body");
     if (const pugi::xml_node fault = childElement(soapBody, "Fault"))
         return readFault(fault);

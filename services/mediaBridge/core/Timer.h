@@ -26,6 +26,8 @@ public:
     {
         if (m_source != 0)
             g_source_remove(std::exchange(m_source, 0));
+        // It may be what keeps the timer's owner.
+        const auto dropped = std::exchange(m_expired, nullptr);
     }
     bool isRunning() const { return m_source != 0; }
 

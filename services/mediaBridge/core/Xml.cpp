@@ -29,6 +29,17 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
+void cutBehind(std::string &text, size_t maxTags)
+{
+    size_t position = 0;
+    for (size_t tags = 0; (position = text.find('<', position)) != std::string::npos; ++position) {
+        if (++tags > maxTags) {
+            text.resize(position);
+            return;
+        }
+    }
+}
+
 bool isText(pugi::xml_node node)
 {
     return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
@@ -36,12 +47,13 @@ bool isText(pugi::xml_node node)
 
 } // namespace
 
-XmlDocument::XmlDocument(std::string text)
+XmlDocument::XmlDocument(std::string text, size_t maxTags)
     : m_text(std::move(text))
 {
     // The parser takes a NUL for the end.
     if (std::memchr(m_text.data(), 0, m_text.size()))
         m_text.erase(std::remove(m_text.begin(), m_text.end(), '\0'), m_text.end());
+    cutBehind(m_text, maxTags);
     m_isWhole = m_document.load_buffer_inplace(m_text.data(), m_text.size());
 }
 

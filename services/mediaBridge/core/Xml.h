@@ -11,7 +11,8 @@ namespace bridge {
 class XmlDocument
 {
 public:
-    explicit XmlDocument(std::string text);
+    /// With more than `maxTags` tags it is as if the text ended there.
+    explicit XmlDocument(std::string text, size_t maxTags = std::string::npos);
 
     /// The outermost element; empty where there is none.
     pugi::xml_node root() const { return m_document.document_element(); }

@@ -1,6 +1,7 @@
 #include "upnp/DescriptionLook.h"
 
 #include "Log.h"
+#include "core/Limits.h"
 
 namespace bridge {
 
@@ -22,7 +23,7 @@ DescriptionLook::DescriptionLook(std::string udn, std::vector<Route> routes, Don
 
 DescriptionLook::~DescriptionLook()
 {
-    g_cancellable_cancel(m_cancellable.get());
+    m_session->abort();
 }
 
 void DescriptionLook::askNext()
@@ -34,7 +35,7 @@ void DescriptionLook::askNext()
     }
     const Route &route = m_routes[m_next++];
     ++m_underWay;
-    httpGet(m_session.get(), route.location, timeoutMs, m_cancellable.get(),
+    m_session->get(route.location, limits::descriptionBytes, timeoutMs,
         [weak = weak_from_this(), route](HttpReply reply) {
             if (const auto self = weak.lock())
                 self->answered(route, std::move(reply));
@@ -64,7 +65,7 @@ void DescriptionLook::answered(const Route &route, HttpReply reply)
 void DescriptionLook::finish()
 {
     m_patience.stop();
-    g_cancellable_cancel(m_cancellable.get());
+    m_session->abort();
     for (size_t i = 0; i < m_next; ++i) {
         const bool isWinner = m_result.description
             && m_routes[i].location == m_result.route.location

@@ -2,7 +2,7 @@
 
 #include "core/Timer.h"
 #include "upnp/DeviceDescription.h"
-#include "upnp/Http.h"
+#include "upnp/HttpSession.h"
 #include "upnp/RouteList.h"
 
 #include <memory>
@@ -45,14 +45,13 @@ private:
     void finish();
 
     /// Its own: it has to go on where calls hold all connections of the server's.
-    Ref<SoupSession> m_session{newHttpSession()};
+    std::shared_ptr<HttpSession> m_session = HttpSession::create();
     std::string m_udn;
     std::vector<Route> m_routes;
     Done m_done;
     size_t m_next = 0;
     size_t m_underWay = 0;
     LookResult m_result;
-    Ref<GCancellable> m_cancellable{g_cancellable_new()};
     Timer m_patience;
 };
 

@@ -1,8 +1,10 @@
 #include "upnp/DeviceDescription.h"
 
 #include "core/Glib.h"
+#include "core/Limits.h"
 #include "core/Numbers.h"
 #include "core/SearchCriteria.h"
+#include "core/Text.h"
 #include "core/Xml.h"
 #include "upnp/HttpUrl.h"
 
@@ -14,7 +16,7 @@ namespace {
 
 std::string childText(pugi::xml_node parent, std::string_view name)
 {
-    return elementText(childElement(parent, name));
+    return shortened(elementText(childElement(parent, name)), limits::textBytes);
 }
 
 /// At any depth: a device may be embedded in another.
@@ -108,7 +110,7 @@ void readDlnaCaps(DeviceDescription &description, pugi::xml_node device)
 std::optional<DeviceDescription> readDescription(
     std::string body, const std::string &udn, const std::string &location)
 {
-    const XmlDocument document(std::move(body));
+    const XmlDocument document(std::move(body), limits::tags(0));
     const pugi::xml_node device = findDevice(document, udn);
     DeviceDescription description;
     description.udn = udn;

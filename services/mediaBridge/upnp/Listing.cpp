@@ -1,6 +1,7 @@
 #include "upnp/Listing.h"
 
 #include "Log.h"
+#include "core/Limits.h"
 #include "core/Numbers.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@ namespace {
 constexpr auto listTimeout = std::chrono::seconds(20);
 constexpr uint32_t smallestPage = 20;
 constexpr auto pageGoal = std::chrono::seconds(1);
-// A page below this is read at once.
-constexpr size_t smallPageBytes = 64 << 10;
 constexpr size_t sliceObjects = 20;
 
 bool isOfKind(const MediaObject &object, ListKind kind)
@@ -24,12 +23,11 @@ bool isOfKind(const MediaObject &object, ListKind kind)
 
 } // namespace
 
-Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-    GCancellable *cancellable, RowSink sink, Done done)
+Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller,
+    RowSink sink, Done done)
     : m_server(std::move(server))
     , m_request(std::move(request))
-    , m_maxBytes(maxBytes)
-    , m_cancellable(Ref<GCancellable>::share(cancellable))
+    , m_caller(std::move(caller))
     , m_sink(std::move(sink))
     , m_done(std::move(done))
     , m_deadline(std::chrono::steady_clock::now() + listTimeout)
@@ -42,10 +40,10 @@ Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_
 }
 
 std::shared_ptr<Listing> Listing::start(std::shared_ptr<MediaServer> server, ListRequest request,
-    size_t maxBytes, GCancellable *cancellable, RowSink sink, Done done)
+    Caller caller, RowSink sink, Done done)
 {
-    std::shared_ptr<Listing> listing(new Listing(std::move(server), std::move(request), maxBytes,
-        cancellable, std::move(sink), std::move(done)));
+    std::shared_ptr<Listing> listing(new Listing(std::move(server), std::move(request),
+        std::move(caller), std::move(sink), std::move(done)));
     listing->proceed();
     return listing;
 }
@@ -99,8 +97,8 @@ void Listing::requestPage()
     }
     m_isRequesting = true;
     m_pageStart = std::chrono::steady_clock::now();
-    m_server->call(m_request.action, m_request.action, arguments(m_position, count), timeoutMs,
-        m_cancellable.get(),
+    m_server->call({m_request.action, arguments(m_position, count), m_caller, timeoutMs,
+                       limits::answerBytes(count)},
         [self = shared_from_this(), position = m_position, count, round = m_round](
             ActionReply reply) {
             self->m_isRequesting = false;
@@ -124,7 +122,8 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     const auto total = parseAs<uint32_t>(reply.answer.value("TotalMatches")).value_or(0);
     const auto returned = parseAs<uint32_t>(reply.answer.value("NumberReturned")).value_or(0);
     m_total = std::max(m_total, total);
-    m_waiting = Page{position, std::min(returned, asked), std::move(reply.answer.values["Result"])};
+    m_waiting = Page{position, asked, std::min(returned, asked),
+        std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
     adaptPageSize();
 }
@@ -135,9 +134,13 @@ void Listing::adaptPageSize()
 {
     if (m_waiting->returned < smallestPage)
         return;
+    const size_t bytesOfRow = m_waiting->didl.size() / m_waiting->returned + 1;
     const auto took = std::chrono::steady_clock::now() - m_pageStart;
     const auto fitting = m_waiting->returned * pageGoal / std::max(took, decltype(took)(1));
-    const int64_t largest = std::min(2 * m_pageSize, m_largestPage);
+    // Escaped on its way, a row may be twice as long, and the next ones may be longer.
+    const size_t allowed = limits::answerBytes(m_largestPage) / 4 / bytesOfRow + smallestPage;
+    const int64_t largest =
+        std::min<int64_t>(std::min(2 * m_pageSize, m_largestPage), static_cast<int64_t>(allowed));
     m_pageSize = static_cast<uint32_t>(std::clamp<int64_t>(fitting, smallestPage, largest));
 }
 
@@ -151,7 +154,9 @@ bool Listing::isEndOfUnknown(const ActionReply &reply) const
 /// A server that breaks down over a big page may well manage a small one.
 bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
 {
-    if (reply.outcome != HttpOutcome::Broken || m_pageSize <= smallestPage)
+    const bool mayHelp =
+        reply.outcome == HttpOutcome::Broken || reply.outcome == HttpOutcome::TooLarge;
+    if (!mayHelp || m_pageSize <= smallestPage)
         return false;
     m_pageSize = m_largestPage = std::max(m_pageSize / 5, smallestPage);
     m_position = position;
@@ -161,8 +166,16 @@ bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
 
 void Listing::parsePage()
 {
-    const bool isSmall = m_reading->didl.size() < smallPageBytes;
-    auto list = parseDidl(std::move(m_reading->didl));
+    const bool isSmall = m_reading->didl.size() <= limits::documentAtOnce;
+    readDidl(std::move(m_reading->didl), m_reading->asked,
+        [self = shared_from_this(), isSmall](std::optional<DidlList> list) {
+            if (self->m_done)
+                self->gotObjects(std::move(list), isSmall);
+        });
+}
+
+void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
+{
     if (!list || (list->objects.empty() && !list->isWhole)) {
         fail({errors::operationFailed,
             m_request.action + " operation failed: The list that \""
@@ -237,12 +250,9 @@ void Listing::readObject(const MediaObject &object)
         return;
     }
     ++m_rowCount;
-    if (m_sink(object) <= m_maxBytes)
-        return;
-    fail({errors::operationFailed,
-        m_request.action + " operation failed: The list is too long for one D-Bus message ("
-            + std::to_string(m_maxBytes >> 20)
-            + " MiB). Ask for fewer objects at a time, or for fewer properties."});
+    Failure refusal = m_sink(object);
+    if (!refusal.name.empty())
+        fail(std::move(refusal));
 }
 
 void Listing::tellTotal()

@@ -49,14 +49,14 @@ struct ListEnd
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
-    /// Takes each object in the server's order; gives the bytes that all of them take so far.
-    using RowSink = std::function<size_t(const MediaObject &)>;
+    /// Takes each object in the server's order; a failure's name that isn't empty ends the listing.
+    using RowSink = std::function<Failure(const MediaObject &)>;
     using Done = std::function<void(const ListEnd &)>;
     using TotalCallback = std::function<void(std::optional<uint32_t>)>;
 
-    /// `done` is called once, from the main loop, within 20 seconds. `maxBytes` bounds the rows.
+    /// `done` is called once, from the main loop, within 20 seconds.
     static std::shared_ptr<Listing> start(std::shared_ptr<MediaServer> server, ListRequest request,
-        size_t maxBytes, GCancellable *cancellable, RowSink sink, Done done);
+        Caller caller, RowSink sink, Done done);
 
     /// Calls back with the server's total, once, as soon as the first rows are there; with nothing
     /// where that never comes to be known.
@@ -67,12 +67,15 @@ private:
     struct Page
     {
         uint32_t position = 0;
+        uint32_t asked = 0;
         uint32_t returned = 0;
         std::string didl;
+        /// Held until it is read.
+        std::shared_ptr<void> place;
     };
 
-    Listing(std::shared_ptr<MediaServer> server, ListRequest request, size_t maxBytes,
-        GCancellable *cancellable, RowSink sink, Done done);
+    Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller, RowSink sink,
+        Done done);
     void proceed();
     bool wantsMore() const;
     void requestPage();
@@ -81,6 +84,7 @@ private:
     bool isEndOfUnknown(const ActionReply &reply) const;
     bool retrySmaller(const ActionReply &reply, uint32_t position);
     void parsePage();
+    void gotObjects(std::optional<DidlList> list, bool isSmall);
     void checkCount(DidlList &list);
     void readSlice();
     void readObject(const MediaObject &object);
@@ -94,8 +98,7 @@ private:
 
     std::shared_ptr<MediaServer> m_server;
     ListRequest m_request;
-    size_t m_maxBytes;
-    Ref<GCancellable> m_cancellable;
+    Caller m_caller;
     RowSink m_sink;
     Done m_done;
     std::vector<TotalCallback> m_totalCallbacks;

@@ -1,8 +1,11 @@
 #include "upnp/MediaServer.h"
 
-#include "core/Didl.h"
+#include "core/Background.h"
+#include "core/Limits.h"
 #include "core/ObjectPath.h"
 #include "core/SearchCriteria.h"
+
+#include <algorithm>
 
 namespace bridge {
 
@@ -20,7 +23,7 @@ std::string faultSentence(const SoapAnswer &answer)
 
 } // namespace
 
-MediaServer::MediaServer(DeviceDescription description, Ref<SoupSession> session)
+MediaServer::MediaServer(DeviceDescription description, std::shared_ptr<HttpSession> session)
     : m_description(std::move(description))
     , m_context{serverPathFromUdn(m_description.udn), m_description.baseUrl}
     , m_session(std::move(session))
@@ -30,16 +33,22 @@ MediaServer::MediaServer(DeviceDescription description, Ref<SoupSession> session
 void MediaServer::readCapabilities(std::function<void()> done)
 {
     // The two answers share the last reference to `done`'s guard; the later one calls it.
-    const std::shared_ptr<void> bothRead(nullptr, [done = std::move(done)](void *) { done(); });
-    const auto read = [&](const char *action, const char *output, auto member) {
-        call(action, action, {}, capabilityTimeoutMs, nullptr,
-            [self = shared_from_this(), bothRead, output, member](const ActionReply &reply) {
-                if (!reply.isError())
-                    (*self).*member = splitList(reply.answer.value(output));
-            });
-    };
-    read("GetSearchCapabilities", "SearchCaps", &MediaServer::m_searchCaps);
-    read("GetSortCapabilities", "SortCaps", &MediaServer::m_sortCaps);
+    const std::shared_ptr<void> both(nullptr, [done = std::move(done)](void *) { done(); });
+    readCapability("GetSearchCapabilities", "SearchCaps", both, &MediaServer::m_searchCaps);
+    readCapability("GetSortCapabilities", "SortCaps", both, &MediaServer::m_sortCaps);
+}
+
+void MediaServer::readCapability(const char *action, const char *output,
+    const std::shared_ptr<void> &both, std::optional<std::vector<std::string>> MediaServer::*member)
+{
+    call({action, {}, {}, capabilityTimeoutMs, limits::capabilityBytes},
+        [self = shared_from_this(), both, output, member](const ActionReply &reply) {
+            if (reply.isError())
+                return;
+            auto names = splitList(reply.answer.value(output));
+            names.resize(std::min(names.size(), limits::capabilities));
+            (*self).*member = std::move(names);
+        });
 }
 
 void MediaServer::inheritCapabilities(const MediaServer &earlier)
@@ -50,38 +59,59 @@ void MediaServer::inheritCapabilities(const MediaServer &earlier)
         m_sortCaps = earlier.m_sortCaps;
 }
 
-void MediaServer::call(const std::string &action, const std::string &operation,
-    const SoapArguments &arguments, unsigned timeoutMs, GCancellable *cancellable,
-    ActionCallback done)
+void MediaServer::call(const ActionCall &call, ActionCallback done)
 {
     const std::string &type = m_description.serviceType;
-    httpPostSoap(m_session.get(), m_description.controlUrl, '"' + type + '#' + action + '"',
-        soapEnvelope(type, action, arguments), timeoutMs, cancellable,
-        [self = shared_from_this(), action, operation, timeoutMs, done = std::move(done)](
-            HttpReply http) {
-            ActionReply reply;
-            reply.outcome = http.outcome;
-            if (http.outcome == HttpOutcome::Answered)
-                reply.answer = parseSoapAnswer(std::move(http.body), action);
-            if (reply.answer.kind != SoapAnswer::Kind::Result)
-                reply.failure = self->failureOf(operation, http, reply.answer, timeoutMs);
-            if (http.outcome == HttpOutcome::Unreachable && self->onUnreachable)
-                self->onUnreachable();
-            done(std::move(reply));
-        });
+    m_session->send({m_description.controlUrl, '"' + type + '#' + call.action + '"',
+                        soapEnvelope(type, call.action, call.arguments), call.maxBytes,
+                        call.timeoutMs, call.caller},
+        [self = shared_from_this(), call, done = std::move(done)](
+            HttpReply http) { self->received(call, std::move(http), done); });
 }
 
-Failure MediaServer::failureOf(const std::string &operation, const HttpReply &reply,
-    const SoapAnswer &answer, unsigned timeoutMs) const
+void MediaServer::received(const ActionCall &call, HttpReply http, const ActionCallback &done)
 {
-    const std::string start = operation + " operation failed: ";
+    struct Work
+    {
+        HttpReply http;
+        ActionReply reply;
+    };
+    const auto work = std::make_shared<Work>();
+    work->http = std::move(http);
+    const auto read = [work, action = call.action] {
+        work->reply.answer = parseSoapAnswer(std::move(work->http.body), action);
+    };
+    const auto finish = [self = shared_from_this(), call, work, done] {
+        ActionReply &reply = work->reply;
+        reply.outcome = work->http.outcome;
+        reply.place = std::move(work->http.place);
+        if (reply.answer.kind != SoapAnswer::Kind::Result)
+            reply.failure = self->failureOf(call, work->http, reply.answer);
+        if (reply.outcome == HttpOutcome::Unreachable && self->onUnreachable)
+            self->onUnreachable();
+        done(std::move(reply));
+    };
+    if (work->http.body.size() > limits::documentAtOnce
+        && work->http.outcome == HttpOutcome::Answered) {
+        background::run(read, finish);
+        return;
+    }
+    if (work->http.outcome == HttpOutcome::Answered)
+        read();
+    finish();
+}
+
+Failure MediaServer::failureOf(
+    const ActionCall &call, const HttpReply &reply, const SoapAnswer &answer) const
+{
+    const std::string start = call.action + " operation failed: ";
     const std::string server = "the media server \"" + m_description.friendlyName + "\"";
     switch (reply.outcome) {
     case HttpOutcome::Cancelled:
         return {errors::cancelled, "Operation cancelled."};
     case HttpOutcome::TimedOut:
         return {errors::operationFailed,
-            start + server + " did not answer within " + std::to_string(timeoutMs / 1000)
+            start + server + " did not answer within " + std::to_string(call.timeoutMs / 1000)
                 + " seconds. It may be busy or hanging; try again, or restart it."};
     case HttpOutcome::Unreachable:
         return {errors::operationFailed,
@@ -89,6 +119,9 @@ Failure MediaServer::failureOf(const std::string &operation, const HttpReply &re
     case HttpOutcome::Broken:
         return {errors::operationFailed,
             start + "The connection to " + server + " broke: " + reply.problem};
+    case HttpOutcome::TooLarge:
+        return {errors::operationFailed,
+            start + "The answer of " + server + " is too large: " + reply.problem + "."};
     case HttpOutcome::Answered:
         break;
     }
@@ -100,26 +133,45 @@ Failure MediaServer::failureOf(const std::string &operation, const HttpReply &re
 }
 
 void MediaServer::readObject(const std::string &objectId, const PropertySet &wanted,
-    GCancellable *cancellable, ObjectCallback done)
+    const Caller &caller, ObjectCallback done)
 {
     const SoapArguments arguments{{"ObjectID", objectId}, {"BrowseFlag", "BrowseMetadata"},
         {"Filter", didlFilter(wanted)}, {"StartingIndex", "0"}, {"RequestedCount", "0"},
         {"SortCriteria", ""}};
-    call("Browse", "Browse", arguments, answerTimeoutMs, cancellable,
-        [done = std::move(done)](ActionReply reply) {
-            if (reply.isError()) {
-                done(reply.failure, {});
-                return;
-            }
-            const auto list = parseDidl(std::move(reply.answer.values["Result"]));
-            if (!list || list->objects.empty()) {
-                done({errors::operationFailed,
-                         "Browse operation failed: The server described no object."},
-                    {});
-                return;
-            }
+    const auto gotList = [done](const std::optional<DidlList> &list) {
+        if (list && !list->objects.empty()) {
             done({}, list->objects.front());
+        } else {
+            done({errors::operationFailed,
+                     "Browse operation failed: The server described no object."},
+                {});
+        }
+    };
+    call({"Browse", arguments, caller, answerTimeoutMs, limits::answerBytes(1)},
+        [done, gotList](ActionReply reply) {
+            if (reply.isError())
+                done(reply.failure, {});
+            else
+                readDidl(std::move(reply.answer.values["Result"]), 1, gotList);
         });
+}
+
+void readDidl(
+    std::string didl, size_t maxObjects, std::function<void(std::optional<DidlList>)> done)
+{
+    if (didl.size() <= limits::documentAtOnce) {
+        done(parseDidl(std::move(didl), maxObjects));
+        return;
+    }
+    struct Work
+    {
+        std::string didl;
+        std::optional<DidlList> list;
+    };
+    const auto work = std::make_shared<Work>(Work{std::move(didl), {}});
+    background::run(
+        [work, maxObjects] { work->list = parseDidl(std::move(work->didl), maxObjects); },
+        [work, done = std::move(done)] { done(std::move(work->list)); });
 }
 
 } // namespace bridge

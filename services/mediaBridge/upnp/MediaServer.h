@@ -1,12 +1,14 @@
 #pragma once
 
+#include "core/Caller.h"
+#include "core/Didl.h"
 #include "core/Failure.h"
 #include "core/MediaObject.h"
 #include "core/Properties.h"
 #include "core/PropertyMap.h"
 #include "core/SoapMessage.h"
 #include "upnp/DeviceDescription.h"
-#include "upnp/Http.h"
+#include "upnp/HttpSession.h"
 
 #include <functional>
 #include <memory>
@@ -21,8 +23,21 @@ struct ActionReply
     Failure failure;
     SoapAnswer answer;
     HttpOutcome outcome = HttpOutcome::Answered;
+    /// See HttpReply.
+    std::shared_ptr<void> place;
 
     bool isError() const { return !failure.name.empty(); }
+};
+
+/// An action of a server's content directory as it is to be called.
+struct ActionCall
+{
+    std::string action;
+    SoapArguments arguments;
+    Caller caller;
+    unsigned timeoutMs = 0;
+    /// The longest answer that is taken.
+    size_t maxBytes = 0;
 };
 
 using ActionCallback = std::function<void(ActionReply)>;
@@ -34,7 +49,7 @@ using ObjectCallback = std::function<void(const Failure &, const MediaObject &)>
 class MediaServer : public std::enable_shared_from_this<MediaServer>
 {
 public:
-    MediaServer(DeviceDescription description, Ref<SoupSession> session);
+    MediaServer(DeviceDescription description, std::shared_ptr<HttpSession> session);
 
     const DeviceDescription &description() const { return m_description; }
     /// D-Bus path and URL base, for mapping its objects.
@@ -51,15 +66,12 @@ public:
     /// Takes what could not be read from an earlier look at the same server.
     void inheritCapabilities(const MediaServer &earlier);
 
-    /// Calls an action. `operation` begins the failure's sentence ("Browse"). `done` is called
-    /// once, from the main loop, after `timeoutMs` of the server's silence.
-    void call(const std::string &action, const std::string &operation,
-        const SoapArguments &arguments, unsigned timeoutMs, GCancellable *cancellable,
-        ActionCallback done);
+    /// Calls an action; `done` is called once, from the main loop.
+    void call(const ActionCall &call, ActionCallback done);
 
     /// Reads one object with what `wanted` needs.
-    void readObject(const std::string &objectId, const PropertySet &wanted,
-        GCancellable *cancellable, ObjectCallback done);
+    void readObject(const std::string &objectId, const PropertySet &wanted, const Caller &caller,
+        ObjectCallback done);
 
     /// Called with each call that found nobody listening.
     std::function<void()> onUnreachable;
@@ -69,16 +81,24 @@ public:
     static constexpr unsigned answerTimeoutMs = 10'000;
 
 private:
-    Failure failureOf(const std::string &operation, const HttpReply &reply,
-        const SoapAnswer &answer, unsigned timeoutMs) const;
+    void received(const ActionCall &call, HttpReply http, const ActionCallback &done);
+    Failure failureOf(
+        const ActionCall &call, const HttpReply &reply, const SoapAnswer &answer) const;
+    void readCapability(const char *action, const char *output, const std::shared_ptr<void> &both,
+        std::optional<std::vector<std::string>> MediaServer::*member);
 
     DeviceDescription m_description;
     ServerContext m_context;
-    Ref<SoupSession> m_session;
+    std::shared_ptr<HttpSession> m_session;
     std::optional<std::vector<std::string>> m_searchCaps;
     std::optional<std::vector<std::string>> m_sortCaps;
 };
 
 using MediaServerPtr = std::shared_ptr<MediaServer>;
+
+/// What parseDidl makes of `didl`; a long one is read in the background. `done` may be called from
+/// inside this call.
+void readDidl(
+    std::string didl, size_t maxObjects, std::function<void(std::optional<DidlList>)> done);
 
 } // namespace bridge

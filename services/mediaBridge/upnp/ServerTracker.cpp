@@ -62,7 +62,7 @@ ServerTracker::ServerTracker(std::string udn, std::string host, LookQueue &queue
 
 ServerTracker::~ServerTracker()
 {
-    soup_session_abort(m_session.get());
+    m_session->abort();
 }
 
 void ServerTracker::heard(const Route &route, unsigned maxAge)
@@ -234,7 +234,7 @@ void ServerTracker::fail(bool isGone)
         goneForNow();
     if (isStranger()) {
         // Closes what connections it still has.
-        soup_session_abort(m_session.get());
+        m_session->abort();
         lookLater(doubled(retryMs, m_failures - 1));
     } else {
         lookLater(m_failures < patientRetries ? retryMs : slowRetryMs);

@@ -61,7 +61,7 @@ private:
     std::string m_host;
     LookQueue &m_queue;
     Announce m_announce;
-    Ref<SoupSession> m_session{newHttpSession()};
+    std::shared_ptr<HttpSession> m_session = HttpSession::create();
     RouteList m_routes;
     std::shared_ptr<MediaServer> m_server;
     bool m_isAnnounced = false;

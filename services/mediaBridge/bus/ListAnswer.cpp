@@ -1,0 +1,74 @@
+#include "bus/ListAnswer.h"
+
+#include "core/Limits.h"
+
+namespace bridge {
+
+namespace {
+
+/// Bytes of all answers that are being written.
+size_t writtenBytes = 0;
+
+} // namespace
+
+ListAnswer::ListAnswer(
+    BusService &bus, BusCallPtr call, const PropertySet &wanted, const ServerContext &server)
+    : m_bus(bus)
+    , m_call(std::move(call))
+    , m_message(m_call->newAnswer())
+    , m_wanted(wanted)
+    , m_server(server)
+{
+}
+
+ListAnswer::~ListAnswer()
+{
+    writtenBytes -= m_claimed;
+}
+
+Failure ListAnswer::add(const MediaObject &object)
+{
+    {
+        MessageWriter row(*m_rows, DBUS_TYPE_ARRAY, "{sv}");
+        for (const PropInfo &info : properties()) {
+            if (m_wanted.contains(info.prop))
+                row.addEntry(info.name, propertyValue(object, info.prop, m_server));
+        }
+    }
+    return checkRoom();
+}
+
+Failure ListAnswer::add(const PropertyMap &row)
+{
+    m_rows->add(row);
+    return checkRoom();
+}
+
+Failure ListAnswer::checkRoom()
+{
+    const size_t bytes = m_rows->bytes();
+    writtenBytes += bytes - m_claimed;
+    m_claimed = bytes;
+    if (bytes > m_call->maxBytes())
+        return tooLargeForBus(m_call->maxBytes());
+    if (bytes <= limits::smallBytes || writtenBytes + m_bus.unsentBytes() <= limits::answersBytes)
+        return {};
+    return {errors::limitsExceeded,
+        "Too many long lists are asked for at once. Try again when the others are answered, or ask "
+        "for fewer objects at a time."};
+}
+
+void ListAnswer::send()
+{
+    m_rows.reset();
+    m_call->send(std::move(m_message), m_body.bytes());
+}
+
+void ListAnswer::send(uint32_t total)
+{
+    m_rows.reset();
+    m_body.add(total);
+    m_call->send(std::move(m_message), m_body.bytes());
+}
+
+} // namespace bridge

@@ -1,0 +1,95 @@
+#include "core/Background.h"
+
+#include <condition_variable>
+#include <deque>
+#include <glib.h>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace bridge::background {
+
+namespace {
+
+struct Piece
+{
+    std::function<void()> work;
+    std::function<void()> then;
+};
+
+/// Runs `then` in the main loop, where the piece also ends.
+gboolean giveBack(gpointer piece)
+{
+    std::unique_ptr<Piece>(static_cast<Piece *>(piece))->then();
+    return G_SOURCE_REMOVE;
+}
+
+class Worker
+{
+public:
+    ~Worker() { stop(); }
+
+    void add(std::unique_ptr<Piece> piece)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { run(); });
+        m_pieces.push_back(std::move(piece));
+        m_changed.notify_one();
+    }
+    void stop()
+    {
+        std::deque<std::unique_ptr<Piece>> dropped;
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_isEnding = true;
+            dropped.swap(m_pieces);
+            m_changed.notify_one();
+        }
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+private:
+    void run()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        for (;;) {
+            m_changed.wait(lock, [this] { return m_isEnding || !m_pieces.empty(); });
+            if (m_isEnding)
+                return;
+            std::unique_ptr<Piece> piece = std::move(m_pieces.front());
+            m_pieces.pop_front();
+            lock.unlock();
+            piece->work();
+            g_idle_add_full(G_PRIORITY_DEFAULT, &giveBack, piece.release(), nullptr);
+            lock.lock();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<std::unique_ptr<Piece>> m_pieces;
+    bool m_isEnding = false;
+    std::thread m_thread;
+};
+
+Worker &worker()
+{
+    static Worker only;
+    return only;
+}
+
+} // namespace
+
+void run(std::function<void()> work, std::function<void()> then)
+{
+    worker().add(std::make_unique<Piece>(Piece{std::move(work), std::move(then)}));
+}
+
+void stop()
+{
+    worker().stop();
+}
+
+} // namespace bridge::background

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace bridge::limits {
+
+// Everything that comes from the network or the bus has its bound here. Each is several times what
+// real servers and clients need; docs/media-service.md tells how reaching one shows.
+
+// --- the bus ---
+
+/// Bytes of one message. A system bus disconnects whoever sends more than 32 MiB; on the others an
+/// array ends at 64 MiB. Room is left for what is counted roughly.
+inline constexpr size_t systemMessageBytes = size_t{30} << 20;
+inline constexpr size_t messageBytes = size_t{60} << 20;
+/// Bytes of all answers that are being written or wait for the bus. Only answers above `smallBytes`
+/// are refused for it.
+inline constexpr size_t answersBytes = size_t{80} << 20;
+inline constexpr size_t smallBytes = size_t{1} << 20;
+/// An error's text, in bytes: a long sentence that quotes a server's name and its reason.
+inline constexpr size_t errorTextBytes = 1024;
+/// The object path of a call: an encoded UDN and the hex of an object id of 4 KiB.
+inline constexpr size_t pathBytes = 12 << 10;
+/// Names in a filter; there are some thirty properties.
+inline constexpr size_t filterNames = 256;
+/// Objects of one BrowseObjects: what a server answers one by one within 20 seconds.
+inline constexpr size_t objectsPerCall = 5'000;
+/// Unanswered calls of one client; fewer while there are very many in all.
+inline constexpr size_t callsPerClient = 5'000;
+inline constexpr size_t callsOfAll = 10'000;
+inline constexpr size_t callsPerClientInNeed = 100;
+/// File descriptors in messages that were not looked at yet: no call takes any. (A message may hold
+/// more than that; the next one then waits.)
+inline constexpr long descriptorsOnBus = 16;
+/// Milliseconds after which the end of the program no longer waits for a bus that takes no answers.
+inline constexpr unsigned farewellMs = 500;
+
+// --- media servers ---
+
+/// Requests under way at one server; the others wait in the bridge. Small servers take no more.
+inline constexpr unsigned requestsPerServer = 6;
+/// How long an idle connection is kept, in seconds.
+inline constexpr unsigned keptConnectionSeconds = 5;
+/// Answers such as "102 Processing" before the real one.
+inline constexpr unsigned interimAnswers = 8;
+/// Bytes of all answers that are being received; the longest ends where they are more.
+inline constexpr size_t bodiesBytes = size_t{48} << 20;
+/// Bytes of a device description; real ones have 2 to 10 KiB.
+inline constexpr size_t descriptionBytes = size_t{1} << 20;
+/// Bytes of an answer that holds no objects, such as what a server can search.
+inline constexpr size_t capabilityBytes = size_t{64} << 10;
+/// Bytes of an answer with so many objects. A track takes 1 to 4 KiB.
+inline constexpr size_t answerBytes(uint32_t objects)
+{
+    constexpr size_t fixed = size_t{512} << 10;
+    constexpr size_t perObject = size_t{32} << 10;
+    constexpr size_t most = size_t{8} << 20;
+    return objects < (most - fixed) / perObject ? fixed + objects * perObject : most;
+}
+
+// --- documents ---
+
+/// Documents above this are read in a thread, in bytes: the main loop takes a millisecond for one.
+inline constexpr size_t documentAtOnce = size_t{64} << 10;
+/// Tags of a document with so many objects; an object has about thirty, and takes up to 128 bytes
+/// for each.
+inline constexpr size_t tags(size_t objects)
+{
+    constexpr size_t fixed = 4'000;
+    constexpr size_t perObject = 256;
+    constexpr size_t most = 400'000;
+    return objects < (most - fixed) / perObject ? fixed + objects * perObject : most;
+}
+/// Resources of one object, and artists, and classes that may be created in it.
+inline constexpr size_t repeated = 64;
+/// A text for people, in bytes. A longer one is cut, and ends in "…".
+inline constexpr size_t textBytes = size_t{16} << 10;
+/// An id and a URL, in bytes. A longer one is left out: cut, it would name something else.
+inline constexpr size_t idBytes = size_t{4} << 10;
+inline constexpr size_t urlBytes = size_t{16} << 10;
+/// Names of what a server can search or sort by.
+inline constexpr size_t capabilities = 256;
+
+} // namespace bridge::limits

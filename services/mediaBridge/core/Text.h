@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/Glib.h"
+
+#include <string_view>
+
+namespace bridge {
+
+/// `text` with at most `maxBytes` bytes and as valid UTF-8; "…" at the end shows that more was
+/// there.
+inline std::string shortened(std::string_view text, size_t maxBytes)
+{
+    constexpr std::string_view more = "…";
+    const bool isLong = text.size() > maxBytes;
+    if (isLong) {
+        size_t end = maxBytes - more.size();
+        // Not within a character.
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80U)
+            --end;
+        text = text.substr(0, end);
+    }
+    const auto size = static_cast<gssize>(text.size());
+    const bool isValid = g_utf8_validate(text.data(), size, nullptr) != FALSE;
+    std::string valid =
+        isValid ? std::string(text) : takeString(g_utf8_make_valid(text.data(), size));
+    return isLong ? valid.append(more) : valid;
+}
+
+} // namespace bridge

@@ -1,0 +1,235 @@
+#include "upnp/HttpExchange.h"
+
+#include "core/Limits.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace bridge {
+
+namespace {
+
+constexpr size_t firstChunkSize = size_t{16} << 10;
+constexpr size_t largestChunkSize = size_t{256} << 10;
+
+/// Exchanges whose answer is being read.
+std::vector<HttpExchange *> &readers()
+{
+    static std::vector<HttpExchange *> list;
+    return list;
+}
+
+/// For callbacks of GIO: keeps the exchange until the callback takes it.
+gpointer keep(const std::shared_ptr<HttpExchange> &exchange)
+{
+    return new std::shared_ptr<HttpExchange>(exchange);
+}
+
+std::shared_ptr<HttpExchange> take(gpointer kept)
+{
+    const std::unique_ptr<std::shared_ptr<HttpExchange>> owned(
+        static_cast<std::shared_ptr<HttpExchange> *>(kept));
+    return *owned;
+}
+
+} // namespace
+
+HttpExchange::HttpExchange(HttpRequest request, HttpCallback done)
+    : m_request(std::move(request))
+    , m_done(std::move(done))
+{
+}
+
+void HttpExchange::watchCaller()
+{
+    if (GCancellable *cancellable = m_request.caller.cancellable.get()) {
+        m_callerLeft = g_cancellable_connect(cancellable,
+            G_CALLBACK(
+                +[](GCancellable *, HttpExchange *self) { self->stop(HttpOutcome::Cancelled); }),
+            this, nullptr);
+    }
+}
+
+void HttpExchange::send(SoupSession *session, std::shared_ptr<void> place)
+{
+    m_reply.place = std::move(place);
+    m_session = Ref<SoupSession>::share(session);
+    sendMessage(SoupMessageFlags(0));
+}
+
+void HttpExchange::sendMessage(SoupMessageFlags more)
+{
+    m_message = newMessage(more);
+    soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
+        m_cancellable.get(), &HttpExchange::answered, keep(shared_from_this()));
+}
+
+Ref<SoupMessage> HttpExchange::newMessage(SoupMessageFlags more)
+{
+    const bool isGet = m_request.soapAction.empty();
+    Ref<SoupMessage> message(soup_message_new(isGet ? "GET" : "POST", m_request.url.c_str()));
+    // libsoup uses a kept connection for a POST only where it is said to be idempotent.
+    soup_message_add_flags(message.get(),
+        static_cast<SoupMessageFlags>(SOUP_MESSAGE_NO_REDIRECT | SOUP_MESSAGE_IDEMPOTENT | more));
+    g_signal_connect(message.get(), "got-informational", G_CALLBACK(gotInterimAnswer), this);
+    if (isGet)
+        return message;
+    soup_message_headers_replace(soup_message_get_request_headers(message.get()), "SOAPAction",
+        m_request.soapAction.c_str());
+    GBytes *body = g_bytes_new(m_request.body.data(), m_request.body.size());
+    soup_message_set_request_body_from_bytes(message.get(), "text/xml; charset=\"utf-8\"", body);
+    g_bytes_unref(body);
+    return message;
+}
+
+/// libsoup reads on as long as such answers come, and nobody else gets a turn; a cancelled request
+/// makes it stop.
+void HttpExchange::gotInterimAnswer(SoupMessage *, HttpExchange *self)
+{
+    if (++self->m_interimAnswers > limits::interimAnswers)
+        self->stop(HttpOutcome::TooLarge, "it begins over and over");
+}
+
+/// Some servers close a connection that they have just promised to keep; a request that comes in
+/// between is lost. libsoup may still hold the first message, so the second try has its own.
+bool HttpExchange::sendAgain(const GError *error)
+{
+    if (m_isSecondTry || outcomeOf(error) != HttpOutcome::Broken)
+        return false;
+    m_isSecondTry = true;
+    g_signal_handlers_disconnect_by_data(m_message.get(), this);
+    sendMessage(SOUP_MESSAGE_NEW_CONNECTION);
+    return true;
+}
+
+void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
+{
+    const auto self = take(kept);
+    GError *error = nullptr;
+    self->m_stream =
+        Ref<GInputStream>(soup_session_send_finish(self->m_session.get(), result, &error));
+    if (error && self->sendAgain(error)) {
+        g_error_free(error);
+        return;
+    }
+    if (error) {
+        self->fail(error);
+        return;
+    }
+    readers().push_back(self.get());
+    self->readOn();
+}
+
+void HttpExchange::readOn()
+{
+    // Most answers are small, and many may be under way; the few big ones grow their own way.
+    const size_t chunkSize = std::clamp(m_reply.body.size(), firstChunkSize, largestChunkSize);
+    g_input_stream_read_bytes_async(m_stream.get(), chunkSize, G_PRIORITY_DEFAULT,
+        m_cancellable.get(), &HttpExchange::gotBytes, keep(shared_from_this()));
+}
+
+void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
+{
+    const auto self = take(kept);
+    GError *error = nullptr;
+    GBytes *bytes = g_input_stream_read_bytes_finish(self->m_stream.get(), result, &error);
+    if (error) {
+        self->fail(error);
+        return;
+    }
+    const bool isEnd = g_bytes_get_size(bytes) == 0;
+    self->append(bytes);
+    g_bytes_unref(bytes);
+    if (self->m_reply.body.size() > self->m_request.maxBytes) {
+        self->finish(HttpOutcome::TooLarge,
+            "it is longer than " + std::to_string(self->m_request.maxBytes >> 10) + " KiB");
+    } else if (isEnd) {
+        self->m_reply.status = soup_message_get_status(self->m_message.get());
+        self->finish(HttpOutcome::Answered, {});
+    } else {
+        self->makeRoom();
+        self->readOn();
+    }
+}
+
+void HttpExchange::append(GBytes *bytes)
+{
+    gsize size = 0;
+    const auto *data = static_cast<const char *>(g_bytes_get_data(bytes, &size));
+    if (size > 0)
+        m_reply.body.append(data, size);
+}
+
+/// Where all answers together take too much, the longest has to end.
+void HttpExchange::makeRoom()
+{
+    size_t sum = 0;
+    HttpExchange *longest = this;
+    for (HttpExchange *reader : readers()) {
+        sum += reader->m_reply.body.size();
+        if (reader->m_reply.body.size() > longest->m_reply.body.size())
+            longest = reader;
+    }
+    if (sum > limits::bodiesBytes)
+        longest->stop(HttpOutcome::TooLarge, "too many long answers come at once");
+}
+
+void HttpExchange::stop(HttpOutcome outcome, std::string problem)
+{
+    if (isStopped())
+        return;
+    m_stopOutcome = outcome;
+    m_stopProblem = std::move(problem);
+    g_cancellable_cancel(m_cancellable.get());
+    if (m_session)
+        return;
+    // Not sent yet, so that nothing else ends it.
+    g_idle_add(
+        [](gpointer kept) -> gboolean {
+            const auto self = take(kept);
+            self->finish(self->m_stopOutcome, std::move(self->m_stopProblem));
+            return G_SOURCE_REMOVE;
+        },
+        keep(shared_from_this()));
+}
+
+void HttpExchange::fail(GError *error)
+{
+    const HttpOutcome outcome = outcomeOf(error);
+    std::string problem = takeMessage(error);
+    finish(outcome, isStopped() ? std::move(m_stopProblem) : std::move(problem));
+}
+
+HttpOutcome HttpExchange::outcomeOf(const GError *error) const
+{
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED))
+        return m_stopOutcome;
+    for (const int code : {G_IO_ERROR_CONNECTION_REFUSED, G_IO_ERROR_HOST_UNREACHABLE,
+             G_IO_ERROR_NETWORK_UNREACHABLE, G_IO_ERROR_HOST_NOT_FOUND}) {
+        if (g_error_matches(error, G_IO_ERROR, code))
+            return HttpOutcome::Unreachable;
+    }
+    return error->domain == G_RESOLVER_ERROR ? HttpOutcome::Unreachable : HttpOutcome::Broken;
+}
+
+void HttpExchange::finish(HttpOutcome outcome, std::string problem)
+{
+    const auto self = shared_from_this();
+    if (m_callerLeft != 0)
+        g_cancellable_disconnect(m_request.caller.cancellable.get(), m_callerLeft);
+    // Ends what libsoup still does for it.
+    g_cancellable_cancel(m_cancellable.get());
+    readers().erase(std::remove(readers().begin(), readers().end(), this), readers().end());
+    if (m_message)
+        g_signal_handlers_disconnect_by_data(m_message.get(), this);
+    m_stream = {};
+    m_message = {};
+    m_reply.outcome = outcome;
+    if (outcome != HttpOutcome::Answered)
+        m_reply.body = {};
+    m_reply.problem = std::move(problem);
+    const HttpCallback done = std::exchange(m_done, nullptr);
+    done(std::move(m_reply));
+}
+
+} // namespace bridge

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "core/Caller.h"
+
+#include <functional>
+#include <libsoup/soup.h>
+#include <memory>
+#include <string>
+
+namespace bridge {
+
+enum class HttpOutcome {
+    Answered,
+    /// Nobody listens there, or no way leads there.
+    Unreachable,
+    /// The connection broke before the answer was complete.
+    Broken,
+    /// The answer is longer than was allowed, or what is read at once would be.
+    TooLarge,
+    TimedOut,
+    Cancelled,
+};
+
+struct HttpReply
+{
+    HttpOutcome outcome = HttpOutcome::Broken;
+    /// HTTP status; 0 unless answered.
+    unsigned status = 0;
+    std::string body;
+    /// What went wrong, for people; empty when answered.
+    std::string problem;
+    /// The request's place among those that are under way at the server. Whoever still has work
+    /// with the answer holds it, so that a server can't send faster than is read.
+    std::shared_ptr<void> place;
+};
+
+using HttpCallback = std::function<void(HttpReply)>;
+
+/// A request as it is to be made. A SOAP action must only read: it is sent again on a new
+/// connection where a kept one turns out to be dead.
+struct HttpRequest
+{
+    std::string url;
+    /// Empty for a GET.
+    std::string soapAction;
+    std::string body;
+    /// The longest answer that is taken.
+    size_t maxBytes = 0;
+    unsigned timeoutMs = 0;
+    Caller caller;
+};
+
+/// One request from its sending to the end of its answer. Keeps itself alive meanwhile.
+class HttpExchange : public std::enable_shared_from_this<HttpExchange>
+{
+public:
+    /// `done` is called once, from the main loop, never from inside a call.
+    HttpExchange(HttpRequest request, HttpCallback done);
+    ~HttpExchange() = default;
+    HttpExchange(const HttpExchange &) = delete;
+    HttpExchange &operator=(const HttpExchange &) = delete;
+
+    const HttpRequest &request() const { return m_request; }
+    /// Microseconds of the monotonic clock.
+    int64_t startedAt() const { return m_startedAt; }
+    /// Has ended or is about to.
+    bool isStopped() const { return g_cancellable_is_cancelled(m_cancellable.get()) != FALSE; }
+
+    /// From here on it ends where its caller leaves.
+    void watchCaller();
+    /// Once at most, unless it was stopped. `place` goes into the reply.
+    void send(SoupSession *session, std::shared_ptr<void> place);
+    /// Ends it soon with this outcome, sent or not.
+    void stop(HttpOutcome outcome, std::string problem = {});
+
+private:
+    void sendMessage(SoupMessageFlags more);
+    Ref<SoupMessage> newMessage(SoupMessageFlags more);
+    bool sendAgain(const GError *error);
+    static void gotInterimAnswer(SoupMessage *, HttpExchange *self);
+    static void answered(GObject *, GAsyncResult *result, gpointer self);
+    void readOn();
+    static void gotBytes(GObject *, GAsyncResult *result, gpointer self);
+    void append(GBytes *bytes);
+    void makeRoom();
+    void fail(GError *error);
+    HttpOutcome outcomeOf(const GError *error) const;
+    void finish(HttpOutcome outcome, std::string problem);
+
+    HttpRequest m_request;
+    HttpCallback m_done;
+    int64_t m_startedAt = g_get_monotonic_time();
+    Ref<GCancellable> m_cancellable{g_cancellable_new()};
+    gulong m_callerLeft = 0;
+    Ref<SoupSession> m_session;
+    Ref<SoupMessage> m_message;
+    Ref<GInputStream> m_stream;
+    bool m_isSecondTry = false;
+    unsigned m_interimAnswers = 0;
+    /// What `stop` was called with.
+    HttpOutcome m_stopOutcome = HttpOutcome::Cancelled;
+    std::string m_stopProblem;
+    HttpReply m_reply;
+};
+
+} // namespace bridge

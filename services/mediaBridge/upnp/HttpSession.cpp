@@ -1,0 +1,165 @@
+#include "upnp/HttpSession.h"
+
+#include "core/Limits.h"
+
+#include <algorithm>
+
+namespace bridge {
+
+namespace {
+
+constexpr int64_t usPerMs = 1000;
+
+} // namespace
+
+std::shared_ptr<HttpSession> HttpSession::create()
+{
+    return std::shared_ptr<HttpSession>(new HttpSession);
+}
+
+HttpSession::HttpSession()
+    : m_soup(
+        soup_session_new_with_options("max-conns", limits::requestsPerServer, "max-conns-per-host",
+            limits::requestsPerServer, "timeout", 0, "idle-timeout", limits::keptConnectionSeconds,
+            "user-agent", "orka-media-bridge UPnP/1.0 DLNADOC/1.50", nullptr))
+{
+    // A proxy of the environment is for the internet, not for the machines at home.
+    soup_session_set_proxy_resolver(m_soup.get(), nullptr);
+    // A few packed bytes may hold gigabytes.
+    soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_CONTENT_DECODER);
+}
+
+void HttpSession::get(
+    const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done)
+{
+    send({url, {}, {}, maxBytes, timeoutMs, {}}, std::move(done));
+}
+
+void HttpSession::send(HttpRequest request, HttpCallback done)
+{
+    const bool isUrl =
+        g_uri_is_valid(request.url.c_str(), static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr)
+        != FALSE;
+    const auto self = std::make_shared<HttpExchange *>();
+    const auto exchange = std::make_shared<HttpExchange>(std::move(request),
+        [weak = weak_from_this(), self, done = std::move(done)](HttpReply reply) {
+            if (const auto session = weak.lock())
+                session->finished(*self, reply);
+            done(std::move(reply));
+        });
+    *self = exchange.get();
+    setDeadline(*self, exchange->startedAt() + exchange->request().timeoutMs * usPerMs);
+    exchange->watchCaller();
+    if (!isUrl)
+        exchange->stop(
+            HttpOutcome::Unreachable, "\"" + exchange->request().url + "\" is not a URL.");
+    m_waiting[exchange->request().caller.name].push_back(exchange);
+    sendWaiting();
+}
+
+void HttpSession::finished(HttpExchange *exchange, const HttpReply &reply)
+{
+    if (reply.outcome == HttpOutcome::Answered)
+        m_lastAnswer = g_get_monotonic_time();
+    const auto known = m_exchanges.find(exchange);
+    m_deadlines.erase({known->second, exchange});
+    m_exchanges.erase(known);
+}
+
+void HttpSession::abort()
+{
+    std::vector<ExchangePtr> all;
+    for (const auto &[exchange, due] : m_exchanges)
+        all.push_back(exchange->shared_from_this());
+    for (const ExchangePtr &exchange : all)
+        exchange->stop(HttpOutcome::Cancelled);
+    soup_session_abort(m_soup.get());
+}
+
+void HttpSession::sendWaiting()
+{
+    while (m_underWay < limits::requestsPerServer) {
+        const ExchangePtr next = takeNext();
+        if (!next)
+            return;
+        ++m_underWay;
+        next->send(m_soup.get(), std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
+            if (const auto self = weak.lock())
+                self->placeIsFree();
+        }));
+    }
+}
+
+/// The oldest request of the caller whose turn it is.
+HttpSession::ExchangePtr HttpSession::takeNext()
+{
+    while (!m_waiting.empty()) {
+        auto turn = m_waiting.upper_bound(m_lastServed);
+        if (turn == m_waiting.end())
+            turn = m_waiting.begin();
+        m_lastServed = turn->first;
+        auto &queue = turn->second;
+        while (!queue.empty() && queue.front()->isStopped())
+            queue.pop_front();
+        const ExchangePtr next = queue.empty() ? nullptr : std::move(queue.front());
+        if (next)
+            queue.pop_front();
+        if (queue.empty())
+            m_waiting.erase(turn);
+        if (next)
+            return next;
+    }
+    return nullptr;
+}
+
+void HttpSession::placeIsFree()
+{
+    --m_underWay;
+    sendWaiting();
+}
+
+void HttpSession::setDeadline(HttpExchange *exchange, int64_t due)
+{
+    const auto [known, isNew] = m_exchanges.try_emplace(exchange, due);
+    if (!isNew)
+        m_deadlines.erase({std::exchange(known->second, due), exchange});
+    m_deadlines.insert({due, exchange});
+    if (!m_deadlineTimer.isRunning() || due < m_timerDue)
+        startDeadlineTimer();
+}
+
+void HttpSession::startDeadlineTimer()
+{
+    m_timerDue = m_deadlines.begin()->first;
+    const int64_t ms = (m_timerDue - g_get_monotonic_time()) / usPerMs + 1;
+    m_deadlineTimer.start(static_cast<unsigned>(std::max<int64_t>(ms, 0)), [this] {
+        checkDeadlines();
+        if (!m_deadlines.empty())
+            startDeadlineTimer();
+    });
+}
+
+void HttpSession::checkDeadlines()
+{
+    const int64_t now = g_get_monotonic_time();
+    while (!m_deadlines.empty() && m_deadlines.begin()->first <= now) {
+        HttpExchange *const exchange = m_deadlines.begin()->second;
+        const int64_t rest = patience(*exchange);
+        if (rest <= 0)
+            exchange->stop(HttpOutcome::TimedOut);
+        // Looked at again where it doesn't end soon.
+        setDeadline(exchange, now + std::max(rest, 100 * usPerMs));
+    }
+}
+
+/// A server that answers others is busy, not hanging: what waits its turn gets more time.
+int64_t HttpSession::patience(const HttpExchange &exchange) const
+{
+    const int64_t limit = exchange.request().timeoutMs * usPerMs;
+    const int64_t now = g_get_monotonic_time();
+    const int64_t silent = now - std::max(exchange.startedAt(), m_lastAnswer);
+    const int64_t total = now - exchange.startedAt();
+    return std::min(limit - silent, limit * 5 / 3 - total);
+}
+
+} // namespace bridge

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "core/Timer.h"
+#include "upnp/HttpExchange.h"
+
+#include <deque>
+#include <map>
+#include <set>
+
+namespace bridge {
+
+/// All requests to one server. It has connections of its own, so that a server which hangs can't
+/// use up another's; they are kept for a few seconds. A few requests are under way at once. The
+/// rest wait here, and callers take turns, so that nobody waits for another's thousand calls;
+/// requests whose caller left are dropped. Redirects aren't followed, answers aren't unpacked.
+/// Main thread only.
+class HttpSession : public std::enable_shared_from_this<HttpSession>
+{
+public:
+    static std::shared_ptr<HttpSession> create();
+
+    /// `done` is called once, from the main loop, never from inside this call. The time-out counts
+    /// from the server's last answer to any request of this session, and is at most 5/3 of
+    /// `timeoutMs` in all.
+    void send(HttpRequest request, HttpCallback done);
+    /// A GET of the bridge's own.
+    void get(const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done);
+    /// Cancels everything.
+    void abort();
+
+private:
+    using ExchangePtr = std::shared_ptr<HttpExchange>;
+    /// When an exchange is looked at for its time-out, in microseconds of the monotonic clock.
+    using Deadline = std::pair<int64_t, HttpExchange *>;
+
+    HttpSession();
+    void sendWaiting();
+    ExchangePtr takeNext();
+    void placeIsFree();
+    void setDeadline(HttpExchange *exchange, int64_t due);
+    void startDeadlineTimer();
+    void checkDeadlines();
+    int64_t patience(const HttpExchange &exchange) const;
+    void finished(HttpExchange *exchange, const HttpReply &reply);
+
+    Ref<SoupSession> m_soup;
+    /// By the caller's name; who was served last, so that the next in the list comes next.
+    std::map<std::string, std::deque<ExchangePtr>> m_waiting;
+    std::string m_lastServed;
+    unsigned m_underWay = 0;
+    int64_t m_lastAnswer = 0;
+    /// Everything that has not ended.
+    std::map<HttpExchange *, int64_t> m_exchanges;
+    /// One timer for all of them: the main loop looks at every timer in every turn.
+    std::set<Deadline> m_deadlines;
+    Timer m_deadlineTimer;
+    int64_t m_timerDue = 0;
+};
+
+} // namespace bridge
