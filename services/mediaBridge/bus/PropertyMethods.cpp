@@ -205,9 +205,12 @@ void MediaService::getChildCount(
         read();
         return;
     }
-    listing->whenTotalIsKnown([call, read](std::optional<uint32_t> total) {
+    listing->whenTotalIsKnown([call, read, weak = std::weak_ptr(listing)](auto total) {
+        const auto ended = weak.lock();
         if (total)
             replyValue(*call, "ChildCount", *total);
+        else if (ended && ended->silence())
+            call->fail(*ended->silence());
         else
             read();
     });

@@ -111,6 +111,8 @@ void Listing::requestPage()
 void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
 {
     if (reply.isError()) {
+        if (reply.outcome == HttpOutcome::TimedOut)
+            m_silence = reply.failure;
         if (isEndOfUnknown(reply))
             m_isAtEnd = true;
         else if (reply.outcome == HttpOutcome::TimedOut && remainingMs() == 0)

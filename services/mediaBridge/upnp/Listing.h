@@ -61,6 +61,8 @@ public:
     /// Calls back with the server's total, once, as soon as the first rows are there; with nothing
     /// where that never comes to be known.
     void whenTotalIsKnown(TotalCallback callback);
+    /// The failure that it ended with, where the server was silent: asking again would wait again.
+    const std::optional<Failure> &silence() const { return m_silence; }
 
 private:
     /// Answer of the server that still has to be read.
@@ -102,6 +104,7 @@ private:
     RowSink m_sink;
     Done m_done;
     std::vector<TotalCallback> m_totalCallbacks;
+    std::optional<Failure> m_silence;
     std::chrono::steady_clock::time_point m_deadline;
 
     uint32_t m_position = 0;
