@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QTextCodec>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -86,6 +87,8 @@ int run(Command &command, const GlobalOptions &options)
         std::_Exit(report(failure, options.json));
     } catch (const Failure &failure) {
         return report(failure, options.json);
+    } catch (const ReaderGone &) {
+        return Answered;
     } catch (const InterruptedBySignal &interrupt) {
         return interrupt.exitStatus();
     }
@@ -113,6 +116,7 @@ std::vector<std::string> argumentsOf(int argc, char **argv)
 int runProgram(int argc, char **argv)
 {
     occupyStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen where something is written
     int applicationArgc = 1; // all others are the parser's
     const QCoreApplication application(applicationArgc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orka"));
@@ -149,6 +153,8 @@ int main(int argc, char **argv)
         return runProgram(argc, argv);
     } catch (const Failure &failure) {
         return report(failure, false);
+    } catch (const ReaderGone &) {
+        return Answered;
     } catch (const std::exception &error) { // no memory left, say
         std::fprintf(stderr, "orka: The program can't go on: %s.\n", error.what());
         return AnsweredWithError;

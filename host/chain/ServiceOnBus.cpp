@@ -40,6 +40,7 @@ bool openInTime(const QString &bus, std::chrono::milliseconds limit)
 ServiceOnBus::ServiceOnBus(const GlobalOptions &options)
     : m_options(options)
 {
+    m_clock.start();
     openBus();
     const bool wantsOurs = m_options.mediaService == MediaServiceSource::Bridge;
     if (wantsOurs || !useServiceOnBus())
@@ -59,7 +60,7 @@ ServiceOnBus::~ServiceOnBus()
 void ServiceOnBus::openBus()
 {
     m_busDescription = describeBus(m_options.bus);
-    if (openInTime(m_options.bus, m_options.timeout))
+    if (openInTime(m_options.bus, remaining()))
         return;
     const QString why = orkaDBusConnection().lastError().message();
     const bool mayMakeOne = m_options.bus == QLatin1String("session")
@@ -77,7 +78,7 @@ void ServiceOnBus::openPrivateBus()
 {
     m_busDaemon = std::make_unique<BusDaemon>();
     m_busDescription = QStringLiteral("a private bus of ours");
-    if (!openInTime(m_busDaemon->address(), m_options.timeout)) {
+    if (!openInTime(m_busDaemon->address(), remaining())) {
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The private bus at %1 was started but can't be reached: %2. Name a bus "
                            "with --bus ADDRESS.")
@@ -90,7 +91,7 @@ bool ServiceOnBus::useServiceOnBus()
 {
     if (m_busDaemon)
         return false;
-    const Bus bus(orkaDBusConnection(), m_options.timeout);
+    const Bus bus(orkaDBusConnection(), remaining());
     if (!bus.owner(busName()).isEmpty())
         return true;
     QString why = QStringLiteral("nothing on it owns or can be started as %1").arg(busName());
@@ -115,7 +116,7 @@ bool ServiceOnBus::useServiceOnBus()
 
 void ServiceOnBus::startBridge()
 {
-    const Bus bus(orkaDBusConnection(), m_options.timeout);
+    const Bus bus(orkaDBusConnection(), remaining());
     if (!m_busDaemon && !bus.owner(busName()).isEmpty())
         takenName(); // a bridge was asked for, and somebody else has the name
     const QString program = m_options.bridge.isEmpty() ? Installation::bridge() : m_options.bridge;
@@ -159,7 +160,9 @@ void ServiceOnBus::waitForBridge()
 {
     QDBusServiceWatcher arrival(
         busName(), orkaDBusConnection(), QDBusServiceWatcher::WatchForRegistration);
-    Wait wait(startLimit, QStringLiteral("Starting the media service"));
+    const std::chrono::milliseconds limit =
+        std::min<std::chrono::milliseconds>(startLimit, remaining());
+    Wait wait(limit, QStringLiteral("Starting the media service"));
     connect(&arrival, &QDBusServiceWatcher::serviceRegistered, &wait, &Wait::wake);
     connect(m_bridge.get(), &QProcess::stateChanged, &wait, &Wait::wake);
     m_bridge->start();
@@ -175,7 +178,7 @@ void ServiceOnBus::waitForBridge()
     if (!owned()) {
         throw bridgeFailed(inTime
                 ? QStringLiteral("it ended with status %1").arg(m_bridge->exitCode())
-                : QStringLiteral("it took longer than 10 seconds"));
+                : QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000));
     }
 }
 
@@ -216,6 +219,14 @@ void ServiceOnBus::meet(const QString &owner)
         std::make_unique<ServiceServers>(bus.ageOf(owner), isBridge ? bridgeSearch : otherSearch);
 }
 
+/// Of the time that a start may take in all.
+std::chrono::milliseconds ServiceOnBus::remaining() const
+{
+    const std::chrono::milliseconds left =
+        m_options.timeout - std::chrono::milliseconds(m_clock.elapsed());
+    return std::max(left, std::chrono::milliseconds(0));
+}
+
 void ServiceOnBus::leave()
 {
     m_there = false;
@@ -224,13 +235,23 @@ void ServiceOnBus::leave()
 
 bool ServiceOnBus::returns()
 {
+    m_clock.start();
+    if (!orkaDBusConnection().isConnected()) {
+        throw missing(QStringLiteral("noBus"),
+            QStringLiteral("The connection to %1 has ended, so no media service can come back. "
+                           "Run the command again when the bus is there.")
+                .arg(m_busDescription));
+    }
     const Bus bus(orkaDBusConnection(), m_options.timeout);
-    QString owner = bus.owner(busName());
-    if (owner.isEmpty() && m_bridge)
-        waitForBridge();
-    else if (owner.isEmpty() && bus.canActivate(busName()))
-        bus.activate(busName());
-    owner = bus.owner(busName());
+    try {
+        if (bus.owner(busName()).isEmpty() && m_bridge)
+            waitForBridge();
+        else if (bus.owner(busName()).isEmpty() && bus.canActivate(busName()))
+            bus.activate(busName());
+    } catch (const Failure &) {
+        return false; // there will be another try
+    }
+    const QString owner = bus.owner(busName());
     if (!owner.isEmpty())
         meet(owner);
     return m_there;

@@ -61,11 +61,13 @@ private:
     QStringList bridgeArguments() const;
     void waitForBridge();
     Failure bridgeFailed(const QString &why);
+    std::chrono::milliseconds remaining() const;
     void watch();
     void meet(const QString &owner);
     void leave();
 
     const GlobalOptions m_options;
+    QElapsedTimer m_clock;
     QString m_busDescription;
     std::unique_ptr<BusDaemon> m_busDaemon;
     std::unique_ptr<ChildProcess> m_bridge;

@@ -101,11 +101,16 @@ void checkServers(Findings &findings, Session &session)
 {
     ServerList servers(session);
     servers.settle();
-    if (servers.servers().isEmpty()) {
+    if (servers.servers().isEmpty() && servers.isWhole()) {
         findings.add(Findings::Warning, "media servers",
             QStringLiteral("none has shown up in %1 s. Start one on this network; a firewall may "
                            "keep UDP port 1900 closed.")
                 .arg(double(session.options().wait.count()) / 1000));
+    }
+    for (const QString &server : servers.missing()) {
+        findings.add(Findings::Warning, "media server",
+            QStringLiteral("the media service lists %1, but does not tell all about it.")
+                .arg(safeText(server)));
     }
     for (const OrkaRoles &server : ServerList::Servers(servers.servers())) {
         const QStringList kinds = searchKinds(session, server.path());

@@ -13,17 +13,21 @@
 
 namespace {
 
-Failure notSearchable(const CMPath &path, const QString &kind, const QStringList &kinds)
+Failure notSearchable(const QString &server, const QString &kind, const QStringList &kinds)
 {
-    const QString where = safeText(path.withoutParams().toEncoded());
     return Failure(AnsweredWithError, QStringLiteral("notSearchable"),
         kinds.isEmpty()
-            ? QStringLiteral("The media server of %1 can't search. Browse it with \"orka ls\", or "
-                             "take everything below a folder with \"orka queue\", which walks "
-                             "through it.")
-                  .arg(where)
-            : QStringLiteral("The media server of %1 can't search by %2, only by %3. Use --%4.")
-                  .arg(where, kind, kinds.join(QStringLiteral(" and by ")), kinds.first()));
+            ? QStringLiteral("%1 can't search. Browse it with \"orka ls\", or take everything "
+                             "below a folder with \"orka queue\", which walks through it.")
+                  .arg(server)
+            : QStringLiteral("%1 can't search by %2, only by %3. Use --%4.")
+                  .arg(server, kind, kinds.join(QStringLiteral(" and by ")), kinds.first()));
+}
+
+QString withArticle(const QString &kind)
+{
+    return (kind.startsWith(QLatin1Char('a')) ? QStringLiteral("an ") : QStringLiteral("a "))
+        + kind;
 }
 
 class Search : public Command
@@ -58,10 +62,16 @@ public:
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
-        const CMPath results =
-            enterText(session, PlaceResolver(session).resolve(place, PlaceResolver::Folder));
+        const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
+        const CMPath results = enterText(session, folder);
         const Rows rows = readRows(session, results, range, OrkaRoles::all());
-        writeAnswer(options, results, rows, range.first);
+        if (rows.rows.isEmpty() && rows.rowsCount == 0 && range.first == 0 && !options.json) {
+            writeLine(
+                QStringLiteral("Nothing in %1 has %2 with %3 in it.")
+                    .arg(session.nameOf(folder), withArticle(m_kinds.first()), quoted(m_text)));
+        } else {
+            writeAnswer(options, results, rows, range.first);
+        }
         return Answered;
     }
 
@@ -70,10 +80,15 @@ private:
     /// are.
     CMPath enterText(Session &session, const CMPath &place) const
     {
+        if (place.base().isEmpty()) {
+            throw Failure(AnsweredWithError, QStringLiteral("notSearchable"),
+                QStringLiteral("The list of media servers can't be searched. Name one of them; "
+                               "\"orka servers\" lists them."));
+        }
         const QString kind = m_kinds.first();
         const QStringList kinds = searchKinds(session, place);
         if (!kinds.contains(kind))
-            throw notSearchable(place, kind, kinds);
+            throw notSearchable(session.serverNameOf(place), kind, kinds);
         OrkaValue text;
         text.setString_(m_text);
         CMPath entry = place.withoutParams();

@@ -70,7 +70,8 @@ private:
         } else {
             writeLine(QStringLiteral("%1  %2  %3")
                           .arg(QTime::currentTime().toString(), QString::fromLatin1(event),
-                              safeText(server.title().toString())));
+                              safeText(server.title().toString()))
+                          .trimmed());
         }
     }
 
@@ -156,8 +157,7 @@ private:
                 writeLine(QString()); // ends us now, as the next event would
             ServiceOnBus &service = session.mediaService();
             if (arrivals.isServiceThere() && service.isThere()) {
-                arrivals.tellChanges(servers.servers());
-                servers.mend();
+                look(arrivals, session, servers);
             } else if (arrivals.isServiceThere()) {
                 arrivals.tellServiceLeft();
             } else if (service.returns()) {
@@ -166,6 +166,17 @@ private:
                 servers.startAgain();
             }
             waitForChange(session, servers, reader);
+        }
+    }
+
+    static void look(Arrivals &arrivals, Session &session, ServerList &servers)
+    {
+        try {
+            arrivals.tellChanges(servers.servers());
+            servers.mend();
+        } catch (const Failure &) {
+            if (session.mediaService().isThere())
+                throw; // else it left meanwhile, which is told in the next turn
         }
     }
 

@@ -8,6 +8,7 @@
 
 #include <log4cplus/appender.h>
 #include <log4cplus/configurator.h>
+#include <log4cplus/consoleappender.h>
 #include <log4cplus/initializer.h>
 #include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
@@ -15,29 +16,45 @@
 #include <log4cplus/nullappender.h>
 #include <log4cplus/spi/loggingevent.h>
 
-#include <cstdio>
-
 namespace {
 
-/// Lines on standard error in which titles from media servers can't move the cursor or begin a
-/// line of their own.
-class SafeStderrAppender : public log4cplus::Appender
+/// Hands events on to another appender with messages in which titles from media servers can't move
+/// a terminal's cursor or begin a line of their own.
+class SafeAppender : public log4cplus::Appender
 {
 public:
-    SafeStderrAppender()
+    explicit SafeAppender(const log4cplus::SharedAppenderPtr &target)
+        : m_target(target)
     {
-        setLayout(std::make_unique<log4cplus::PatternLayout>("%D{%H:%M:%S.%q} %-5p %c: %m"));
     }
-    ~SafeStderrAppender() override { destructorImpl(); }
-    void close() override { closed = true; }
+    ~SafeAppender() override { destructorImpl(); }
+    void close() override
+    {
+        m_target->close();
+        closed = true;
+    }
 
 protected:
     void append(const log4cplus::spi::InternalLoggingEvent &event) override
     {
-        const QString line = safeText(QString::fromStdString(formatEvent(event)));
-        std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stderr);
+        const QString message = safeText(QString::fromStdString(event.getMessage()));
+        m_target->doAppend({event.getLoggerName(), event.getLogLevel(), event.getNDC(),
+            event.getMDCCopy(), message.toStdString(), event.getThread(), event.getThread2(),
+            event.getTimestamp(), event.getFile(), event.getLine(), event.getFunction()});
     }
+
+private:
+    log4cplus::SharedAppenderPtr m_target;
 };
+
+void makeSafe(log4cplus::Logger logger)
+{
+    const log4cplus::SharedAppenderPtrList appenders = logger.getAllAppenders();
+    for (const log4cplus::SharedAppenderPtr &appender : appenders) {
+        logger.removeAppender(appender);
+        logger.addAppender(log4cplus::SharedAppenderPtr(new SafeAppender(appender)));
+    }
+}
 
 log4cplus::LogLevel levelOf(QtMsgType type)
 {
@@ -68,6 +85,10 @@ void readConfiguration(const QString &file)
                              .arg(quoted(file)));
     }
     log4cplus::PropertyConfigurator::doConfigure(file.toStdString());
+    makeSafe(log4cplus::Logger::getRoot());
+    const log4cplus::LoggerList loggers = log4cplus::Logger::getCurrentLoggers();
+    for (const log4cplus::Logger &logger : loggers)
+        makeSafe(logger);
 }
 
 void logByVerbosity(int verbosity)
@@ -78,7 +99,10 @@ void logByVerbosity(int verbosity)
         root.setLogLevel(log4cplus::OFF_LOG_LEVEL);
         return;
     }
-    root.addAppender(log4cplus::SharedAppenderPtr(new SafeStderrAppender));
+    const log4cplus::SharedAppenderPtr lines(new log4cplus::ConsoleAppender(true, true));
+    lines->setLayout(std::make_unique<log4cplus::PatternLayout>("%D{%H:%M:%S.%q} %-5p %c: %m%n"));
+    root.addAppender(lines);
+    makeSafe(root);
     root.setLogLevel(verbosity == 1 ? log4cplus::INFO_LOG_LEVEL
             : verbosity == 2        ? log4cplus::DEBUG_LOG_LEVEL
                                     : log4cplus::TRACE_LOG_LEVEL);

@@ -13,13 +13,13 @@
 
 namespace {
 
-/// JSON allows DEL and the C1 controls as they are; a terminal would obey them.
+/// JSON allows most of what terminals obey as it is.
 QString withoutRawControls(const QString &json)
 {
     QString safe;
     safe.reserve(json.size());
     for (const QChar c : json) {
-        if (c.unicode() >= 0x7f && c.unicode() <= 0x9f) {
+        if (obeyedByTerminals(c.unicode())) {
             safe += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         } else {
             safe += c;
@@ -40,6 +40,8 @@ void writeText(const QByteArray &bytes)
     const bool written =
         std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
         && std::fflush(stdout) == 0;
+    if (!written && errno == EPIPE)
+        throw ReaderGone();
     if (!written) {
         throw Failure(AnsweredWithError, QStringLiteral("output"),
             QStringLiteral("The answer could not be written to standard output: %1.")

@@ -4,8 +4,13 @@
 
 class OrkaHash;
 
+/// Thrown where nobody reads standard output any more, as behind "| head": the reader has what it
+/// wanted.
+struct ReaderGone
+{};
+
 /// Writes `line` and a newline to standard output, as UTF-8, at once. Throws Failure when that
-/// can't be done (the disk is full, the reader is gone).
+/// can't be done (the disk is full), ReaderGone where the reader is.
 void writeLine(const QString &line);
 
 /// The bytes as they are, the same way.

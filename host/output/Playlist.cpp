@@ -7,12 +7,12 @@
 
 namespace {
 
-/// A line of a playlist holds no line break and no other control character.
+/// A line of a playlist holds no line break and nothing else that a terminal would obey.
 QString onOneLine(const QString &text)
 {
     QString line = text;
     for (QChar &c : line) {
-        if (c.category() == QChar::Other_Control)
+        if (obeyedByTerminals(c.unicode()))
             c = QLatin1Char(' ');
     }
     return line;

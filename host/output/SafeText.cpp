@@ -6,31 +6,38 @@
 
 namespace {
 
+/// More of one text than people read; a server may send megabytes.
+constexpr int longestText = 4000;
+
 bool turnsDirection(uint c)
 {
-    return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069);
+    return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069) || c == 0x200e
+        || c == 0x200f || c == 0x61c;
 }
 
 /// What is shown in the place of `c`; `c` itself where it is harmless.
 uint shownAs(uint c)
 {
+    if (!obeyedByTerminals(c))
+        return c;
     if (c < 0x20)
         return 0x2400 + c; // the picture of the control character
-    if (c == 0x7f)
-        return 0x2421;
-    const bool lineSeparator = c == 0x2028 || c == 0x2029;
-    const bool control = c >= 0x80 && c <= 0x9f;
-    return control || lineSeparator || turnsDirection(c) ? 0xfffd : c;
+    return c == 0x7f ? 0x2421 : 0xfffd;
 }
 
 } // namespace
 
+bool obeyedByTerminals(uint c)
+{
+    return c < 0x20 || (c >= 0x7f && c <= 0x9f) || c == 0x2028 || c == 0x2029 || turnsDirection(c);
+}
+
 QString safeText(const QString &text)
 {
     QString safe;
-    safe.reserve(text.size());
+    safe.reserve(qMin(text.size(), longestText));
     // toUcs4() gives U+FFFD for half a pair.
-    const QVector<uint> characters = text.toUcs4();
+    const QVector<uint> characters = shortened(text, longestText).toUcs4();
     for (const uint c : characters) {
         const uint shown = shownAs(c);
         safe += QString::fromUcs4(&shown, 1);
@@ -40,7 +47,15 @@ QString safeText(const QString &text)
 
 QString quoted(const QString &text)
 {
-    return QLatin1Char('"') + safeText(text) + QLatin1Char('"');
+    return QLatin1Char('"') + shortened(safeText(text), 200) + QLatin1Char('"');
+}
+
+QString shortened(const QString &text, int most)
+{
+    if (text.size() <= most)
+        return text;
+    const int end = text.at(most - 2).isHighSurrogate() ? most - 2 : most - 1;
+    return text.left(end) + QChar(0x2026);
 }
 
 int displayWidth(const QString &text)

@@ -8,6 +8,7 @@
 namespace {
 
 constexpr int widestColumn = 40;
+constexpr int longestCell = 300;
 
 QString kindName(int type)
 {
@@ -120,7 +121,7 @@ void Table::add(const QStringList &cells)
 {
     QStringList line;
     for (const QString &cell : cells)
-        line.append(safeText(cell));
+        line.append(shortened(safeText(cell), longestCell));
     m_lines.append(line);
 }
 

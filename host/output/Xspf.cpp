@@ -1,4 +1,5 @@
 #include "output/Playlist.h"
+#include "output/SafeText.h"
 
 #include <QBuffer>
 #include <QXmlStreamWriter>
@@ -17,15 +18,21 @@ QString withoutForbidden(const QString &text)
     return QString::fromUcs4(characters.constData(), characters.size());
 }
 
-/// A carriage return is written as a reference, since a reader turns a bare one into a newline.
+/// What a terminal obeys is written as a reference; so is a carriage return, since a reader turns a
+/// bare one into a newline.
 void writeCharacters(QXmlStreamWriter &xml, const QString &text)
 {
-    const QStringList pieces = withoutForbidden(text).split(QLatin1Char('\r'));
-    xml.writeCharacters(pieces.first());
-    for (const QString &piece : pieces.mid(1)) {
-        xml.writeEntityReference(QStringLiteral("#13"));
-        xml.writeCharacters(piece);
+    const QString whole = withoutForbidden(text);
+    int start = 0;
+    for (int i = 0; i < whole.size(); ++i) {
+        const ushort c = whole.at(i).unicode();
+        if (!obeyedByTerminals(c) || c == '\n' || c == '\t')
+            continue;
+        xml.writeCharacters(whole.mid(start, i - start));
+        xml.writeEntityReference(QStringLiteral("#%1").arg(c));
+        start = i + 1;
     }
+    xml.writeCharacters(whole.mid(start));
 }
 
 /// An element, left out where there is nothing to say.

@@ -1,16 +1,25 @@
 #include "tree/PlaceResolver.h"
 
 #include "Failure.h"
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "output/SafeText.h"
 #include "tree/NearestTitles.h"
 #include "tree/RowsReader.h"
+
+#include <QRegularExpression>
+#include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
 using Nodes = QVector<OrkaRoles>;
 
 constexpr std::chrono::milliseconds nextServer(20);
+constexpr std::chrono::milliseconds questionLimit(1000);
+constexpr int mostNamed = 5;
+constexpr int longestModel = 60;
 
 QString titleOf(const OrkaRoles &node)
 {
@@ -44,15 +53,61 @@ Failure noSuchPlace(const QString &sentence)
     return missing(QStringLiteral("noSuchPlace"), sentence);
 }
 
-Failure ambiguous(const QString &title, const Nodes &nodes)
+Failure ambiguous(const QString &title, const QStringList &lines)
 {
-    QStringList paths;
-    for (const OrkaRoles &node : nodes.mid(0, 5))
-        paths.append(safeText(node.path().toEncoded()));
     return noSuchPlace(
-        QStringLiteral("The title %1 is there %2 times. Name the one you mean by "
-                       "its path:\n  %3")
-            .arg(quoted(title), QString::number(nodes.size()), paths.join(QStringLiteral("\n  "))));
+        QStringLiteral("The title %1 is there %2 times. Name the one you mean:\n  %3")
+            .arg(quoted(title), QString::number(lines.size()),
+                lines.mid(0, mostNamed).join(QStringLiteral("\n  "))));
+}
+
+/// What tells media servers of one name apart; empty where the media service doesn't say.
+struct Device
+{
+    QString host;
+    int port = -1;
+    QString model;
+};
+
+Device deviceOf(Session &session, const OrkaRoles &server)
+{
+    const ServiceCalls service(questionLimit);
+    const QString object =
+        service.objectOf(server.path().base(), session.mediaService().servers().paths());
+    if (object.isEmpty())
+        return {};
+    const QUrl url(valueOf(service.property(object, QStringLiteral("Location"))).toString());
+    return {url.host(), url.port(),
+        valueOf(service.property(object, QStringLiteral("ModelName"))).toString()};
+}
+
+QString withPort(const Device &device)
+{
+    return QStringLiteral("%1:%2").arg(device.host, QString::number(device.port));
+}
+
+/// Each as a place to write, its model and its path.
+QStringList apart(Session &session, const Nodes &servers)
+{
+    QVector<Device> devices;
+    for (const OrkaRoles &server : servers)
+        devices.append(deviceOf(session, server));
+    QStringList lines;
+    for (int i = 0; i < servers.size(); ++i) {
+        const Device &device = devices.at(i);
+        const auto neighbours = std::count_if(devices.begin(), devices.end(),
+            [&](const Device &other) { return other.host == device.host; });
+        QStringList parts;
+        if (!device.host.isEmpty()) {
+            parts << quoted(QStringLiteral("%1 (%2)").arg(titleInPlace(titleOf(servers.at(i))),
+                neighbours == 1 ? device.host : withPort(device)));
+        }
+        if (!device.model.isEmpty())
+            parts << shortened(safeText(device.model), longestModel);
+        parts << safeText(servers.at(i).path().toEncoded());
+        lines << parts.join(QStringLiteral(", "));
+    }
+    return lines;
 }
 
 QString seconds(std::chrono::milliseconds time)
@@ -91,21 +146,38 @@ CMPath PlaceResolver::resolvePath(const Place &place)
 {
     if (!m_servers.waitForServersOf({place.path})) {
         throw noSuchPlace(
-            QStringLiteral("The media server of %1 hasn't shown up in %2. \"orka servers\" lists "
-                           "those that are there; --wait gives a slow one more time.")
-                .arg(quoted(place.text), seconds(m_session.options().wait)));
+            QStringLiteral("The media server of %1 hasn't shown up. \"orka servers\" lists those "
+                           "that are there; --wait SECONDS waits for one that is starting.")
+                .arg(quoted(place.text)));
     }
+    if (place.path.base() != ServerList::serverBase(place.path))
+        m_session.setName(place.path, place.text);
     return place.path;
+}
+
+QVector<OrkaRoles> PlaceResolver::serversCalled(const QString &text)
+{
+    static const QRegularExpression withHost(QStringLiteral("^(.*) \\(([^()]+)\\)$"));
+    Nodes found = withTitle(m_servers.servers(), text);
+    const QRegularExpressionMatch parts = withHost.match(text);
+    if (!found.isEmpty() || !parts.hasMatch())
+        return found;
+    for (const OrkaRoles &server : withTitle(m_servers.servers(), parts.captured(1))) {
+        const Device device = deviceOf(m_session, server);
+        if (parts.captured(2) == device.host || parts.captured(2) == withPort(device))
+            found.append(server);
+    }
+    return found;
 }
 
 CMPath PlaceResolver::findServer(const QString &title)
 {
-    m_servers.waitFor([&](const Nodes &servers) { return !withTitle(servers, title).isEmpty(); });
+    m_servers.waitFor([&](const Nodes &) { return !serversCalled(title).isEmpty(); });
     // Servers show up one after another: a second one of this name may be next.
     m_servers.standStill(nextServer);
-    const Nodes found = withTitle(m_servers.servers(), title);
+    const Nodes found = serversCalled(title);
     if (found.size() > 1)
-        throw ambiguous(title, found);
+        throw ambiguous(title, apart(m_session, found));
     if (!found.isEmpty())
         return found.first().path();
     if (m_servers.servers().isEmpty()) {
@@ -138,7 +210,11 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
                 .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
                     quoted(title), m_session.nameOf(parent), nearest.question()));
     }
-    if (found.size() > 1)
-        throw ambiguous(title, found);
+    if (found.size() > 1) {
+        QStringList paths;
+        for (const OrkaRoles &node : found)
+            paths.append(safeText(node.path().toEncoded()));
+        throw ambiguous(title, paths);
+    }
     return found.first().path();
 }

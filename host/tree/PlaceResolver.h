@@ -8,7 +8,7 @@ class Session;
 /// Finds the nodes that places name. Waits for their media servers first, --wait at most.
 ///
 /// Throws Failure (missing) for a server or title that isn't there, with the nearest titles, and
-/// for one that isn't the only one, with the paths of those that there are.
+/// for one that isn't the only one, with what tells those that there are apart.
 class PlaceResolver
 {
 public:
@@ -22,6 +22,8 @@ public:
 
 private:
     CMPath resolvePath(const Place &place);
+    /// By title, or "title (host)".
+    QVector<OrkaRoles> serversCalled(const QString &text);
     CMPath findServer(const QString &title);
     CMPath findChild(const CMPath &parent, const QString &title, Kind wanted);
 

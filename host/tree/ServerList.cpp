@@ -18,7 +18,7 @@ using Milliseconds = std::chrono::milliseconds;
 constexpr Milliseconds stillFor(1000);
 /// A worker that has been told of a server reads its properties for so long.
 constexpr Milliseconds readingTime(150);
-constexpr Milliseconds questionLimit(1000);
+constexpr Milliseconds questionLimit(300);
 constexpr int lookEvery = 50; // milliseconds
 /// A server that no worker ever lists isn't worth more.
 constexpr int mostWorkers = 3;
@@ -34,12 +34,11 @@ bool hasServer(const ServerList::Servers &servers, const QString &base)
 ServerList::ServerList(Session &session)
     : m_session(session)
 {
-    m_clock.start();
-    m_sinceChange.start();
     connect(CMRoot(), &CMRootWorker::rowsChanged, this, [this](const CMPath &path) {
         if (path == m_session.root())
             noteChange();
     });
+    startAgain();
 }
 
 void ServerList::noteChange()
@@ -55,6 +54,8 @@ void ServerList::startAgain()
     m_mended = 0;
     m_udns.clear();
     m_unreadable.clear();
+    connect(&m_session.mediaService().servers(), &ServiceServers::changed, this,
+        [this] { m_sinceChange.start(); });
     noteChange();
 }
 
@@ -168,8 +169,10 @@ void ServerList::mend()
 /// Whether the media service has told all that a worker asks of a server before it lists it.
 bool ServerList::isReadable(const QString &server)
 {
-    const ServiceCalls service(std::min(questionLimit, remaining()));
+    const ServiceCalls service(questionLimit);
     const ServiceAnswer udn = service.property(server, QStringLiteral("UDN"));
+    if (!udn.came)
+        return false;
     const ServiceAnswer name = service.property(server, QStringLiteral("FriendlyName"));
     // A worker does without these, but waits for them.
     const bool hasCaps = service.property(server, QStringLiteral("SearchCaps")).came;

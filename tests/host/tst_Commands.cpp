@@ -111,7 +111,7 @@ void tst_Commands::exitStatuses_data()
     row({"search", "Shelf", "--artist", "a", "--title", "b"}, 2, "--artist");
     row({"set", "upnp:/shelf", "{"}, 2, "JSON");
     row({"queue", "Shelf", "--json", "--format", "xspf"}, 2, "contradict");
-    row({"search", "/", "--title", "x"}, 1, "can't search");
+    row({"search", "/", "--title", "x"}, 1, "can't be searched");
     row({"queue", "/"}, 1, "can't be played");
     row({"servers", "--log-config", "/nonexistent"}, 2, "/nonexistent");
     row({"--wait", "0.5", "ls", "Shelv"}, 3, "Did you mean \"Shelf\"");
@@ -169,6 +169,13 @@ void tst_Commands::unwritableOutputIsAnError()
         QCOMPARE(shell.exitCode(), 1);
         QVERIFY(shell.readAllStandardError().contains("could not be written"));
     }
+    const QString cut =
+        "set -o pipefail; \"%1\" --bus \"%2\" --plugin \"%3\" ls Shelf/Big | head -n 1";
+    QProcess shell;
+    shell.start("/bin/bash", {"-c", cut.arg(ORKA, m_bus->address(), TEST_WORKER)});
+    QVERIFY(shell.waitForFinished(20000));
+    QCOMPARE(shell.readAllStandardError(), QByteArray());
+    QCOMPARE(shell.exitCode(), 0);
 }
 
 void tst_Commands::serversThatArriveLateAreListed()

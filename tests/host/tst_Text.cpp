@@ -1,11 +1,11 @@
 #include "Failure.h"
 #include "output/JsonOutput.h"
-#include "tree/NearestTitles.h"
-#include "tree/Place.h"
 #include "output/Playlist.h"
-#include "tree/RowRange.h"
 #include "output/SafeText.h"
 #include "output/TextOutput.h"
+#include "tree/NearestTitles.h"
+#include "tree/Place.h"
+#include "tree/RowRange.h"
 
 #include <QXmlStreamReader>
 #include <QtTest>
@@ -143,7 +143,8 @@ void tst_Text::controlsAreShownNotObeyed()
     check(safeText,
         {{"Say \"Hi\" \\ & $ ü漢 🎵", "Say \"Hi\" \\ & $ ü漢 🎵"}, {"\x1b[31m", "\u241b[31m"},
             {"a\nb\r", "a\u240ab\u240d"}, {QChar(0), "\u2400"}, {"\x7f", "\u2421"},
-            {"\u009b2J", "\ufffd2J"}, {"a\u202eb", "a\ufffdb"}, {QChar(0xd83d), "\ufffd"}});
+            {"\u009b2J", "\ufffd2J"}, {"a\u202eb\u200e", "a\ufffdb\ufffd"},
+            {QChar(0xd83d), "\ufffd"}, {QString(300000, 'x'), QString(3999, 'x') + "…"}});
 }
 
 void tst_Text::widthsAreColumns()
@@ -194,9 +195,10 @@ void tst_Text::titlesStayInTheirFields()
     check(m3u8,
         {{signs, file(signs)}, {"a\nhttp://x/", file("a http://x/")}, {"a\rb", file("a b")},
             {nul, file("a b")}, {"\x1b[2J", file(" [2J")}});
+    QVERIFY(!toXspf({item("\u009b\u202e")}).contains("\u009b"));
     check(xspf,
-        {{signs, signs}, {"a\nhttp://x/", "a\nhttp://x/"}, {"a\rb", "a\rb"}, {nul, "a\ufffdb"},
-            {"\x1b[2J", "\ufffd[2J"}});
+        {{signs, signs}, {"\u009b\u202e", "\u009b\u202e"}, {"a\nhttp://x/", "a\nhttp://x/"},
+            {"a\rb", "a\rb"}, {nul, "a\ufffdb"}, {"\x1b[2J", "\ufffd[2J"}});
 }
 
 void tst_Text::playlistsCarryLengthAndUrl()

@@ -22,6 +22,7 @@ private slots:
     void noStartMissesAServer();
     void hungServiceIsSaid();
     void watchOutlivesTheService();
+    void namesakesAreToldApart();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -82,7 +83,7 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
         "There are no rows.\n");
     row(
         "nothing found", [=](auto &s) { s.fail({"SearchObjectsEx"}, noRows); },
-        "search Den --title x", 0, "There are no rows.\n");
+        "search Den --title x", 0, "Nothing in \"Den\" has a title with \"x\" in it.\n");
     row(
         "behind the last", [=](auto &s) { s.fail(listing, noRows); }, "ls Den/Mu,sic --rows 5-9", 0,
         "None of 1 rows is in this range.\n");
@@ -157,6 +158,25 @@ void tst_Truth::watchOutlivesTheService()
     m_service->comeBack();
     QVERIFY2(orka->waitForLines(5).contains("Attic"), orka->waitForLines(5));
     QCOMPARE(orka->process().state(), QProcess::Running);
+}
+
+void tst_Truth::namesakesAreToldApart()
+{
+    FakeTree &tree = m_service->tree;
+    const QString twin = tree.addServer("uuid:2", "Den");
+    tree.addContainer(twin, "v", "Videos");
+    tree.setProperty(FakeTree::serverPath("uuid:1"), "Location", "http://192.0.2.1:80/d.xml");
+    tree.setProperty(twin, "Location", "http://192.0.2.2:80/d.xml");
+    tree.setProperty(twin, "ModelName", "Box");
+    const auto both = run({"ls", "Den"});
+    QCOMPARE(both->status(), 3);
+    QVERIFY2(both->errors().contains("\"Den (192.0.2.2)\", Box, upnp:/uuid:2"), both->errors());
+    QVERIFY(run({"ls", "Den (192.0.2.2)"})->output().contains("Videos"));
+
+    QElapsedTimer clock; // nothing more can come
+    clock.start();
+    QCOMPARE(run({"ls", "Den (192.0.2.3)"})->status(), 3);
+    QVERIFY2(clock.elapsed() < 2500, QByteArray::number(clock.elapsed()));
 }
 
 QTEST_GUILESS_MAIN(tst_Truth)

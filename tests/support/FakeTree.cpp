@@ -29,7 +29,7 @@ QString interfaceOf(const QString &property)
         "Restricted", "ObjectUpdateID", "DLNAManaged"};
     static const QStringList ofContainer{"Searchable", "CreateClasses", "ContainerUpdateID"};
     static const QStringList ofDevice{
-        "FriendlyName", "UDN", "SearchCaps", "DeviceType", "Location"};
+        "FriendlyName", "UDN", "SearchCaps", "DeviceType", "Location", "ModelName"};
     if (ofObject.contains(property))
         return names::object;
     if (ofContainer.contains(property))
