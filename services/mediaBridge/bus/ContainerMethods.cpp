@@ -9,11 +9,18 @@ namespace bridge {
 
 namespace {
 
-/// What is left of the order that the last argument asks for, where there is one.
+/// The order that the last argument asks for, where there is one.
 Criteria sortOrder(Arguments &arguments, const MediaServer &server)
 {
-    return sortCriteria(arguments.hasMore() ? arguments.text() : std::string(),
-        server.sortCaps().value_or(std::vector<std::string>()));
+    return sortCriteria(arguments.hasMore() ? arguments.text() : std::string(), server.sortCaps());
+}
+
+/// `operation` is "Browse" or "Search".
+Failure failureOf(const Criteria &criteria, const std::string &operation)
+{
+    if (criteria.isBeyondServer)
+        return {errors::operationFailed, operation + " operation failed: " + criteria.problem};
+    return {errors::badQuery, "Query string is not valid. " + criteria.problem};
 }
 
 /// The wanted properties that the next argument names; nothing where there are too many names.
@@ -58,7 +65,7 @@ void MediaService::list(const BusCallPtr &call, const Target &target, ListKind k
     request.wanted = *wanted;
     const Criteria order = sortOrder(arguments, *target.server);
     if (!order.isValid()) {
-        call->fail({errors::badQuery, order.problem});
+        call->fail(failureOf(order, "Browse"));
         return;
     }
     request.sort = order.text;
@@ -82,7 +89,7 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     const Criteria order = sortOrder(arguments, *target.server);
     for (const Criteria &checked : {criteria, order}) {
         if (!checked.isValid()) {
-            call->fail({errors::badQuery, "Query string is not valid. " + checked.problem});
+            call->fail(failureOf(checked, "Search"));
             return;
         }
     }

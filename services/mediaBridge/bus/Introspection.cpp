@@ -38,22 +38,39 @@ std::string propertyXml(const char *name, const char *signature)
         + "\" access=\"read\"/>\n";
 }
 
-/// Media properties are declared for items and for containers that have them.
+/// What only a file has.
+bool isOfFiles(Prop prop)
+{
+    return prop == Prop::TrackNumber || (prop >= Prop::Duration && prop <= Prop::ColorDepth);
+}
+
+/// Media properties are declared for items, and for containers those that some have (albums with a
+/// cover, playable folders).
+bool isDeclared(const PropInfo &info, const std::string &interface)
+{
+    if (interface == interfaces::object)
+        return info.home == PropHome::Object;
+    if (interface == interfaces::container)
+        return info.home != PropHome::Object && !isOfFiles(info.prop);
+    return interface == interfaces::item && info.home == PropHome::Media;
+}
+
 std::string propertiesXml(const std::string &interface)
 {
     std::string xml;
     for (const PropInfo &info : properties()) {
-        const bool isMedia = info.home == PropHome::Media;
-        if ((info.home == PropHome::Object && interface == interfaces::object)
-            || (info.home != PropHome::Object && interface == interfaces::container)
-            || (isMedia && interface == interfaces::item))
+        if (isDeclared(info, interface))
             xml += propertyXml(info.name, info.signature);
     }
     if (interface == interfaces::device) {
         for (const DeviceProperty &property : deviceProperties())
             xml += propertyXml(property.name, property.signature);
     }
-    return xml;
+    // Else clients keep what they read once, and wait for word of a change for ever.
+    constexpr const char *annotation =
+        "  <annotation name=\"org.freedesktop.DBus.Property.EmitsChangedSignal\" "
+        "value=\"false\"/>\n";
+    return xml.empty() ? xml : annotation + xml;
 }
 
 std::string interfaceXml(const std::vector<MethodDeclaration> &methods, const char *interface)

@@ -24,13 +24,16 @@ bool isAboveCodecLimit(const std::string &mimeType, int64_t bitrate)
             || mimeType == "audio/ogg" || mimeType == "audio/x-ms-wma");
 }
 
-bool countsBits(const Resource &resource, int64_t bitrate)
+/// `given` in bits: as it stands, or where bytes fit the file better. Where neither is anywhere
+/// near the file, what was measured.
+int64_t heldAgainst(double measured, int64_t given)
 {
-    const auto measured = measuredBits(resource);
-    if (!measured)
-        return isAboveCodecLimit(resource.mimeType, bitrate);
-    const double given = static_cast<double>(bitrate);
-    return std::abs(std::log(given / *measured)) < std::abs(std::log(8.0 * given / *measured));
+    constexpr double farOff = 4.0;
+    const auto distance = [&](int64_t bits) {
+        return std::abs(std::log(static_cast<double>(bits) / measured));
+    };
+    const int64_t nearest = distance(given) < distance(given * 8) ? given : given * 8;
+    return distance(nearest) < std::log(farOff) ? nearest : std::llround(measured);
 }
 
 } // namespace
@@ -40,7 +43,9 @@ std::optional<int32_t> bitsPerSecond(const Resource &resource)
     if (!resource.rawBitrate || *resource.rawBitrate == 0)
         return std::nullopt;
     const int64_t given = *resource.rawBitrate;
-    const int64_t bits = countsBits(resource, given) ? given : given * 8;
+    const auto measured = measuredBits(resource);
+    const int64_t unmeasured = isAboveCodecLimit(resource.mimeType, given) ? given : given * 8;
+    const int64_t bits = measured ? heldAgainst(*measured, given) : unmeasured;
     if (bits > std::numeric_limits<int32_t>::max())
         return std::nullopt;
     return static_cast<int32_t>(bits);

@@ -129,7 +129,6 @@ bool readText(MediaObject &object, std::string_view name, pugi::xml_node element
         std::string MediaObject::*field;
     };
     static constexpr TextField fields[] = {
-        {"title", &MediaObject::title},
         {"class", &MediaObject::upnpClass},
         {"creator", &MediaObject::creator},
         {"album", &MediaObject::album},
@@ -151,7 +150,9 @@ void readChild(MediaObject &object, pugi::xml_node element)
     const std::string_view name = localName(element.name());
     if (readText(object, name, element))
         return;
-    if (name == "res" && object.resources.size() < limits::repeated)
+    if (name == "title" && object.title.empty())
+        object.title = boundedText(titleText(element));
+    else if (name == "res" && object.resources.size() < limits::repeated)
         object.resources.push_back(readResource(element));
     else if (name == "artist" && object.artists.size() < limits::repeated)
         object.artists.push_back(boundedText(elementText(element)));

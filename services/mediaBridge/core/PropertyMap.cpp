@@ -43,6 +43,21 @@ Value seconds(const Resource &resource)
     return static_cast<int32_t>(std::min(*resource.duration / 1000, limit));
 }
 
+/// A year or a month is its first day: half a date is none for most readers.
+Value date(const std::string &given)
+{
+    constexpr size_t year = 4, month = 7;
+    const bool isYear = given.size() == year;
+    const bool isMonth = given.size() == month && given[year] == '-';
+    std::string digits = given;
+    if (isMonth)
+        digits.erase(year, 1);
+    const bool isPlain = digits.find_first_not_of("0123456789") == std::string::npos;
+    if (!isPlain || (!isYear && !isMonth))
+        return text(given);
+    return given + (isYear ? "-01-01" : "-01");
+}
+
 Value urls(const Resource &resource, const ServerContext &server)
 {
     std::string url = absoluteUrl(resource.uri, server.baseUrl);
@@ -173,7 +188,7 @@ Value propertyValue(const MediaObject &object, Prop prop, const ServerContext &s
     case Prop::Genre:
         return text(object.genre);
     case Prop::Date:
-        return text(object.date);
+        return date(object.date);
     case Prop::TrackNumber:
         return number(object.trackNumber);
     case Prop::AlbumArtURL:

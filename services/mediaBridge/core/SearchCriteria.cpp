@@ -176,11 +176,13 @@ Criteria searchCriteria(const std::string &query, std::string_view serverPath)
     return criteria;
 }
 
-Criteria sortCriteria(const std::string &sort, const std::vector<std::string> &sortCaps)
+Criteria sortCriteria(
+    const std::string &sort, const std::optional<std::vector<std::string>> &sortCaps)
 {
     const auto canSortBy = [&](std::string_view name) {
-        return std::any_of(sortCaps.begin(), sortCaps.end(),
-            [&](const std::string &cap) { return cap == "*" || cap == name; });
+        return !sortCaps
+            || std::any_of(sortCaps->begin(), sortCaps->end(),
+                [&](const std::string &cap) { return cap == "*" || cap == name; });
     };
     Criteria criteria;
     for (const std::string &term : splitList(sort)) {
@@ -191,8 +193,11 @@ Criteria sortCriteria(const std::string &sort, const std::vector<std::string> &s
             criteria.problem = "There is no property \"" + std::string(name) + "\" to sort by.";
             return criteria;
         }
-        if (!canSortBy(info->didlName))
-            continue;
+        if (!canSortBy(info->didlName)) {
+            criteria.problem = "The media server can't sort by \"" + std::string(name) + "\".";
+            criteria.isBeyondServer = true;
+            return criteria;
+        }
         if (!criteria.text.empty())
             criteria.text += ',';
         criteria.text += hasSign ? term.front() : '+';

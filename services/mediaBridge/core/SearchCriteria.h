@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,8 @@ struct Criteria
     std::string text;
     /// A sentence for the caller; empty where all is well.
     std::string problem;
+    /// The problem is what this server can't do, not how the criteria are written.
+    bool isBeyondServer = false;
 
     bool isValid() const { return problem.empty(); }
 };
@@ -23,10 +26,11 @@ struct Criteria
 /// whatever GUPnP's parser rejects are problems. Not thread-safe beyond one call at a time.
 Criteria searchCriteria(const std::string &query, std::string_view serverPath);
 
-/// Turns `+Date,-DisplayName` into `+dc:date,-dc:title`. A missing sign means ascending. Names that
-/// aren't in `sortCaps` (UPnP names as the server lists them, or "*") are left out: the server
-/// would refuse the whole listing. A name that is no property's is a problem.
-Criteria sortCriteria(const std::string &sort, const std::vector<std::string> &sortCaps);
+/// Turns `+Date,-DisplayName` into `+dc:date,-dc:title`. A missing sign means ascending. A name
+/// that is no property's is a problem, and so is one that isn't in `sortCaps` (UPnP names as the
+/// server lists them, or "*"). Where these aren't known the server itself is to judge.
+Criteria sortCriteria(
+    const std::string &sort, const std::optional<std::vector<std::string>> &sortCaps);
 
 /// The service's names of what a server can search or sort by, in the server's order, without what
 /// has no name here. "*" stays "*".

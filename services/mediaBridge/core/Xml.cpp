@@ -40,6 +40,20 @@ void cutBehind(std::string &text, size_t maxTags)
     }
 }
 
+/// Without white space at an end that has a line break in it: it lays out the document.
+std::string_view withoutLayout(std::string_view text)
+{
+    const std::string_view inner = trimmed(text);
+    if (inner.empty())
+        return text.find('\n') == std::string_view::npos ? text : inner;
+    const auto start = static_cast<size_t>(inner.data() - text.data());
+    const size_t end = start + inner.size();
+    const bool cutsStart = text.substr(0, start).find('\n') != std::string_view::npos;
+    const bool cutsEnd = text.substr(end).find('\n') != std::string_view::npos;
+    const size_t first = cutsStart ? start : 0;
+    return text.substr(first, (cutsEnd ? end : text.size()) - first);
+}
+
 bool isText(pugi::xml_node node)
 {
     return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
@@ -86,6 +100,14 @@ std::string elementText(pugi::xml_node element)
     if (isText(first) && !first.next_sibling())
         return cleaned(trimmed(first.value()));
     return cleaned(trimmed(rawElementText(element)));
+}
+
+std::string titleText(pugi::xml_node element)
+{
+    const pugi::xml_node first = element.first_child();
+    if (isText(first) && !first.next_sibling())
+        return cleaned(withoutLayout(first.value()));
+    return cleaned(withoutLayout(rawElementText(element)));
 }
 
 std::string attributeText(pugi::xml_attribute attribute)

@@ -34,6 +34,8 @@ pugi::xml_node childElement(pugi::xml_node parent, std::string_view name);
 std::string rawElementText(pugi::xml_node element);
 /// The same for people and programs: without control characters, white space at both ends cut off.
 std::string elementText(pugi::xml_node element);
+/// The same for a title: white space is part of it, line breaks and the indents with them aren't.
+std::string titleText(pugi::xml_node element);
 /// The value of an attribute, without control characters.
 std::string attributeText(pugi::xml_attribute attribute);
 
