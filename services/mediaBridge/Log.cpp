@@ -43,7 +43,7 @@ LogLevel levelOfLibraryLine(GLogLevelFlags level)
 {
     static std::atomic<gint64> minute{0};
     static std::atomic<unsigned> shown{0};
-    const gint64 now = g_get_monotonic_time() / (60 * G_USEC_PER_SEC);
+    const gint64 now = g_get_monotonic_time() / (gint64{60} * G_USEC_PER_SEC);
     if (minute.exchange(now) != now)
         shown = 0;
     const bool isWarning = (level & G_LOG_LEVEL_WARNING) != 0;

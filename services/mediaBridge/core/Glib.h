@@ -74,8 +74,14 @@ inline std::string absoluteUrl(const std::string &uri, const std::string &base)
 {
     if (uri.empty() || g_uri_peek_scheme(uri.c_str()))
         return uri;
-    return takeString(
-        g_uri_resolve_relative(base.c_str(), uri.c_str(), G_URI_FLAGS_ENCODED, nullptr));
+    std::string url =
+        takeString(g_uri_resolve_relative(base.c_str(), uri.c_str(), G_URI_FLAGS_ENCODED, nullptr));
+    // GLib forgets to escape the sign before the interface of a link-local address.
+    const size_t scope = url.find('%');
+    const size_t baseEnd = base.find(']');
+    if (baseEnd != std::string::npos && base.find("%25") < baseEnd && scope < url.find(']'))
+        url.insert(scope + 1, "25");
+    return url;
 }
 
 } // namespace bridge

@@ -47,7 +47,7 @@ private:
     void reconcile();
     void dropGone(std::vector<LocalAddress> &wanted);
     bool add(const LocalAddress &address);
-    void received(unsigned listener, const SsdpMessage &message, const std::string &sender);
+    void received(unsigned id, const SsdpMessage &message, const std::string &sender);
     void searchOn(size_t round);
 
     std::vector<std::string> m_interfaces;

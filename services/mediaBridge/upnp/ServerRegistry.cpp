@@ -14,6 +14,7 @@ namespace {
 constexpr size_t longestNameInLog = 100;
 constexpr size_t maxServersInAll = 512;
 constexpr size_t maxServersOfOneHost = 128;
+constexpr unsigned failuresToGiveWay = 4;
 // Connections a server may have open, and what else the process has.
 constexpr rlim_t descriptorsOfOneServer = 8;
 constexpr rlim_t otherDescriptors = 256;
@@ -106,10 +107,16 @@ bool ServerRegistry::makeRoomFor(const std::string &host)
         >= static_cast<std::ptrdiff_t>(maxServersOfOneHost);
     if (!isHostFull && m_trackers.size() < m_maxServers)
         return true;
-    const auto stranger =
-        std::find_if(m_trackers.begin(), m_trackers.end(), [&](const auto &entry) {
-            return entry.second->isStranger() && (!isHostFull || isOfHost(entry));
-        });
+    // Not at once where it is of the same host: who keeps making names up would be asked for ever.
+    const unsigned fewest = isHostFull ? failuresToGiveWay : 0;
+    auto stranger = m_trackers.end();
+    for (auto it = m_trackers.begin(); it != m_trackers.end(); ++it) {
+        const unsigned failures = it->second->failures();
+        if (!it->second->isStranger() || failures < fewest || (isHostFull && !isOfHost(*it)))
+            continue;
+        if (stranger == m_trackers.end() || stranger->second->failures() < failures)
+            stranger = it;
+    }
     if (stranger == m_trackers.end())
         return false;
     m_trackers.erase(stranger);

@@ -39,6 +39,8 @@ public:
     const std::string &host() const { return m_host; }
     /// It has never been in the list.
     bool isStranger() const { return !m_server; }
+    /// Looks in a row that found nothing.
+    unsigned failures() const { return m_failures; }
     /// Called when nothing is left to track; may delete the tracker's last owner.
     std::function<void()> onForgettable;
 

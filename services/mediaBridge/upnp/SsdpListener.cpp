@@ -42,13 +42,12 @@ struct SocketAddress
     sockaddr *get() { return reinterpret_cast<sockaddr *>(&storage); }
     std::string text() const
     {
+        const bool isIPv4 = storage.ss_family == AF_INET;
+        const void *ip = isIPv4
+            ? static_cast<const void *>(&reinterpret_cast<const sockaddr_in &>(storage).sin_addr)
+            : &reinterpret_cast<const sockaddr_in6 &>(storage).sin6_addr;
         std::array<char, INET6_ADDRSTRLEN> buffer{};
-        if (storage.ss_family == AF_INET)
-            inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in &>(storage).sin_addr,
-                buffer.data(), buffer.size());
-        else
-            inet_ntop(AF_INET6, &reinterpret_cast<const sockaddr_in6 &>(storage).sin6_addr,
-                buffer.data(), buffer.size());
+        inet_ntop(storage.ss_family, ip, buffer.data(), buffer.size());
         return buffer.data();
     }
 
@@ -73,19 +72,19 @@ bool UdpSocket::open(int family)
     return m_fd >= 0;
 }
 
-bool UdpSocket::set(int level, int option, const void *value, size_t size)
+bool UdpSocket::set(int level, int option, const void *value, size_t size) const
 {
     return setsockopt(m_fd, level, option, value, static_cast<socklen_t>(size)) == 0;
 }
 
-bool UdpSocket::bind(const std::string &address, uint16_t port, unsigned scope)
+bool UdpSocket::bind(const std::string &address, uint16_t port, unsigned scope) const
 {
     SocketAddress local(m_family, address, port, scope);
     return ::bind(m_fd, local.get(), local.size) == 0;
 }
 
 bool UdpSocket::send(
-    const std::string &text, const std::string &address, uint16_t port, unsigned scope)
+    const std::string &text, const std::string &address, uint16_t port, unsigned scope) const
 {
     SocketAddress to(m_family, address, port, scope);
     return sendto(m_fd, text.data(), text.size(), MSG_NOSIGNAL, to.get(), to.size) >= 0;
@@ -111,7 +110,7 @@ gboolean UdpSocket::readable(int, GIOCondition, gpointer self)
     return G_SOURCE_CONTINUE;
 }
 
-bool UdpSocket::receive()
+bool UdpSocket::receive() const
 {
     std::array<char, largestPacket> packet;
     SocketAddress from;

@@ -22,16 +22,20 @@ public:
     std::function<void()> onBroken;
 
     bool open(int family);
-    bool set(int level, int option, const void *value, size_t size);
-    bool set(int level, int option, int value) { return set(level, option, &value, sizeof value); }
-    bool bind(const std::string &address, uint16_t port, unsigned scope);
-    bool send(const std::string &text, const std::string &address, uint16_t port, unsigned scope);
+    bool set(int level, int option, const void *value, size_t size) const;
+    bool set(int level, int option, int value) const
+    {
+        return set(level, option, &value, sizeof value);
+    }
+    bool bind(const std::string &address, uint16_t port, unsigned scope) const;
+    bool send(
+        const std::string &text, const std::string &address, uint16_t port, unsigned scope) const;
     /// Starts to receive.
     void listen();
 
 private:
     static gboolean readable(int, GIOCondition, gpointer self);
-    bool receive();
+    bool receive() const;
 
     int m_fd = -1;
     int m_family = AF_INET;
