@@ -38,6 +38,8 @@ struct Attack
     int devices = 1;
     /// What a program on the bus does, in a thread, over and over.
     std::function<void(DBusConnection *bus, const std::string &server)> call = {};
+    /// The bus takes nothing while the bridge is to end.
+    bool stopsBus = false;
 };
 
 std::string didl(const std::string &objects)
@@ -219,6 +221,7 @@ std::vector<Attack> attacks()
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});
+    all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
     return all;
 }
 
@@ -339,15 +342,29 @@ bool holds(const Attack &attack, double seconds)
     const int turn = longestTurn(bridge.log());
     const bool isQuiet = QTest::qWaitFor(
         [&] { return mebibytes(pid) - memory <= 20 && descriptors(pid) <= open + 2; }, 10000);
+    const auto signalBus = [&](int number) {
+        if (attack.stopsBus)
+            kill(pid_t(bridge.busPid()), number);
+    };
+    QVector<Call> unread;
+    if (attack.stopsBus) {
+        for (int i = 0; i < 2000; ++i)
+            unread.append(bridge.startListing(folder, 0, 20));
+        QTest::qWait(50);
+    }
+    signalBus(SIGSTOP);
+    QTest::qWait(attack.stopsBus ? 300 : 0);
     QElapsedTimer end;
     end.start();
     const int status = bridge.stop();
+    const qint64 endMs = end.elapsed();
+    signalBus(SIGCONT);
     const double usual = at(before, 0.5), median = at(during, 0.5), late = at(during, 0.99);
     const bool isGood =
-        status == 0 && end.elapsed() <= 1000 && isQuiet && most - memory <= 150 && late < 1000;
+        status == 0 && endMs <= 1000 && isQuiet && most - memory <= 150 && late < 1000;
     std::printf("%-34s %6.1f %6.1f %7.1f %6d %7lld %5s %6lld %s\n", attack.name, usual, median,
         late, turn, static_cast<long long>(most - memory), isQuiet ? "yes" : "no",
-        static_cast<long long>(end.elapsed()), isGood ? "" : "FAILED");
+        static_cast<long long>(endMs), isGood ? "" : "FAILED");
     std::fflush(stdout);
     return isGood;
 }

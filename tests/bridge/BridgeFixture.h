@@ -76,6 +76,7 @@ public:
     const QString &address() const { return m_address; }
     QDBusConnection bus() const { return m_bus; }
     qint64 pid();
+    qint64 busPid() const { return m_daemon.processId(); }
     /// Standard error of the program, as far as it came.
     QByteArray log();
 

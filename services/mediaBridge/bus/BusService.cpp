@@ -4,15 +4,13 @@
 #include "bus/Introspection.h"
 #include "core/Limits.h"
 #include "core/ObjectPath.h"
+#include "core/SpareMemory.h"
 
 #include <algorithm>
-#include <malloc.h>
 
 namespace bridge {
 
 namespace {
-
-constexpr unsigned quietMs = 1'000;
 
 /// An error of libdbus's that cleans up after itself.
 struct BusError : DBusError
@@ -134,7 +132,7 @@ void BusService::receiveCall(const BusCallPtr &call)
     if (!call->sender().empty() && m_clients.insert(call->sender()).second && isFirst
         && onFirstClient)
         onFirstClient();
-    giveMemoryBackWhenQuiet();
+    giveBackSpareMemorySoon();
     if (keepCall(call)) {
         onCall(call);
     } else {
@@ -171,23 +169,6 @@ void BusService::purge(Calls &calls)
         known.end());
     m_callCount -= before - known.size();
     calls.purgeAt = std::max<size_t>(64, 2 * known.size());
-}
-
-/// A long list takes many times what the service needs between calls; the allocator would keep it.
-void BusService::giveMemoryBackWhenQuiet()
-{
-    m_quiet.start(quietMs, [this] {
-        for (auto calls = m_calls.begin(); calls != m_calls.end();) {
-            purge(calls->second);
-            calls = calls->second.known.empty() ? m_calls.erase(calls) : std::next(calls);
-        }
-        if (!m_calls.empty()) {
-            giveMemoryBackWhenQuiet();
-            return;
-        }
-        malloc_trim(0);
-        logDebug("quiet, " + std::to_string(mallinfo2().uordblks >> 10) + " KiB in use");
-    });
 }
 
 void BusService::clientLeft(const std::string &name)

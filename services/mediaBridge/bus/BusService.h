@@ -65,7 +65,6 @@ private:
     void receiveCall(const BusCallPtr &call);
     bool keepCall(const BusCallPtr &call);
     void purge(Calls &calls);
-    void giveMemoryBackWhenQuiet();
     void clientLeft(const std::string &name);
 
     std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
@@ -76,7 +75,6 @@ private:
     /// By the caller's unique name.
     std::map<std::string, Calls> m_calls;
     size_t m_callCount = 0;
-    Timer m_quiet;
 };
 
 } // namespace bridge

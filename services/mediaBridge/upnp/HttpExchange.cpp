@@ -1,6 +1,7 @@
 #include "upnp/HttpExchange.h"
 
 #include "core/Limits.h"
+#include "core/SpareMemory.h"
 
 #include <algorithm>
 #include <vector>
@@ -224,6 +225,7 @@ void HttpExchange::finish(HttpOutcome outcome, std::string problem)
         g_signal_handlers_disconnect_by_data(m_message.get(), this);
     m_stream = {};
     m_message = {};
+    giveBackSpareMemorySoon();
     m_reply.outcome = outcome;
     if (outcome != HttpOutcome::Answered)
         m_reply.body = {};
