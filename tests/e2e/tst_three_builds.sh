@@ -31,11 +31,14 @@ cmake --install "$build/sdk" --prefix "$work/sdk" >"$work/install.log"
 build_alone against-package -DCMAKE_PREFIX_PATH="$work/sdk"
 grep -q "OrkaApi_DIR:PATH=$work/sdk" "$work/against-package/CMakeCache.txt"
 
-# A maker's folder: headers, libraries, no CMake package.
+# A maker's folder: headers of other names, libraries, no CMake package; adapted to by a header of the maker's own.
 headers=$(dirname "$(dirname "$(dirname "$(find "$work/sdk" -path '*api/core/orka.h')")")")
 mkdir -p "$work/maker/include" "$work/maker/lib"
 cp -r "$headers/." "$work/maker/include/"
 find "$work/sdk" \( -name 'liborka_api.so*' -o -name 'libplayListHelper.so*' \) -exec cp -P {} "$work/maker/lib/" \;
 rm -rf "$work/sdk"
-build_alone against-folder -DOrkaApi_ROOT="$work/maker"
+mv "$work/maker/include/api/core/orka.h" "$work/maker/include/api/core/main.h"
+cp "$source/modules/upnpClient/sdk.h" "$work/maker/include/adaption.h"
+find "$work/maker/include" -name '*.h' -exec sed -i 's|<api/core/orka.h>|<api/core/main.h>|' {} +
+build_alone against-folder -DOrkaApi_ROOT="$work/maker" -DORKA_SDK_HEADER="$work/maker/include/adaption.h"
 grep -q "OrkaApi_LIBRARY:FILEPATH=$work/maker" "$work/against-folder/CMakeCache.txt"
