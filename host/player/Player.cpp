@@ -30,9 +30,22 @@ QString findPlayer(const QString &name)
     return program;
 }
 
+/// A disk that fills up takes the beginning and calls that no error; the rest then is one.
+bool writeWhole(QFile &file, const QByteArray &bytes)
+{
+    qint64 written = 0;
+    while (written < bytes.size()) {
+        const qint64 more = file.write(bytes.constData() + written, bytes.size() - written);
+        if (more <= 0)
+            return false;
+        written += more;
+    }
+    return file.flush();
+}
+
 void writePlaylist(QTemporaryFile &file, const PlayListItems &items)
 {
-    if (!file.open() || file.write(toM3u8(items).toUtf8()) < 0 || !file.flush()) {
+    if (!file.open() || !writeWhole(file, toM3u8(items).toUtf8())) {
         throw Failure(AnsweredWithError, QStringLiteral("output"),
             QStringLiteral("The playlist can't be written to %1: %2. Make room there, or set "
                            "TMPDIR to another folder.")
