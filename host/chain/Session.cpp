@@ -96,6 +96,8 @@ Milliseconds Session::remaining() const
 
 void Session::await(const CMVoidReply &reply, const CMPath &path, const QString &doing)
 {
+    if (!m_refused)
+        m_silence.start(); // what passed between two requests is nobody's silence
     const CMReplyWatcherObject watcher(reply);
     Wait wait(remaining(), doing);
     QObject::connect(&watcher, &CMReplyWatcherObject::finishedSignal, &wait, &Wait::wake);
@@ -104,10 +106,9 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     const bool inTime =
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
     m_mediaService->requireThere();
+    m_refused = inTime && reply.error().isError();
     if (!inTime)
         throw noAnswer(nameOf(path), m_options.timeout);
-    if (!reply.error().isError())
-        m_silence.start();
 }
 
 Patient Session::patient(const CMPath &path) const
@@ -149,17 +150,30 @@ int Session::explain(const CMError &error, const CMPath &path, int position)
     return diagnosis.childCount;
 }
 
-OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStringList &roles)
+CMReply<OrkaRowsRoles> Session::askRows(
+    const CMPath &path, int first, int last, const QStringList &roles)
 {
-    const CMReply<OrkaRowsRoles> reply;
+    CMReply<OrkaRowsRoles> reply;
     // Not through getRows(), which makes an error of one row that isn't there.
     CMRoot()->getRowsRequest(CMGetRowsRequest(path, first, last, -1, roles, reply));
-    await(reply, path, QStringLiteral("Reading rows from %1").arg(first));
+    return reply;
+}
+
+OrkaRowsRoles Session::rowsOf(
+    const CMReply<OrkaRowsRoles> &reply, const CMPath &path, int first, const QString &doing)
+{
+    await(reply, path, doing);
     if (!reply.error().isError())
         return reply.value();
     OrkaRowsRoles empty;
     empty.setRowsCount(explain(reply.error(), path, first));
     return empty;
+}
+
+OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStringList &roles)
+{
+    return rowsOf(askRows(path, first, last, roles), path, first,
+        QStringLiteral("Reading rows from %1").arg(first));
 }
 
 OrkaRoles Session::data(const CMPath &path, const QStringList &roles)

@@ -50,12 +50,20 @@ public:
     /// The media server "My NAS".
     QString serverNameOf(const CMPath &path) const;
 
-    /// `last` is inclusive.
+    /// A rows request sent off, for rowsOf(); `last` is inclusive.
+    static CMReply<OrkaRowsRoles> askRows(
+        const CMPath &path, int first, int last, const QStringList &roles);
+    /// The answer to a request from askRows(). `doing` is what a terminal shows meanwhile.
+    OrkaRowsRoles rowsOf(
+        const CMReply<OrkaRowsRoles> &reply, const CMPath &path, int first, const QString &doing);
     OrkaRowsRoles rows(const CMPath &path, int first, int last, const QStringList &roles);
     /// The record made of the values that came for `roles`.
     OrkaRoles data(const CMPath &path, const QStringList &roles);
     /// `doing` is what a terminal shows meanwhile.
     QVariant set(const CMPath &path, const QVariant &value, const QString &doing);
+
+    /// The next request has the whole --timeout, whatever those before it came to.
+    void renewTime() { m_refused = false; }
 
     /// Asks the media service about a node of which an answer tells nothing, though it should, like
     /// a playlist without tracks. Throws Failure that says what is the matter; returns where the
@@ -77,6 +85,7 @@ private:
     Errors m_errors = Explained;
     /// Since the last answer that was no error.
     QElapsedTimer m_silence;
+    bool m_refused = false;
     QElapsedTimer m_asked;
     QHash<QString, QString> m_names;
     NetworkPublisher m_network;

@@ -1,17 +1,54 @@
 #include "commands/Answer.h"
 
-#include "output/JsonOutput.h"
+#include "Failure.h"
 #include "output/Output.h"
-#include "output/TextOutput.h"
+#include "output/RowsOutput.h"
+#include "tree/RowPages.h"
 
 void writeAnswer(
     const GlobalOptions &options, const CMPath &path, const Rows &rows, int first, int step)
 {
-    if (options.json) {
-        writeJson(rowsDocument(path, rows));
-    } else {
-        writeRows(rows, first, step);
+    RowsOutput output(options.json, path, first, step);
+    output.add(rows);
+    output.end();
+}
+
+namespace {
+
+/// Says that the list isn't whole, in its own document too.
+int endIncomplete(RowsOutput *output, int lacking, const QString &why)
+{
+    const QString howMany = lacking > 0
+        ? QStringLiteral(": %1 of %2 rows are missing").arg(lacking).arg(output->rowsCount())
+        : QString();
+    const QString sentence = QStringLiteral("The list is incomplete%1. ").arg(howMany) + why;
+    output->end(CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(), sentence));
+    tell(sentence);
+    return AnsweredWithError;
+}
+
+} // namespace
+
+int writeRowsOf(
+    const GlobalOptions &options, Session &session, const CMPath &path, const RowRange &range)
+{
+    RowPages pages(session, path, range, OrkaRoles::all());
+    RowsOutput output(options.json, path, range.first);
+    Rows page;
+    try {
+        while (pages.next(&page))
+            output.add(page);
+    } catch (const Failure &failure) {
+        if (output.rows() == 0 || failure.error().name() == QLatin1String("output"))
+            throw;
+        return endIncomplete(&output, pages.lacking(), failure.sentence());
     }
+    if (pages.lacking() > 0) {
+        return endIncomplete(&output, pages.lacking(),
+            QStringLiteral("The media server counts them and doesn't give them."));
+    }
+    output.end();
+    return Answered;
 }
 
 void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRoles &roles)

@@ -26,8 +26,7 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
-        writeAnswer(options, path, readRows(session, path, range, OrkaRoles::all()), range.first);
-        return Answered;
+        return writeRowsOf(options, session, path, range);
     }
 
 private:

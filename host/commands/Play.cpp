@@ -1,15 +1,10 @@
 #include "Failure.h"
 #include "chain/Session.h"
 #include "commands/Command.h"
-#include "output/JsonOutput.h"
+#include "commands/Gather.h"
 #include "output/Output.h"
-#include "output/Playlist.h"
-#include "output/TextOutput.h"
+#include "output/QueueOutput.h"
 #include "player/Player.h"
-#include "tree/NodeKind.h"
-#include "tree/PlaceResolver.h"
-
-#include <api/core/orka.h>
 
 namespace {
 
@@ -21,32 +16,34 @@ QVector<Place> parsePlaces(const QStringList &texts, const QString &prefix)
     return places;
 }
 
-/// What a device's player would be given for these places.
-PlayListItems prepareItems(Session &session, const QVector<Place> &places)
+/// A command that collects what is below some places.
+class PlaylistCommand : public Command
 {
-    PlaceResolver resolver(session);
-    QVariantList paths;
-    for (const Place &place : places)
-        paths.append(withKind(session, resolver.resolve(place)).toEncoded());
-    const QVariantList answer = session
-                                    .set(session.path(OrkaPlayListPrepareItems()), paths,
-                                        QStringLiteral("Collecting tracks"))
-                                    .toList();
-    PlayListItems items;
-    items.reserve(answer.size());
-    for (const QVariant &item : answer)
-        items.append(OrkaPlayListItem(OrkaHash::fromVariant(item)));
-    return items;
-}
+protected:
+    PlaylistCommand(CLI::App &app, const char *name, const char *description, const char *example)
+        : Command(app, name, description, example)
+    {
+        addPlaces(m_texts);
+        m_gather.declare(parser());
+    }
+    QVector<Place> places(const GlobalOptions &options) const
+    {
+        return parsePlaces(m_texts, options.prefix);
+    }
+    const GatherOptions &gatherOptions() const { return m_gather; }
 
-class Queue : public Command
+private:
+    QStringList m_texts;
+    GatherOptions m_gather;
+};
+
+class Queue : public PlaylistCommand
 {
 public:
     explicit Queue(CLI::App &app)
-        : Command(app, "queue", "The playlist of tracks, folders and servers",
+        : PlaylistCommand(app, "queue", "The playlist of tracks, folders and servers",
             "orka queue \"My NAS/Music/Albums/Blue\" --format m3u8 > blue.m3u8")
     {
-        addPlaces(m_places);
         parser()
             .add_option("--format", m_format, "table (the default), json, m3u8 or xspf")
             ->type_name("FORMAT")
@@ -60,39 +57,37 @@ public:
                                             "one of them out.")
                                  .arg(QString::fromStdString(m_format)));
         }
-        const QVector<Place> places = parsePlaces(m_places, options.prefix);
+        const QVector<Place> wanted = places(options);
         Session session(options);
-        write(prepareItems(session, places), options.json ? "json" : m_format);
-        return Answered;
+        QueueOutput output(format(options.json));
+        const QVector<Failure> failures = gather(session, gatherOptions(), wanted,
+            [&output](const OrkaPlayListItem &item) { output.add(item); });
+        const CMError incomplete = tellIncomplete(failures);
+        output.end(incomplete);
+        return incomplete.isError() ? AnsweredWithError : Answered;
     }
 
 private:
-    static void write(const PlayListItems &items, const std::string &format)
+    QueueOutput::Format format(bool json) const
     {
-        if (format == "json") {
-            writeJson(queueDocument(items));
-        } else if (format == "m3u8") {
-            writeText(toM3u8(playableItems(items)).toUtf8());
-        } else if (format == "xspf") {
-            writeText(toXspf(playableItems(items)));
-        } else {
-            writeQueue(items);
-        }
+        if (json || m_format == "json")
+            return QueueOutput::AsJson;
+        if (m_format == "m3u8")
+            return QueueOutput::AsM3u8;
+        return m_format == "xspf" ? QueueOutput::AsXspf : QueueOutput::AsTable;
     }
 
-    QStringList m_places;
     std::string m_format;
 };
 
-class Play : public Command
+class Play : public PlaylistCommand
 {
 public:
     explicit Play(CLI::App &app)
-        : Command(app, "play", "Plays tracks, folders and servers",
+        : PlaylistCommand(app, "play", "Plays tracks, folders and servers",
             "orka play \"My NAS/Music/Albums/Blue\"\n"
             "  orka play --player \"mpv --shuffle\" \"My NAS\"")
     {
-        addPlaces(m_places);
         addText("--player", m_player,
             "The player (mpv), with its own options; it is given an\nM3U8 file as last argument, "
             "and its exit status becomes\nours",
@@ -101,21 +96,30 @@ public:
 
     int run(const GlobalOptions &options) override
     {
-        const QVector<Place> places = parsePlaces(m_places, options.prefix);
+        const QVector<Place> wanted = places(options);
+        requirePlayer(m_player); // before the long way to its playlist
         Session session(options);
-        const PlayListItems all = prepareItems(session, places);
+        QueueOutput document(QueueOutput::AsJson);
+        PlayListItems items;
+        const QVector<Failure> failures =
+            gather(session, gatherOptions(), wanted, [&](const OrkaPlayListItem &item) {
+                if (options.json)
+                    document.add(item);
+                items.append(withoutRoles(item));
+            });
+        const CMError incomplete = tellIncomplete(failures);
         if (options.json)
-            writeJson(queueDocument(all));
-        const PlayListItems items = playableItems(all);
+            document.end(incomplete);
+        items = playableItems(items);
         if (items.isEmpty()) {
             tell(QStringLiteral("There is nothing to play there. \"orka ls\" shows what is."));
             return AnsweredWithError;
         }
-        return playItems(items, m_player, options.json);
+        const int status = playItems(items, m_player, options.json);
+        return status == 0 && incomplete.isError() ? AnsweredWithError : status;
     }
 
 private:
-    QStringList m_places;
     QString m_player = QStringLiteral("mpv");
 };
 

@@ -2,6 +2,7 @@
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
+#include "commands/Answer.h"
 #include "commands/Command.h"
 #include "output/JsonOutput.h"
 #include "output/Output.h"
@@ -107,7 +108,7 @@ private:
         servers.settle();
         const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
         if (session.options().json) {
-            writeJson(rowsDocument(session.root(), rows));
+            writeAnswer(session.options(), session.root(), rows, 0);
         } else if (!rows.rows.isEmpty()) {
             writeTable(rows.rows);
         }

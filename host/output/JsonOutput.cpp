@@ -1,12 +1,15 @@
 #include "output/JsonOutput.h"
 
 #include "Failure.h"
+#include "output/Output.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
+
+constexpr int fullBuffer = 65536; // characters
 
 QVariant toVariant(const QJsonValue &value)
 {
@@ -28,19 +31,38 @@ QVariant toVariant(const QJsonValue &value)
 
 } // namespace
 
-OrkaHash rowsDocument(const CMPath &path, const Rows &rows)
+JsonListDocument::JsonListDocument(const OrkaHash &head, const QString &list)
+    : m_pending(head.toJsonString())
 {
-    QVariantList list;
-    list.reserve(rows.rows.size());
-    for (const OrkaRoles &row : rows.rows)
-        list.append(row.toVariant());
-    OrkaHash document;
-    document.setValue(QStringLiteral("path"), path.toEncoded());
-    document.setValue(OrkaRowsRoles::RowsCount(), rows.rowsCount);
-    document.setValue(OrkaRowsRoles::RowsVersion(), rows.rowsVersion);
-    document.setValue(OrkaRowsRoles::Roles(), rows.roles.toVariant());
-    document.setValue(OrkaRowsRoles::Rows(), list);
-    return document;
+    m_pending.chop(1);
+    if (!head.isEmpty())
+        m_pending += QLatin1Char(',');
+    m_pending += orkaToJson(list) + QStringLiteral(":[");
+}
+
+void JsonListDocument::add(const QVariant &entry)
+{
+    if (!m_empty)
+        m_pending += QLatin1Char(',');
+    m_empty = false;
+    m_pending += orkaToJson(entry);
+    if (m_pending.size() > fullBuffer)
+        flush();
+}
+
+void JsonListDocument::flush()
+{
+    writeText(withoutRawControls(m_pending).toUtf8());
+    m_pending.clear();
+}
+
+void JsonListDocument::end(const CMError &error)
+{
+    m_pending += QLatin1Char(']');
+    if (error.isError())
+        m_pending += QStringLiteral(",\"error\":") + error.toJsonString();
+    m_pending += QStringLiteral("}\n");
+    flush();
 }
 
 OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles)
@@ -48,17 +70,6 @@ OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles)
     OrkaHash document;
     document.setValue(QStringLiteral("path"), path.toEncoded());
     document.setValue(QStringLiteral("roles"), roles.toVariant());
-    return document;
-}
-
-OrkaHash queueDocument(const QVector<OrkaPlayListItem> &items)
-{
-    QVariantList list;
-    list.reserve(items.size());
-    for (const OrkaPlayListItem &item : items)
-        list.append(item.toVariant());
-    OrkaHash document;
-    document.setValue(QStringLiteral("items"), list);
     return document;
 }
 

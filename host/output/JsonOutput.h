@@ -1,22 +1,33 @@
 #pragma once
 
-#include "tree/RowsReader.h"
-
 #include <api/core/CMError.h>
 #include <api/core/CMPath.h>
-#include <api/core/OrkaPlayListItem.h>
-
-#include <QVector>
+#include <api/core/OrkaRoles.h>
 
 /// The documents that --json prints. A role that a node lacks is left out; a path is its encoded
 /// text, a translatable text its text in the current language.
 
-/// {"path","rowsCount","rowsVersion","roles":{…},"rows":[{role:value}]}
-OrkaHash rowsDocument(const CMPath &path, const Rows &rows);
+/// One document on one line whose last member is a list, written as its entries come: rows are
+/// {"path","roles":{…},"rowsCount","rowsVersion","rows":[{role:value}]}, a queue {"items":[{…}]}.
+/// Where the list isn't whole, an "error" follows it. Throws Failure as writeText() does.
+class JsonListDocument
+{
+public:
+    /// Nothing is written yet.
+    JsonListDocument(const OrkaHash &head, const QString &list);
+    void add(const QVariant &entry);
+    /// Gives out what has been added.
+    void flush();
+    /// The end of the document; `error` is left out where it is none.
+    void end(const CMError &error = CMError());
+
+private:
+    QString m_pending;
+    bool m_empty = true;
+};
+
 /// {"path","roles":{…}}
 OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles);
-/// {"items":[{…}]}
-OrkaHash queueDocument(const QVector<OrkaPlayListItem> &items);
 /// {"value":…}
 OrkaHash valueDocument(const QVariant &value);
 /// {"error":{"name","title","message"}}

@@ -1,6 +1,7 @@
 #include "output/Output.h"
 
 #include "Failure.h"
+#include "output/Progress.h"
 #include "output/SafeText.h"
 
 #include <api/core/OrkaHash.h>
@@ -11,9 +12,26 @@
 #include <cstdio>
 #include <cstring>
 
-namespace {
+void writeLine(const QString &line)
+{
+    writeText(line.toUtf8() + '\n');
+}
 
-/// JSON allows most of what terminals obey as it is.
+void writeText(const QByteArray &bytes)
+{
+    Progress::hide();
+    const bool written =
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
+        && std::fflush(stdout) == 0;
+    if (!written && errno == EPIPE)
+        throw ReaderGone();
+    if (!written) {
+        throw Failure(AnsweredWithError, QStringLiteral("output"),
+            QStringLiteral("The answer could not be written to standard output: %1.")
+                .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    }
+}
+
 QString withoutRawControls(const QString &json)
 {
     QString safe;
@@ -28,27 +46,6 @@ QString withoutRawControls(const QString &json)
     return safe;
 }
 
-} // namespace
-
-void writeLine(const QString &line)
-{
-    writeText(line.toUtf8() + '\n');
-}
-
-void writeText(const QByteArray &bytes)
-{
-    const bool written =
-        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
-        && std::fflush(stdout) == 0;
-    if (!written && errno == EPIPE)
-        throw ReaderGone();
-    if (!written) {
-        throw Failure(AnsweredWithError, QStringLiteral("output"),
-            QStringLiteral("The answer could not be written to standard output: %1.")
-                .arg(QString::fromLocal8Bit(std::strerror(errno))));
-    }
-}
-
 void writeJson(const OrkaHash &document)
 {
     writeLine(withoutRawControls(document.toJsonString()));
@@ -56,6 +53,7 @@ void writeJson(const OrkaHash &document)
 
 void tell(const QString &sentence)
 {
+    Progress::hide();
     QStringList lines = sentence.split(QLatin1Char('\n'));
     for (QString &line : lines)
         line = safeText(line);

@@ -54,6 +54,12 @@ PlayListItems playableItems(const PlayListItems &items)
     return playable;
 }
 
+OrkaPlayListItem withoutRoles(OrkaPlayListItem item)
+{
+    item.remove(OrkaPlayListItem::OrkaRoles_());
+    return item;
+}
+
 QString itemName(const OrkaPlayListItem &item)
 {
     const QString title = item.title().isEmpty() ? item.url() : item.title();

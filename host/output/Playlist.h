@@ -11,6 +11,9 @@ using PlayListItems = QVector<OrkaPlayListItem>;
 /// Every other is named on standard error and left out.
 PlayListItems playableItems(const PlayListItems &items);
 
+/// The item without its roles, which take the most room and say nothing to a player.
+OrkaPlayListItem withoutRoles(OrkaPlayListItem item);
+
 /// Whether a URL is one of these. What may stand in a playlist, beyond that, is safeUrl()'s work.
 bool isPlayableUrl(const QString &url);
 

@@ -7,6 +7,8 @@
 
 namespace {
 
+bool isShown = false;
+
 QElapsedTimer &programClock()
 {
     static QElapsedTimer clock;
@@ -33,15 +35,26 @@ Progress::Progress(const QString &doing)
 
 Progress::~Progress()
 {
-    if (m_shown)
+    hide();
+}
+
+void Progress::setDoing(const QString &doing)
+{
+    m_doing = safeText(doing);
+}
+
+void Progress::hide()
+{
+    if (isShown)
         std::fputs("\r\033[K", stderr);
+    isShown = false;
 }
 
 void Progress::show()
 {
     if (programClock().elapsed() < 1000)
         return;
-    m_shown = true;
+    isShown = true;
     const QString line = QStringLiteral("\r\033[K%1 … %2 s (Ctrl-C stops)")
                              .arg(m_doing)
                              .arg(programClock().elapsed() / 1000);

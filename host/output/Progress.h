@@ -15,6 +15,12 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
 
+    /// What is being done from now on.
+    void setDoing(const QString &doing);
+    /// Takes the line away, if one is there, for what is to be printed; it is back within half a
+    /// second.
+    static void hide();
+
     /// The whole program's work began now; the line counts from here.
     static void startClock();
 
@@ -23,5 +29,4 @@ private:
 
     QString m_doing;
     QTimer m_timer;
-    bool m_shown = false;
 };

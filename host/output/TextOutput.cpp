@@ -9,39 +9,7 @@ namespace {
 
 constexpr int widestColumn = 40;
 constexpr int longestCell = 300;
-
-QString kindName(int type)
-{
-    switch (type) {
-    case OrkaRolesType::Container:
-        return QStringLiteral("folder");
-    case OrkaRolesType::Audio:
-        return QStringLiteral("track");
-    case OrkaRolesType::Video:
-        return QStringLiteral("video");
-    case OrkaRolesType::Image:
-        return QStringLiteral("image");
-    case OrkaRolesType::Search:
-        return QStringLiteral("search");
-    default:
-        return QStringLiteral("item");
-    }
-}
-
-QString kindOf(const OrkaRoles &node)
-{
-    if (!node.contains(OrkaRoles::Type()))
-        return QString(); // it may be anything
-    return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
-        ? QStringLiteral("server")
-        : kindName(node.type());
-}
-
-QString rowLength(const OrkaMediaData &media)
-{
-    const OrkaList<OrkaResource> resources = media.resources();
-    return resources.isEmpty() ? QString() : lengthText(resources.first().duration());
-}
+constexpr int enoughLines = 50;
 
 /// A number that has a name or a unit, as people write it; anything else as text.
 QString valueText(const QString &key, const QVariant &value)
@@ -57,34 +25,6 @@ QString valueText(const QString &key, const QVariant &value)
     if (value.userType() == qMetaTypeId<TrString>())
         return value.value<TrString>().toString();
     return value.userType() == QMetaType::QString ? value.toString() : orkaToJson(value);
-}
-
-/// What part of the whole the rows are.
-QString whatPart(const Rows &rows)
-{
-    if (rows.rows.isEmpty()) {
-        return rows.rowsCount == 0
-            ? QStringLiteral("There are no rows.")
-            : QStringLiteral("None of %1 rows is in this range.").arg(rows.rowsCount);
-    }
-    // A server that doesn't know how many there are says 0.
-    return rows.rowsCount < rows.rows.size()
-        ? QStringLiteral("%1 rows.").arg(rows.rows.size())
-        : QStringLiteral("%1 of %2 rows.").arg(rows.rows.size()).arg(rows.rowsCount);
-}
-
-Table rowsTable(const QVector<OrkaRoles> &rows, long long first, int step)
-{
-    Table table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
-        QStringLiteral("artist"), QStringLiteral("album"), QStringLiteral("length")});
-    long long number = first;
-    for (const OrkaRoles &row : rows) {
-        const OrkaMediaData media = row.mediaData();
-        table.add({QString::number(number), kindOf(row), row.title().toString(),
-            media.metaData().artist(), media.metaData().album(), rowLength(media)});
-        number += step;
-    }
-    return table;
 }
 
 bool isList(const QVariant &value)
@@ -112,6 +52,24 @@ void writeEntry(const QString &indent, const QString &key, const QVariant &value
 
 } // namespace
 
+QString kindName(int type)
+{
+    switch (type) {
+    case OrkaRolesType::Container:
+        return QStringLiteral("folder");
+    case OrkaRolesType::Audio:
+        return QStringLiteral("track");
+    case OrkaRolesType::Video:
+        return QStringLiteral("video");
+    case OrkaRolesType::Image:
+        return QStringLiteral("image");
+    case OrkaRolesType::Search:
+        return QStringLiteral("search");
+    default:
+        return QStringLiteral("item");
+    }
+}
+
 Table::Table(const QStringList &heading)
     : m_lines{heading}
 {
@@ -125,19 +83,33 @@ void Table::add(const QStringList &cells)
     m_lines.append(line);
 }
 
-void Table::write() const
+void Table::flush(int firstColumn)
 {
-    QVector<int> widths(m_lines.first().size(), 0);
-    for (const QStringList &line : m_lines) {
-        for (int i = 0; i < line.size(); ++i)
-            widths[i] = qMax(widths[i], qMin(displayWidth(line.at(i)), widestColumn));
+    if (m_widths.isEmpty() && m_lines.size() <= enoughLines)
+        return;
+    m_least = firstColumn;
+    write();
+}
+
+void Table::write()
+{
+    if (m_widths.isEmpty()) {
+        m_widths.fill(0, m_lines.first().size());
+        m_widths[0] = m_least;
+        for (const QStringList &line : qAsConst(m_lines)) {
+            for (int i = 0; i < line.size(); ++i)
+                m_widths[i] = qMax(m_widths[i], qMin(displayWidth(line.at(i)), widestColumn));
+        }
     }
-    for (const QStringList &line : m_lines) {
-        QString text;
+    QString text;
+    for (const QStringList &line : qAsConst(m_lines)) {
+        QString cells;
         for (int i = 0; i < line.size(); ++i)
-            text += padded(line.at(i), widths.at(i)) + QStringLiteral("  ");
-        writeLine(QStringLiteral("  ") + text.trimmed());
+            cells += padded(line.at(i), m_widths.at(i)) + QStringLiteral("  ");
+        text += QStringLiteral("  ") + cells.trimmed() + QLatin1Char('\n');
     }
+    m_lines.clear();
+    writeText(text.toUtf8());
 }
 
 QString lengthText(long long milliseconds)
@@ -152,13 +124,6 @@ QString lengthText(long long milliseconds)
                                 .arg(seconds / 3600)
                                 .arg(seconds / 60 % 60, 2, 10, zero)
                                 .arg(tail);
-}
-
-void writeRows(const Rows &rows, int first, int step)
-{
-    if (!rows.rows.isEmpty())
-        rowsTable(rows.rows, first, step).write();
-    writeLine(whatPart(rows));
 }
 
 void writeRoles(const OrkaHash &roles)
@@ -177,24 +142,4 @@ void writeValue(const QVariant &value)
     } else {
         writeLine(safeText(valueText(QString(), value)));
     }
-}
-
-void writeQueue(const QVector<OrkaPlayListItem> &items)
-{
-    Table table({QStringLiteral("no."), QStringLiteral("title"), QStringLiteral("artist"),
-        QStringLiteral("album"), QStringLiteral("length")});
-    long long total = 0;
-    for (int i = 0; i < items.size(); ++i) {
-        const OrkaPlayListItem &item = items.at(i);
-        const long long length = item.durationSeconds() * 1000LL;
-        total += qMax(0LL, length);
-        table.add({QString::number(i + 1), item.title(), item.artist(), item.album(),
-            lengthText(length)});
-    }
-    if (!items.isEmpty())
-        table.write();
-    writeLine(QStringLiteral("%1, %2 in all.")
-                  .arg(items.size() == 1 ? QStringLiteral("1 track")
-                                         : QStringLiteral("%1 tracks").arg(items.size()))
-                  .arg(total > 0 ? lengthText(total) : QStringLiteral("0:00")));
 }

@@ -18,8 +18,11 @@
 
 namespace {
 
-QString findPlayer(const QString &name)
+/// The program that a command begins with; its arguments stay in `arguments`.
+QString findPlayer(const QString &command, QStringList *arguments)
 {
+    *arguments = QProcess::splitCommand(command);
+    const QString name = arguments->isEmpty() ? QString() : arguments->takeFirst();
     QString program = QStandardPaths::findExecutable(name);
     if (program.isEmpty()) {
         throw missing(QStringLiteral("noPlayer"),
@@ -85,11 +88,16 @@ int statusOf(const ChildProcess &player)
 
 } // namespace
 
+void requirePlayer(const QString &command)
+{
+    QStringList arguments;
+    findPlayer(command, &arguments);
+}
+
 int playItems(const PlayListItems &items, const QString &command, bool quietOutput)
 {
-    QStringList arguments = QProcess::splitCommand(command);
-    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
-    const QString program = findPlayer(name);
+    QStringList arguments;
+    const QString program = findPlayer(command, &arguments);
     QTemporaryFile playlist(QDir::tempPath() + QStringLiteral("/orka-XXXXXX.m3u8"));
     writePlaylist(playlist, items);
 

@@ -2,6 +2,9 @@
 
 #include "output/Playlist.h"
 
+/// Throws Failure (missing) where there is no such player.
+void requirePlayer(const QString &command);
+
 /// Hands the items to a player as one M3U8 file, its last argument, and waits for the player's
 /// end. `command` is the program with its arguments, which spaces
 /// separate and double quotes hold together. Says on

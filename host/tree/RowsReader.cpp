@@ -1,24 +1,10 @@
 #include "tree/RowsReader.h"
 
 #include "chain/Session.h"
+#include "tree/RowPages.h"
 
-namespace {
-
-constexpr int pageSize = 500;
-
-/// Whether there may be more rows after `next`, the answer of `asked` rows having been `page`.
-bool mayGoOn(const Rows &page, int asked, int next)
+Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles)
 {
-    if (page.rows.isEmpty())
-        return false;
-    return page.rowsCount > 0 ? next < page.rowsCount : page.rows.size() == asked;
-}
-
-} // namespace
-
-Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const QStringList &roles)
-{
-    const OrkaRowsRoles answer = session.rows(path, range.first, range.last, roles);
     Rows rows;
     rows.rowsCount = answer.rowsCount();
     rows.rowsVersion = answer.rowsVersion();
@@ -30,20 +16,21 @@ Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const 
     return rows;
 }
 
+Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const QStringList &roles)
+{
+    return rowsOf(session.rows(path, range.first, range.last, roles), roles);
+}
+
 Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles)
 {
+    RowPages pages(session, path, range, roles);
     Rows all;
-    int next = range.first;
-    for (bool more = true; more;) {
-        const int last = range.last - next < pageSize ? range.last : next + pageSize - 1;
-        const Rows page = readRowsAtOnce(session, path, {next, last}, roles);
+    Rows page;
+    while (pages.next(&page)) {
+        all.rows += page.rows;
         all.rowsCount = page.rowsCount;
         all.rowsVersion = page.rowsVersion;
         all.roles = page.roles;
-        all.rows += page.rows;
-        more = mayGoOn(page, last - next + 1, next + page.rows.size())
-            && page.rows.size() <= range.last - next;
-        next += page.rows.size();
     }
     return all;
 }

@@ -19,10 +19,11 @@ struct Rows
     OrkaRoles roles;
 };
 
+/// What a worker answered when it was asked for these roles.
+Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles);
+
 /// Rows in one request.
 Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const QStringList &roles);
 
-/// Rows in requests of at most 500, until the range is complete, the node's count is reached, or a
-/// request brings none; shorter answers than asked for are gone on from, and a count of 0 beside
-/// rows is not believed.
+/// Rows in pages, all together.
 Rows readRows(Session &session, const CMPath &path, RowRange range, const QStringList &roles);

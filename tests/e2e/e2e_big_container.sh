@@ -18,8 +18,9 @@ check "all rows in one answer, none missing" "$(echo 10000; seq -f 'Track %05g' 
     "$(orka --json ls "$folder" --rows 0-9999 | jq -r '.rowsCount, .rows[].title')"
 check "a sample of the whole folder" "$(echo 10000; seq -f 'Track %05g' 1 100 10000)" \
     "$(orka --json sample "$folder" 0,9999,100 --rows 0-99 | jq -r '.rowsCount, .rows[].title')"
-check "the queue of a whole folder is its first hundred" 100 "$(orka --json queue "$folder" | jq '.items | length')"
-check "the queue of a whole server likewise" 100 "$(orka --json queue Big | jq '.items | length')"
+check "the queue of a whole server, each track once" "$(seq -f 'Track %05g' 1 10000)" \
+    "$(orka --json queue Big | jq -r '.items[].title' | sort)"
+check "a quick queue is a folder's first hundred" 100 "$(orka --json queue --quick "$folder" | jq '.items | length')"
 mapfile -t tracks < <(orka --json ls "$folder" --rows 0-64 | jq -r '.rows[].path')
 check "a queue of 65 tracks by their paths" "$(seq -f 'Track %05g' 1 65)" \
     "$(orka --json queue "${tracks[@]}" | jq -r '.items[].title')"

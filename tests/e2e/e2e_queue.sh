@@ -43,15 +43,17 @@ check "a track" "$(head -n 1 <<<"$signs")" "$(queue "$hello")"
 check "an album of a searching server" "$signs" "$(queue Searches/Music/Album/Punctuation)"
 check "a nested folder of a searching server" "$(grep Quartz <<<"$all" | sort)" \
     "$(queue "Searches/Browse Folders/Ada Quartz" | sort)"
-check "a whole searching server" "$(sort <<<"$all")" "$(queue Searches | sort -u)"
-check "a track named twice" "$(head -n 1 <<<"$signs" | sed p)" "$(queue "$hello" "$hello")"
+check "a whole searching server" "$(sort <<<"$all")" "$(queue Searches | sort)"
+check "a track named twice" "$(head -n 1 <<<"$signs")" "$(queue "$hello" "$hello")"
+check "every item as a device gets it" "$(orka --json queue --quick Searches/Music/Album/Punctuation)" \
+    "$(orka --json queue Searches/Music/Album/Punctuation)"
+check "places in the order given" "$(nested 07 03)" "$(queue "Walks/Audio/Albums/Album 07" "Walks/Audio/Albums/Album 03")"
 
 albums=Walks/Audio/Albums
 check "an album of a server that can't search" "$(nested 07)" "$(queue "$albums/Album 07")"
 check "a track of a server that can't search" "$(nested 07 | head -n 1)" "$(queue "$albums/Album 07/Track 00001")"
-# The walk goes to the tenth and later folders first.
 check "25 nested albums of a server that can't search, each track once and in order" \
-    "$(nested $(seq 10 25) $(seq -f '%02g' 9))" "$(queue "$albums")"
+    "$(nested $(seq -w 1 25))" "$(queue "$albums")"
 check "the folders on its disk" 50 "$(queue "Walks/PC Directory" | wc -l)"
 
 # Read back by other programs, every character of a title in its place.

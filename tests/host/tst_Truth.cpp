@@ -4,6 +4,7 @@
 #include "PrivateBus.h"
 
 #include <QDBusObjectPath>
+#include <QJsonArray>
 #include <QtTest>
 
 #include <memory>
@@ -23,6 +24,7 @@ private slots:
     void hungServiceIsSaid();
     void watchOutlivesTheService();
     void namesakesAreToldApart();
+    void gatheredItemsAreTheWorkersOwn();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -177,6 +179,30 @@ void tst_Truth::namesakesAreToldApart()
     clock.start();
     QCOMPARE(run({"ls", "Den (192.0.2.3)"})->status(), 3);
     QVERIFY2(clock.elapsed() < 2500, QByteArray::number(clock.elapsed()));
+}
+
+/// A row tells all that the worker makes an item of, or the worker is asked.
+void tst_Truth::gatheredItemsAreTheWorkersOwn()
+{
+    const QString odd = m_service->tree.addContainer(FakeTree::serverPath("uuid:1"), "o", "Odd");
+    const QString art = "http://192.0.2.1/a?b=c d&ü";
+    const QVector<QVariantMap> tracks = {
+        {{"Artist", "Ann"}, {"Album", ""}, {"Genre", "Jazz"}, {"Creator", "C"}, {"Date", "2005-06"},
+            {"Duration", 245}, {"AlbumArtURL", art}},
+        {{"DisplayName", ""}}, {{"Duration", 2200000}}, {{"Duration", -5}},
+        {{"AlbumArtURL", "https://192.0.2.1/proxy/aHR0"}}, {{"AlbumArtURL", ""}},
+        {{"MIMEType", "application/ogg"}}, {{"Type", "audio"}}};
+    for (int i = 0; i < tracks.size(); ++i) {
+        QVariantMap track = tracks.at(i);
+        track.insert("URLs", QStringList{QString("http://192.0.2.1/%1").arg(i), "http://x/"});
+        m_service->tree.addTrack(odd, QByteArray::number(i), "Song", track);
+    }
+    m_service->tree.addTrack(odd, "none", "No address", {{"URLs", QStringList()}});
+    const auto gathered = run({"--json", "queue", "Den/Odd"});
+    QVERIFY2(gathered->status() == 0, gathered->errors());
+    const auto quick = run({"--json", "queue", "--quick", "Den/Odd"});
+    QCOMPARE(gathered->json().value("items").toArray().size(), tracks.size());
+    QCOMPARE(gathered->output(), quick->output());
 }
 
 QTEST_GUILESS_MAIN(tst_Truth)

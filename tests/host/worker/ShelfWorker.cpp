@@ -43,7 +43,8 @@ public:
 private:
     OrkaRoles node(const QString &base, const QString &title,
         const QString &itemType = QStringLiteral("container")) const;
-    OrkaRoles track(const QString &base, const QString &title) const;
+    OrkaRoles track(
+        const QString &base, const QString &title, const QString &url = QString()) const;
     Nodes children(const QString &base) const;
     Nodes rowsOf(const CMPath &path) const;
     static QVariant prepare(const QVariantList &paths);
@@ -63,13 +64,14 @@ OrkaRoles ShelfWorker::node(
     return roles;
 }
 
-OrkaRoles ShelfWorker::track(const QString &base, const QString &title) const
+OrkaRoles ShelfWorker::track(const QString &base, const QString &title, const QString &url) const
 {
     OrkaMetaData metaData;
     metaData.setArtist("Ann");
     metaData.setAlbum("Blue");
     OrkaResource resource;
     resource.setDuration(185000);
+    resource.setUri(url.isEmpty() ? "http://192.0.2.1" + base + ".mp3" : url);
     OrkaList<OrkaResource> resources;
     resources.append(resource);
     OrkaMediaData media;
@@ -89,8 +91,16 @@ Nodes ShelfWorker::children(const QString &base) const
             track("/shelf/hostile", hostileTitle), node("/shelf/cjk", "漢字"),
             track("/shelf/bigtrack", "Big")};
     }
+    if (base == "/shelf/cjk") {
+        return {track("/shelf/file", hostileTitle, "file:///etc/passwd"),
+            track("/shelf/option", hostileTitle, "--script=evil"),
+            track("/shelf/spaces", hostileTitle, "http://192.0.2.1/a b\n.mp3"),
+            track("/shelf/same", "Same", "http://192.0.2.1/a b\n.mp3"),
+            node("/shelf/slash", "Loop")};
+    }
     if (base == "/shelf/slash")
-        return {track("/shelf/backslash", "back\\slash"), track("/shelf/composed", "Caf\u00e9")};
+        return {track("/shelf/backslash", "back\\slash"), node("/shelf/cjk", "Loop"),
+            track("/shelf/composed", "Caf\u00e9")};
     Nodes tracks;
     for (int i = 0; base == "/shelf/big" && i < 1200; ++i) {
         const int number = i == 1003 ? 3 : i; // a title that is there twice
@@ -150,21 +160,14 @@ void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
     request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), *found));
 }
 
-/// One item a path, titled with the path; then three with addresses that no player may be given.
+/// One item a path, titled with the path.
 QVariant ShelfWorker::prepare(const QVariantList &paths)
 {
-    QVector<QPair<QString, QString>> titlesAndUrls;
-    for (const QVariant &path : paths)
-        titlesAndUrls.append({path.toString(), "http://192.0.2.1/1.mp3"});
-    for (const char *url : {"file:///etc/passwd", "--script=evil", "http://192.0.2.1/a b\n.mp3"})
-        titlesAndUrls.append({hostileTitle, url});
     QVariantList items;
-    for (const auto &[title, url] : qAsConst(titlesAndUrls)) {
+    for (const QVariant &path : paths) {
         OrkaPlayListItem item;
-        item.setTitle(title);
-        item.setArtist("Ann");
-        item.setDurationSeconds(61);
-        item.setUrl(url);
+        item.setTitle(path.toString());
+        item.setUrl("http://192.0.2.1/1.mp3");
         items.append(item.toVariant());
     }
     return items;

@@ -1,0 +1,94 @@
+#include "output/RowsOutput.h"
+
+#include "output/Output.h"
+
+namespace {
+
+QString kindOf(const OrkaRoles &node)
+{
+    if (!node.contains(OrkaRoles::Type()))
+        return QString(); // it may be anything
+    return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
+        ? QStringLiteral("server")
+        : kindName(node.type());
+}
+
+QString rowLength(const OrkaMediaData &media)
+{
+    const OrkaList<OrkaResource> resources = media.resources();
+    return resources.isEmpty() ? QString() : lengthText(resources.first().duration());
+}
+
+/// What a rows document says of the listed node, from the first page.
+OrkaHash head(const CMPath &path, const Rows &page)
+{
+    OrkaHash head;
+    head.setValue(QStringLiteral("path"), path.toEncoded());
+    head.setValue(OrkaRowsRoles::RowsCount(), page.rowsCount);
+    head.setValue(OrkaRowsRoles::RowsVersion(), page.rowsVersion);
+    head.setValue(OrkaRowsRoles::Roles(), page.roles.toVariant());
+    return head;
+}
+
+} // namespace
+
+RowsOutput::RowsOutput(bool json, const CMPath &path, int first, int step)
+    : m_json(json)
+    , m_path(path)
+    , m_first(first)
+    , m_step(step)
+    , m_table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
+          QStringLiteral("artist"), QStringLiteral("album"), QStringLiteral("length")})
+{
+}
+
+void RowsOutput::add(const Rows &page)
+{
+    m_rowsCount = page.rowsCount;
+    if (m_json && !m_document)
+        m_document = std::make_unique<JsonListDocument>(head(m_path, page), OrkaRowsRoles::Rows());
+    for (const OrkaRoles &row : page.rows) {
+        if (m_json) {
+            m_document->add(row.toVariant());
+        } else {
+            addToTable(row);
+        }
+        ++m_rows;
+    }
+    if (m_json) {
+        m_document->flush();
+    } else {
+        m_table.flush(QString::number(m_rowsCount).size());
+    }
+}
+
+void RowsOutput::addToTable(const OrkaRoles &row)
+{
+    const OrkaMediaData media = row.mediaData();
+    m_table.add({QString::number(m_first + static_cast<long long>(m_rows) * m_step), kindOf(row),
+        row.title().toString(), media.metaData().artist(), media.metaData().album(),
+        rowLength(media)});
+}
+
+void RowsOutput::end(const CMError &error)
+{
+    if (m_json) {
+        m_document->end(error);
+        return;
+    }
+    if (m_rows > 0)
+        m_table.write();
+    writeLine(whatPart());
+}
+
+QString RowsOutput::whatPart() const
+{
+    if (m_rows == 0) {
+        return m_rowsCount == 0
+            ? QStringLiteral("There are no rows.")
+            : QStringLiteral("None of %1 rows is in this range.").arg(m_rowsCount);
+    }
+    // A server that doesn't know how many there are says 0.
+    return m_rowsCount < m_rows ? QStringLiteral("%1 rows.").arg(m_rows)
+                                : QStringLiteral("%1 of %2 rows.").arg(m_rows).arg(m_rowsCount);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "output/JsonOutput.h"
+#include "output/TextOutput.h"
+#include "tree/RowsReader.h"
+
+#include <memory>
+
+/// Prints the rows of a node as they come: as a table with number, kind, title, artist, album and
+/// length, and what part of the whole they are, or as one JSON document. What is printed is not
+/// kept. Throws Failure where it can't be written.
+class RowsOutput
+{
+public:
+    /// The number of the i-th row is `first` + i × `step`.
+    RowsOutput(bool json, const CMPath &path, int first, int step = 1);
+
+    void add(const Rows &page);
+    /// `error` is why the rows aren't all; none where they are.
+    void end(const CMError &error = CMError());
+
+    /// So far.
+    int rows() const { return m_rows; }
+    int rowsCount() const { return m_rowsCount; }
+
+private:
+    void addToTable(const OrkaRoles &row);
+    QString whatPart() const;
+
+    const bool m_json;
+    const CMPath m_path;
+    const int m_first;
+    const int m_step;
+    int m_rows = 0;
+    int m_rowsCount = 0;
+    Table m_table;
+    std::unique_ptr<JsonListDocument> m_document;
+};

@@ -1,0 +1,188 @@
+#include "tree/Gathering.h"
+
+#include "chain/Session.h"
+#include "output/Progress.h"
+#include "output/SafeText.h"
+#include "tree/Place.h"
+#include "tree/RowPages.h"
+#include "tree/ServerList.h"
+
+#include <api/core/orka.h>
+
+namespace {
+
+/// Nobody nests folders like this; a server that invents them does.
+constexpr std::size_t deepest = 500;
+
+Failure incomplete(const QString &sentence)
+{
+    return Failure(AnsweredWithError, QStringLiteral("incomplete"), sentence);
+}
+
+/// A list of rows by its very path.
+bool isSearch(const CMPath &path)
+{
+    return path.hasParam(QStringLiteral("search"));
+}
+
+} // namespace
+
+/// A container on the way down, and how far its rows have been taken.
+struct Gathering::Folder
+{
+    CMPath path;
+    QString name;
+    RowPages pages;
+    Rows page = {};
+    int next = 0;
+};
+
+Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
+    : m_session(session)
+    , m_kinds(kinds)
+    , m_take(std::move(take))
+    , m_progress(std::make_unique<Progress>(QStringLiteral("Collecting")))
+{
+}
+
+Gathering::~Gathering() = default;
+
+void Gathering::add(const CMPath &path, const QString &name)
+{
+    m_session.setName(path, name);
+    if (isSearch(path) || path.base() == ServerList::serverBase(path)) {
+        walk(path, name);
+        return;
+    }
+    const OrkaRoles node = readNode(path);
+    if (node.type() == OrkaRolesType::Container) {
+        walk(path, name);
+    } else if (!node.isEmpty()) {
+        takeItem(node);
+    }
+}
+
+/// Empty where it can't be read.
+OrkaRoles Gathering::readNode(const CMPath &path)
+{
+    try {
+        return m_session.data(path, OrkaRoles::all());
+    } catch (const Failure &failure) {
+        fail(path, failure);
+        return OrkaRoles();
+    }
+}
+
+void Gathering::walk(const CMPath &path, const QString &name)
+{
+    push(path, name);
+    while (!m_folders.empty()) {
+        Folder &folder = *m_folders.back();
+        if (folder.next < folder.page.rows.size()) {
+            takeRow(folder.page.rows.at(folder.next++));
+        } else if (!readMore(&folder)) {
+            m_folders.pop_back();
+        }
+        tellProgress();
+    }
+}
+
+void Gathering::push(const CMPath &path, const QString &name)
+{
+    const QString server = ServerList::serverBase(path);
+    const QString object = isSearch(path) ? path.toEncoded() : path.base();
+    if (m_silent.contains(server) || m_visited.contains(object))
+        return;
+    m_visited.insert(object);
+    m_session.setName(path, name);
+    if (m_folders.size() == deepest) {
+        fail(path,
+            incomplete(QStringLiteral("%1 isn't read: it is nested too deep.").arg(quoted(name))));
+        return;
+    }
+    std::shared_ptr<PageSize> &size = m_pageSizes[server];
+    if (!size)
+        size = std::make_shared<PageSize>();
+    m_folders.push_back(std::unique_ptr<Folder>(
+        new Folder{path, name, {m_session, path, {}, OrkaRoles::all(), size, true}}));
+}
+
+/// False where there is no more, or nothing that can be read.
+bool Gathering::readMore(Folder *folder)
+{
+    if (m_silent.contains(ServerList::serverBase(folder->path)))
+        return false;
+    folder->next = 0;
+    try {
+        if (folder->pages.next(&folder->page))
+            return true;
+    } catch (const Failure &failure) {
+        fail(folder->path, failure);
+        return false;
+    }
+    ++m_foldersRead;
+    if (folder->pages.lacking() > 0) {
+        fail(folder->path,
+            incomplete(QStringLiteral("The media server counts %1 more rows in %2 than it gives.")
+                           .arg(QString::number(folder->pages.lacking()), quoted(folder->name))));
+    }
+    return false;
+}
+
+void Gathering::takeRow(const OrkaRoles &row)
+{
+    if (row.type() == OrkaRolesType::Container) {
+        const QString title = titleInPlace(row.title().toString());
+        const QString &parent = m_folders.back()->name;
+        push(row.path(), parent.isEmpty() ? title : parent + QLatin1Char('/') + title);
+    } else if (row.type() == OrkaRolesType::Search) {
+        return; // a way to search, nothing that plays
+    } else if (m_kinds.contains(int(playableKind(row)))) {
+        takeItem(row);
+    } else {
+        ++m_otherKinds;
+    }
+}
+
+void Gathering::takeItem(const OrkaRoles &row)
+{
+    OrkaPlayListItem item = itemOfRow(row);
+    try {
+        if (item.isEmpty())
+            item = prepared(row.path());
+    } catch (const Failure &failure) {
+        fail(row.path(), failure);
+    }
+    if (item.url().isEmpty() || m_addresses.contains(item.url()))
+        return;
+    m_addresses.insert(item.url());
+    ++m_items;
+    m_take(item);
+}
+
+/// What the worker makes of one object; empty where it makes nothing.
+OrkaPlayListItem Gathering::prepared(const CMPath &path)
+{
+    const CMPath track =
+        path.withoutParams().addParam(QStringLiteral("itemType"), QStringLiteral("track"));
+    const QVariantList items = m_session
+                                   .set(m_session.path(OrkaPlayListPrepareItems()),
+                                       QVariantList{track.toEncoded()}, QString())
+                                   .toList();
+    return items.isEmpty() ? OrkaPlayListItem()
+                           : OrkaPlayListItem(OrkaHash::fromVariant(items.first()));
+}
+
+void Gathering::fail(const CMPath &path, const Failure &failure)
+{
+    m_failures.append(failure);
+    m_session.renewTime(); // for the next server
+    if (failure.status() == NoAnswer || failure.status() == Missing)
+        m_silent.insert(ServerList::serverBase(path));
+}
+
+void Gathering::tellProgress()
+{
+    m_progress->setDoing(
+        QStringLiteral("Collecting: %1 folders, %2 tracks").arg(m_foldersRead).arg(m_items));
+}

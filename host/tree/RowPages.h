@@ -1,0 +1,50 @@
+#pragma once
+
+#include "tree/PageSize.h"
+#include "tree/RowsReader.h"
+
+#include <api/core/CMPath.h>
+
+#include <memory>
+
+/// The rows of one node, page by page; the next page is on its way while one is looked at.
+///
+/// Ends when the range is complete, the node's count is reached, or a page brings nothing. A page
+/// shorter than asked for is gone on from, and a count of 0 beside rows is not believed. A page
+/// that fails is asked for again in smaller pieces where pages have come before.
+class RowPages
+{
+public:
+    /// `size` is shared by the nodes of one media server; null for one of its own. `doing` is what
+    /// a terminal shows; empty: nothing.
+    RowPages(Session &session, const CMPath &path, RowRange range, const QStringList &roles,
+        std::shared_ptr<PageSize> size = nullptr, bool quiet = false);
+    ~RowPages();
+    RowPages(const RowPages &) = delete;
+    RowPages &operator=(const RowPages &) = delete;
+
+    /// Replaces `page` by the next one; false after the last. The first always comes, if without
+    /// rows. Throws Failure as Session does.
+    bool next(Rows *page);
+    /// Position of the row after the last that came.
+    int position() const { return m_next; }
+    /// Of the rows in the range that the node counts, how many didn't come, at the end.
+    int lacking() const;
+
+private:
+    struct Request;
+
+    void ask();
+    Rows take();
+    int lastOfPage() const;
+
+    Session &m_session;
+    const CMPath m_path;
+    const RowRange m_range;
+    const QStringList m_roles;
+    const std::shared_ptr<PageSize> m_size;
+    const bool m_quiet;
+    int m_next;
+    int m_count = 0;
+    std::unique_ptr<Request> m_request;
+};
