@@ -90,6 +90,13 @@ ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
         {position, 1U, QStringList{QStringLiteral("Path")}});
 }
 
+ServiceAnswer ServiceCalls::children(
+    const QString &container, uint first, uint count, const QStringList &properties) const
+{
+    return call(
+        container, containerInterface, QStringLiteral("ListChildren"), {first, count, properties});
+}
+
 ServiceAnswer ServiceCalls::childCount(const QString &container) const
 {
     return call(container, propertiesInterface, QStringLiteral("Get"),
@@ -125,6 +132,14 @@ QStringList objectPaths(const ServiceAnswer &answer)
 QVariant valueOf(const ServiceAnswer &answer)
 {
     return answer.values.value(0).value<QDBusVariant>().variant();
+}
+
+QList<QVariantMap> childrenOf(const ServiceAnswer &answer)
+{
+    const QVariant list = answer.values.value(0);
+    return answer.isGood() && list.canConvert<QDBusArgument>()
+        ? qdbus_cast<QList<QVariantMap>>(list)
+        : QList<QVariantMap>();
 }
 
 int childrenIn(const ServiceAnswer &answer)

@@ -39,6 +39,9 @@ public:
     ServiceAnswer everything(const QString &object) const;
     /// One child of a container, counted from 0.
     ServiceAnswer child(const QString &container, uint position) const;
+    /// These properties of some children, counted from 0.
+    ServiceAnswer children(
+        const QString &container, uint first, uint count, const QStringList &properties) const;
     ServiceAnswer childCount(const QString &container) const;
     /// "/…/server/…/36" for the base of a node path, "/uuid:…/36"; empty where none of `servers`
     /// has this UDN.
@@ -56,6 +59,8 @@ private:
 bool isPathOf(const QString &server, const QString &udn);
 /// The object paths in a good answer of `servers()`.
 QStringList objectPaths(const ServiceAnswer &answer);
+/// The objects in an answer of `children()`; none where it isn't good.
+QList<QVariantMap> childrenOf(const ServiceAnswer &answer);
 /// How many objects a good answer of `child()` holds.
 int childrenIn(const ServiceAnswer &answer);
 /// The value in the answer of `property()` or `childCount()`; invalid where there is none.

@@ -3,7 +3,7 @@
 #include "Failure.h"
 #include "output/Output.h"
 #include "output/RowsOutput.h"
-#include "tree/RowPages.h"
+#include "tree/RowSource.h"
 
 void writeAnswer(
     const GlobalOptions &options, const CMPath &path, const Rows &rows, int first, int step)
@@ -30,32 +30,22 @@ int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 } // namespace
 
 int writeRowsOf(
-    const GlobalOptions &options, Session &session, const CMPath &path, const RowRange &range)
+    const GlobalOptions &options, const CMPath &path, RowSource &source, int first, int step)
 {
-    RowPages pages(session, path, range, OrkaRoles::all());
-    RowsOutput output(options.json, path, range.first);
+    RowsOutput output(options.json, path, first, step);
     Rows page;
     try {
-        while (pages.next(&page))
+        while (source.next(&page))
             output.add(page);
     } catch (const Failure &failure) {
         if (output.rows() == 0 || failure.error().name() == QLatin1String("output"))
             throw;
-        return endIncomplete(&output, pages.lacking(), failure.sentence());
+        return endIncomplete(&output, source.lacking(), failure.sentence());
     }
-    if (pages.lacking() > 0) {
-        return endIncomplete(&output, pages.lacking(),
+    if (source.lacking() > 0) {
+        return endIncomplete(&output, source.lacking(),
             QStringLiteral("The media server counts them and doesn't give them."));
     }
     output.end();
     return Answered;
-}
-
-void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRoles &roles)
-{
-    if (options.json) {
-        writeJson(dataDocument(path, roles));
-    } else {
-        writeRoles(roles);
-    }
 }

@@ -4,8 +4,9 @@
 #include "output/Output.h"
 #include "tree/NodeKind.h"
 #include "tree/PlaceResolver.h"
+#include "tree/RowPages.h"
 #include "tree/RowRange.h"
-#include "tree/RowsReader.h"
+#include "tree/SamplePages.h"
 
 namespace {
 
@@ -26,7 +27,8 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
-        return writeRowsOf(options, session, path, range);
+        RowPages pages(session, path, range, OrkaRoles::all());
+        return writeRowsOf(options, path, pages, range.first);
     }
 
 private:
@@ -116,13 +118,10 @@ public:
             m_rows.isNull() ? RowRange{0, sample.positions() - 1} : parseRowRange(m_rows);
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
-        const CMPath path = PlaceResolver(session)
-                                .resolve(place, PlaceResolver::Folder)
-                                .addParam(QStringLiteral("sample"), sample.toString());
-        // In one request, since a worker counts the rows of a sample from its start.
-        const Rows rows = readRowsAtOnce(session, path, range, OrkaRoles::all());
-        writeAnswer(options, path, rows, sample.start, sample.step);
-        return Answered;
+        const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
+        // A worker counts the rows of a sample from its start.
+        SamplePages pages(session, folder, sample, range.isOpen() ? range.last : range.last + 1);
+        return writeRowsOf(options, pages.path(), pages, sample.start, sample.step);
     }
 
 private:

@@ -61,8 +61,9 @@ void JsonListDocument::end(const CMError &error)
     m_pending += QLatin1Char(']');
     if (error.isError())
         m_pending += QStringLiteral(",\"error\":") + error.toJsonString();
-    m_pending += QStringLiteral("}\n");
+    m_pending += QLatin1Char('}');
     flush();
+    writeText("\n");
 }
 
 OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles)

@@ -8,6 +8,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -34,6 +35,10 @@ void writeText(const QByteArray &bytes)
 
 QString withoutRawControls(const QString &json)
 {
+    if (std::none_of(
+            json.begin(), json.end(), [](QChar c) { return obeyedByTerminals(c.unicode()); })) {
+        return json;
+    }
     QString safe;
     safe.reserve(json.size());
     for (const QChar c : json) {

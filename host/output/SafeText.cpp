@@ -2,6 +2,7 @@
 
 #include <QVector>
 
+#include <algorithm>
 #include <utf8proc.h>
 
 namespace {
@@ -25,6 +26,13 @@ uint shownAs(uint c)
     return c == 0x7f ? 0x2421 : 0xfffd;
 }
 
+/// Nearly every text.
+bool isPlainAscii(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(),
+        [](QChar c) { return c.unicode() >= 0x20 && c.unicode() < 0x7f; });
+}
+
 } // namespace
 
 bool obeyedByTerminals(uint c)
@@ -34,6 +42,8 @@ bool obeyedByTerminals(uint c)
 
 QString safeText(const QString &text)
 {
+    if (text.size() <= longestText && isPlainAscii(text))
+        return text;
     QString safe;
     safe.reserve(qMin(text.size(), longestText));
     // toUcs4() gives U+FFFD for half a pair.
@@ -60,6 +70,8 @@ QString shortened(const QString &text, int most)
 
 int displayWidth(const QString &text)
 {
+    if (isPlainAscii(text))
+        return text.size();
     int width = 0;
     const QVector<uint> characters = text.toUcs4();
     for (const uint c : characters)

@@ -11,15 +11,25 @@ constexpr int widestColumn = 40;
 constexpr int longestCell = 300;
 constexpr int enoughLines = 50;
 
+/// The day, with the time where it isn't midnight. A worker makes 0 of what is no date.
+QString dateText(long long milliseconds)
+{
+    const QDateTime date = QDateTime::fromMSecsSinceEpoch(milliseconds);
+    if (milliseconds == 0)
+        return QString();
+    return date.time() == QTime(0, 0) ? date.date().toString(Qt::ISODate)
+                                      : date.toString(Qt::ISODate);
+}
+
 /// A number that has a name or a unit, as people write it; anything else as text.
 QString valueText(const QString &key, const QVariant &value)
 {
     if (key == OrkaRoles::Type())
         return kindName(value.toInt());
     if (key == OrkaMetaData::Date())
-        return QDateTime::fromMSecsSinceEpoch(value.toLongLong()).toString(Qt::ISODate);
+        return dateText(value.toLongLong());
     if (key == OrkaResource::Duration())
-        return QStringLiteral("%1 ms").arg(value.toLongLong());
+        return lengthText(value.toLongLong());
     if (value.userType() == qMetaTypeId<CMPath>())
         return value.value<CMPath>().toEncoded();
     if (value.userType() == qMetaTypeId<TrString>())
@@ -46,7 +56,9 @@ void writeEntry(const QString &indent, const QString &key, const QVariant &value
         for (int i = 0; i < list.size(); ++i)
             writeEntry(indent, QStringLiteral("%1 %2").arg(key).arg(i), list.at(i));
     } else {
-        writeLine(head + QLatin1Char(' ') + safeText(valueText(key, value)));
+        const QString text = valueText(key, value);
+        if (!text.isEmpty())
+            writeLine(head + QLatin1Char(' ') + safeText(text));
     }
 }
 

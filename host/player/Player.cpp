@@ -119,6 +119,8 @@ int playItems(const PlayListItems &items, const QString &command, bool quietOutp
     if (isMpv && watch.playerDescriptor() >= 0) {
         player.inherit(watch.playerDescriptor());
         arguments << QStringLiteral("--input-ipc-client=fd://%1").arg(watch.playerDescriptor());
+        // It announces each track, too, by its address. What the person set comes later and counts.
+        arguments.prepend(QStringLiteral("--msg-level=cplayer=warn"));
     } else {
         tellTrack(items, 0);
     }

@@ -35,12 +35,14 @@ struct Gathering::Folder
     RowPages pages;
     Rows page = {};
     int next = 0;
+    std::shared_ptr<KnownFiles::Page> known = {};
 };
 
 Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
     : m_session(session)
     , m_kinds(kinds)
     , m_take(std::move(take))
+    , m_known(session.options().timeout)
     , m_progress(std::make_unique<Progress>(QStringLiteral("Collecting")))
 {
 }
@@ -58,7 +60,7 @@ void Gathering::add(const CMPath &path, const QString &name)
     if (node.type() == OrkaRolesType::Container) {
         walk(path, name);
     } else if (!node.isEmpty()) {
-        takeItem(node);
+        takeItem(node, nullptr);
     }
 }
 
@@ -114,8 +116,13 @@ bool Gathering::readMore(Folder *folder)
         return false;
     folder->next = 0;
     try {
-        if (folder->pages.next(&folder->page))
+        const int first = folder->pages.position();
+        if (folder->pages.next(&folder->page)) {
+            const int rows = folder->page.rows.size();
+            folder->known =
+                std::make_shared<KnownFiles::Page>(KnownFiles::Page{folder->path, first, rows});
             return true;
+        }
     } catch (const Failure &failure) {
         fail(folder->path, failure);
         return false;
@@ -138,13 +145,13 @@ void Gathering::takeRow(const OrkaRoles &row)
     } else if (row.type() == OrkaRolesType::Search) {
         return; // a way to search, nothing that plays
     } else if (m_kinds.contains(int(playableKind(row)))) {
-        takeItem(row);
+        takeItem(row, m_folders.back()->known);
     } else {
         ++m_otherKinds;
     }
 }
 
-void Gathering::takeItem(const OrkaRoles &row)
+void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page)
 {
     OrkaPlayListItem item = itemOfRow(row);
     try {
@@ -153,9 +160,8 @@ void Gathering::takeItem(const OrkaRoles &row)
     } catch (const Failure &failure) {
         fail(row.path(), failure);
     }
-    if (item.url().isEmpty() || m_addresses.contains(item.url()))
+    if (item.url().isEmpty() || !m_known.add(item, row.path(), page))
         return;
-    m_addresses.insert(item.url());
     ++m_items;
     m_take(item);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Failure.h"
+#include "tree/KnownFiles.h"
 #include "tree/PageSize.h"
 #include "tree/PlayableRow.h"
 
@@ -52,7 +53,7 @@ private:
     void open(const OrkaRoles &row, const QString &parentName);
     void push(const CMPath &path, const QString &name);
     void takeRow(const OrkaRoles &row);
-    void takeItem(const OrkaRoles &row);
+    void takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page);
     OrkaPlayListItem prepared(const CMPath &path);
     void fail(const CMPath &path, const Failure &failure);
     void tellProgress();
@@ -64,7 +65,7 @@ private:
     std::vector<std::unique_ptr<Folder>> m_folders;
     QHash<QString, std::shared_ptr<PageSize>> m_pageSizes;
     QSet<QString> m_visited;
-    QSet<QString> m_addresses;
+    KnownFiles m_known;
     /// Bases of servers that don't answer.
     QSet<QString> m_silent;
     QVector<Failure> m_failures;

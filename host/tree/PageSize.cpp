@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int smallest = 20;
+constexpr int smallest = 5;
 constexpr long long wantedMilliseconds = 4000;
 constexpr long long fastestGrowth = 8;
 

@@ -9,6 +9,11 @@ public:
     /// Bounds what a page takes in memory.
     static constexpr int largest = 2000;
 
+    explicit PageSize(int rows = first)
+        : m_rows(rows)
+    {
+    }
+
     int rows() const { return m_rows; }
     /// An answer of `rows` rows took so long.
     void took(int rows, long long milliseconds);
@@ -17,7 +22,7 @@ public:
     bool shrink();
 
 private:
-    int m_rows = first;
+    int m_rows;
     int m_limit = largest;
     bool m_answered = false;
 };

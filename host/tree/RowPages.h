@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tree/PageSize.h"
-#include "tree/RowsReader.h"
+#include "tree/RowSource.h"
 
 #include <api/core/CMPath.h>
 
@@ -12,24 +12,21 @@
 /// Ends when the range is complete, the node's count is reached, or a page brings nothing. A page
 /// shorter than asked for is gone on from, and a count of 0 beside rows is not believed. A page
 /// that fails is asked for again in smaller pieces where pages have come before.
-class RowPages
+class RowPages : public RowSource
 {
 public:
-    /// `size` is shared by the nodes of one media server; null for one of its own. `doing` is what
-    /// a terminal shows; empty: nothing.
+    /// `size` is shared by the nodes of one media server; null for one of its own. `quiet`: a
+    /// terminal shows nothing of it.
     RowPages(Session &session, const CMPath &path, RowRange range, const QStringList &roles,
         std::shared_ptr<PageSize> size = nullptr, bool quiet = false);
-    ~RowPages();
+    ~RowPages() override;
     RowPages(const RowPages &) = delete;
     RowPages &operator=(const RowPages &) = delete;
 
-    /// Replaces `page` by the next one; false after the last. The first always comes, if without
-    /// rows. Throws Failure as Session does.
-    bool next(Rows *page);
+    bool next(Rows *page) override;
     /// Position of the row after the last that came.
     int position() const { return m_next; }
-    /// Of the rows in the range that the node counts, how many didn't come, at the end.
-    int lacking() const;
+    int lacking() const override;
 
 private:
     struct Request;

@@ -40,6 +40,10 @@ done
 check "a backslash, which MiniDLNA never finds" "" "$(found Searches --title 'back\slash')"
 check "a backslash, which Rygel finds" 'back\slash' "$(found Virtual --title 'back\slash')"
 
+for server in Searches Lists Virtual; do
+    check "$server: each file once, in however many folders it is" "$(library_tracks | cut -d '|' -f 8 | sort)" \
+        "$(orka --json queue "$server" | jq -r '.items[].title' | sort)"
+done
 check_fails "a server that can't search" 1 "search" orka search Lists --artist Quartz
 check "its menu has no search" 0 "$(orka --json servers | jq '[.rows[] | select(.title == "Lists" and .search != null)] | length')"
 finish

@@ -343,7 +343,7 @@ void tst_Commands::playHandsOverThePlaylistAndItsStatus()
 void tst_Commands::playSaysWhichTrackMpvPlays()
 {
     const QString mpv = script("mpv", R"(
-socket=${1#--input-ipc-client=fd://}
+socket=${2#--input-ipc-client=fd://}
 for path in '"http://192.0.2.1/a%20b%0A.mp3"' null '"/tmp/orka-x.m3u8"' \
     '"http://192.0.2.1/shelf/backslash.mp3"'; do
     echo '{"event":"property-change","name":"path","data":'$path'}' >&"$socket"

@@ -25,6 +25,7 @@ private slots:
     void watchOutlivesTheService();
     void namesakesAreToldApart();
     void gatheredItemsAreTheWorkersOwn();
+    void samplesAreTheWorkersOwn();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -203,6 +204,28 @@ void tst_Truth::gatheredItemsAreTheWorkersOwn()
     const auto quick = run({"--json", "queue", "--quick", "Den/Odd"});
     QCOMPARE(gathered->json().value("items").toArray().size(), tracks.size());
     QCOMPARE(gathered->output(), quick->output());
+}
+
+/// However they are fetched.
+void tst_Truth::samplesAreTheWorkersOwn()
+{
+    const QString server = FakeTree::serverPath("uuid:1");
+    const QString many = m_service->tree.addContainer(server, "n", "Many");
+    for (int i = 0; i < 130; ++i)
+        m_service->tree.addTrack(many, QByteArray::number(i), QString::number(i));
+    for (const QString &sample :
+        {"0,129,1", "3,999,1", "3,90,7", "0,500,20", "129,129,1", "4,9,100"}) {
+        const QString path = "upnp:/uuid:1/6e?sample=" + QString(sample).replace(',', "%2C");
+        const auto all = run({"--json", "rows", path, "--last", "200"});
+        const auto own = run({"--json", "sample", "upnp:/uuid:1/6e", sample});
+        QVERIFY2(own->status() == 0 && all->status() == 0, own->errors() + all->errors());
+        QCOMPARE(own->json(), all->json());
+        const auto five = run({"--json", "sample", "Den/Many", sample, "--rows", "2-4"});
+        QCOMPARE(
+            five->json()["rows"].toArray().size(), qMin(5, own->json()["rows"].toArray().size()));
+    }
+    const auto beyond = run({"sample", "Den/Many", "130,140,1"});
+    QCOMPARE(beyond->status(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Truth)
