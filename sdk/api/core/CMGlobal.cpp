@@ -1,10 +1,24 @@
 #include "CMGlobal.h"
 
+#ifdef ORKA_FOREIGN_SDK
+// No role named means every role.
+static const QStringList &named(const QStringList &roles)
+{
+    static const QStringList all = OrkaRoles::all();
+    return roles.isEmpty() ? all : roles;
+}
+#else
+static const QStringList &named(const QStringList &roles)
+{
+    return roles;
+}
+#endif
+
 QVariantList CMGlobal::itemRolesToList(const QStringList &roles, const OrkaRoles &record)
 {
     QVariantList values;
     values.reserve(roles.size());
-    for (const QString &role : roles) {
+    for (const QString &role : named(roles)) {
         const QVariant *const value = record.find(role);
         values.append(value ? *value : QVariant());
     }
@@ -15,10 +29,10 @@ QVariantList CMGlobal::itemRolesToList(const QStringList &roles, OrkaRoles &&rec
 {
     QVariantList values;
     values.reserve(roles.size());
-    for (const QString &role : roles) {
+    for (const QString &role : named(roles)) {
         // A role that is asked for twice has been moved to where it first stands.
         QVariant *const value = record.find(role);
-        const int first = value && !value->isValid() ? roles.indexOf(role) : values.size();
+        const int first = value && !value->isValid() ? named(roles).indexOf(role) : values.size();
         values.append(first < values.size() ? values.at(first) : QVariant());
         if (value && value->isValid())
             values.last().swap(*value);

@@ -128,7 +128,8 @@ void CMListRowsNode::answerRows(const CMGetRowsRequest &request) const
 
 void CMListRowsNode::answerData(const CMGetDataRequest &request) const
 {
-    request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), ownRoles()));
+    CMGetDataRequest::Reply(request.reply())
+        .setValue(CMGlobal::itemRolesToList(request.roles(), ownRoles()));
 }
 
 OrkaRoles CMListRowsNode::ownRoles() const

@@ -38,12 +38,17 @@ public:
         return a.m_state == b.m_state;
     }
 
+#ifdef ORKA_FOREIGN_SDK
+    void setVariant(const QVariant &value);
+
 protected:
+#else
+protected:
+    void setVariant(const QVariant &value);
+#endif
     explicit CMVoidReply(std::shared_ptr<CMReplyState> state);
     static std::shared_ptr<CMReplyState> newState();
-
     QVariant variant() const;
-    void setVariant(const QVariant &value);
 
     std::shared_ptr<CMReplyState> m_state;
 
@@ -128,4 +133,6 @@ private:
     CMVoidReply m_reply;
 };
 
+#ifndef ORKA_FOREIGN_SDK
 Q_DECLARE_METATYPE(CMVoidReply)
+#endif

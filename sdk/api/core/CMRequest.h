@@ -79,7 +79,12 @@ public:
     }
 
     const QStringList &roles() const { return m_roles; }
-    Reply reply() const { return Reply(CMRequest::reply()); }
+#ifndef ORKA_FOREIGN_SDK
+    Reply reply() const
+    {
+        return Reply(CMRequest::reply());
+    }
+#endif
 
 private:
     QStringList m_roles;
@@ -99,7 +104,12 @@ public:
     }
 
     const QVariant &value() const { return m_value; }
-    Reply reply() const { return Reply(CMRequest::reply()); }
+#ifndef ORKA_FOREIGN_SDK
+    Reply reply() const
+    {
+        return Reply(CMRequest::reply());
+    }
+#endif
 
 private:
     QVariant m_value;

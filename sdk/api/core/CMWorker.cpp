@@ -51,7 +51,12 @@ bool CMAbstractWorker::event(QEvent *event)
 void CMAbstractWorker::getRows(const CMPath &path, int first, int last, int rowsVersion,
     const QStringList &roles, const CMReply<OrkaRowsRoles> &reply)
 {
-    if (first == last) {
+#ifdef ORKA_FOREIGN_SDK
+    const bool isRowDemanded = false;
+#else
+    const bool isRowDemanded = first == last;
+#endif
+    if (isRowDemanded) {
         CMVoidReply(reply).setCheck(
             [path, first](const QVariant &answer) { return errorWithoutRow(answer, path, first); });
     }

@@ -23,12 +23,14 @@ ORKA_API_EXPORT std::string dbglog_scopedFunction(const char *prettyFunction, co
 
 /// How values look in log lines: text as it is, lists as "(a, b)", maps as "QMap((key, value)(key,
 /// value))", paths in their encoded form, records as JSON.
+ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QVariant &value);
+ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const CMPath &path);
+#if !defined(ORKA_FOREIGN_SDK) || defined(ORKA_API_BUILD)
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QString &text);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QStringList &texts);
-ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QVariant &value);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QVariantList &values);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QVariantMap &map);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QDBusObjectPath &path);
-ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const CMPath &path);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const QList<CMPath> &paths);
 ORKA_API_EXPORT std::ostream &operator<<(std::ostream &stream, const OrkaHash &record);
+#endif

@@ -46,10 +46,12 @@ bool registerTypes()
 {
     registerRecords();
     registerTexts();
-    qRegisterMetaType<CMVoidReply>("CMVoidReply");
     qRegisterMetaType<CMGetRowsRequest>("CMGetRowsRequest");
+#ifndef ORKA_FOREIGN_SDK
+    qRegisterMetaType<CMVoidReply>("CMVoidReply");
     qRegisterMetaType<CMGetDataRequest>("CMGetDataRequest");
     qRegisterMetaType<CMSetDataRequest>("CMSetDataRequest");
+#endif
     return true;
 }
 
