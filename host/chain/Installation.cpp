@@ -34,6 +34,11 @@ QString Installation::privateBusConfiguration()
         {QStringLiteral("private-bus.conf"), QStringLiteral(ORKA_DATA "/private-bus.conf")});
 }
 
+QString Installation::page()
+{
+    return firstOf({QStringLiteral("../../../web"), QStringLiteral("../share/orka/web")});
+}
+
 QString Installation::bridge()
 {
     const QString path = firstOf({QStringLiteral("../services/mediaBridge/orka-media-bridge"),

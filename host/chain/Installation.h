@@ -8,6 +8,8 @@ namespace Installation {
 
 QString plugin();
 QString privateBusConfiguration();
+/// The folder of the page that `serve` shows.
+QString page();
 /// Falls back on PATH; empty when there is none.
 QString bridge();
 

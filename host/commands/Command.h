@@ -43,6 +43,7 @@ CommandPointer makeSearch(CLI::App &app);
 CommandPointer makeSample(CLI::App &app);
 CommandPointer makeQueue(CLI::App &app);
 CommandPointer makePlay(CLI::App &app);
+CommandPointer makeServe(CLI::App &app);
 CommandPointer makeRows(CLI::App &app);
 CommandPointer makeData(CLI::App &app);
 CommandPointer makeSet(CLI::App &app);

@@ -1,0 +1,110 @@
+#include "web/NodeApi.h"
+
+#include "Failure.h"
+#include "output/JsonOutput.h"
+#include "tree/Place.h"
+
+namespace {
+
+constexpr int mostRows = 1000;
+
+QStringList rolesOf(const Exchange &exchange)
+{
+    const QString list = exchange.parameter(QStringLiteral("roles"));
+    return list.isEmpty() ? OrkaRoles::all() : list.split(QLatin1Char(','));
+}
+
+int numberOf(const Exchange &exchange, const QString &name, int otherwise)
+{
+    const QString text = exchange.parameter(name);
+    bool isNumber = true;
+    const int number = text.isEmpty() ? otherwise : text.toInt(&isNumber);
+    if (!isNumber || number < 0)
+        throw wrongUsage(QStringLiteral("\"%1\" is a number from 0.").arg(name));
+    return number;
+}
+
+CMPath pathOf(const Exchange &exchange)
+{
+    return parsePath(exchange.parameter(QStringLiteral("path")));
+}
+
+} // namespace
+
+Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles)
+{
+    Rows rows;
+    rows.rowsCount = answer.rowsCount();
+    rows.rowsVersion = answer.rowsVersion();
+    rows.roles = answer.roles();
+    const QVariantList list = answer.rows();
+    rows.rows.reserve(list.size());
+    for (const QVariant &row : list)
+        rows.rows.append(recordOf(roles, row.toList()));
+    return rows;
+}
+
+NodeApi::NodeApi(LiveChain &chain, CarriedAddresses &carried, HttpServer &server)
+    : m_chain(chain)
+    , m_carried(carried)
+{
+    server.route("GET", "/api/rows", [this](const ExchangePointer &exchange) { rows(exchange); });
+    server.route("GET", "/api/data", [this](const ExchangePointer &exchange) { data(exchange); });
+    server.route("POST", "/api/set", [this](const ExchangePointer &exchange) { set(exchange); });
+}
+
+void NodeApi::rows(const ExchangePointer &exchange)
+{
+    const CMPath path = pathOf(*exchange);
+    const QStringList roles = rolesOf(*exchange);
+    const int first = numberOf(*exchange, QStringLiteral("first"), 0);
+    const int last = numberOf(*exchange, QStringLiteral("last"), first + 19);
+    if (last < first || last - first >= mostRows) {
+        throw wrongUsage(QStringLiteral("Ask for 1 to %1 rows at once: \"first\" and \"last\" are "
+                                        "the first and the last of them, counted from 0.")
+                             .arg(mostRows));
+    }
+    m_chain.rows(path, first, last, roles, [=](const CMError &error, const OrkaRowsRoles &answer) {
+        if (error.isError()) {
+            exchange->refuse(error);
+            return;
+        }
+        const Rows rows = rowsOf(answer, roles);
+        for (const OrkaRoles &row : rows.rows)
+            m_carried.note(row);
+        exchange->answer(rowsDocument(path, rows));
+    });
+}
+
+void NodeApi::data(const ExchangePointer &exchange)
+{
+    const CMPath path = pathOf(*exchange);
+    const QStringList roles = rolesOf(*exchange);
+    m_chain.data(path, roles, [=](const CMError &error, const QVariantList &values) {
+        if (error.isError()) {
+            exchange->refuse(error);
+            return;
+        }
+        const OrkaRoles record = recordOf(roles, values);
+        m_carried.note(record);
+        exchange->answer(dataDocument(path, record));
+    });
+}
+
+void NodeApi::set(const ExchangePointer &exchange)
+{
+    const CMPath path = pathOf(*exchange);
+    const QVariant value = valueFromJson(QString::fromUtf8(exchange->body()));
+    m_chain.set(path, value, [=](const CMError &error, const QVariant &answer) {
+        if (error.isError()) {
+            exchange->refuse(error);
+            return;
+        }
+        for (const QVariant &entry : answer.toList()) {
+            const OrkaPlayListItem item = OrkaHash::fromVariant(entry);
+            m_carried.noteArt(item.artworkUrl());
+            m_carried.noteMedia(item.url());
+        }
+        exchange->answer(valueDocument(answer));
+    });
+}

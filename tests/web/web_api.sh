@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# What the page's program answers: documents like --json's, every line of its documentation, and refusals.
+set -euo pipefail
+. "$WORLD_ROOT/tests/e2e/checks.sh"
+
+# serve ARGUMENTS…: starts it; $URL is its address, $serve_pid its process.
+serve() {
+    orka serve "$@" >"$WORLD_DIR/serve.out" 2>"$WORLD_DIR/serve.err" &
+    serve_pid=$!
+    within 20 grep -q ^http "$WORLD_DIR/serve.out" || say_and_fail "It did not start: $(cat "$WORLD_DIR/serve.err")"
+    URL=$(head -n 1 "$WORLD_DIR/serve.out")
+    URL=${URL%/}
+}
+status_of() {
+    curl -sk -o "$WORLD_DIR/body" -w '%{http_code}' "$@"
+}
+rows_of() {
+    curl -fsSk -G "$URL/api/rows" --data-urlencode "path=$1" "${@:2}"
+}
+has_server() {
+    rows_of upnp: | jq -e '.rowsCount == 1' >/dev/null
+}
+
+furnish "Test Music"
+serve
+within 10 has_server
+SERVER=$(rows_of upnp: | jq -r '.rows[0].path')
+export URL SERVER
+
+check "rows as --json prints them" "$(orka --json rows "$SERVER" --last 9)" "$(rows_of "$SERVER" -d last=9)"
+check "one node" "$(orka --json data "$SERVER" --roles title,type)" \
+    "$(curl -fsS -G "$URL/api/data" --data-urlencode "path=$SERVER" -d roles=title,type)"
+while read -r line; do
+    bash -c "$line" >"$WORLD_DIR/stdout" 2>&1 || check "documented: $line" "" "$(cat "$WORLD_DIR/stdout")"
+done < <(sed -n 's/^    \(curl .*\)/\1/p' "$WORLD_ROOT/docs/web-api.md")
+tag=$(curl -fsSD - -o /dev/null "$URL/style.css" | sed -n 's/\r$//; s/^ETag: //p')
+check "what a client has is not sent again" 304 "$(status_of -H "If-None-Match: $tag" "$URL/style.css")"
+check "for who can read it, compressed" "$(rows_of "$SERVER")" "$(rows_of "$SERVER" --compressed)"
+
+head -c 9000000 /dev/zero >"$WORLD_DIR/nine"
+# refused STATUS CURL-ARGUMENTS…
+refused() {
+    check "refused: $(printf '%.90s' "${*:2}")" "$1" "$(status_of "${@:2}")"
+}
+refused 421 -H "Host: evil.example" "$URL/"
+refused 403 -H "Origin: http://evil.example" "$URL/api/rows?path=upnp:"
+refused 403 -H "Sec-Fetch-Site: cross-site" "$URL/api/rows?path=upnp:"
+refused 415 -d '""' "$URL/api/set?path=upnp:"
+refused 404 --path-as-is "$URL/../../etc/passwd"
+refused 400 --path-as-is "$URL/%2e%2e%2fCMakeLists.txt"
+refused 400 "$URL/api/rows?path=upnp:&first=0&last=1000000"
+refused 414 "$URL/api/rows?path=upnp:$(printf 'x%.0s' $(seq 9000))"
+refused 413 -H "Content-Type: application/json" --data-binary "@$WORLD_DIR/nine" "$URL/api/set?path=upnp:"
+refused 411 -H "Content-Type: application/json" -H "Transfer-Encoding: chunked" -d '""' "$URL/api/set?path=upnp:"
+refused 502 "$URL/api/rows?path=upnp:/nix"
+
+# Idle clients take nobody's place.
+exec 7<"$WORLD_DIR/serve.out"
+for ((i = 0; i < 1000; ++i)); do
+    exec {idle}<>"/dev/tcp/127.0.0.1/${URL##*:}"
+done
+check "a thousand idle connections" 200 "$(status_of -m 5 "$URL/")"
+
+# The media service is started again where it ends, and the page's program goes on.
+stop_bridge() {
+    kill "$bridge_pid"
+    wait "$bridge_pid" 2>/dev/null || true
+}
+stop_bridge
+lists_again() {
+    rows_of "$SERVER" -m 10 2>/dev/null | jq -e '.rowsCount > 0' >/dev/null
+}
+within 20 lists_again || check "the media service is back" 1 0
+kill -0 "$serve_pid"
+finish

@@ -1,0 +1,86 @@
+import { readRows, setValue } from './api.js';
+import { count, h, short } from './dom.js';
+import { live } from './live.js';
+import { nodeLook } from './looks.js';
+import { isFolder, placeHash, serverOf } from './place.js';
+
+const mostShown = 24;
+
+/**
+ * What a media server finds, by everything that its search menu offers, as the answers come.
+ * @param {HTMLElement} main @param {string} path @param {string} text
+ * @param {import('./looks.js').RowActions} actions @param {Crumb[]} trail
+ */
+export function showSearch(main, path, text, actions, trail) {
+  const said = h('small', { role: 'status' }, 'Searching …');
+  const results = h('div', { class: 'results', tabindex: 0, role: 'region', 'aria-label': 'Results' });
+  const server = live.find(serverOf(path));
+  const request = new AbortController();
+  document.title = `${short(text)} – orka`;
+  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, 'Search ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
+  search();
+
+  async function search() {
+    try {
+      const menu = await readRows(`${serverOf(path)}?search=menu`, 0, 9, request.signal);
+      if (!menu.rows.length) {
+        say('This media server can’t search. Its folders can be browsed, and long ones have an index at the side.');
+        return;
+      }
+      const found = await Promise.all(menu.rows.map(searchOne));
+      const total = found.reduce((sum, number) => sum + number, 0);
+      said.textContent = found.some((number) => number < 0) ? '' : count(total, 'match', 'matches');
+      if (total === 0) say(`Nothing matches “${short(text)}”. A part of a word is enough; fewer letters find more.`);
+    } catch (error) {
+      if (!request.signal.aborted) say(/** @type {Error} */ (error).message);
+    }
+  }
+
+  /** @param {string} sentence */
+  function say(sentence) {
+    said.textContent = '';
+    results.append(h('div', { class: 'empty' }, h('p', {}, sentence), h('a', { href: placeHash(path) }, 'To the folders')));
+  }
+
+  /** One section; returns how many rows there are, -1 where the search failed. @param {Row} kind */
+  async function searchOne(kind) {
+    const section = h('section', {}, h('h2', {}, `${kind.title} `, h('small', {}, 'searching …')));
+    results.append(section);
+    try {
+      const place = await setValue(kind.path, { string_: text });
+      const answer = await readRows(place, 0, mostShown - 1, request.signal);
+      if (request.signal.aborted) return 0;
+      section.hidden = !answer.rows.length;
+      section.replaceChildren(h('h2', {}, `${kind.title} `, h('small', {}, answer.rowsCount.toLocaleString('en'))));
+      addGroup(section, 'Folders', answer.rows.filter(isFolder));
+      addGroup(section, 'Tracks', answer.rows.filter((row) => !isFolder(row)));
+      if (answer.rowsCount > answer.rows.length) {
+        section.append(h('a', { class: 'all', href: placeHash(place) }, `All ${answer.rowsCount.toLocaleString('en')} by ${kind.title.toLowerCase()}`));
+      }
+      return answer.rowsCount;
+    } catch (error) {
+      if (!request.signal.aborted) {
+        section.replaceChildren(h('h2', {}, kind.title), h('p', { class: 'empty' }, /** @type {Error} */ (error).message));
+      }
+      return -1;
+    }
+  }
+
+  /** @param {HTMLElement} section @param {string} name @param {Row[]} rows */
+  function addGroup(section, name, rows) {
+    if (!rows.length) return;
+    const look = nodeLook(actions, name === 'Folders' && rows.some((row) => row.icon) ? 'covers' : 'list');
+    const list = h('ul', { class: look.width ? 'still covers' : 'still', 'aria-label': name });
+    rows.forEach((row, i) => {
+      const element = look.make();
+      look.fill(element, row, i);
+      list.append(element);
+    });
+    section.append(h('h3', {}, name), list);
+  }
+
+  return {
+    leave: () => request.abort(),
+    update() {},
+  };
+}

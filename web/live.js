@@ -1,0 +1,59 @@
+// What changes by itself: media servers, the media service, the machine's player, and whether the program is there.
+
+class Live extends EventTarget {
+  /** @type {Row[]|null} null until the program has told */
+  servers = null;
+  service = { there: true, message: '' };
+  /** @type {PlayerState|null} */
+  player = null;
+  isConnected = true;
+  /** @type {EventSource|null} */
+  #source = null;
+  #again = 0;
+
+  start() {
+    // A browser has few connections to one address: a page that nobody sees needs none.
+    document.addEventListener('visibilitychange', () => (document.hidden ? this.#stop() : this.#open()));
+    if (!document.hidden) this.#open();
+  }
+
+  #open() {
+    if (this.#source) return;
+    clearTimeout(this.#again);
+    const source = new EventSource('/api/servers');
+    this.#source = source;
+    /** @param {string} name @param {(value: any) => void} take */
+    const on = (name, take) => source.addEventListener(name, (event) => {
+      take(JSON.parse(/** @type {MessageEvent} */ (event).data));
+      this.dispatchEvent(new Event(name));
+    });
+    on('servers', (answer) => (this.servers = answer.rows));
+    on('service', (service) => (this.service = service));
+    on('player', (state) => (this.player = state));
+    source.onopen = () => this.#setConnected(true);
+    source.onerror = () => {
+      this.#stop();
+      this.#setConnected(false);
+      this.#again = setTimeout(() => this.#open(), 1000);
+    };
+  }
+
+  #stop() {
+    this.#source?.close();
+    this.#source = null;
+  }
+
+  /** @param {boolean} isConnected */
+  #setConnected(isConnected) {
+    if (this.isConnected === isConnected) return;
+    this.isConnected = isConnected;
+    this.dispatchEvent(new Event('connection'));
+  }
+
+  /** The row of the media server that a path belongs to. @param {string} server */
+  find(server) {
+    return this.servers?.find((row) => row.path.split('?')[0] === server);
+  }
+}
+
+export const live = new Live();

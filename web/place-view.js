@@ -1,0 +1,110 @@
+import { readNode } from './api.js';
+import { count, h, iconButton, short } from './dom.js';
+import { live } from './live.js';
+import { nodeLook } from './looks.js';
+import { isFolder, serverOf } from './place.js';
+import { NodeRows } from './rows.js';
+import './scroll-index.js';
+
+/** @param {Row|undefined} row the first one */
+const kindOf = (row) => (row && !isFolder(row) ? 'tracks' : 'folders');
+
+/** Covers where the first folders have some, unless somebody chose. @param {NodeRows} rows @returns {'list'|'covers'} */
+function formOf(rows) {
+  const kind = kindOf(rows.get(0));
+  const chosen = localStorage.getItem(`orka.form.${kind}`);
+  if (chosen === 'list' || chosen === 'covers') return chosen;
+  return kind === 'folders' && [0, 1, 2, 3].some((i) => rows.get(i)?.icon) ? 'covers' : 'list';
+}
+
+/**
+ * One folder: its rows as a list or as covers, and the index beside them.
+ * @param {HTMLElement} main @param {string} path @param {import('./looks.js').RowActions} actions @param {Crumb[]} trail
+ */
+export function showPlace(main, path, actions, trail) {
+  const rows = new NodeRows(path);
+  const first = Number(history.state?.first || 0);
+  const title = trail.at(-1)?.title || live.find(serverOf(path))?.title || '';
+  const heading = h('h1', {}, h('bdi', {}, short(title || ' ')));
+  const said = h('small', { role: 'status' }, 'Reading …');
+  const toggle = iconButton('covers', 'Show covers', () => switchForm());
+  const more = iconButton('more', 'More about this folder', () => actions.menu({ path, title: heading.textContent || '' }, more));
+  const trouble = h('div', { class: 'empty', hidden: true });
+  const list = h('row-list');
+  const index = h('scroll-index', { hidden: true });
+  main.replaceChildren(h('div', { class: 'head' }, heading, said, toggle, more), trouble, h('div', { class: 'long' }, list, index));
+
+  /** @type {'list'|'covers'|''} */
+  let form = '';
+  let indexed = -1;
+  let wasThere = true;
+
+  function name(/** @type {string} */ text) {
+    heading.firstElementChild.textContent = short(text);
+    document.title = `${short(text)} – orka`;
+  }
+  if (title && trail.length) name(title);
+  else readNode(path).then((row) => name(row.title || title), () => name(title || 'Folder'));
+
+  function draw() {
+    const wanted = rows.get(0) || form === '' ? formOf(rows) : form;
+    said.textContent = rows.total < 0 ? 'Reading …' : count(rows.total, 'row', 'rows');
+    trouble.hidden = rows.total !== 0;
+    if (rows.total === 0) trouble.replaceChildren('This folder is empty.');
+    if (wanted !== form) setForm(/** @type {'list'|'covers'} */ (wanted), form === '' ? first : list.first);
+    if (rows.total >= 0 && rows.total !== indexed) {
+      indexed = rows.total;
+      index.show(path, rows.total, (/** @type {number} */ row) => list.jump(row));
+    }
+  }
+
+  /** @param {'list'|'covers'} next @param {number} top */
+  function setForm(next, top) {
+    form = next;
+    toggle.setAttribute('aria-label', form === 'covers' ? 'Show a list' : 'Show covers');
+    toggle.title = toggle.getAttribute('aria-label');
+    list.show(heading.textContent, rows, nodeLook(actions, form), top);
+  }
+
+  function switchForm() {
+    const next = form === 'covers' ? 'list' : 'covers';
+    localStorage.setItem(`orka.form.${kindOf(rows.get(list.first))}`, next);
+    setForm(next, list.first);
+  }
+
+  function retry() {
+    trouble.hidden = true;
+    said.textContent = 'Reading …';
+    rows.reload();
+  }
+
+  let keep = 0;
+  list.addEventListener('moved', () => {
+    clearTimeout(keep);
+    keep = setTimeout(() => {
+      if (list.isConnected) history.replaceState({ ...history.state, first: list.first }, '');
+    }, 200);
+  });
+  rows.addEventListener('change', draw);
+  rows.addEventListener('problem', (event) => {
+    const error = /** @type {CustomEvent} */ (event).detail;
+    said.textContent = '';
+    trouble.hidden = false;
+    trouble.replaceChildren(h('p', {}, error.message), h('button', { type: 'button', onclick: retry }, 'Try again'));
+  });
+  rows.need(first, first + 63);
+
+  return {
+    leave() {
+      rows.stop();
+      index.clear();
+      clearTimeout(keep);
+    },
+    /** A media server that is back, or a program, has the rows anew. */
+    update() {
+      const isThere = live.isConnected && live.service.there && Boolean(live.servers && live.find(serverOf(path)));
+      if (isThere && !wasThere) retry();
+      if (live.servers) wasThere = isThere;
+    },
+  };
+}
