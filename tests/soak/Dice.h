@@ -1,8 +1,7 @@
 #pragma once
 
-#include "ArbitraryValue.h"
-
-#include <QList>
+#include <QStringList>
+#include <QVariantMap>
 
 #include <random>
 
@@ -16,14 +15,17 @@ public:
     }
 
     /// From 0 to `bound`, which is at least 1, exclusive. The same on every machine.
-    quint32 below(quint32 bound) { return quint32(m_engine() % bound); }
-    bool chance(int percent) { return int(below(100)) < percent; }
-    QString text() { return pick(hostileTexts()); }
+    int below(int bound) { return int(m_engine() % quint64(bound)); }
+    bool chance(int percent) { return below(100) < percent; }
+    /// A text that breaks what isn't careful.
+    QString text();
+    /// A value of any type that D-Bus can carry.
+    QVariant value(int depth = 2);
 
     template<typename List>
     auto pick(const List &list) -> typename List::value_type
     {
-        return list.at(int(below(quint32(list.size()))));
+        return list.at(below(int(list.size())));
     }
 
 private:

@@ -1,7 +1,15 @@
 #include "Round.h"
 
+#include "PluginFixture.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEvent>
+#include <QTimer>
+
+#include <algorithm>
+
+extern "C" void *worker_create(const char *name, void *config);
 
 namespace {
 
@@ -9,51 +17,77 @@ constexpr int steps = 40;
 constexpr int senders = 3;
 constexpr int patience = 20000; // ms until an answer counts as missing
 
-void join(std::vector<std::thread> &threads)
-{
-    for (std::thread &thread : threads)
-        thread.join();
-}
-
 } // namespace
 
-Round::Round(quint64 seed, FakeMediaService &service, WorkerThread &worker, Tally &tally)
+Round::Round(quint64 seed, FakeMediaService &service)
     : m_dice(seed)
     , m_service(service)
-    , m_worker(worker)
-    , m_tally(tally)
     // Most rounds at the level of a device, some with every line that the plug-in can write.
     , m_log(m_dice.chance(12) ? log4cplus::TRACE_LOG_LEVEL : log4cplus::WARN_LOG_LEVEL)
 {
-    m_tick.start(1);
+    m_context.moveToThread(&m_thread);
+    m_thread.start();
+}
+
+Round::~Round()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+bool Round::Asked::isSettled() const
+{
+    const QString is = outcome();
+    return wanted.isEmpty() ? is == QLatin1String("value") || is.startsWith(QLatin1String("error "))
+                            : is == wanted;
+}
+
+void Round::onWorkersThread(const std::function<void()> &work)
+{
+    QMetaObject::invokeMethod(&m_context, work, Qt::BlockingQueuedConnection);
+}
+
+int Round::workLeft()
+{
+    int work = 0;
+    onWorkersThread([&] { work = openWork(*static_cast<CMUPnPWorker *>(m_worker->worker())); });
+    return work;
 }
 
 void Round::run()
 {
     furnish();
-    m_faultRate = int(m_dice.below(4)) * 12;
+    m_faultRate = m_dice.below(4) * 12;
     takeRules();
-    m_worker.start();
-    const int end = m_dice.chance(25) ? int(m_dice.below(steps)) : steps;
+    onWorkersThread([this] {
+        QVariantHash config{{OrkaService_Id(), "media"}, {CMWorker::Prefix_(), "upnp"}};
+        m_worker.reset(static_cast<CMSyncWorker *>(worker_create("upnpClient", &config)));
+        CMRoot()->mount(m_worker.get());
+    });
+    const int end = m_dice.chance(25) ? m_dice.below(steps) : steps;
     for (int step = 0; step < end; ++step) {
-        std::vector<std::thread> threads = send(1 + int(m_dice.below(20)));
-        join(threads);
+        for (std::thread &thread : send(1 + m_dice.below(20)))
+            thread.join();
         if (m_dice.chance(50))
             disturb();
         handleEvents(m_dice.chance(50));
     }
-    if (end < steps) {
-        destroyInFlight();
-    } else {
+    // Some arrive before the worker goes, some while, some after.
+    std::vector<std::thread> last;
+    if (end < steps)
+        last = send(30);
+    else
         comeToRest();
-        m_worker.destroy();
-    }
+    onWorkersThread([this] { m_worker.reset(); });
+    for (std::thread &thread : last)
+        thread.join();
     lookAfterwards();
 }
 
-// The tick bounds the wait.
 void Round::handleEvents(bool wait)
 {
+    QTimer bound;
+    bound.start(1);
     QCoreApplication::processEvents(
         wait ? QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents : QEventLoop::AllEvents);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -61,69 +95,63 @@ void Round::handleEvents(bool wait)
 
 std::vector<std::thread> Round::send(int requests)
 {
-    std::vector<std::function<void()>> shares[senders];
+    std::vector<Send> shares[senders];
     for (int i = 0; i < requests; ++i)
         shares[i % senders].push_back(randomRequest());
     std::vector<std::thread> threads;
     for (auto &share : shares) {
         threads.emplace_back([share = std::move(share)] {
-            for (const auto &call : share)
+            for (const Send &call : share)
                 call();
         });
     }
     return threads;
 }
 
-void Round::destroyInFlight()
-{
-    m_tally.inject("worker destroyed with requests in flight");
-    // Some arrive before it goes, some while, some after.
-    std::vector<std::thread> threads = send(30);
-    m_worker.destroy();
-    join(threads);
-    m_ledger.workerDestroyed();
-}
-
 bool Round::isAtRest()
 {
-    return m_ledger.open() == 0 && m_worker.workLeft() == 0;
+    return std::all_of(m_asked.begin(), m_asked.end(), std::mem_fn(&Asked::isSettled))
+        && workLeft() == 0;
 }
 
 void Round::comeToRest()
 {
     if (m_isGone)
         revive();
-    m_isFrozen = false;
     takeRules();
     const QDeadlineTimer deadline(patience);
     do {
         m_service.release();
         handleEvents(true);
-        if (!isAtRest())
-            continue;
         // Signals that are still on their way start new work.
-        m_service.settle();
-        m_worker.catchUp();
+        if (isAtRest())
+            m_service.settle();
     } while (!isAtRest() && !deadline.hasExpired());
-    if (const int work = m_worker.workLeft()) {
-        m_tally.leftovers += work;
-        m_tally.failures.append(QString("%1 pieces of work are left in the worker.").arg(work));
+    if (const int work = workLeft())
+        failures.append(QString("%1 pieces of work are left in the worker.").arg(work));
+    for (const Asked &asked : m_asked) {
+        if (!asked.isSettled())
+            failures.append(asked.text + ": " + asked.outcome());
     }
-    m_ledger.countKept(&m_tally);
 }
 
+/// With the worker gone nobody may keep a request, answered or not.
 void Round::lookAfterwards()
 {
-    m_worker.catchUp();
-    // Late announcements, if there are any, have been posted by now.
-    handleEvents(false);
+    // Twice, for what the first turn posts: late announcements and deferred deletions.
+    for (int turn = 0; turn < 2; ++turn) {
+        onWorkersThread([] {});
+        handleEvents(false);
+    }
     if (m_isGone)
         revive();
     m_service.forgetRules();
     m_service.release();
-    m_tally.calls += m_service.calls().size();
     m_service.forgetCalls();
-    m_ledger.close(&m_tally);
-    m_tally.failures += m_log.lines("WARN CM:").filter("second value");
-    ++m_tally.rounds;
+    for (Asked &asked : m_asked) {
+        asked.wanted.clear();
+        if (!asked.isSettled() && asked.outcome() != QLatin1String("dropped"))
+            failures.append("The worker is gone. " + asked.text + ": " + asked.outcome());
+    }
+    failures += m_log.lines("WARN CM:").filter("second value");
 }
