@@ -59,12 +59,17 @@ bool PropertyMapReader::next(P *properties)
         close();
         return false;
     }
-    if (upnpLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL)) {
-        *properties = P(readMap(argument));
-        return true;
-    }
+    *properties = upnpLog().isEnabledFor(log4cplus::TRACE_LOG_LEVEL) ? P(readMap(argument))
+                                                                     : readWanted(argument);
+    // What follows a map that stands alone is another argument.
+    if (!m_isArray)
+        close();
+    return true;
+}
 
-    *properties = P();
+P PropertyMapReader::readWanted(const QDBusArgument &argument) const
+{
+    P properties;
     argument.beginMap();
     QString text;
     QDBusVariant value;
@@ -75,12 +80,12 @@ bool PropertyMapReader::next(P *properties)
         // An entry may be left before its value has been read.
         if (isWanted(name)) {
             argument >> value;
-            properties->set(name, value.variant());
+            properties.set(name, value.variant());
         }
         argument.endMapEntry();
     }
     argument.endMap();
-    return true;
+    return properties;
 }
 
 void PropertyMapReader::close()

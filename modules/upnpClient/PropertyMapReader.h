@@ -27,6 +27,7 @@ public:
 
 private:
     bool isWanted(ObjectProperties::Name name) const;
+    ObjectProperties readWanted(const QDBusArgument &argument) const;
     void close();
 
     /// Inside its array, where it is one.

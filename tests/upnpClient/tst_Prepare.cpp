@@ -150,8 +150,9 @@ void tst_Prepare::prefersAnObjectsOwnProperties()
 {
     World w;
     w.service.answer({"GetAll", w.a, names::item},
-        QVariantList{QVariantMap{
-            {"DisplayName", "item's"}, {"Artist", "item's"}, {"URLs", QStringList{"u"}}}});
+        QVariantList{QVariantMap{{"DisplayName", "item's"}, {"Artist", "item's"},
+                         {"URLs", QStringList{"u"}}},
+            7U}); // one argument more than there should be
     w.service.answer({"GetAll", w.a, names::object},
         QVariantList{QVariantMap{{"DisplayName", "object's"}, {"Genre", "object's"}}});
     const QVariant items = w.prepared({trackA});
