@@ -1,6 +1,6 @@
 #include "PluginFixture.h"
-#include "Table.h"
 
+#include <QTest>
 #include <QUrl>
 
 #include <utility>
@@ -11,13 +11,10 @@ class tst_Sampler : public QObject
     Q_OBJECT
 
 private slots:
-    void takesEvenlySpacedRows_data();
     void takesEvenlySpacedRows();
     void fetchesOneRowAtATimeThroughTheTree();
-    void answersTheErrorOfTheFirstRowThatFails_data();
     void answersTheErrorOfTheFirstRowThatFails();
     void believesTheFirstTotalAndTakesTheFirstOfTooManyRows();
-    void runsBesideOthersAndGoesWithItsWorker();
 };
 
 namespace {
@@ -30,41 +27,32 @@ struct World : FolderFixture
         start();
         service.forgetCalls();
     }
-    ReplyProbe<OrkaRowsRoles> sample(const QString &value, int last)
+    /// The titles and the count of a sample, or its error.
+    QString sample(const QString &value, int last, const QString &node = "/uuid:1/31")
     {
-        return settled(askRows("/uuid:1/31?itemType=container&sample=" + value, 0, last));
+        const auto rows =
+            settled(askRows(node + "?sample=" + QUrl::toPercentEncoding(value), 0, last));
+        if (rows.outcome() != "value" || rows.value().value("rowsVersion") != QVariant(0))
+            return rows.outcome();
+        return QString("%1 of %2").arg(firstColumn(rows.value())).arg(rows.value().rowsCount());
     }
 };
 
 } // namespace
 
-void tst_Sampler::takesEvenlySpacedRows_data()
-{
-    columns<int, QString, int, QString, int>("size", "sample", "last", "positions", "rowsCount");
-    row("rows end it", 1000, "0,99,10", 4, "0 10 20 30 40", 100);
-    row("the container ends it", 35, "0,99,10", 99, "0 10 20 30", 35);
-    row("the end ends it", 50, "5,20,5", 99, "5 10 15 20", 16);
-    row("no step", 10, "0,5,0", 2, "0 0 0", 6);
-    row("words", 10, "a,b,c", 0, "0", 1);
-    row("start behind end", 10, "7,3,1", 9, "7", -3);
-    row("the last one", 10, "9,9,1", 9, "9", 1);
-    row("an end beyond all", 3, "0,2147483647,2", 99, "0 2", -2147483647 - 1);
-    row("backwards", 10, "4,9,-2", 2, "4 2 0", 6);
-    row("no row wanted takes one all the same", 10, "0,9,3", -1, "0", 10);
-    row("spaces are part of no number", 10, "0, 9,3x", 1, "0 0", 10);
-}
-
 void tst_Sampler::takesEvenlySpacedRows()
 {
-    QFETCH(int, size);
-    QFETCH(QString, sample);
-    QFETCH(int, last);
-    World w(size);
-    const auto rows = w.sample(QUrl::toPercentEncoding(sample), last);
-    QCOMPARE(rows.outcome(), "value");
-    QTEST(firstColumn(rows.value()), "positions");
-    QTEST(rows.value().rowsCount(), "rowsCount");
-    QCOMPARE(rows.value().value(OrkaRowsRoles::RowsVersion()), QVariant(0));
+    World w(100);
+    QCOMPARE(w.sample("0,99,10", 4), "0 10 20 30 40 of 100"); // as many as rows are wanted
+    QCOMPARE(w.sample("5,20,5", 99), "5 10 15 20 of 16"); // to the end
+    QCOMPARE(w.sample("70,199,15", 99), "70 85 of 100"); // to the container's end
+    QCOMPARE(w.sample("0,5,0", 2), "0 0 0 of 6");
+    QCOMPARE(w.sample("a,b,c", 0), "0 of 1"); // words are 0
+    QCOMPARE(w.sample("0, 9,3x", 1), "0 0 of 10");
+    QCOMPARE(w.sample("7,3,1", 9), "7 of -3");
+    QCOMPARE(w.sample("98,2147483647,1", 99), "98 99 of 100");
+    QCOMPARE(w.sample("4,9,-2", 2), "4 2 0 of 6");
+    QCOMPARE(w.sample("0,9,3", -1), "0 of 10"); // no row wanted takes one all the same
 }
 
 void tst_Sampler::fetchesOneRowAtATimeThroughTheTree()
@@ -88,41 +76,20 @@ void tst_Sampler::fetchesOneRowAtATimeThroughTheTree()
         "performSample: upnp:/uuid:1/31, 1, 6|on_getRows_finished: |finalizeSampling: ");
 }
 
-void tst_Sampler::answersTheErrorOfTheFirstRowThatFails_data()
-{
-    columns<QString, int>("path", "position");
-    row("an empty folder", "/uuid:1/32?sample=0,9,1", 0);
-    row("a track", "/uuid:1/7430?sample=0,9,1", 0);
-    row("a start beyond the end", "/uuid:1/31?sample=50,90,10", 50);
-    row("a start below 0", "/uuid:1/31?sample=-5,9,1", -5);
-    row("a list that shrinks", "/uuid:1/33?sample=0,9,3", 6);
-    row("a call that fails", "/uuid:1/34?sample=0,9,3", 6);
-}
-
 void tst_Sampler::answersTheErrorOfTheFirstRowThatFails()
 {
-    QFETCH(QString, path);
-    QFETCH(int, position);
     World w(10);
-    for (const char *id : {"2", "3", "4"})
-        w.tree.addContainer(w.server, id, id);
+    const QString error = "error internal: There is no row %1 at upnp:/uuid:1/31.";
+    QCOMPARE(w.sample("50,90,10", 9), error.arg(50));
+    QCOMPARE(w.sample("-5,9,1", 9), error.arg(-5));
     w.service.answer({"ListChildren"}, [&w](const FakeCall &call) {
-        const bool isSpecial = call.path().endsWith("/33") || call.path().endsWith("/34");
-        if (!isSpecial)
-            return w.service.treeAnswer(call);
-        if (call.arguments().first().toUInt() < 5)
-            return FakeReply{{propertyMaps({{{"DisplayName", "x"}}})}, {}, {}};
-        return call.path().endsWith("/33") ? FakeReply{{propertyMaps({})}, {}, {}}
-                                           : FakeReply::error("a.b", "gone");
+        return call.arguments().first().toUInt() < 5 ? w.service.treeAnswer(call)
+                                                     : FakeReply::error("a.b", "gone");
     });
-    for (const char *id : {"33", "34"})
-        w.service.answer({"Get", w.server + "/" + id}, propertyValue(10U));
-    const auto rows = w.settled(w.askRows(path, 0, 9));
-    QVERIFY2(rows.outcome().startsWith("error internal: "), qPrintable(rows.outcome()));
-    QVERIFY(rows.value().isEmpty());
-    const QString start =
-        "ERROR CB_UPnP: Failed to perform container sampling at item %1; error: {\"name";
-    QCOMPARE(w.log.lines(start.arg(position)).size(), 1);
+    QCOMPARE(w.sample("0,9,3", 9), "error internal: Failed to retrieve content");
+    QCOMPARE(w.log.lines("ERROR CB_UPnP: Failed to perform container sampling at item 6; error: {")
+                 .size(),
+        1);
 }
 
 void tst_Sampler::believesTheFirstTotalAndTakesTheFirstOfTooManyRows()
@@ -136,23 +103,8 @@ void tst_Sampler::believesTheFirstTotalAndTakesTheFirstOfTooManyRows()
         const uint offset = call.arguments().first().toUInt();
         return w.tree.answer(call.path(), call.member(), {offset, 3U, call.arguments().last()});
     });
-    const auto rows = w.sample("0,99,10", 99);
-    QCOMPARE(firstColumn(rows.value()), "0 10");
-    QCOMPARE(rows.value().rowsCount(), 20);
+    QCOMPARE(w.sample("0,99,10", 99), "0 10 of 20");
     QCOMPARE(w.log.count("WARN CB_UPnP: Incorrect number of rows in the reply: 3"), 2);
-}
-
-void tst_Sampler::runsBesideOthersAndGoesWithItsWorker()
-{
-    World w(100);
-    const auto one = w.askRows("/uuid:1/31?sample=0,99,50", 0, 9);
-    const auto two = w.settled(w.askRows("/uuid:1/31?sample=1,99,40", 0, 9));
-    QCOMPARE(firstColumn(one.value()) + " " + firstColumn(two.value()), "0 50 1 41 81");
-    w.service.hold({"Get"});
-    const auto last = w.settled(w.askRows("/uuid:1/31?sample=0,9,1", 0, 9));
-    w.stop();
-    w.release();
-    QCOMPARE(last.outcome(), "dropped");
 }
 
 QTEST_GUILESS_MAIN(tst_Sampler)
