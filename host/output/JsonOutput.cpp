@@ -66,6 +66,27 @@ void JsonListDocument::end(const CMError &error)
     writeText("\n");
 }
 
+OrkaHash rowsHead(const CMPath &path, const Rows &page)
+{
+    OrkaHash head;
+    head.setValue(QStringLiteral("path"), path.toEncoded());
+    head.setValue(OrkaRowsRoles::RowsCount(), page.rowsCount);
+    head.setValue(OrkaRowsRoles::RowsVersion(), page.rowsVersion);
+    head.setValue(OrkaRowsRoles::Roles(), page.roles.toVariant());
+    return head;
+}
+
+OrkaHash rowsDocument(const CMPath &path, const Rows &rows)
+{
+    QVariantList list;
+    list.reserve(rows.rows.size());
+    for (const OrkaRoles &row : rows.rows)
+        list.append(row.toVariant());
+    OrkaHash document = rowsHead(path, rows);
+    document.setValue(OrkaRowsRoles::Rows(), list);
+    return document;
+}
+
 OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles)
 {
     OrkaHash document;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tree/RowsReader.h"
+
 #include <api/core/CMError.h>
 #include <api/core/CMPath.h>
 #include <api/core/OrkaRoles.h>
@@ -26,6 +28,10 @@ private:
     bool m_empty = true;
 };
 
+/// What a rows document says of the listed node: path, rowsCount, rowsVersion, roles.
+OrkaHash rowsHead(const CMPath &path, const Rows &page);
+/// {"path","rowsCount","rowsVersion","roles":{…},"rows":[{role:value}]}, rows that are all there.
+OrkaHash rowsDocument(const CMPath &path, const Rows &rows);
 /// {"path","roles":{…}}
 OrkaHash dataDocument(const CMPath &path, const OrkaRoles &roles);
 /// {"value":…}

@@ -19,17 +19,6 @@ QString rowLength(const OrkaMediaData &media)
     return resources.isEmpty() ? QString() : lengthText(resources.first().duration());
 }
 
-/// What a rows document says of the listed node, from the first page.
-OrkaHash head(const CMPath &path, const Rows &page)
-{
-    OrkaHash head;
-    head.setValue(QStringLiteral("path"), path.toEncoded());
-    head.setValue(OrkaRowsRoles::RowsCount(), page.rowsCount);
-    head.setValue(OrkaRowsRoles::RowsVersion(), page.rowsVersion);
-    head.setValue(OrkaRowsRoles::Roles(), page.roles.toVariant());
-    return head;
-}
-
 } // namespace
 
 RowsOutput::RowsOutput(bool json, const CMPath &path, int first, int step)
@@ -46,7 +35,8 @@ void RowsOutput::add(const Rows &page)
 {
     m_rowsCount = page.rowsCount;
     if (m_json && !m_document)
-        m_document = std::make_unique<JsonListDocument>(head(m_path, page), OrkaRowsRoles::Rows());
+        m_document =
+            std::make_unique<JsonListDocument>(rowsHead(m_path, page), OrkaRowsRoles::Rows());
     for (const OrkaRoles &row : page.rows) {
         if (m_json) {
             m_document->add(row.toVariant());

@@ -21,6 +21,7 @@ private slots:
     void missesNothingButTheType();
     void mapsTheRowsOfAReplyAsEachAlone();
     void takesTheLastOfAPropertyThatComesTwice();
+    void logsTheSameWhateverRolesAreWanted();
     void queuesWhatATrackHas();
     void rewritesPicturesOfPlainHttp();
     void followsTheNetwork();
