@@ -166,25 +166,8 @@ private Q_SLOTS:
             "DisplayName: 'M', Parent: path '/com/intel/dLeynaServer/server/uuid_3a1', "
             "Type: 'container', TypeEx: 'container.album.musicAlbum', ChildCount: uint32 5");
         row("without filter there are no keys", didl(track), {}, "");
-        row("unknown names are ignored and case matters", didl(track), {"Bogus", "type", "Type"},
-            "Type: 'music'");
-        row("a class nobody knows",
-            didl("<item "
-                 "id='1'><dc:title>T</dc:title><upnp:class>object.item.hologram</upnp:class></"
-                 "item>"),
-            {"DisplayName", "Type", "TypeEx"},
-            "DisplayName: 'T', Type: 'item.unclassified', TypeEx: 'item.unclassified'");
         row("no class", didl("<item id='1'/><container id='2'/>"), {"Type"},
             "Type: 'item.unclassified'\nType: 'container'");
-        row("control characters, a declaration",
-            "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
-                + didl("<item id='1'><dc:title>a\x01"
-                       "b &amp; c</dc:title></item>"
-                       "<item id='2'><dc:title>next</dc:title></item>"),
-            {"DisplayName"}, "DisplayName: 'ab & c'\nDisplayName: 'next'");
-        row("an ampersand that nobody escaped",
-            didl("<item id='1'><dc:title>Rhythm & Blues &lt;live&gt; &nothing;</dc:title></item>"),
-            {"DisplayName"}, "DisplayName: 'Rhythm & Blues <live> &nothing;'");
         row("a NUL", didl(std::string("<item id='1'><dc:title>a\0b</dc:title></item>", 44)),
             {"DisplayName"}, "DisplayName: 'ab'");
         row("a title with spaces, half a date",
@@ -201,9 +184,7 @@ private Q_SLOTS:
         row("undeclared prefixes",
             "<DIDL-Lite><item id='1'><dc:title>T</dc:title></item></DIDL-Lite>", {"DisplayName"},
             "DisplayName: 'T'");
-        row("nothing in it", didl("\n <!-- -->\n"), {"*"}, "");
         row("an empty text", "", {"*"}, "");
-        row("another document", "<html><body/></html>", {"*"}, "no DIDL-Lite");
         row("no document", "Internal error", {"*"}, "no DIDL-Lite");
     }
     void objectsBecomeProperties()
@@ -246,12 +227,9 @@ private Q_SLOTS:
             {"object.item.audioItem.musicTrack", "music music"},
             {"object.item.audioItem", "audio audio"},
             {"object.item.audioItem.audioBook", "audio audio.audioBook"},
-            {"object.item.videoItem", "video video"},
             {"object.item.videoItem.movie", "video.movie video.movie"},
-            {"object.item.imageItem", "image image"},
             {"object.item.imageItem.photo", "image.photo image.photo"},
             {"object.container.storageFolder", "container container.storageFolder"},
-            {"object.container", "container container"},
             {"object.item", "item.unclassified item.unclassified"},
             {"object.itemized", "item.unclassified item.unclassified"}};
         for (const auto &[upnpClass, expected] : types) {
@@ -269,7 +247,6 @@ private Q_SLOTS:
             QVERIFY2(!expected || made.text == expected, made.text.c_str());
         };
         row("", "*");
-        row("*", "*");
         row(R"(Artist contains "Alpha")", R"(upnp:artist contains "Alpha")");
         row(R"(Type derivedfrom "audio" and (Artist = "A" or Album = "B"))",
             R"(upnp:class derivedfrom "object.item.audioItem" and (upnp:artist = "A" or upnp:album = "B"))");
@@ -278,17 +255,13 @@ private Q_SLOTS:
             R"(upnp:class = "object.container.album.musicAlbum")");
         row(R"(DisplayName contains "Say \"Hello\" \\o/")",
             R"(dc:title contains "Say \"Hello\" \\o/")");
-        row(R"(DisplayName contains "Artist contains")", R"(dc:title contains "Artist contains")");
         row(R"(DisplayName contains "Ärzte & <b>")", R"(dc:title contains "Ärzte & <b>")");
-        row("Artist exists true", "upnp:artist exists true");
         row(R"(Parent = "/com/intel/dLeynaServer/server/uuid_3a1/3634")", R"(@parentID = "64")");
         row(R"(Path = "/com/intel/dLeynaServer/server/uuid_3a1")", R"(@id = "0")");
         row(R"(Parent = "/com/intel/dLeynaServer/server/uuid_3a2/3634")", nullptr);
         row(R"(Bogus contains "x")", nullptr);
         row(R"(artist contains "x")", nullptr);
         row(R"(Artist contains "open)", nullptr);
-        row(R"(Artist contains "x" and)", nullptr);
-        row(R"(Artist "x")", nullptr);
         row("(((", nullptr);
     }
 
@@ -297,9 +270,6 @@ private Q_SLOTS:
         const std::vector<std::string> caps{"dc:title", "dc:date"};
         QCOMPARE(sortCriteria("+Date,-DisplayName", caps).text, "+dc:date,-dc:title");
         QVERIFY(sortCriteria("DisplayName,-Artist", caps).isBeyondServer);
-        QCOMPARE(sortCriteria("-Artist", std::vector<std::string>{"*"}).text, "-upnp:artist");
-        QCOMPARE(sortCriteria("-Artist", std::nullopt).text, "-upnp:artist");
-        QCOMPARE(sortCriteria("", caps).text, "");
         QVERIFY(!sortCriteria("+Bogus", caps).isValid());
     }
 

@@ -38,4 +38,9 @@ check "an album's cover, by the device's proxy" https://10.77.0.1/proxy "${icon%
 cover=$(base64 -d <<<"${icon##*/}")
 check "what the proxy is to fetch" "Content-Type: image/jpeg" \
     "$(http_get 10.77.0.2 8200 "/${cover#http://*/}" | tr -d '\r' | grep -a Content-Type)"
+
+# A media framework that knows nothing of the bridge works with it unchanged.
+udn=$(orka --json servers | jq -r '.rows[0].path | capture("/(?<udn>[^?]+)").udn')
+check "the same track, by grilo" "灯台,林檎楽団" \
+    "$(GRL_PLUGIN_LIST=grl-dleyna grl-launch-0.3 -k title,artist search 灯台 "grl-dleyna-$udn" 2>/dev/null | head -n 1)"
 finish
