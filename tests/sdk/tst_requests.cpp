@@ -1,5 +1,4 @@
 #include "LogProbe.h"
-#include "PrivateBus.h"
 #include "ReplyProbe.h"
 
 #include <api/core/CMNodesWorker.h>
@@ -12,7 +11,6 @@
 #include <QTest>
 
 #include <csignal>
-#include <dbus/dbus.h>
 #include <sys/wait.h>
 
 struct Unregistered;
@@ -36,7 +34,6 @@ private slots:
     void rowsAreRemovedByPath();
     void theRootRoutesByPrefixAndForgetsWhatWent();
     void stopsTheProgramOverWhatCannotTravel();
-    void holdsMoreRepliesThanTheBusLibraryWould();
 };
 
 namespace {
@@ -172,15 +169,6 @@ void tst_requests::stopsTheProgramOverWhatCannotTravel()
     QVERIFY(aborts([&] { connect(Qt::QueuedConnection); }));
     QVERIFY(aborts([&] { orkaConnect(&a, foreign, &b, SLOT(nothing())); }));
     QVERIFY(aborts([] { CMReplyData<QVariant>().setValue(1); }));
-}
-
-void tst_requests::holdsMoreRepliesThanTheBusLibraryWould()
-{
-    const PrivateBus bus;
-    auto *const raw = static_cast<DBusConnection *>(orkaDBusConnection().internalPointer());
-    QCOMPARE(dbus_connection_get_max_received_size(raw), 1L << 30);
-    QVERIFY(!orkaOpenDBusConnection("unix:path=/nonexistent/bus"));
-    QVERIFY(!orkaDBusConnection().isConnected());
 }
 
 QTEST_GUILESS_MAIN(tst_requests)
