@@ -5,6 +5,7 @@
 
 #include <QDBusObjectPath>
 #include <QJsonArray>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include <memory>
@@ -26,6 +27,7 @@ private slots:
     void namesakesAreToldApart();
     void gatheredItemsAreTheWorkersOwn();
     void samplesAreTheWorkersOwn();
+    void logLinesAreSafe();
 
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
@@ -103,6 +105,21 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
             });
         },
         "ls Den/Mu,sic", 3, "The media server \"Den\" is not there any more.");
+    row(
+        "service replaced",
+        [=](auto &s) {
+            s.hold(listing);
+            auto *look = new QTimer(&s);
+            QObject::connect(look, &QTimer::timeout, look, [&s, look] {
+                if (s.held() == 0)
+                    return;
+                look->stop();
+                s.vanish();
+                s.comeBack();
+            });
+            look->start(1);
+        },
+        "ls Den/Mu,sic", 3, "The media service has left");
     row(
         "silent", [=](auto &s) { s.hold(listing); }, "--timeout 0.5 ls Den/Mu,sic", 4,
         "No answer about \"Den/Mu,sic\" came in 0.5 s");
@@ -226,6 +243,24 @@ void tst_Truth::samplesAreTheWorkersOwn()
     }
     const auto beyond = run({"sample", "Den/Many", "130,140,1"});
     QCOMPARE(beyond->status(), 1);
+}
+
+/// Whichever appender writes them.
+void tst_Truth::logLinesAreSafe()
+{
+    m_service->fail({"ListChildren"}, "bad\norka: forged \u009b2J\u202e");
+    QTemporaryFile configuration;
+    QVERIFY(configuration.open());
+    configuration.write(
+        "log4cplus.rootLogger=INFO, E\nlog4cplus.appender.E=log4cplus::ConsoleAppender\n"
+        "log4cplus.appender.E.logToStdErr=true\n");
+    configuration.close();
+    for (const QStringList &options :
+        {QStringList{"-v"}, QStringList{"--log-config", configuration.fileName()}}) {
+        const QByteArray said = run(options + QStringList{"ls", "Den"})->errors();
+        QVERIFY2(said.contains("listChildren: bad\u240aorka: forged"), said);
+        QVERIFY2(!said.contains("\u009b") && !said.contains("\u202e"), said);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Truth)
