@@ -4,6 +4,8 @@
 #include "output/JsonOutput.h"
 #include "tree/Place.h"
 
+#include <api/core/OrkaPlayListItem.h>
+
 namespace {
 
 constexpr int mostRows = 1000;
