@@ -49,3 +49,12 @@ int writeRowsOf(
     output.end();
     return Answered;
 }
+
+void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRoles &roles)
+{
+    if (options.json) {
+        writeJson(dataDocument(path, roles));
+    } else {
+        writeRoles(roles);
+    }
+}
