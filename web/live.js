@@ -31,10 +31,13 @@ class Live extends EventTarget {
     on('service', (service) => (this.service = service));
     on('player', (state) => (this.player = state));
     source.onopen = () => this.#setConnected(true);
-    source.onerror = () => {
+    source.onerror = async () => {
       this.#stop();
-      this.#setConnected(false);
       this.#again = setTimeout(() => this.#open(), 1000);
+      // A stream doesn't say why it ended; an answer to anything else does.
+      const answer = await fetch('/api/queue').catch(() => null);
+      if (answer?.status !== 401) this.#setConnected(false);
+      else dispatchEvent(new Event('locked'));
     };
   }
 

@@ -9,6 +9,7 @@ class Player extends EventTarget {
   #audio = new Audio();
   output = localStorage.getItem('orka.output') === 'machine' ? 'machine' : 'here';
   #failures = 0;
+  #told = '';
 
   constructor() {
     super();
@@ -20,7 +21,12 @@ class Player extends EventTarget {
     this.#audio.addEventListener('playing', () => (this.#failures = 0));
     this.#audio.addEventListener('ended', () => this.next());
     this.#audio.addEventListener('error', () => this.#failed());
-    live.addEventListener('player', () => this.#changed());
+    live.addEventListener('player', () => {
+      const message = live.player?.message || '';
+      if (message && message !== this.#told) notify(message);
+      this.#told = message;
+      this.#changed();
+    });
     this.#listenToKeys();
   }
 

@@ -2,25 +2,28 @@
 
 #include "web/Exchange.h"
 
-#include <QStringList>
-
 /// Lets requests through that a page of ours, or a program of this person's, can have made: it
-/// keeps out pages of other sites, and names that were turned to this machine's address.
+/// keeps out pages of other sites, names that were turned to this machine's address and, beyond
+/// loopback, everybody without the token.
 class RequestGuard
 {
 public:
     /// True; or false after it has refused the request.
     bool admits(Exchange &exchange) const;
 
-    /// Requests come over TLS.
-    void setSecure() { m_scheme = "https://"; }
-    /// Beyond loopback any IP address may be what the client calls this machine by.
-    void setBeyondLoopback() { m_isBeyondLoopback = true; }
+    /// Requests come over TLS, from other machines, and with a token, which this makes.
+    void openToNetwork();
+    const QByteArray &token() const { return m_token; }
+    /// Answers somebody who says the token: {"token"} in the body. The browser keeps it as a
+    /// cookie. Ten wrong tries a minute are all that anybody has.
+    void unlock(Exchange &exchange);
 
 private:
     bool isOurName(const QByteArray &host) const;
     bool isFromOurPage(const Exchange &exchange) const;
+    bool hasToken(const Exchange &exchange) const;
 
-    QByteArray m_scheme = "http://";
-    bool m_isBeyondLoopback = false;
+    QByteArray m_token;
+    qint64 m_minute = 0;
+    int m_wrongTries = 0;
 };

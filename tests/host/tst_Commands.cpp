@@ -99,7 +99,7 @@ void tst_Commands::exitStatuses_data()
     row({"ls", "Shelf/Broken"}, 1, "The shelf is broken");
     row({"queue", "upnp:/shelf/none"}, 1, "No such node");
     row({}, 2);
-    row({"serverz"}, 2, "Did you mean \"servers\"");
+    row({"serverz"}, 2, "Did you mean \"serve\" or \"servers\"");
     row({"ls", "a", "b"}, 2, "\"orka ls\" doesn't take \"b\"");
     row({"ls"}, 2, "PLACE");
     row({"--prefix", "", "ls", "Shelf"}, 2, "--prefix");

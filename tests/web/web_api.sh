@@ -8,7 +8,7 @@ serve() {
     orka serve "$@" >"$WORLD_DIR/serve.out" 2>"$WORLD_DIR/serve.err" &
     serve_pid=$!
     within 20 grep -q ^http "$WORLD_DIR/serve.out" || say_and_fail "It did not start: $(cat "$WORLD_DIR/serve.err")"
-    URL=$(head -n 1 "$WORLD_DIR/serve.out")
+    URL=$(grep -m 1 ^http "$WORLD_DIR/serve.out")
     URL=${URL%/}
 }
 status_of() {
@@ -21,11 +21,16 @@ has_server() {
     rows_of upnp: | jq -e '.rowsCount == 1' >/dev/null
 }
 
+export HOME=$WORLD_DIR
 furnish "Test Music"
 serve
 within 10 has_server
 SERVER=$(rows_of upnp: | jq -r '.rows[0].path')
-export URL SERVER
+rows_of "$(orka --json ls "Test Music/Music/Album/Glass Rivers" | jq -r '.path')" >"$WORLD_DIR/album"
+TRACK=$(jq -r '.rows[0].mediaData.resources[0].uri' "$WORLD_DIR/album")
+ART=$(jq -r '.rows[0].icon | sub(".*/proxy/"; "") | @base64d' "$WORLD_DIR/album")
+OUT=$WORLD_DIR/out
+export URL SERVER TRACK ART OUT
 
 check "rows as --json prints them" "$(orka --json rows "$SERVER" --last 9)" "$(rows_of "$SERVER" -d last=9)"
 check "one node" "$(orka --json data "$SERVER" --roles title,type)" \
@@ -33,13 +38,15 @@ check "one node" "$(orka --json data "$SERVER" --roles title,type)" \
 while read -r line; do
     bash -c "$line" >"$WORLD_DIR/stdout" 2>&1 || check "documented: $line" "" "$(cat "$WORLD_DIR/stdout")"
 done < <(sed -n 's/^    \(curl .*\)/\1/p' "$WORLD_ROOT/docs/web-api.md")
+check "a track's bytes" "$(curl -fsS "$TRACK" -r 100-1099 | sha1sum)" \
+    "$(curl -fsS "$URL/media/$(printf %s "$TRACK" | base64 -w 0)" -r 100-1099 | sha1sum)"
 tag=$(curl -fsSD - -o /dev/null "$URL/style.css" | sed -n 's/\r$//; s/^ETag: //p')
 check "what a client has is not sent again" 304 "$(status_of -H "If-None-Match: $tag" "$URL/style.css")"
 check "for who can read it, compressed" "$(rows_of "$SERVER")" "$(rows_of "$SERVER" --compressed)"
 
 head -c 9000000 /dev/zero >"$WORLD_DIR/nine"
 # refused STATUS CURL-ARGUMENTS…
-refused() {
+refused() { # or not, with 200
     check "refused: $(printf '%.90s' "${*:2}")" "$1" "$(status_of "${@:2}")"
 }
 refused 421 -H "Host: evil.example" "$URL/"
@@ -53,6 +60,10 @@ refused 414 "$URL/api/rows?path=upnp:$(printf 'x%.0s' $(seq 9000))"
 refused 413 -H "Content-Type: application/json" --data-binary "@$WORLD_DIR/nine" "$URL/api/set?path=upnp:"
 refused 411 -H "Content-Type: application/json" -H "Transfer-Encoding: chunked" -d '""' "$URL/api/set?path=upnp:"
 refused 502 "$URL/api/rows?path=upnp:/nix"
+
+refused 404 "$URL/proxy/$(printf %s http://10.77.0.2:8200/icons/lrg.png | base64 -w 0)"
+refused 404 "$URL/proxy/$(printf %s file:///etc/passwd | base64 -w 0)"
+refused 404 "$URL/media/$(printf %s "$ART" | base64 -w 0)"
 
 # Idle clients take nobody's place.
 exec 7<"$WORLD_DIR/serve.out"
@@ -71,5 +82,24 @@ lists_again() {
     rows_of "$SERVER" -m 10 2>/dev/null | jq -e '.rowsCount > 0' >/dev/null
 }
 within 20 lists_again || check "the media service is back" 1 0
-kill -0 "$serve_pid"
+kill "$serve_pid"
+wait "$serve_pid" || true
+
+# From other machines: with the token alone.
+serve --listen 10.77.0.1
+token=${URL##*#token=}
+URL=${URL%/#*}
+check "over HTTPS" https "${URL%%:*}"
+refused 200 "$URL/"
+refused 401 "$URL/api/rows?path=upnp:"
+refused 401 "$URL/media/eA=="
+refused 200 -H "Authorization: Bearer $token" "$URL/api/rows?path=upnp:"
+refused 403 -H "Authorization: Bearer $token" -H "Origin: http://10.77.0.1" "$URL/api/rows?path=upnp:"
+session() {
+    status_of -c "$WORLD_DIR/cookies" -H "Content-Type: application/json" -d "{\"token\":\"$1\"}" "$URL/api/session"
+}
+check "the right token" 200 "$(session "$token")"
+refused 200 -b "$WORLD_DIR/cookies" "$URL/api/rows?path=upnp:"
+check "wrong tokens, and then none" "401 401 401 401 401 401 401 401 401 401 429" \
+    "$(for i in $(seq 11); do session "wrong$i"; echo; done | xargs)"
 finish

@@ -1,0 +1,59 @@
+#include "web/ArtCache.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QSaveFile>
+
+namespace {
+
+constexpr qint64 mostBytes = 64 << 20;
+
+} // namespace
+
+ArtCache::ArtCache(const QString &folder)
+    : m_folder(folder)
+{
+    QDir().mkpath(m_folder);
+    const QFileInfoList files = QDir(m_folder).entryInfoList(QDir::Files);
+    for (const QFileInfo &file : files)
+        m_size += file.size();
+}
+
+QString ArtCache::fileOf(const QByteArray &key) const
+{
+    const QByteArray name = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex();
+    return m_folder + QLatin1Char('/') + QString::fromLatin1(name);
+}
+
+QByteArray ArtCache::find(const QByteArray &key) const
+{
+    QFile file(fileOf(key));
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+        return {};
+    file.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
+    return file.readAll();
+}
+
+void ArtCache::keep(const QByteArray &key, const QByteArray &picture)
+{
+    QSaveFile file(fileOf(key));
+    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size() || !file.commit())
+        return;
+    m_size += picture.size();
+    if (m_size > mostBytes)
+        makeRoom();
+}
+
+void ArtCache::makeRoom()
+{
+    m_size = 0;
+    const QFileInfoList youngestFirst = QDir(m_folder).entryInfoList(QDir::Files, QDir::Time);
+    for (const QFileInfo &file : youngestFirst) {
+        if (m_size + file.size() > mostBytes * 3 / 4) {
+            QFile::remove(file.filePath());
+        } else {
+            m_size += file.size();
+        }
+    }
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "chain/ChildProcess.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QSocketNotifier>
+
+#include <memory>
+
+/// A running mpv without a window, told what to do over one half of a socket pair.
+class Mpv : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Whether this machine has one.
+    static bool isInstalled();
+
+    explicit Mpv(QObject *parent = nullptr);
+    ~Mpv() override;
+
+    void send(const QJsonArray &command);
+
+signals:
+    void said(const QJsonObject &event);
+    void ended();
+
+private:
+    void read();
+
+    ChildProcess m_process;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    int m_socket = -1;
+    QByteArray m_unread;
+};

@@ -1,0 +1,80 @@
+// 100,000 rows, and rows that mean harm. Prints the figures that it measures.
+import { address, browser, check, findings, finish, newPage, picture, until } from './browser.mjs';
+
+const page = await newPage();
+await page.goto(address);
+await page.getByText('Big').click();
+await until('the first rows', () => page.getByText('A 000000').isVisible());
+await until('the index', async () => (await page.locator('scroll-index button').count()) === 26);
+await findings(page, 'a long list');
+
+/** Milliseconds until a frame shows rows, and their covers, in the whole view. */
+const jumpTo = (label) => page.evaluate(async (label) => {
+  const list = document.querySelector('row-list');
+  const [letter] = [...document.querySelectorAll('scroll-index button')].filter((button) => button.textContent === label);
+  const begun = performance.now();
+  letter.click();
+  const box = list.getBoundingClientRect();
+  const isShown = () => [...list.querySelectorAll('li:not([hidden])')].every((li) => {
+    const place = li.getBoundingClientRect();
+    const isIn = place.bottom > box.top && place.top < box.bottom;
+    return !isIn || (!li.classList.contains('waiting') && li.querySelector('img').complete && li.querySelector('img.there'));
+  });
+  do await new Promise(requestAnimationFrame);
+  while (!isShown() && performance.now() - begun < 5000);
+  return performance.now() - begun;
+}, label);
+const jumps = [];
+for (const label of [...'MZCTHXBQ']) jumps.push(await jumpTo(label));
+jumps.sort((a, b) => a - b);
+console.log(`figure jump: median ${jumps[4].toFixed(0)} ms, longest ${jumps[7].toFixed(0)} ms`);
+await jumpTo('M');
+await until('the index finds a letter’s first row', () => page.getByText('M 046154').isVisible());
+await page.waitForTimeout(300);
+await picture(page, 'index');
+
+const scroll = await page.evaluate(async () => {
+  const list = document.querySelector('row-list');
+  const memory = () => (gc(), performance.memory.usedJSHeapSize);
+  let longest = 0;
+  let last = 0;
+  const pass = async () => {
+    for (let i = 0; i <= 600; ++i) {
+      list.scrollTop = (list.scrollHeight * i) / 600;
+      const now = await new Promise(requestAnimationFrame);
+      if (last && i > 1) longest = Math.max(longest, now - last);
+      last = now;
+    }
+  };
+  await pass();
+  const before = memory();
+  await pass();
+  await new Promise((resolve) => setTimeout(resolve, 500));
+  return { grown: (memory() - before) / 1e6, longest, elements: document.querySelectorAll('*').length };
+});
+console.log(`figure scroll: ${scroll.grown.toFixed(1)} MB grown, longest frame ${scroll.longest.toFixed(0)} ms, ${scroll.elements} elements`);
+check('memory stays flat over 100,000 rows', scroll.grown < 10, `${scroll.grown} MB`);
+check('few elements', scroll.elements < 1500, scroll.elements);
+check('a jump is quick', jumps[4] < 1000, jumps.join(' '));
+
+await page.locator('#home').click();
+await page.getByText('Hostile').click();
+await until('markup in a title is text', () => page.getByText('<img src=x').isVisible());
+await page.waitForTimeout(1500);
+check('and does nothing', !(await page.title()).includes('harmed'));
+const statuses = await page.evaluate(async () => {
+  const { rows } = await (await fetch('/api/rows?path=upnp:/Hostile%3FitemType%3Dserver&last=8')).json();
+  return Promise.all(rows.map(async (row) => {
+    const answer = await fetch(`/proxy/${encodeURIComponent(btoa(row.icon))}?w=160`);
+    return `${row.icon.split(/[:/]/).at(-1)} ${answer.status} ${answer.headers.get('Content-Type')}`;
+  }));
+});
+const json = 'application/json';
+check('pictures that mean harm', statuses.join() === [`redirect-port 502 ${json}`, `redirect-host 502 ${json}`, `redirects 502 ${json}`,
+  `bomb 502 ${json}`, `endless 502 ${json}`, `svg 502 ${json}`, `html 502 ${json}`, `passwd 404 ${json}`, 'fine 200 image/jpeg'].join(), statuses.join());
+for (const kind of ['proxy', 'media']) {
+  const status = await page.evaluate(async (kind) => (await fetch(`/${kind}/${btoa('http://10.77.0.1:9000/secret')}`)).status, kind);
+  check(`/${kind}/ for what no row has named`, status === 404, status);
+}
+await browser.pages()[0].close();
+await finish();
