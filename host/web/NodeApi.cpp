@@ -33,19 +33,6 @@ CMPath pathOf(const Exchange &exchange)
 
 } // namespace
 
-Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles)
-{
-    Rows rows;
-    rows.rowsCount = answer.rowsCount();
-    rows.rowsVersion = answer.rowsVersion();
-    rows.roles = answer.roles();
-    const QVariantList list = answer.rows();
-    rows.rows.reserve(list.size());
-    for (const QVariant &row : list)
-        rows.rows.append(recordOf(roles, row.toList()));
-    return rows;
-}
-
 NodeApi::NodeApi(LiveChain &chain, CarriedAddresses &carried, HttpServer &server)
     : m_chain(chain)
     , m_carried(carried)

@@ -20,5 +20,3 @@ private:
     CarriedAddresses &m_carried;
 };
 
-/// Rows as records, of the answer to a request for `roles`.
-Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles);
