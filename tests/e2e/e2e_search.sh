@@ -40,7 +40,7 @@ done
 check "a backslash, which MiniDLNA never finds" "" "$(found Searches --title 'back\slash')"
 check "a backslash, which Rygel finds" 'back\slash' "$(found Virtual --title 'back\slash')"
 
-for server in Searches Lists Virtual; do
+for server in Searches Lists/Audio Virtual; do
     check "$server: each file once, in however many folders it is" "$(library_tracks | cut -d '|' -f 8 | sort)" \
         "$(orka --json queue "$server" | jq -r '.items[].title' | sort)"
 done
