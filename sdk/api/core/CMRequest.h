@@ -80,7 +80,10 @@ public:
 
     const QStringList &roles() const { return m_roles; }
 #ifndef ORKA_FOREIGN_SDK
-    Reply reply() const { return Reply(CMRequest::reply()); }
+    Reply reply() const
+    {
+        return Reply(CMRequest::reply());
+    }
 #endif
 
 private:
@@ -102,7 +105,10 @@ public:
 
     const QVariant &value() const { return m_value; }
 #ifndef ORKA_FOREIGN_SDK
-    Reply reply() const { return Reply(CMRequest::reply()); }
+    Reply reply() const
+    {
+        return Reply(CMRequest::reply());
+    }
 #endif
 
 private:
