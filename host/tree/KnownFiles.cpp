@@ -7,11 +7,12 @@
 
 namespace {
 
-/// What the same file has in common wherever it is met.
+/// What the same file has in common wherever it is met. Some folders that Gerbera makes up put
+/// artist and album before the title, with " - " between them.
 QString looksOf(const OrkaPlayListItem &item, const CMPath &path)
 {
-    return QStringList{ServerList::serverBase(path), item.title(), item.artist(), item.album(),
-        QString::number(item.durationSeconds())}
+    return QStringList{ServerList::serverBase(path), item.artist(), item.album(),
+        item.title().section(QStringLiteral(" - "), -1), QString::number(item.durationSeconds())}
         .join(QChar(0));
 }
 
