@@ -77,6 +77,9 @@ start_gerbera() {
     </storage>
   </server>
   <import hidden-files="no">
+    <autoscan use-inotify="no">
+      <directory location="$(xml_text "$media")" mode="timed" interval="3600" level="full" recursive="yes" hidden-files="no"/>
+    </autoscan>
     <scripting script-charset="UTF-8">
       <common-script>/usr/share/gerbera/js/common.js</common-script>
       <virtual-layout type="builtin"/>
@@ -98,7 +101,7 @@ start_gerbera() {
 </config>
 CONF
     server_kind[$name]=gerbera
-    serve_on_host "$name" gerbera --config "$folder/config.xml" --interface eth0 --port 49152 --add "$media"
+    serve_on_host "$name" gerbera --config "$folder/config.xml" --interface eth0 --port 49152
 }
 
 # Rygel wants a bus and a home of its own; its configuration is only read from there.
