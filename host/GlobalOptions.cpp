@@ -76,7 +76,7 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
     addSeconds(app, "--timeout", options.timeout, "For an answer (30)");
     app.add_flag("--json", options.json, "Print one JSON document on standard output");
     addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");
-    app.add_flag("-v", options.verbosity,
+    app.add_flag("-v,--verbose", options.verbosity,
         "Log to standard error: -v what happens, -vv details,\n-vvv everything");
 }
 

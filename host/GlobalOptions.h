@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <string>
@@ -41,6 +42,8 @@ struct GlobalOptions
     QString logConfig;
     /// 0 none, 1 INFO, 2 DEBUG, 3 and more TRACE.
     int verbosity = 0;
+    /// What isn't as it is by default and where it was set, for people.
+    QStringList settings;
 };
 
 /// Declares the options on the parser; `options` is filled while it parses.

@@ -1,6 +1,8 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "Interrupt.h"
+#include "Settings.h"
+#include "Version.h"
 #include "chain/StuckBus.h"
 #include "commands/Command.h"
 #include "output/JsonOutput.h"
@@ -48,7 +50,7 @@ QString unknownArgument(const CLI::App &app, const QString &text)
 }
 
 /// What the parser has to say: help on standard output, a mistake on standard error.
-int reportParsing(const CLI::App &app, const CLI::ParseError &error)
+int reportParsing(const CLI::App &app, const Settings &settings, const CLI::ParseError &error)
 {
     std::ostringstream help;
     std::ostringstream mistake;
@@ -63,7 +65,7 @@ int reportParsing(const CLI::App &app, const CLI::ParseError &error)
     } else if (app.get_subcommands().empty() && error.get_name() == "RequiredError") {
         tell(QStringLiteral("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
-        tell(QString::fromStdString(mistake.str()).trimmed());
+        tell(QString::fromStdString(mistake.str()).trimmed() + settings.originOf(mistake.str()));
     }
     return WrongUsage;
 }
@@ -129,15 +131,21 @@ int runProgram(int argc, char **argv)
     app.footer(exitStatuses);
     app.get_formatter()->column_width(24);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.set_version_flag("--version", "orka " ORKA_VERSION);
+    app.set_version_flag(
+        "--version", [&options] { return versionText(options.plugin); },
+        "What this program is and runs with");
     app.require_subcommand(1);
     addGlobalOptions(app, options);
+    const std::shared_ptr<const Settings> settings = Settings::install(app);
     const std::vector<CommandPointer> commands = makeCommands(app);
     try {
         app.parse(argumentsOf(argc, argv));
     } catch (const CLI::ParseError &error) {
-        return reportParsing(app, error);
+        return reportParsing(app, *settings, error);
     }
+    if (!settings->problem().isEmpty())
+        throw wrongUsage(settings->problem());
+    options.settings = settings->list();
     for (const CommandPointer &command : commands) {
         if (command->isChosen())
             return run(*command, options);

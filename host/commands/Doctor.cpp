@@ -162,6 +162,10 @@ public:
     int run(const GlobalOptions &options) override
     {
         Findings findings(options.json);
+        findings.add(Findings::Ok, "settings",
+            options.settings.isEmpty()
+                ? QStringLiteral("every global option is as it is by default.")
+                : safeText(options.settings.join(QStringLiteral(", "))));
         checkAddresses(findings);
         checkPlayer(findings);
         try {

@@ -1,0 +1,146 @@
+#include "Settings.h"
+
+#include "output/SafeText.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+const std::string noFile = "/dev/null";
+
+QString usersFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + QStringLiteral("/orka/orka.conf");
+}
+
+/// "ORKA_MEDIA_SERVICE" for "media-service".
+std::string variableOf(std::string name)
+{
+    for (char &letter : name)
+        letter = letter == '-' ? '_' : char(std::toupper(static_cast<unsigned char>(letter)));
+    return "ORKA_" + name;
+}
+
+bool takesSeveral(const CLI::Option &option)
+{
+    return option.get_items_expected_max() > 1;
+}
+
+/// One text, or the words of it for an option that takes several.
+std::vector<std::string> valuesOf(const CLI::Option &option, const std::string &text)
+{
+    return takesSeveral(option) ? CLI::detail::split(text, ' ') : std::vector<std::string>{text};
+}
+
+} // namespace
+
+Settings::Settings(CLI::App &app)
+    : m_app(app)
+{
+}
+
+std::shared_ptr<const Settings> Settings::install(CLI::App &app)
+{
+    const std::shared_ptr<Settings> settings(new Settings(app));
+    const QFileInfo file(usersFile());
+    if (file.exists() && !(file.isFile() && file.isReadable())) {
+        settings->m_problem =
+            QStringLiteral("The configuration file %1 can't be read. Give yourself the right to "
+                           "read it, or remove it.")
+                .arg(quoted(file.filePath()));
+    }
+    app.config_formatter(settings);
+    // The environment is asked where there is no file, too.
+    app.set_config("--config", file.isFile() ? file.filePath().toStdString() : noFile,
+           "Global options, one a line; orka/orka.conf in\n$XDG_CONFIG_HOME where none is named")
+        ->type_name("FILE");
+    return settings;
+}
+
+bool Settings::take(const CLI::ConfigItem &item, const QString &place) const
+{
+    const QString value = QString::fromStdString(CLI::detail::join(item.inputs, " "));
+    return m_app.get_option("--" + item.name)->count() == 0
+        && m_origins.emplace(item.name, Origin{value, place}).second;
+}
+
+void Settings::addEnvironment(std::vector<CLI::ConfigItem> &entries) const
+{
+    const CLI::App &app = m_app;
+    for (const CLI::Option *option : app.get_options()) {
+        if (option->get_lnames().empty() || !option->get_configurable())
+            continue;
+        const std::string name = option->get_lnames().front();
+        const std::string variable = variableOf(name);
+        const QByteArray text = qgetenv(variable.c_str());
+        const CLI::ConfigItem item{{}, name, valuesOf(*option, text.toStdString())};
+        if (!text.isEmpty() && take(item, QString::fromStdString(variable)))
+            entries.push_back(item);
+    }
+}
+
+/// Why an entry of the file can't be taken; empty where it can.
+QString Settings::problemOf(const CLI::ConfigItem &item) const
+{
+    const CLI::Option *const option =
+        item.parents.empty() ? m_app.get_option_no_throw("--" + item.name) : nullptr;
+    if (option == nullptr || !option->get_configurable()) {
+        return QStringLiteral("is no global option; \"orka --help\" lists them, and they stand "
+                              "there without --");
+    }
+    if (item.inputs.size() > 1 && !takesSeveral(*option))
+        return QStringLiteral("has several values; put a text with spaces into double quotes");
+    return {};
+}
+
+std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
+{
+    CLI::Option *const fileOption = m_app.get_config_ptr();
+    const QString fileName = QString::fromStdString(fileOption->as<std::string>());
+    fileOption->default_str(""); // help would show it
+    std::vector<CLI::ConfigItem> entries;
+    addEnvironment(entries);
+    for (const CLI::ConfigItem &item : CLI::ConfigBase::from_config(file)) {
+        if (item.name == "++" || item.name == "--")
+            continue; // where a section begins and ends
+        const QString problem = problemOf(item);
+        if (!problem.isEmpty()) {
+            m_problem = QStringLiteral("The entry %1 in %2 %3.")
+                            .arg(quoted(QString::fromStdString(item.fullname())), quoted(fileName),
+                                problem);
+        } else if (take(item, fileName)) {
+            entries.push_back(item);
+        }
+    }
+    return entries;
+}
+
+QString Settings::originOf(const std::string &complaint) const
+{
+    for (const auto &[name, origin] : m_origins) {
+        if (complaint.find("--" + name) != std::string::npos)
+            return QStringLiteral(" (set by %1)").arg(origin.place);
+    }
+    return {};
+}
+
+QStringList Settings::list() const
+{
+    QStringList list;
+    const CLI::App &app = m_app;
+    for (const CLI::Option *option : app.get_options()) {
+        if (option->count() == 0 || !option->get_configurable())
+            continue;
+        const std::string name = option->get_single_name();
+        const auto origin = m_origins.find(name);
+        const QString text = QString::fromStdString(name);
+        list.append(origin == m_origins.end()
+                ? QStringLiteral("%1 (command line)").arg(text)
+                : QStringLiteral("%1 %2 (%3)")
+                      .arg(text, origin->second.value, origin->second.place));
+    }
+    return list;
+}
