@@ -36,7 +36,7 @@ QString Installation::privateBusConfiguration()
 
 QString Installation::page()
 {
-    return firstOf({QStringLiteral("../../../web"), QStringLiteral("../share/orka/web")});
+    return firstOf({QStringLiteral("../../../web"), QStringLiteral(ORKA_DATA "/web")});
 }
 
 QString Installation::bridge()
