@@ -114,13 +114,11 @@ text='Say "Hi" & back\slash %1'
 check "a search goes by its text" "$text" "$(titles search Shelf --title "$text")"
 refused 1 "only by title" search Shelf --artist x
 
-# configured TEXT: the first lines of doctor where orka.conf holds it.
+# configured TEXT: doctor where orka.conf holds it.
 mkdir "$WORLD_DIR/orka"
-configured() {
-    printf '%s\n' "$1" >"$WORLD_DIR/orka/orka.conf"
-    XDG_CONFIG_HOME=$WORLD_DIR ORKA_WAIT=0.2 ORKA_TIMEOUT=3 orka --timeout 7 doctor 2>&1
-}
-told=$(configured $'# mine\nwait = 9\nservice-id = "a b"' || true)
+script configured "printf '%s\n' \"\$1\" >'$WORLD_DIR/orka/orka.conf'
+XDG_CONFIG_HOME='$WORLD_DIR' ORKA_WAIT=0.2 ORKA_TIMEOUT=3 orka --timeout 7 doctor"
+told=$(configured $'# mine\nwait = 9\nservice-id = "a b"' 2>&1 || true)
 for part in "wait 0.2 (ORKA_WAIT)" "timeout (command line)" "service-id a b ($WORLD_DIR/orka/orka.conf)"; do
     check "doctor tells of $part" "$part" "$(grep -oF "$part" <<<"$told" || echo "$told")"
 done
