@@ -115,16 +115,17 @@ check "a search goes by its text" "$text" "$(titles search Shelf --title "$text"
 refused 1 "only by title" search Shelf --artist x
 
 # configured TEXT: doctor where orka.conf holds it.
-mkdir "$WORLD_DIR/orka"
-script configured "printf '%s\n' \"\$1\" >'$WORLD_DIR/orka/orka.conf'
-XDG_CONFIG_HOME='$WORLD_DIR' ORKA_WAIT=0.2 ORKA_TIMEOUT=3 orka --timeout 7 doctor"
+mkdir -p "$WORLD_DIR/config/orka"
+script configured "printf '%s\n' \"\$1\" >'$WORLD_DIR/config/orka/orka.conf'
+XDG_CONFIG_HOME='$WORLD_DIR/config' ORKA_WAIT=0.2 ORKA_TIMEOUT=3 orka --timeout 1 doctor"
 told=$(configured $'# mine\nwait = 9\nservice-id = "a b"' 2>&1 || true)
-for part in "wait 0.2 (ORKA_WAIT)" "timeout (command line)" "service-id a b ($WORLD_DIR/orka/orka.conf)"; do
+for part in "wait 0.2 (ORKA_WAIT)" "timeout (command line)" "service-id a b ($WORLD_DIR/config/orka/orka.conf)"; do
     check "doctor tells of $part" "$part" "$(grep -oF "$part" <<<"$told" || echo "$told")"
 done
 for wrong in 'prefix = "/"' 'wiat = 9' $'[ls]\nrows = 1'; do
     check_fails "orka.conf: $wrong" 2 "orka.conf" configured "$wrong"
 done
+rm "$WORLD_DIR/config/orka/orka.conf"
 
 # Two folders that hold each other, an address that is there twice, two that no player may be given.
 list='#EXTM3U
