@@ -20,6 +20,8 @@ export class ScrollIndex extends HTMLElement {
   #marks = [];
   #request = new AbortController();
   #path = '';
+  /** The mark that was chosen last; a slower answer about another changes nothing. @type {object|null} */
+  #chosen = null;
 
   /** @param {string} path @param {number} total @param {(index: number) => void} jump */
   async show(path, total, jump) {
@@ -56,10 +58,11 @@ export class ScrollIndex extends HTMLElement {
       type: 'button',
       'aria-label': isSorted ? `Titles with ${mark.label}` : `Row ${mark.label}`,
       onclick: async () => {
+        this.#chosen = mark;
         jump(mark.index);
         if (mark.before < 0) return;
         const first = await this.#firstOf(mark);
-        if (first !== mark.index) jump(first);
+        if (this.#chosen === mark && first !== mark.index) jump(first);
       },
     }, mark.label)));
     this.onpointermove = (/** @type {PointerEvent} */ event) => {

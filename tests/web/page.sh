@@ -55,7 +55,10 @@ stop_page
 ORKA_TEST_ART=http://10.77.0.1:9000
 export ORKA_TEST_ART
 python3 "$here/art_server.py" 10.77.0.1 9000 "$WORLD_DIR/art.log" &
-within 5 test -n "$(ss -Hltn 'sport = 9000' 2>/dev/null || echo 1)"
+art_server_is_there() {
+    http_get 10.77.0.1 9000 /fine >/dev/null 2>&1
+}
+within 10 art_server_is_there || say_and_fail "The server of pictures did not start."
 start_page --plugin "$ORKA_BUILD/tests/web/liborka_test_page_worker.so"
 drive big.mjs
 check "only what rows named was asked for" "" "$(grep -vE '^/(art/[0-9]+|redirect-port|redirect-host|redirects|bomb|endless|svg|html|fine)$' "$WORLD_DIR/art.log" || true)"
