@@ -15,6 +15,6 @@ int main(int argc, char **argv)
         QCoreApplication::arguments().value(2), QStringLiteral("bridge"));
     if (!bus.registerService(QStringLiteral("com.intel.dleyna-server")))
         return 3;
-    QTimer::singleShot(60000, [] { QCoreApplication::exit(1); }); // never left behind
+    QTimer::singleShot(300000, [] { QCoreApplication::exit(1); }); // never left behind
     return QCoreApplication::exec();
 }
