@@ -103,7 +103,10 @@ bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
     waitUntil(
         [&] {
             isEnough = enough(servers());
-            return isEnough || (isComplete() && mayGiveUp);
+            if (isEnough || !isComplete())
+                return isEnough;
+            isEnough = enough(servers()); // one may have shown up meanwhile
+            return isEnough || mayGiveUp;
         },
         remaining());
     return isEnough;
