@@ -79,6 +79,10 @@ int serve(const Options &options, GMainLoop *loop)
     {
         ServerRegistry registry(options.interfaces);
         MediaService service(bus, registry);
+        service.onStop = [loop] {
+            logInfo("a client ends the service");
+            g_main_loop_quit(loop);
+        };
         problem = bus.ownName(options.replace);
         if (!problem.empty())
             return say(NoService, problem);

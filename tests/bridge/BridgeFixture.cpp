@@ -18,6 +18,7 @@
 const QString serviceName = "com.intel.dleyna-server";
 const QString managerPath = "/com/intel/dLeynaServer";
 const QString managerInterface = "com.intel.dLeynaServer.Manager";
+const QString bridgeInterface = "org.orka.MediaBridge1";
 const QString deviceInterface = "com.intel.dLeynaServer.MediaDevice";
 const QString objectInterface = "org.gnome.UPnP.MediaObject2";
 const QString containerInterface = "org.gnome.UPnP.MediaContainer2";

@@ -120,8 +120,8 @@ private:
     QStringList m_found, m_lost;
 };
 
-extern const QString serviceName, managerPath, managerInterface, deviceInterface, objectInterface,
-    containerInterface, itemInterface, propertiesInterface;
+extern const QString serviceName, managerPath, managerInterface, bridgeInterface, deviceInterface,
+    objectInterface, containerInterface, itemInterface, propertiesInterface;
 
 /// A UDN that no other server of this test process has.
 QString newUdn();

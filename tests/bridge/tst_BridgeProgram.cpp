@@ -3,6 +3,7 @@
 #include "TestNamespace.h"
 
 #include <QDBusConnectionInterface>
+#include <QDateTime>
 #include <QTest>
 
 namespace {
@@ -147,6 +148,13 @@ void tst_BridgeProgram::managerAnswers()
     QCOMPARE(bridge.call(managerPath, managerInterface, "Bogus").error,
         "org.freedesktop.DBus.Error.UnknownMethod");
     QVERIFY(bridge.call(managerPath, "org.freedesktop.DBus.Peer", "Ping").ok());
+
+    const QVariantMap own = bridge.getAll(managerPath, bridgeInterface).map();
+    QCOMPARE(own["ProcessId"].toLongLong(), bridge.pid());
+    QVERIFY(qAbs(own["StartedAt"].toLongLong() - QDateTime::currentSecsSinceEpoch()) < 60);
+    QCOMPARE(bridge.get(managerPath, bridgeInterface, "Version").value(), own["Version"]);
+    QVERIFY(bridge.call(managerPath, bridgeInterface, "Stop").ok());
+    QTRY_VERIFY(!bridge.bus().interface()->isServiceRegistered(serviceName));
 }
 
 void tst_BridgeProgram::pathsNobodyHasAreErrors()

@@ -1,5 +1,6 @@
 #include "bus/Introspection.h"
 
+#include "bus/BridgeProperties.h"
 #include "bus/DeviceProperties.h"
 #include "core/Properties.h"
 
@@ -11,8 +12,8 @@ namespace bridge {
 
 namespace {
 
-/// Signature and name of the first argument, which is taken off. No name begins with a small
-/// letter.
+/// Signature and name of the first argument, and removes it. The signature ends at the name's
+/// capital letter.
 std::pair<std::string, std::string> takeArgument(std::string_view &arguments)
 {
     const std::string_view argument = arguments.substr(0, arguments.find(' '));
@@ -64,6 +65,10 @@ std::string propertiesXml(const std::string &interface)
     }
     if (interface == interfaces::device) {
         for (const DeviceProperty &property : deviceProperties())
+            xml += propertyXml(property.name, property.signature);
+    }
+    if (interface == interfaces::bridge) {
+        for (const BridgeProperty &property : bridgeProperties())
             xml += propertyXml(property.name, property.signature);
     }
     // Else clients keep what they read once, and wait for word of a change for ever.

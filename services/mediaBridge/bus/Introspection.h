@@ -9,6 +9,7 @@ namespace bridge {
 /// Interfaces of the service, by what carries them.
 namespace interfaces {
 inline constexpr const char *manager = "com.intel.dLeynaServer.Manager";
+inline constexpr const char *bridge = "org.orka.MediaBridge1";
 inline constexpr const char *device = "com.intel.dLeynaServer.MediaDevice";
 inline constexpr const char *object = "org.gnome.UPnP.MediaObject2";
 inline constexpr const char *container = "org.gnome.UPnP.MediaContainer2";

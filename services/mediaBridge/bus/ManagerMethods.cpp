@@ -1,9 +1,5 @@
 #include "bus/MediaService.h"
 
-#ifndef ORKA_VERSION
-#error "the build names the version"
-#endif
-
 namespace bridge {
 
 void MediaService::getServers(const BusCallPtr &call, const Target &)

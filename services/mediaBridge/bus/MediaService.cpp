@@ -80,6 +80,9 @@ const std::vector<MediaService::Method> &MediaService::methods()
         {manager, "SetProtocolInfo", "sProtocolInfo", "", &S::accept},
         {manager, "PreferLocalAddresses", "bPrefer", "", &S::accept},
         {manager, "Rescan", "", "", &S::rescan},
+        {interfaces::bridge, "AddServer", "sAddress", "oPath", &S::addServer},
+        {interfaces::bridge, "ForgetServer", "sAddress", "", &S::forgetServer},
+        {interfaces::bridge, "Stop", "", "", &S::stop},
         {device, "Cancel", "", "", &S::cancel},
         {device, "BrowseObjects", "aoObjects asFilter", rows, &S::browseObjects},
         {device, "UploadToAnyContainer", "sDisplayName sFilePath", "uUploadId oPath",
@@ -107,7 +110,9 @@ const std::vector<MediaService::Method> &MediaService::methods()
 void MediaService::handle(const BusCallPtr &call)
 {
     if (call->path() == managerPath) {
-        invoke(call, {}, {interfaces::manager, interfaces::properties, interfaces::introspectable});
+        invoke(call, {},
+            {interfaces::manager, interfaces::bridge, interfaces::properties,
+                interfaces::introspectable});
     } else if (!introspectAncestor(call)) {
         handleObject(call);
     }
@@ -193,7 +198,7 @@ void MediaService::introspect(const BusCallPtr &call, const Target &target)
 {
     if (!target.server) {
         call->reply(describe({interfaces::introspectable, interfaces::peer, interfaces::properties,
-                                 interfaces::manager},
+                                 interfaces::manager, interfaces::bridge},
             {lastElement(std::string(serverRootPath))}));
         return;
     }

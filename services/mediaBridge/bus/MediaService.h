@@ -18,6 +18,9 @@ public:
     /// has only just started the service doesn't get an empty list for "nobody there".
     void start();
 
+    /// A client wants the program to end.
+    std::function<void()> onStop;
+
 private:
     /// The object that a call is for.
     struct Target
@@ -54,6 +57,11 @@ private:
     void cancel(const BusCallPtr &call, const Target &target);
     void answerGetServers(const BusCallPtr &call);
 
+    // BridgeMethods.cpp
+    void addServer(const BusCallPtr &call, const Target &);
+    void forgetServer(const BusCallPtr &call, const Target &);
+    void stop(const BusCallPtr &call, const Target &);
+
     // ContainerMethods.cpp
     void listChildren(const BusCallPtr &call, const Target &target);
     void listContainers(const BusCallPtr &call, const Target &target);
@@ -67,6 +75,9 @@ private:
     // PropertyMethods.cpp
     void get(const BusCallPtr &call, const Target &target);
     void getAll(const BusCallPtr &call, const Target &target);
+    void getOfManager(
+        const BusCallPtr &call, const std::string &interface, const std::string &name);
+    void getAllOfManager(const BusCallPtr &call, const std::string &interface);
     void getAllOfDevice(const BusCallPtr &call, const Target &target);
     void getAllOfObject(const BusCallPtr &call, const Target &target, const std::string &interface);
     void set(const BusCallPtr &call, const Target &target);

@@ -1,3 +1,4 @@
+#include "bus/BridgeProperties.h"
 #include "bus/DeviceProperties.h"
 #include "bus/Introspection.h"
 #include "bus/MediaService.h"
@@ -131,11 +132,30 @@ void MediaService::get(const BusCallPtr &call, const Target &target)
     const bool isOfDevice = isRoot
         && (interface == interfaces::device || (interface.empty() && findDeviceProperty(name)));
     if (!target.server)
-        call->fail(unknownProperty(name));
+        getOfManager(call, interface, name);
     else if (isOfDevice)
         getDeviceProperty(call, target, name);
     else if (isMediaInterface(interface))
         getObjectProperty(call, target, interface, name);
+    else
+        call->fail(unknownInterface(interface));
+}
+
+/// The manager has properties of the bridge's own interface only.
+void MediaService::getOfManager(
+    const BusCallPtr &call, const std::string &interface, const std::string &name)
+{
+    const bool isOfBridge = interface.empty() || interface == interfaces::bridge;
+    const BridgeProperty *property = isOfBridge ? findBridgeProperty(name) : nullptr;
+    replyValue(*call, name, property ? property->read(m_registry) : Value());
+}
+
+void MediaService::getAllOfManager(const BusCallPtr &call, const std::string &interface)
+{
+    if (interface.empty() || interface == interfaces::bridge)
+        call->reply(bridgePropertyMap(m_registry));
+    else if (interface == interfaces::manager)
+        call->reply(PropertyMap());
     else
         call->fail(unknownInterface(interface));
 }
@@ -220,13 +240,13 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
 {
     const std::string interface = call->arguments().text();
     const bool isRoot = target.objectId == rootObjectId;
-    const bool isManager =
-        !target.server && (interface.empty() || interface == interfaces::manager);
-    if (isManager || isWithoutProperties(interface))
+    if (isWithoutProperties(interface))
         call->reply(PropertyMap());
-    else if (target.server && isRoot && interface == interfaces::device)
+    else if (!target.server)
+        getAllOfManager(call, interface);
+    else if (isRoot && interface == interfaces::device)
         getAllOfDevice(call, target);
-    else if (target.server && isMediaInterface(interface))
+    else if (isMediaInterface(interface))
         getAllOfObject(call, target, interface);
     else
         call->fail(unknownInterface(interface));

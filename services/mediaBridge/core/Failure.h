@@ -13,6 +13,7 @@ inline constexpr const char *cancelled = "com.intel.dleyna.Cancelled";
 inline constexpr const char *notSupported = "com.intel.dleyna.NotSupported";
 inline constexpr const char *unknownProperty = "com.intel.dleyna.UnknownProperty";
 inline constexpr const char *unknownInterface = "com.intel.dleyna.UnknownInterface";
+inline constexpr const char *notReached = "org.orka.MediaBridge1.Error.NotReached";
 inline constexpr const char *unknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
 inline constexpr const char *invalidArgs = "org.freedesktop.DBus.Error.InvalidArgs";
 inline constexpr const char *limitsExceeded = "org.freedesktop.DBus.Error.LimitsExceeded";
