@@ -1,6 +1,6 @@
 // attacks [SECONDS [NAME]]: hostile media servers and hostile clients, one after the other, each
-// beside a healthy server whose listings are timed before and meanwhile. Prints a line an attack;
-// status 1 where the bridge didn't hold.
+// beside a healthy server whose listings are timed before and meanwhile, and beside the bus's own
+// answers. Prints a line an attack; status 1 where the bridge didn't hold.
 
 #include "BridgeFixture.h"
 #include "HostileServer.h"
@@ -8,6 +8,7 @@
 #include "Text.h"
 
 #include <QCoreApplication>
+#include <QDBusConnectionInterface>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -258,25 +259,31 @@ private:
     std::thread m_thread;
 };
 
-/// Milliseconds of each listing of the healthy server, in rising order.
-QVector<double> timeListings(BridgeFixture &bridge, const QString &folder, double seconds)
+/// Milliseconds of what was timed, in rising order.
+struct Times : QVector<double>
 {
-    QVector<double> times;
-    QElapsedTimer all;
+    double at(double part) const { return value(int(part * (size() - 1))); }
+};
+
+/// How long listings of the healthy server take, and the bus's own answers beside them: a message
+/// of 30 MB holds up the bus's daemon, and with it everybody, whoever it is for.
+void timeListings(
+    BridgeFixture &bridge, const QString &folder, double seconds, Times &listings, Times &bus)
+{
+    const auto ms = [](const QElapsedTimer &since) {
+        return double(since.nsecsElapsed()) / 1e6;
+    };
+    QElapsedTimer all, one;
     for (all.start(); all.elapsed() < seconds * 1000;) {
-        QElapsedTimer one;
         one.start();
-        const Answer answer = bridge.list(folder, 0, 20);
-        times.append(answer.ok() ? double(one.nsecsElapsed()) / 1e6 : 30000);
+        Call listing = bridge.startListing(folder, 0, 20);
+        bridge.bus().interface()->isServiceRegistered("org.freedesktop.DBus");
+        bus.append(ms(one));
+        listings.append(listing.wait().ok() ? ms(one) : 30000);
         QTest::qWait(2);
     }
-    std::sort(times.begin(), times.end());
-    return times;
-}
-
-double at(const QVector<double> &sorted, double part)
-{
-    return sorted[int(part * (sorted.size() - 1))];
+    std::sort(listings.begin(), listings.end());
+    std::sort(bus.begin(), bus.end());
 }
 
 qint64 mebibytes(qint64 pid)
@@ -285,6 +292,20 @@ qint64 mebibytes(qint64 pid)
     return file.open(QIODevice::ReadOnly)
         ? file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE) >> 20
         : 0;
+}
+
+/// Milliseconds of processor time in the next half second.
+qint64 busyMs(qint64 pid)
+{
+    const auto ticks = [pid] {
+        QFile file("/proc/%1/stat"_s.arg(pid));
+        const bool isOpen = file.open(QIODevice::ReadOnly);
+        const auto fields = isOpen ? file.readAll().split(')').last().split(' ') : QByteArrayList();
+        return fields.value(12).toLongLong() + fields.value(13).toLongLong();
+    };
+    const qint64 before = ticks();
+    QTest::qWait(500);
+    return (ticks() - before) * 1000 / sysconf(_SC_CLK_TCK);
 }
 
 int descriptors(qint64 pid)
@@ -302,6 +323,76 @@ int longestTurn(const QByteArray &log)
     return longest;
 }
 
+/// What is printed of an attack, and judged.
+struct Figures
+{
+    Times before, during, bus;
+    int turn = 0;
+    qint64 mebibytes = 0, endMs = 0;
+    bool isQuiet = false, isAlive = false;
+
+    /// A short round shares its machine with other tests.
+    bool areGood(bool isShortRound) const
+    {
+        const double patience = isShortRound ? 10 : 1;
+        const double late = qMax(50.0, 3 * bus.last());
+        return isAlive && isQuiet && endMs <= 1000 && mebibytes <= 150
+            && during.at(0.5) <= patience * 2 * before.at(0.5) && during.at(0.99) <= patience * late
+            && turn <= patience * qMax(20.0, 2 * bus.last());
+    }
+    void print(const char *name, bool isGood) const
+    {
+        std::printf("%-34s %6.1f %6.1f %7.1f %6.1f %6d %6lld %5s %6lld %s\n", name, before.at(0.5),
+            during.at(0.5), during.at(0.99), bus.last(), turn, static_cast<long long>(mebibytes),
+            isQuiet ? "yes" : "no", static_cast<long long>(endMs), isGood ? "" : "FAILED");
+        std::fflush(stdout);
+    }
+};
+
+/// Attacks for so long; the bridge's memory at most, in MiB.
+qint64 attackBeside(
+    BridgeFixture &bridge, const Attack &attack, const QString &folder, double seconds, Figures &to)
+{
+    HostileServer server([&](const std::string &request, const Send &send) {
+        if (attack.serve && attack.serve(request, send))
+            return;
+        if (attack.describe && request.compare(0, 4, "GET ") == 0)
+            send(attack.describe());
+        else
+            serveDecently(request, send);
+    });
+    for (int i = 0; i < attack.devices; ++i)
+        server.announce(i == 0 ? udn : udn + std::to_string(i));
+    if (attack.call && attack.devices > 0)
+        bridge.waitForServer(QString::fromStdString(udn));
+    HostileClient client(attack, bridge.address(), serverPath(QString::fromStdString(udn)));
+    qint64 most = 0;
+    for (double done = 0; done < seconds; done += 0.25) {
+        timeListings(bridge, folder, 0.25, to.during, to.bus);
+        most = qMax(most, mebibytes(bridge.pid()));
+    }
+    return most;
+}
+
+/// Ends the bridge, where it is asked for while the bus takes none of its answers.
+void end(BridgeFixture &bridge, const QString &folder, bool stopsBus, Figures &to)
+{
+    QVector<Call> unread;
+    if (stopsBus) {
+        for (int i = 0; i < 2000; ++i)
+            unread.append(bridge.startListing(folder, 0, 20));
+        QTest::qWait(50);
+        kill(pid_t(bridge.busPid()), SIGSTOP);
+        QTest::qWait(300);
+    }
+    QElapsedTimer end;
+    end.start();
+    to.isAlive = bridge.stop() == 0;
+    to.endMs = end.elapsed();
+    if (stopsBus)
+        kill(pid_t(bridge.busPid()), SIGCONT);
+}
+
 bool holds(const Attack &attack, double seconds)
 {
     BridgeFixture bridge(BridgeFixture::Running, {"-vv"});
@@ -311,61 +402,24 @@ bool holds(const Attack &attack, double seconds)
     if (bridge.waitForServer(healthyUdn).isEmpty())
         return false;
     const QString folder = objectPath(healthyUdn, "f");
-    timeListings(bridge, folder, 0.5);
-    const auto before = timeListings(bridge, folder, 1);
+    Figures figures;
+    Times warmUp, quietBus;
+    timeListings(bridge, folder, 0.5, warmUp, quietBus);
+    timeListings(bridge, folder, 1, figures.before, quietBus);
     const qint64 pid = bridge.pid(), memory = mebibytes(pid);
     const int open = descriptors(pid);
     bridge.log();
-
-    qint64 most = 0;
-    QVector<double> during;
-    {
-        HostileServer server([&](const std::string &request, const Send &send) {
-            if (attack.serve && attack.serve(request, send))
-                return;
-            if (attack.describe && request.compare(0, 4, "GET ") == 0)
-                send(attack.describe());
-            else
-                serveDecently(request, send);
-        });
-        for (int i = 0; i < attack.devices; ++i)
-            server.announce(i == 0 ? udn : udn + std::to_string(i));
-        if (attack.call && attack.devices > 0)
-            bridge.waitForServer(QString::fromStdString(udn));
-        HostileClient client(attack, bridge.address(), serverPath(QString::fromStdString(udn)));
-        for (double done = 0; done < seconds; done += 0.25) {
-            during += timeListings(bridge, folder, 0.25);
-            most = qMax(most, mebibytes(pid));
-        }
-    }
-    std::sort(during.begin(), during.end());
-    const int turn = longestTurn(bridge.log());
-    const bool isQuiet = QTest::qWaitFor(
-        [&] { return mebibytes(pid) - memory <= 20 && descriptors(pid) <= open + 2; }, 10000);
-    const auto signalBus = [&](int number) {
-        if (attack.stopsBus)
-            kill(pid_t(bridge.busPid()), number);
-    };
-    QVector<Call> unread;
-    if (attack.stopsBus) {
-        for (int i = 0; i < 2000; ++i)
-            unread.append(bridge.startListing(folder, 0, 20));
-        QTest::qWait(50);
-    }
-    signalBus(SIGSTOP);
-    QTest::qWait(attack.stopsBus ? 300 : 0);
-    QElapsedTimer end;
-    end.start();
-    const int status = bridge.stop();
-    const qint64 endMs = end.elapsed();
-    signalBus(SIGCONT);
-    const double usual = at(before, 0.5), median = at(during, 0.5), late = at(during, 0.99);
-    const bool isGood =
-        status == 0 && endMs <= 1000 && isQuiet && most - memory <= 150 && late < 1000;
-    std::printf("%-34s %6.1f %6.1f %7.1f %6d %7lld %5s %6lld %s\n", attack.name, usual, median,
-        late, turn, static_cast<long long>(most - memory), isQuiet ? "yes" : "no",
-        static_cast<long long>(endMs), isGood ? "" : "FAILED");
-    std::fflush(stdout);
+    figures.mebibytes = attackBeside(bridge, attack, folder, seconds, figures) - memory;
+    figures.turn = longestTurn(bridge.log());
+    figures.isQuiet = QTest::qWaitFor(
+        [&] {
+            return mebibytes(pid) - memory <= 20 && descriptors(pid) <= open + 2
+                && busyMs(pid) <= 25;
+        },
+        10000);
+    end(bridge, folder, attack.stopsBus, figures);
+    const bool isGood = figures.areGood(seconds < 1);
+    figures.print(attack.name, isGood);
     return isGood;
 }
 
@@ -382,8 +436,8 @@ int main(int argc, char **argv)
     dbus_threads_init_default();
     const double seconds = app.arguments().value(1, "2").toDouble();
     const QString only = app.arguments().value(2);
-    std::printf("%-34s %6s %6s %7s %6s %7s %5s %6s\n", "listing of a healthy server, ms", "usual",
-        "median", "99th", "turn", "MiB", "quiet", "end");
+    std::printf("%-34s %6s %6s %7s %6s %6s %6s %5s %6s\n", "listing of a healthy server, ms",
+        "usual", "median", "99th", "bus", "turn", "MiB", "quiet", "end");
     bool allHold = true;
     for (const Attack &attack : attacks()) {
         if (QString(attack.name).contains(only))

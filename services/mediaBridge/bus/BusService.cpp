@@ -2,6 +2,7 @@
 
 #include "Log.h"
 #include "bus/Introspection.h"
+#include "core/Later.h"
 #include "core/Limits.h"
 #include "core/ObjectPath.h"
 #include "core/SpareMemory.h"
@@ -175,8 +176,10 @@ void BusService::clientLeft(const std::string &name)
 {
     if (const auto calls = m_calls.find(name); calls != m_calls.end()) {
         for (const auto &known : calls->second.known) {
-            if (const BusCallPtr call = known.lock())
-                call->drop();
+            later([known] {
+                if (const BusCallPtr call = known.lock())
+                    call->drop();
+            });
         }
         m_callCount -= calls->second.known.size();
         m_calls.erase(calls);

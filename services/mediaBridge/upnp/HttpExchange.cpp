@@ -1,5 +1,6 @@
 #include "upnp/HttpExchange.h"
 
+#include "core/Later.h"
 #include "core/Limits.h"
 #include "core/SpareMemory.h"
 
@@ -185,13 +186,9 @@ void HttpExchange::stop(HttpOutcome outcome, std::string problem)
     if (m_session)
         return;
     // Not sent yet, so that nothing else ends it.
-    g_idle_add(
-        [](gpointer kept) -> gboolean {
-            const auto self = take(kept);
-            self->finish(self->m_stopOutcome, std::move(self->m_stopProblem));
-            return G_SOURCE_REMOVE;
-        },
-        keep(shared_from_this()));
+    later([self = shared_from_this()] {
+        self->finish(self->m_stopOutcome, std::move(self->m_stopProblem));
+    });
 }
 
 void HttpExchange::fail(GError *error)
