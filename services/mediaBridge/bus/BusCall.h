@@ -25,6 +25,8 @@ public:
     const std::string &interface() const { return m_interface; }
     const std::string &member() const { return m_member; }
     const std::string &sender() const { return m_sender; }
+    /// Or its caller has left.
+    bool isAnswered() const { return m_isAnswered; }
     /// These two only until the arguments are let go.
     std::string signature() const { return dbus_message_get_signature(m_message.get()); }
     Arguments arguments() const { return Arguments(m_message.get()); }

@@ -35,6 +35,15 @@ DBusConnection *openConnection(const std::string &where, DBusError &error)
     return nullptr;
 }
 
+/// The system bus takes smaller messages, also where it is named by its address.
+bool isSystemBus(const std::string &where)
+{
+    constexpr const char *usual = "unix:path=/run/dbus/system_bus_socket";
+    const char *own = g_getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return where == "system" || where == (own ? own : usual)
+        || where == "unix:path=/var/run/dbus/system_bus_socket";
+}
+
 /// At `parent` itself or below it.
 bool isWithin(std::string_view path, std::string_view parent)
 {
@@ -70,7 +79,7 @@ std::string BusService::connect(const std::string &where)
         return "Can't reach the D-Bus \"" + where + "\": " + error.message
             + ". Start a bus (dbus-run-session does) or name one with --bus.";
     dbus_connection_set_exit_on_disconnect(m_connection.get(), FALSE);
-    m_messageBytes = where == "system" ? limits::systemMessageBytes : limits::messageBytes;
+    m_messageBytes = isSystemBus(where) ? limits::systemMessageBytes : limits::messageBytes;
     // Whoever has no room for one more descriptor loses the whole connection.
     dbus_connection_set_max_received_unix_fds(m_connection.get(), limits::descriptorsOnBus);
     dbus_connection_add_filter(
@@ -134,13 +143,36 @@ void BusService::receiveCall(const BusCallPtr &call)
         && onFirstClient)
         onFirstClient();
     giveBackSpareMemorySoon();
-    if (keepCall(call)) {
-        onCall(call);
-    } else {
+    if (!keepCall(call)) {
         call->fail({errors::limitsExceeded,
             "Too many calls at once: wait for the answers of those that are under way."});
+        return;
     }
-    call->letArgumentsGo();
+    m_waiting.push(call->sender(), call);
+    if (m_nextTurn.isRunning())
+        return;
+    // Others may have called, too, or the caller may have left.
+    if (dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS)
+        m_nextTurn.start(0, [this] { handleWaiting(); });
+    else
+        handleWaiting();
+}
+
+/// For a few milliseconds a turn. Meanwhile the bus is read on, since it says who has left.
+void BusService::handleWaiting()
+{
+    constexpr int64_t longestUs = 3'000;
+    const int64_t end = g_get_monotonic_time() + longestUs;
+    while (!m_waiting.isEmpty()) {
+        const BusCallPtr call = m_waiting.pop();
+        if (!call->isAnswered())
+            onCall(call);
+        call->letArgumentsGo();
+        if (g_get_monotonic_time() > end) {
+            m_nextTurn.start(0, [this] { handleWaiting(); });
+            return;
+        }
+    }
 }
 
 /// Whether the client may have one more call under way.

@@ -2,6 +2,7 @@
 
 #include "bus/BusCall.h"
 #include "bus/BusLoop.h"
+#include "core/TurnQueue.h"
 
 #include <functional>
 #include <map>
@@ -32,7 +33,8 @@ public:
     /// Waits for the bus to take the last answers, for so long at most; the main loop runs on.
     void finishSending(unsigned ms);
 
-    /// Every call to a path of the service, on the main thread.
+    /// Every call to a path of the service, on the main thread; where many wait, clients take
+    /// turns.
     std::function<void(const BusCallPtr &)> onCall;
     /// The last client left or released the service.
     std::function<void()> onLastClientGone;
@@ -66,6 +68,7 @@ private:
     bool keepCall(const BusCallPtr &call);
     void purge(Calls &calls);
     void clientLeft(const std::string &name);
+    void handleWaiting();
 
     std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
     std::unique_ptr<BusLoop> m_loop;
@@ -75,6 +78,9 @@ private:
     /// By the caller's unique name.
     std::map<std::string, Calls> m_calls;
     size_t m_callCount = 0;
+    /// Calls that were not looked at yet, by the caller's unique name.
+    TurnQueue<BusCallPtr> m_waiting;
+    Timer m_nextTurn;
 };
 
 } // namespace bridge

@@ -17,13 +17,6 @@ struct Piece
     std::function<void()> then;
 };
 
-/// Runs `then` in the main loop, where the piece also ends.
-gboolean giveBack(gpointer piece)
-{
-    std::unique_ptr<Piece>(static_cast<Piece *>(piece))->then();
-    return G_SOURCE_REMOVE;
-}
-
 class Worker
 {
 public:
@@ -62,14 +55,31 @@ private:
             m_pieces.pop_front();
             lock.unlock();
             piece->work();
-            g_idle_add_full(G_PRIORITY_DEFAULT, &giveBack, piece.release(), nullptr);
             lock.lock();
+            m_done.push_back(std::move(piece));
+            g_idle_add_full(G_PRIORITY_DEFAULT, &Worker::giveBack, this, nullptr);
         }
+    }
+
+    /// Runs `then` in the main loop, where the piece also ends.
+    static gboolean giveBack(gpointer self)
+    {
+        static_cast<Worker *>(self)->takeDone()->then();
+        return G_SOURCE_REMOVE;
+    }
+    std::unique_ptr<Piece> takeDone()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        std::unique_ptr<Piece> piece = std::move(m_done.front());
+        m_done.pop_front();
+        return piece;
     }
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::unique_ptr<Piece>> m_pieces;
+    /// One for each call of `giveBack` to come.
+    std::deque<std::unique_ptr<Piece>> m_done;
     bool m_isEnding = false;
     std::thread m_thread;
 };

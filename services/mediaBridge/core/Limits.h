@@ -36,6 +36,30 @@ inline constexpr long descriptorsOnBus = 16;
 /// Milliseconds after which the end of the program no longer waits for a bus that takes no answers.
 inline constexpr unsigned farewellMs = 500;
 
+// --- what announces itself ---
+
+/// Bytes of one announcement, and of what it says; real ones have some 400.
+inline constexpr size_t packetBytes = 8192;
+inline constexpr size_t udnBytes = 128;
+inline constexpr size_t locationBytes = 1024;
+/// How long an announcement holds at most, in seconds.
+inline constexpr unsigned announcementSeconds = 86'400;
+/// Announcements that are read before everything else has its turn.
+inline constexpr int packetsInOneTurn = 16;
+/// Addresses of the machine that are listened on, and those at which one server is heard.
+inline constexpr size_t ownAddresses = 64;
+inline constexpr size_t addressesOfOneServer = 8;
+/// Senders of broken announcements that the log names.
+inline constexpr size_t strangersNamed = 64;
+/// Servers in all and of one host; those that don't answer give way to others.
+inline constexpr size_t servers = 512;
+inline constexpr size_t serversOfOneHost = 128;
+/// Descriptions that are fetched at a time, in all and from one host.
+inline constexpr unsigned looks = 16;
+inline constexpr unsigned looksAtOneHost = 4;
+/// Hosts whose looks are counted; beyond it the count begins anew.
+inline constexpr size_t hostsLookedAt = 1024;
+
 // --- media servers ---
 
 /// Requests under way at one server; the others wait in the bridge. Small servers take no more.

@@ -1,6 +1,7 @@
 #include "upnp/Discovery.h"
 
 #include "Log.h"
+#include "core/Limits.h"
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
@@ -16,8 +17,6 @@ constexpr unsigned retryMs = 500;
 // Where the kernel reported nothing, or couldn't.
 constexpr unsigned compareMs = 10'000;
 constexpr unsigned roundsBeforeWarning = 10;
-constexpr size_t maxListeners = 64;
-constexpr size_t maxNamed = 64;
 
 // Packets get lost, and a switch may take half a minute before it lets any through. After that,
 // asking now and then keeps servers whose announcements were lost from expiring.
@@ -74,7 +73,7 @@ void Discovery::reconcile()
     auto addresses = localAddresses(m_interfaces);
     if (!addresses)
         return;
-    addresses->resize(std::min(addresses->size(), maxListeners));
+    addresses->resize(std::min(addresses->size(), limits::ownAddresses));
     dropGone(*addresses);
     const size_t before = m_listeners.size();
     bool isComplete = true;
@@ -142,7 +141,7 @@ void Discovery::received(unsigned id, const SsdpMessage &message, const std::str
     if (isOwn) {
         onHeard(message.udn, {id, withScope(message.location, address.index), address.rank()},
             message.maxAge);
-    } else if (m_named.size() < maxNamed && m_named.insert(sender).second) {
+    } else if (m_named.size() < limits::strangersNamed && m_named.insert(sender).second) {
         logWarning("the media server " + message.udn + ", heard from " + sender
             + ", names another machine for its description (" + message.location
             + "), which isn't asked");

@@ -53,7 +53,7 @@ void HttpSession::send(HttpRequest request, HttpCallback done)
     if (!isUrl)
         exchange->stop(
             HttpOutcome::Unreachable, "\"" + exchange->request().url + "\" is not a URL.");
-    m_waiting[exchange->request().caller.name].push_back(exchange);
+    m_waiting.push(exchange->request().caller.name, exchange);
     sendWaiting();
 }
 
@@ -90,23 +90,12 @@ void HttpSession::sendWaiting()
     }
 }
 
-/// The oldest request of the caller whose turn it is.
+/// The oldest request of the caller whose turn it is, of those that nobody stopped.
 HttpSession::ExchangePtr HttpSession::takeNext()
 {
-    while (!m_waiting.empty()) {
-        auto turn = m_waiting.upper_bound(m_lastServed);
-        if (turn == m_waiting.end())
-            turn = m_waiting.begin();
-        m_lastServed = turn->first;
-        auto &queue = turn->second;
-        while (!queue.empty() && queue.front()->isStopped())
-            queue.pop_front();
-        const ExchangePtr next = queue.empty() ? nullptr : std::move(queue.front());
-        if (next)
-            queue.pop_front();
-        if (queue.empty())
-            m_waiting.erase(turn);
-        if (next)
+    while (!m_waiting.isEmpty()) {
+        ExchangePtr next = m_waiting.pop();
+        if (!next->isStopped())
             return next;
     }
     return nullptr;

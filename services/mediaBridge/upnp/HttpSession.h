@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/Timer.h"
+#include "core/TurnQueue.h"
 #include "upnp/HttpExchange.h"
 
-#include <deque>
 #include <map>
 #include <set>
 
@@ -44,9 +44,8 @@ private:
     void finished(HttpExchange *exchange, const HttpReply &reply);
 
     Ref<SoupSession> m_soup;
-    /// By the caller's name; who was served last, so that the next in the list comes next.
-    std::map<std::string, std::deque<ExchangePtr>> m_waiting;
-    std::string m_lastServed;
+    /// By the caller's name.
+    TurnQueue<ExchangePtr> m_waiting;
     unsigned m_underWay = 0;
     int64_t m_lastAnswer = 0;
     /// Everything that has not ended.

@@ -1,20 +1,13 @@
 #include "upnp/LookQueue.h"
 
+#include "core/Limits.h"
+
 namespace bridge {
-
-namespace {
-
-constexpr unsigned maxUnderWay = 16;
-constexpr unsigned maxAtOneHost = 4;
-// Hosts whose looks are counted; beyond it the count begins anew.
-constexpr size_t maxHosts = 1024;
-
-} // namespace
 
 void LookQueue::wait(const std::string &host, std::weak_ptr<void> owner, Start start)
 {
     m_waiting.remove_if([](const Waiting &waiting) { return waiting.owner.expired(); });
-    if (m_hosts.size() > maxHosts)
+    if (m_hosts.size() > limits::hostsLookedAt)
         forgetIdleHosts();
     m_waiting.push_front({host, std::move(owner), std::move(start)});
     startWaiting();
@@ -31,7 +24,7 @@ std::list<LookQueue::Waiting>::iterator LookQueue::next()
     auto best = m_waiting.end();
     for (auto it = m_waiting.begin(); it != m_waiting.end(); ++it) {
         const Host &host = m_hosts[it->host];
-        if (host.underWay >= maxAtOneHost)
+        if (host.underWay >= limits::looksAtOneHost)
             continue;
         if (best == m_waiting.end() || host.started < m_hosts[best->host].started)
             best = it;
@@ -44,7 +37,7 @@ void LookQueue::startWaiting()
     if (m_isStarting)
         return;
     m_isStarting = true;
-    while (m_underWay < maxUnderWay) {
+    while (m_underWay < limits::looks) {
         const auto it = next();
         if (it == m_waiting.end())
             break;

@@ -1,13 +1,13 @@
 #include "upnp/RouteList.h"
 
+#include "core/Limits.h"
+
 #include <algorithm>
 #include <tuple>
 
 namespace bridge {
 
 namespace {
-
-constexpr size_t maxRoutes = 8;
 
 bool isSame(const Route &a, const Route &b)
 {
@@ -55,7 +55,7 @@ RouteList::Heard RouteList::hear(const Route &route, int64_t expires, bool isTru
 /// The oldest that anybody might have announced goes first.
 bool RouteList::makeRoom()
 {
-    if (m_routes.size() < maxRoutes)
+    if (m_routes.size() < limits::addressesOfOneServer)
         return true;
     const auto stranger = std::find_if(
         m_routes.begin(), m_routes.end(), [](const Entry &route) { return !route.isTrusted; });

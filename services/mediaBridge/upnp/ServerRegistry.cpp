@@ -1,6 +1,7 @@
 #include "upnp/ServerRegistry.h"
 
 #include "Log.h"
+#include "core/Limits.h"
 #include "core/ObjectPath.h"
 #include "upnp/HttpUrl.h"
 
@@ -12,8 +13,6 @@ namespace bridge {
 namespace {
 
 constexpr size_t longestNameInLog = 100;
-constexpr size_t maxServersInAll = 512;
-constexpr size_t maxServersOfOneHost = 128;
 constexpr unsigned failuresToGiveWay = 4;
 // Connections a server may have open, and what else the process has.
 constexpr rlim_t descriptorsOfOneServer = 8;
@@ -23,17 +22,17 @@ constexpr rlim_t otherDescriptors = 256;
 /// servers it is enough.
 size_t serversThatFit()
 {
-    constexpr rlim_t wanted = maxServersInAll * descriptorsOfOneServer + otherDescriptors;
+    constexpr rlim_t wanted = limits::servers * descriptorsOfOneServer + otherDescriptors;
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
-        return maxServersOfOneHost;
+        return limits::serversOfOneHost;
     if (limit.rlim_cur < wanted) {
         limit.rlim_cur = std::min(wanted, limit.rlim_max);
         if (setrlimit(RLIMIT_NOFILE, &limit) != 0)
             getrlimit(RLIMIT_NOFILE, &limit);
     }
     const rlim_t free = limit.rlim_cur - std::min(limit.rlim_cur / 2, otherDescriptors);
-    return std::clamp<size_t>(free / descriptorsOfOneServer, 1, maxServersInAll);
+    return std::clamp<size_t>(free / descriptorsOfOneServer, 1, limits::servers);
 }
 
 } // namespace
@@ -104,7 +103,7 @@ bool ServerRegistry::makeRoomFor(const std::string &host)
         return entry.second->host() == host;
     };
     const bool isHostFull = std::count_if(m_trackers.begin(), m_trackers.end(), isOfHost)
-        >= static_cast<std::ptrdiff_t>(maxServersOfOneHost);
+        >= static_cast<std::ptrdiff_t>(limits::serversOfOneHost);
     if (!isHostFull && m_trackers.size() < m_maxServers)
         return true;
     // Not at once where it is of the same host: who keeps making names up would be asked for ever.

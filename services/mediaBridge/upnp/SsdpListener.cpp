@@ -1,6 +1,7 @@
 #include "upnp/SsdpListener.h"
 
 #include "Log.h"
+#include "core/Limits.h"
 
 #include <arpa/inet.h>
 #include <cerrno>
@@ -15,9 +16,6 @@ namespace {
 constexpr uint16_t ssdpPort = 1900;
 // As many routers as UPnP wants its packets to cross.
 constexpr int hops = 4;
-// So many packets are read before everything else has its turn.
-constexpr int packetsInOneTurn = 16;
-constexpr size_t largestPacket = 8192;
 
 struct SocketAddress
 {
@@ -98,7 +96,7 @@ void UdpSocket::listen()
 gboolean UdpSocket::readable(int, GIOCondition, gpointer self)
 {
     auto *socket = static_cast<UdpSocket *>(self);
-    for (int i = 0; i < packetsInOneTurn; ++i) {
+    for (int i = 0; i < limits::packetsInOneTurn; ++i) {
         if (socket->receive())
             continue;
         if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)
@@ -112,7 +110,7 @@ gboolean UdpSocket::readable(int, GIOCondition, gpointer self)
 
 bool UdpSocket::receive() const
 {
-    std::array<char, largestPacket> packet;
+    std::array<char, limits::packetBytes> packet;
     SocketAddress from;
     const ssize_t size =
         recvfrom(m_fd, packet.data(), packet.size(), MSG_TRUNC, from.get(), &from.size);

@@ -1,6 +1,7 @@
 #include "upnp/SsdpMessage.h"
 
 #include "core/Glib.h"
+#include "core/Limits.h"
 #include "core/Numbers.h"
 
 #include <algorithm>
@@ -12,9 +13,6 @@ namespace bridge {
 namespace {
 
 constexpr std::string_view mediaServer = "urn:schemas-upnp-org:device:MediaServer:";
-constexpr size_t maxUdnLength = 128;
-constexpr size_t maxLocationLength = 1024;
-constexpr unsigned longestAge = 86'400;
 
 struct HeadersDeleter
 {
@@ -40,7 +38,7 @@ unsigned maxAgeOf(const std::string &cacheControl)
     if (name == std::string::npos || digits == std::string::npos)
         return SsdpMessage().maxAge;
     const auto age = parseAs<uint32_t>(cacheControl.substr(digits));
-    return std::clamp(age.value_or(longestAge), 1U, longestAge);
+    return std::clamp(age.value_or(limits::announcementSeconds), 1U, limits::announcementSeconds);
 }
 
 /// Header lines of a NOTIFY or of an answer; null for anything else.
@@ -84,8 +82,8 @@ std::optional<SsdpMessage> parseSsdp(std::string_view packet)
         if (!message.isGoodbye && kind != "ssdp:alive")
             return std::nullopt;
     }
-    if (!isProper(message.udn, maxUdnLength)
-        || (!message.isGoodbye && !isProper(message.location, maxLocationLength)))
+    if (!isProper(message.udn, limits::udnBytes)
+        || (!message.isGoodbye && !isProper(message.location, limits::locationBytes)))
         return std::nullopt;
     return message;
 }
