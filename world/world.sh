@@ -6,7 +6,8 @@
 #   serve_on_host NAME COMMAND…       starts a server there; its process id is in server_pid[NAME]
 #   start_minidlna NAME FOLDER TITLE  (also start_gerbera, start_rygel) a media server on that machine
 #   wait_indexed NAME COUNT           until it has indexed so many tracks, a minute at most
-#   start_bus, start_bridge           the message bus and the media service on it (process id: bridge_pid)
+#   start_bus                         the message bus
+#   start_bridge [on_host NAME]       the media service on it (process id: bridge_pid), here or on that machine
 # Everything is kept below $WORLD_DIR, logs included; $ORKA_BUILD is the build folder.
 
 : "${WORLD_DIR:?is set by enter-world.sh, which runs this script}" "${WORLD_ROOT:?}"
@@ -94,7 +95,7 @@ start_bus() {
 }
 
 start_bridge() {
-    "$ORKA_BUILD/services/mediaBridge/orka-media-bridge" 2>>"$WORLD_DIR/bridge.log" &
+    "$@" "$ORKA_BUILD/services/mediaBridge/orka-media-bridge" 2>>"$WORLD_DIR/bridge.log" &
     # shellcheck disable=SC2034 # for who sources this
     bridge_pid=$!
     within 10 media_service_is_there || say_and_fail "The bridge did not start: $(tail -n 3 "$WORLD_DIR/bridge.log")"

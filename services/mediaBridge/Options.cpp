@@ -18,6 +18,7 @@ struct RawOptions
 {
     char *bus = nullptr;
     char **interfaces = nullptr;
+    char **servers = nullptr;
     int idleExit = 0;
     gboolean replace = FALSE;
     gboolean version = FALSE;
@@ -30,6 +31,10 @@ std::string parse(int argc, char **argv, RawOptions &raw, Options &options)
             "Bus to serve on: session (default), system or a D-Bus address", "BUS"},
         {"interface", 0, 0, G_OPTION_ARG_STRING_ARRAY, &raw.interfaces,
             "Network interface to search on; may be given several times (default: all)", "NAME"},
+        {"server", 0, 0, G_OPTION_ARG_STRING_ARRAY, &raw.servers,
+            "Look for a server there, too: a host, HOST:PORT or the URL of its description; may be "
+            "given several times",
+            "ADDRESS"},
         {"idle-exit", 0, 0, G_OPTION_ARG_INT, &raw.idleExit,
             "End after so many seconds without a client (default: never)", "SECONDS"},
         {"replace", 0, 0, G_OPTION_ARG_NONE, &raw.replace,
@@ -65,6 +70,13 @@ Options parseOptions(int argc, char **argv)
     for (char **name = raw.interfaces; name && *name; ++name)
         options.interfaces.emplace_back(*name);
     g_strfreev(raw.interfaces);
+    for (char **text = raw.servers; text && *text; ++text) {
+        if (const auto address = parseServerAddress(*text))
+            options.servers.push_back(*address);
+        else if (options.problem.empty())
+            options.problem = "--server: " + notAnAddress(*text);
+    }
+    g_strfreev(raw.servers);
     options.idleExitSeconds = raw.idleExit;
     options.replace = raw.replace != FALSE;
     options.showVersion = raw.version != FALSE;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Log.h"
+#include "core/ServerAddress.h"
 
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ struct Options
     std::string bus = "session";
     /// Network interfaces to use; empty for all.
     std::vector<std::string> interfaces;
+    /// Addresses to look for servers at, besides the search.
+    std::vector<ServerAddress> servers;
     /// Seconds without a client after which the service ends; 0 for never.
     int idleExitSeconds = 0;
     bool replace = false;

@@ -87,6 +87,8 @@ int serve(const Options &options, GMainLoop *loop)
         if (!problem.empty())
             return say(NoService, problem);
         service.start();
+        for (const ServerAddress &address : options.servers)
+            registry.named().add(address, {});
         warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
         logInfo("serving " + std::string(BusService::busName));
@@ -110,7 +112,8 @@ int run(int argc, char **argv)
 {
     const Options options = parseOptions(argc, argv);
     if (!options.problem.empty())
-        return say(WrongUsage, options.problem + ". Try --help.");
+        return say(WrongUsage,
+            options.problem + (options.problem.back() == '.' ? "" : ".") + " Try --help.");
     if (options.showVersion) {
         std::printf("orka-media-bridge %s\n", ORKA_VERSION);
         return Ended;

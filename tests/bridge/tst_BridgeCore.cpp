@@ -5,6 +5,7 @@
 #include "core/ObjectPath.h"
 #include "core/PropertyMap.h"
 #include "core/SearchCriteria.h"
+#include "core/ServerAddress.h"
 
 #include <QTest>
 
@@ -102,6 +103,29 @@ private Q_SLOTS:
                 server + "/", server + "/3", server + "/3g", server + "/36/34", server + "/ 6",
                 server + "/00", server + "/+6", std::string("/com/intel/dLeynaServer/serverX/a")})
             QVERIFY2(!parseObjectPath(path), path.c_str());
+    }
+
+    void serverAddressesAreRead()
+    {
+        const std::pair<std::string, std::string> urls[] = {
+            {"NAS.local", "http://h:8200/rootDesc.xml"}, {"10.0.0.2", "http://h:8200/rootDesc.xml"},
+            {"nas:49152", "http://h:49152/"}, {"http://nas:9/", "http://h:9/"},
+            {"http://nas", "http://h:80/"}, {"http://nas/a%20b?c=d", "http://h:80/a%20b?c=d"},
+            {"fe80::1%eth0", "http://h:8200/rootDesc.xml"}, {"[fe80::1%eth0]:82", "http://h:82/"},
+            {"http://[fe80::1%25eth0]/d", "http://h:80/d"},
+            {"[::1]", "http://h:8200/rootDesc.xml"}};
+        for (const auto &[text, first] : urls) {
+            const auto address = parseServerAddress(text);
+            QVERIFY2(address && descriptionUrls(*address, "h").front() == first, text.c_str());
+            const auto again = parseServerAddress(address->text());
+            QVERIFY2(again && *again == *address, address->text().c_str());
+        }
+        for (const std::string &text :
+            {std::string(), std::string("a b"), std::string(":80"), std::string("nas:0"),
+                std::string("nas:x"), std::string("nas:65536"), std::string("https://nas/d"),
+                std::string("http://"), std::string("nas/d"), std::string("a@b"),
+                std::string("nas%eth0"), std::string("[::1"), std::string(2000, 'a')})
+            QVERIFY2(!parseServerAddress(text), text.c_str());
     }
 
     void durationsAreRead()

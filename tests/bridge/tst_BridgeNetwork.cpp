@@ -99,6 +99,7 @@ private Q_SLOTS:
     void aServerThatMovesIsFollowed();
     void nobodyElseIsAsked();
     void deadControlAddressesAreAskedSeldom();
+    void serversAreAddedByAddress();
     void manyAnnouncementsLeaveRoomForOthers();
 };
 
@@ -196,6 +197,41 @@ void tst_BridgeNetwork::deadControlAddressesAreAskedSeldom()
     QTest::qWait(3500);
     QVERIFY2(stranger.requests >= 2 && stranger.requests <= 4,
         qPrintable(QString::number(stranger.requests)));
+}
+
+/// Nobody announces it. What keeps an address from being a server's is told in a sentence.
+void tst_BridgeNetwork::serversAreAddedByAddress()
+{
+    const auto asked = [this](const char *method, const QString &address) {
+        return bridge->call(managerPath, bridgeInterface, method, {address});
+    };
+    Stranger stranger;
+    const QString udn = newUdn();
+    stranger.describe(udn, "/control");
+    QCOMPARE(asked("AddServer", stranger.url()).value().toString(), serverPath(udn));
+    QCOMPARE(bridge->servers(), QStringList{serverPath(udn)});
+    QVERIFY(asked("ForgetServer", stranger.url()).ok());
+    QTRY_COMPARE(bridge->lost(), QStringList{serverPath(udn)});
+
+    const auto says = [&](const QString &address, const char *words) {
+        const Answer answer = asked("AddServer", address);
+        return answer.error.endsWith("NotReached") && answer.message.contains(words)
+            ? QString("it")
+            : answer.error + answer.message;
+    };
+    stranger.body.replace(":ContentDirectory:", ":Router:");
+    QCOMPARE(says(stranger.url(), "\"Stranger\", which is no media server"), "it");
+    stranger.body = "<html/>";
+    QCOMPARE(says(stranger.url(), "is no description"), "it");
+    stranger.status = "404 Not Found";
+    QCOMPARE(says(stranger.url(), "HTTP status 404"), "it");
+    QCOMPARE(says(strangersHost + ":1", "refused"), "it");
+    QCOMPARE(says(strangersHost, "Nothing answered the search"), "it");
+    QCOMPARE(says("my nas", "is no address"), "it");
+    const QStringList troubles =
+        bridge->get(managerPath, bridgeInterface, "Troubles").value().toStringList();
+    QVERIFY2(
+        troubles.size() == 3 && troubles.at(0).contains("404"), qPrintable(troubles.join('\n')));
 }
 
 void tst_BridgeNetwork::manyAnnouncementsLeaveRoomForOthers()

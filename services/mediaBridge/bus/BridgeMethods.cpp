@@ -4,13 +4,29 @@ namespace bridge {
 
 void MediaService::addServer(const BusCallPtr &call, const Target &)
 {
-    const std::string address = call->arguments().text();
-    call->fail({errors::notReached,
-        "\"" + address + "\" was not asked: servers are looked for by multicast only."});
+    const std::string text = call->arguments().text();
+    const auto address = parseServerAddress(text);
+    if (!address) {
+        call->fail({errors::notReached, notAnAddress(text)});
+        return;
+    }
+    m_registry.named().add(*address, [call](const std::string &path, const Failure &failure) {
+        if (failure.name.empty())
+            call->reply(ObjectPath{path});
+        else
+            call->fail(failure);
+    });
 }
 
 void MediaService::forgetServer(const BusCallPtr &call, const Target &)
 {
+    const std::string text = call->arguments().text();
+    const auto address = parseServerAddress(text);
+    if (!address) {
+        call->fail({errors::invalidArgs, notAnAddress(text)});
+        return;
+    }
+    m_registry.named().forget(*address);
     call->reply();
 }
 

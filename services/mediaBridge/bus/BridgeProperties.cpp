@@ -14,24 +14,41 @@ namespace {
 
 const int64_t startedAt = g_get_real_time() / G_USEC_PER_SEC;
 
+Value version(const ServerRegistry &)
+{
+    return std::string(ORKA_VERSION);
+}
+
+Value start(const ServerRegistry &)
+{
+    return startedAt;
+}
+
+Value processId(const ServerRegistry &)
+{
+    return static_cast<uint32_t>(getpid());
+}
+
+Value listening(const ServerRegistry &registry)
+{
+    return registry.listening();
+}
+
+Value troubles(const ServerRegistry &registry)
+{
+    return registry.troubles();
+}
+
 } // namespace
 
 const std::vector<BridgeProperty> &bridgeProperties()
 {
-    using R = const ServerRegistry &;
     static const std::vector<BridgeProperty> table{
-        {"Version", "s",
-            [](R) {
-                return Value(std::string(ORKA_VERSION));
-            }},
-        {"StartedAt", "x",
-            [](R) {
-                return Value(startedAt);
-            }},
-        {"ProcessId", "u",
-            [](R) {
-                return Value(static_cast<uint32_t>(getpid()));
-            }},
+        {"Version", "s", &version},
+        {"StartedAt", "x", &start},
+        {"ProcessId", "u", &processId},
+        {"Listening", "as", &listening},
+        {"Troubles", "as", &troubles},
     };
     return table;
 }

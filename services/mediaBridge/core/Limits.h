@@ -83,6 +83,12 @@ inline constexpr size_t answerBytes(uint32_t objects)
     return objects < (most - fixed) / perObject ? fixed + objects * perObject : most;
 }
 
+/// Addresses that are named, and servers that one of them may lead to.
+inline constexpr size_t namedServers = 64;
+inline constexpr size_t serversOfOneName = 16;
+/// Sentences about what can't be heard or read.
+inline constexpr size_t troubles = 32;
+
 // --- documents ---
 
 /// Documents above this are read in a thread, in bytes: the main loop takes a millisecond for one.

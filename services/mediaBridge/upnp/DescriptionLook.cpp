@@ -1,6 +1,5 @@
 #include "upnp/DescriptionLook.h"
 
-#include "Log.h"
 #include "core/Limits.h"
 
 namespace bridge {
@@ -13,6 +12,17 @@ constexpr unsigned timeoutMs = 4'000;
 constexpr unsigned patienceMs = 600;
 
 } // namespace
+
+std::string whatIsWrong(const HttpReply &reply, const std::string &withDocument)
+{
+    if (reply.outcome == HttpOutcome::TimedOut)
+        return "doesn't answer";
+    if (reply.outcome != HttpOutcome::Answered)
+        return "can't be read (" + reply.problem + ")";
+    if (reply.status != 200)
+        return "gives no description, but the HTTP status " + std::to_string(reply.status);
+    return withDocument;
+}
 
 DescriptionLook::DescriptionLook(std::string udn, std::vector<Route> routes, Done done)
     : m_udn(std::move(udn))
@@ -48,15 +58,16 @@ void DescriptionLook::answered(const Route &route, HttpReply reply)
     if (!m_done)
         return;
     --m_underWay;
+    DescriptionReading reading;
     if (reply.status == 200)
-        m_result.description = readDescription(std::move(reply.body), m_udn, route.location);
+        reading = readDescription(std::move(reply.body), m_udn, route.location);
+    m_result.description = std::move(reading.description);
     if (m_result.description) {
         m_result.route = route;
         finish();
         return;
     }
-    logDebug(route.location + " gives no description of " + m_udn
-        + (reply.problem.empty() ? std::string() : ": " + reply.problem));
+    m_result.problem = route.location + ' ' + whatIsWrong(reply, reading.problem) + '.';
     m_result.failed.push_back(route);
     m_result.sawRefusal = m_result.sawRefusal || reply.outcome != HttpOutcome::TimedOut;
     askNext();

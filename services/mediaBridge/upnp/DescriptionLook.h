@@ -19,9 +19,15 @@ struct LookResult
     std::vector<Route> failed;
     /// These and the routes that were silent so far.
     std::vector<Route> asked;
+    /// Why the last that failed did, in a sentence.
+    std::string problem;
     /// Of the failed, some refused or gave something else; the others were silent.
     bool sawRefusal = false;
 };
+
+/// Why a description's place gave none, to go on after its URL; `withDocument` where it gave some
+/// document.
+std::string whatIsWrong(const HttpReply &reply, const std::string &withDocument);
 
 /// Looks for the description of one server, at its routes in their order. The next route is asked
 /// where one fails, and also where one is silent for some time; the first description counts.

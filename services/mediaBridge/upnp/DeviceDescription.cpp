@@ -7,6 +7,7 @@
 #include "core/Text.h"
 #include "core/Xml.h"
 #include "upnp/HttpUrl.h"
+#include "upnp/SsdpMessage.h"
 
 #include <algorithm>
 
@@ -14,17 +15,11 @@ namespace bridge {
 
 namespace {
 
+constexpr size_t longestName = 100;
+
 std::string childText(pugi::xml_node parent, std::string_view name)
 {
     return shortened(elementText(childElement(parent, name)), limits::textBytes);
-}
-
-/// At any depth: a device may be embedded in another.
-pugi::xml_node findDevice(const XmlDocument &document, const std::string &udn)
-{
-    return document.root().find_node([&](pugi::xml_node node) {
-        return localName(node.name()) == "device" && childText(node, "UDN") == udn;
-    });
 }
 
 void readTexts(DeviceDescription &description, pugi::xml_node device)
@@ -78,6 +73,30 @@ std::string ownUrl(const std::string &url, const std::string &location)
     return withScopeOf(url, location);
 }
 
+/// Of any type and anywhere.
+bool hasContentDirectory(pugi::xml_node device)
+{
+    const auto services = childElement(device, "serviceList").children();
+    return std::any_of(services.begin(), services.end(), [](pugi::xml_node service) {
+        return isContentDirectory(childText(service, "serviceType"));
+    });
+}
+
+/// At any depth: a device may be embedded in another. Without a UDN the first that is a media
+/// server, else the first.
+pugi::xml_node findDevice(const XmlDocument &document, const std::string &udn)
+{
+    const auto find = [&](auto isMeant) {
+        return document.root().find_node([&](pugi::xml_node node) {
+            return localName(node.name()) == "device" && isMeant(node);
+        });
+    };
+    if (!udn.empty())
+        return find([&](pugi::xml_node device) { return childText(device, "UDN") == udn; });
+    const pugi::xml_node server = find(hasContentDirectory);
+    return server ? server : find([](pugi::xml_node) { return true; });
+}
+
 void readContentDirectory(DeviceDescription &description, pugi::xml_node device)
 {
     for (const pugi::xml_node service : childElement(device, "serviceList").children()) {
@@ -105,15 +124,28 @@ void readDlnaCaps(DeviceDescription &description, pugi::xml_node device)
     }
 }
 
+std::string whatIsWrong(const DeviceDescription &description, pugi::xml_node device)
+{
+    const std::string what =
+        "describes \"" + shortened(description.friendlyName, longestName) + "\", ";
+    if (!hasContentDirectory(device))
+        return what + "which is no media server: it has no content directory";
+    if (description.controlUrl.empty())
+        return what + "whose content directory is at another machine, which isn't asked";
+    return what + "which has no UDN";
+}
+
 } // namespace
 
-std::optional<DeviceDescription> readDescription(
+DescriptionReading readDescription(
     std::string body, const std::string &udn, const std::string &location)
 {
     const XmlDocument document(std::move(body), limits::tags(0));
     const pugi::xml_node device = findDevice(document, udn);
+    if (!device)
+        return {{}, udn.empty() ? "is no description of a device" : "doesn't describe " + udn};
     DeviceDescription description;
-    description.udn = udn;
+    description.udn = childText(device, "UDN");
     description.location = location;
     description.baseUrl = ownUrl(childText(document.root(), "URLBase"), location);
     if (description.baseUrl.empty())
@@ -122,11 +154,11 @@ std::optional<DeviceDescription> readDescription(
     readIcon(description, device);
     readDlnaCaps(description, device);
     readContentDirectory(description, device);
-    if (description.controlUrl.empty())
-        return std::nullopt;
     if (description.friendlyName.empty())
-        description.friendlyName = udn;
-    return description;
+        description.friendlyName = description.udn;
+    if (description.controlUrl.empty() || !isProperUdn(description.udn))
+        return {{}, whatIsWrong(description, device), true};
+    return {std::move(description), {}, true};
 }
 
 } // namespace bridge

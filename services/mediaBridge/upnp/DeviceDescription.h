@@ -33,10 +33,21 @@ struct DeviceDescription
     std::string baseUrl;
 };
 
-/// Reads the description of the device `udn` (which may be embedded in another) out of `body`,
-/// which was loaded from `location`. Nothing comes back where there is no such device, or one
-/// without a content directory that can be called on that same machine.
-std::optional<DeviceDescription> readDescription(
+/// What a document at a description's place turned out to be.
+struct DescriptionReading
+{
+    /// Of a media server.
+    std::optional<DeviceDescription> description;
+    /// Else what is wrong with it; goes on after its URL: "is no description of a device".
+    std::string problem;
+    /// It describes some device.
+    bool isDevice = false;
+};
+
+/// Reads the description of the device `udn` (which may be embedded in another; an empty one stands
+/// for the first media server) out of `body`, which was loaded from `location`. A media server has
+/// a content directory that can be called on that same machine.
+DescriptionReading readDescription(
     std::string body, const std::string &udn, const std::string &location);
 
 } // namespace bridge

@@ -77,6 +77,7 @@ void Discovery::reconcile()
     dropGone(*addresses);
     const size_t before = m_listeners.size();
     bool isComplete = true;
+    m_deaf.clear();
     for (const LocalAddress &address : *addresses)
         isComplete = add(address) && isComplete;
     if (m_listeners.size() > before)
@@ -112,6 +113,7 @@ bool Discovery::add(const LocalAddress &address)
         if (m_failedRounds == roundsBeforeWarning)
             logWarning("media servers can't be heard at " + describe(address) + " (" + problem
                 + "); trying on");
+        m_deaf[describe(address)] = problem;
         return false;
     }
     logInfo("listening at " + describe(address));
@@ -141,11 +143,30 @@ void Discovery::received(unsigned id, const SsdpMessage &message, const std::str
     if (isOwn) {
         onHeard(message.udn, {id, withScope(message.location, address.index), address.rank()},
             message.maxAge);
-    } else if (m_named.size() < limits::strangersNamed && m_named.insert(sender).second) {
-        logWarning("the media server " + message.udn + ", heard from " + sender
-            + ", names another machine for its description (" + message.location
-            + "), which isn't asked");
+    } else if (m_odd.size() < limits::strangersNamed && m_odd.count(sender) == 0) {
+        const std::string &sentence = m_odd[sender] = "The media server " + message.udn
+            + ", heard from " + sender + ", names another machine for its description ("
+            + message.location + "), which isn't asked.";
+        logWarning(sentence);
     }
+}
+
+std::vector<std::string> Discovery::listening() const
+{
+    std::vector<std::string> places;
+    for (const auto &[id, listener] : m_listeners)
+        places.push_back(describe(listener->address()));
+    return places;
+}
+
+std::vector<std::string> Discovery::troubles() const
+{
+    std::vector<std::string> sentences;
+    for (const auto &[address, problem] : m_deaf)
+        sentences.push_back("Media servers can't be heard at " + address + " (" + problem + ").");
+    for (const auto &[sender, sentence] : m_odd)
+        sentences.push_back(sentence);
+    return sentences;
 }
 
 } // namespace bridge

@@ -8,6 +8,9 @@
 
 namespace bridge {
 
+/// From here on a route's listener stands for an address that somebody named.
+inline constexpr unsigned firstNamedSource = 1U << 31;
+
 /// One way to a media server: where it was heard, and its description's URL there.
 struct Route
 {
@@ -17,6 +20,9 @@ struct Route
     std::string location;
     /// Lower is better.
     int rank = 0;
+
+    /// Announced by multicast, which tells of a goodbye, too.
+    bool isAnnounced() const { return listener < firstNamedSource; }
 };
 
 /// Listens for media servers on every address of the machine that can do multicast, loopback too
@@ -43,6 +49,11 @@ public:
     /// Searches again on every address.
     void rescan();
 
+    /// Where media servers can be heard: "10.0.0.2 on eth0".
+    std::vector<std::string> listening() const;
+    /// What keeps servers from being heard or used, in sentences; bounded.
+    std::vector<std::string> troubles() const;
+
 private:
     void reconcile();
     void dropGone(std::vector<LocalAddress> &wanted);
@@ -58,8 +69,10 @@ private:
     std::set<unsigned> m_broken;
     /// How often in a row some address could not be listened at.
     unsigned m_failedRounds = 0;
-    /// Who was complained of in the log.
-    std::set<std::string> m_named;
+    /// By address: why it can't be listened at.
+    std::map<std::string, std::string> m_deaf;
+    /// By sender: what is wrong with its announcements.
+    std::map<std::string, std::string> m_odd;
     Timer m_change;
     Timer m_compare;
     Timer m_search;

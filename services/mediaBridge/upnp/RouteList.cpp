@@ -75,7 +75,7 @@ void RouteList::confirm(const Route &route)
 void RouteList::doubt(unsigned listener)
 {
     for (Entry &route : m_routes)
-        route.isDoubted = route.isDoubted || route.listener == listener;
+        route.isDoubted = route.isDoubted || route.listener == listener || !route.isAnnounced();
 }
 
 bool RouteList::doubtExpired(int64_t now)

@@ -16,7 +16,8 @@ public:
     Heard hear(const Route &route, int64_t expires, bool isTrusted);
     /// The description was there, so the route counts as one the server has always had.
     void confirm(const Route &route);
-    /// Somebody said goodbye there: its routes stay only while they answer.
+    /// Somebody said goodbye there: its routes stay only while they answer, as do those on which
+    /// no goodbye is ever heard.
     void doubt(unsigned listener);
     /// The same for routes whose time is over; true where that made any doubtful.
     bool doubtExpired(int64_t now);

@@ -53,11 +53,22 @@ ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
         for (const auto &[path, tracker] : m_trackers)
             tracker->listenerGone(listener);
     };
+    m_named.onSourceGone = m_discovery.onListenerGone;
+    m_named.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
+        return heard(udn, route, maxAge);
+    };
+    m_named.onCheck = [this](const std::string &path) {
+        m_trackers.at(path)->look();
+    };
+    m_named.isThere = [this](const std::string &path) {
+        return find(path) != nullptr;
+    };
 }
 
 void ServerRegistry::rescan()
 {
     m_discovery.rescan();
+    m_named.rescan();
     for (const auto &[path, tracker] : m_trackers)
         tracker->look();
 }
@@ -78,7 +89,22 @@ std::shared_ptr<MediaServer> ServerRegistry::find(const std::string &serverPath)
     return tracker == m_trackers.end() ? nullptr : tracker->second->announced();
 }
 
-void ServerRegistry::heard(const std::string &udn, const Route &route, unsigned maxAge)
+std::vector<std::string> ServerRegistry::troubles() const
+{
+    std::vector<std::string> sentences = m_named.troubles();
+    for (std::string &sentence : m_discovery.troubles())
+        sentences.push_back(std::move(sentence));
+    for (const auto &[path, tracker] : m_trackers) {
+        const std::string &problem = tracker->problem();
+        if (sentences.size() < limits::troubles && !problem.empty() && !tracker->announced()
+            && std::find(sentences.begin(), sentences.end(), problem) == sentences.end())
+            sentences.push_back(problem);
+    }
+    sentences.resize(std::min(sentences.size(), limits::troubles));
+    return sentences;
+}
+
+bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned maxAge)
 {
     const std::string path = serverPathFromUdn(udn);
     auto tracker = m_trackers.find(path);
@@ -88,11 +114,12 @@ void ServerRegistry::heard(const std::string &udn, const Route &route, unsigned 
             if (!std::exchange(m_wasFull, true))
                 logWarning("more media servers are announced than can be followed; new ones of "
                     + host + " are ignored");
-            return;
+            return false;
         }
         tracker = m_trackers.emplace(path, newTracker(udn, path, host)).first;
     }
     tracker->second->heard(route, maxAge);
+    return true;
 }
 
 /// A server that was heard for the first time takes the place of one that never answered, of its
@@ -132,7 +159,11 @@ std::shared_ptr<ServerTracker> ServerRegistry::newTracker(
                 + description.friendlyName.substr(0, longestNameInLog) + "\" "
                 + description.location);
             onChange(server, isThere);
+            m_named.changed(server->context().path, isThere);
         });
+    tracker->onFailed = [this, path](const std::string &problem) {
+        m_named.failed(path, problem);
+    };
     tracker->onForgettable = [this, path] {
         m_trackers.erase(path);
     };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "upnp/NamedServers.h"
 #include "upnp/ServerTracker.h"
 
 #include <map>
@@ -20,13 +21,22 @@ public:
     /// Searches again, and looks whether the known servers still answer.
     void rescan();
 
+    /// Addresses where servers are looked for besides the search.
+    NamedServers &named() { return m_named; }
+
     /// Available servers, in the order of their paths.
     std::vector<std::shared_ptr<MediaServer>> servers() const;
     /// Null for one that isn't there. `serverPath` is the server's D-Bus path.
     std::shared_ptr<MediaServer> find(const std::string &serverPath) const;
 
+    /// The addresses of this machine at which servers can be heard: "10.0.0.2 on eth0".
+    std::vector<std::string> listening() const { return m_discovery.listening(); }
+    /// Why somebody may miss a server: a sentence for each device that couldn't be read, and for
+    /// each address where nothing can be heard or found. A few dozen at most.
+    std::vector<std::string> troubles() const;
+
 private:
-    void heard(const std::string &udn, const Route &route, unsigned maxAge);
+    bool heard(const std::string &udn, const Route &route, unsigned maxAge);
     bool makeRoomFor(const std::string &host);
     std::shared_ptr<ServerTracker> newTracker(
         const std::string &udn, const std::string &path, const std::string &host);
@@ -36,6 +46,7 @@ private:
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
     size_t m_maxServers;
     bool m_wasFull = false;
+    NamedServers m_named;
     Discovery m_discovery;
 };
 

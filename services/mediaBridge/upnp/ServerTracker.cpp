@@ -152,7 +152,7 @@ void ServerTracker::looked(LookResult result)
 {
     const auto ended = std::exchange(m_look, nullptr);
     if (!result.description) {
-        fail(result.sawRefusal || m_routes.areAllDoubted());
+        fail(result.sawRefusal || m_routes.areAllDoubted(), std::move(result.problem));
         return;
     }
     // Where it has moved, what was silent is out of date, too.
@@ -175,8 +175,10 @@ void ServerTracker::readCapabilities(DeviceDescription description)
         if (!self)
             return;
         if (*isDeaf) {
-            logDebug(self->m_candidate->description().controlUrl + " isn't there");
-            self->fail(true);
+            self->fail(true,
+                "Nobody listens at " + self->m_candidate->description().controlUrl
+                    + ", the address for calls of \""
+                    + self->m_candidate->description().friendlyName + "\".");
         } else {
             self->accept();
         }
@@ -186,7 +188,7 @@ void ServerTracker::readCapabilities(DeviceDescription description)
 void ServerTracker::accept()
 {
     if (m_routes.isEmpty()) {
-        fail(true);
+        fail(true, m_candidate->description().location + " is no longer announced.");
         return;
     }
     m_candidate->onUnreachable = [weak = weak_from_this()] {
@@ -211,6 +213,7 @@ void ServerTracker::accept()
 void ServerTracker::succeed()
 {
     m_failures = 0;
+    m_problem.clear();
     if (m_routes.isDoubted(m_candidateRoute)) {
         lookLater(doubled(firstDoubtMs, m_looksInDoubt++));
     } else if (!m_server->searchCaps() && m_capabilityRetries < maxCapabilityRetries) {
@@ -224,9 +227,11 @@ void ServerTracker::succeed()
 }
 
 /// A server that only takes too long is kept: it may be busy or stopped for a while.
-void ServerTracker::fail(bool isGone)
+void ServerTracker::fail(bool isGone, std::string problem)
 {
     m_candidate = nullptr;
+    logDebug(problem);
+    m_problem = std::move(problem);
     ++m_failures;
     if (isGone)
         m_routes.dropDoubted();
@@ -239,6 +244,8 @@ void ServerTracker::fail(bool isGone)
     } else {
         lookLater(m_failures < patientRetries ? retryMs : slowRetryMs);
     }
+    if (onFailed)
+        onFailed(m_problem);
     finish();
 }
 

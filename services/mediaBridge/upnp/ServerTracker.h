@@ -41,6 +41,10 @@ public:
     bool isStranger() const { return !m_server; }
     /// Looks in a row that found nothing.
     unsigned failures() const { return m_failures; }
+    /// Why the last look brought nothing, in a sentence; empty where it did.
+    const std::string &problem() const { return m_problem; }
+    /// A look brought nothing.
+    std::function<void(const std::string &problem)> onFailed;
     /// Called when nothing is left to track; may delete the tracker's last owner.
     std::function<void()> onForgettable;
 
@@ -51,7 +55,7 @@ private:
     void readCapabilities(DeviceDescription description);
     void accept();
     void succeed();
-    void fail(bool isGone);
+    void fail(bool isGone, std::string problem);
     void finish();
     void goneForNow();
     void forgetIfNothingIsLeft();
@@ -80,6 +84,7 @@ private:
     int64_t m_finishedAt = 0;
 
     unsigned m_failures = 0;
+    std::string m_problem;
     unsigned m_looksInDoubt = 0;
     unsigned m_capabilityRetries = 0;
     Timer m_withdrawal;

@@ -206,7 +206,7 @@ void SsdpListener::search()
 {
     for (const std::string &group : m_groups) {
         const std::string host = m_address.family == AF_INET ? group : "[" + group + "]";
-        if (!m_search.send(ssdpSearch(host), group, ssdpPort, m_address.index))
+        if (!m_search.send(ssdpSearch(host + ":1900"), group, ssdpPort, m_address.index))
             logDebug("no search from " + m_address.text + " on " + m_address.interface + ": "
                 + strerror(errno));
     }

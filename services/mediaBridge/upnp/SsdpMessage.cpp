@@ -82,17 +82,21 @@ std::optional<SsdpMessage> parseSsdp(std::string_view packet)
         if (!message.isGoodbye && kind != "ssdp:alive")
             return std::nullopt;
     }
-    if (!isProper(message.udn, limits::udnBytes)
+    if (!isProperUdn(message.udn)
         || (!message.isGoodbye && !isProper(message.location, limits::locationBytes)))
         return std::nullopt;
     return message;
 }
 
-std::string ssdpSearch(const std::string &group)
+bool isProperUdn(const std::string &udn)
 {
-    return "M-SEARCH * HTTP/1.1\r\nHOST: " + group
-        + ":1900\r\nMAN: \"ssdp:discover\"\r\nMX: 1\r\nST: " + std::string(mediaServer)
-        + "1\r\nUSER-AGENT: Linux UPnP/1.0 orka-media-bridge\r\n\r\n";
+    return isProper(udn, limits::udnBytes);
+}
+
+std::string ssdpSearch(const std::string &host)
+{
+    return "M-SEARCH * HTTP/1.1\r\nHOST: " + host + "\r\nMAN: \"ssdp:discover\"\r\nMX: 1\r\nST: "
+        + std::string(mediaServer) + "1\r\nUSER-AGENT: Linux UPnP/1.0 orka-media-bridge\r\n\r\n";
 }
 
 } // namespace bridge

@@ -22,7 +22,11 @@ struct SsdpMessage
 /// a media server, or has no proper name or place.
 std::optional<SsdpMessage> parseSsdp(std::string_view packet);
 
-/// The search for media servers, as it is sent to `group` ("239.255.255.250", "[ff02::c]").
-std::string ssdpSearch(const std::string &group);
+/// The search for media servers, as it is sent to `host` ("239.255.255.250:1900",
+/// "[ff02::c]:1900").
+std::string ssdpSearch(const std::string &host);
+
+/// Whether a UDN is printable and not too long, as every one has to be.
+bool isProperUdn(const std::string &udn);
 
 } // namespace bridge

@@ -1,0 +1,228 @@
+#include "upnp/AddressLook.h"
+
+#include "Log.h"
+#include "core/Limits.h"
+#include "core/Numbers.h"
+#include "upnp/DescriptionLook.h"
+#include "upnp/HttpUrl.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <net/if.h>
+
+namespace bridge {
+
+namespace {
+
+constexpr uint16_t ssdpPort = 1900;
+constexpr unsigned resolveMs = 5'000;
+constexpr unsigned descriptionMs = 4'000;
+/// A packet may be lost; a device answers one that was sent to it alone within a second.
+constexpr unsigned searchGapsMs[] = {300, 700, 1'200};
+constexpr unsigned descriptionAge = 1'800;
+constexpr size_t maxHosts = 4;
+
+unsigned scopeOf(const std::string &name)
+{
+    const unsigned index = if_nametoindex(name.c_str());
+    return index != 0 ? index : parseAs<uint32_t>(name).value_or(0);
+}
+
+} // namespace
+
+AddressLook::AddressLook(ServerAddress address, unsigned source, Heard heard, Done done)
+    : m_address(std::move(address))
+    , m_source(source)
+    , m_heard(std::move(heard))
+    , m_done(std::move(done))
+{
+}
+
+AddressLook::~AddressLook()
+{
+    g_cancellable_cancel(m_cancellable.get());
+    m_session->abort();
+}
+
+void AddressLook::start()
+{
+    const Ref<GResolver> resolver(g_resolver_get_default());
+    g_resolver_lookup_by_name_async(resolver.get(), m_address.host.c_str(), m_cancellable.get(),
+        &AddressLook::resolved, new std::weak_ptr<AddressLook>(weak_from_this()));
+    m_resolving.start(resolveMs, [this] { g_cancellable_cancel(m_cancellable.get()); });
+}
+
+void AddressLook::resolved(GObject *resolver, GAsyncResult *result, gpointer data)
+{
+    const std::unique_ptr<std::weak_ptr<AddressLook>> weak(
+        static_cast<std::weak_ptr<AddressLook> *>(data));
+    GError *error = nullptr;
+    GList *addresses = g_resolver_lookup_by_name_finish(G_RESOLVER(resolver), result, &error);
+    const std::string problem = takeMessage(error);
+    if (const auto self = weak->lock()) {
+        const bool isLate = !self->m_resolving.isRunning();
+        self->m_resolving.stop();
+        ++self->m_underWay;
+        if (!problem.empty())
+            self->failed(Reached::Nothing,
+                "The name \"" + self->m_address.host + "\" can't be resolved ("
+                    + (isLate ? "no answer within 5 s" : problem) + ")");
+        self->take(addresses);
+        self->oneEnded();
+    }
+    g_resolver_free_addresses(addresses);
+}
+
+void AddressLook::take(GList *addresses)
+{
+    for (; addresses && m_hosts.size() < maxHosts; addresses = addresses->next)
+        take(static_cast<GInetAddress *>(addresses->data));
+    if (m_hosts.empty())
+        return;
+    if (m_address.path.empty())
+        startSearch();
+    askForDescriptions();
+}
+
+void AddressLook::take(GInetAddress *address)
+{
+    const bool isIPv4 = g_inet_address_get_family(address) == G_SOCKET_FAMILY_IPV4;
+    const bool isLinkLocal = g_inet_address_get_is_link_local(address) != FALSE;
+    Host host;
+    host.family = isIPv4 ? AF_INET : AF_INET6;
+    host.numeric = takeString(g_inet_address_to_string(address));
+    host.scope = isLinkLocal && !isIPv4 ? scopeOf(m_address.scope) : 0;
+    host.rank = (isIPv4 ? 0 : 1) + (isLinkLocal ? 2 : 0);
+    if (isLinkLocal && !isIPv4 && host.scope == 0)
+        failed(Reached::Nothing,
+            "The address " + host.numeric
+                + " is good on one link only; name its network interface, as in \"" + host.numeric
+                + "%eth0\"");
+    else
+        m_hosts.push_back(std::move(host));
+}
+
+void AddressLook::startSearch()
+{
+    for (const Host &host : m_hosts) {
+        auto &socket = m_sockets[host.family];
+        if (socket)
+            continue;
+        socket = std::make_unique<UdpSocket>();
+        socket->onPacket = [this](std::string_view packet, const std::string &sender) {
+            answeredSearch(packet, sender);
+        };
+        socket->onBroken = [] {
+        };
+        if (socket->open(host.family))
+            socket->listen();
+    }
+    ++m_underWay;
+    search(0);
+}
+
+void AddressLook::search(size_t round)
+{
+    if (round == std::size(searchGapsMs)) {
+        oneEnded();
+        return;
+    }
+    const uint16_t port = m_address.port != 0 ? m_address.port : ssdpPort;
+    for (const Host &host : m_hosts) {
+        const std::string name = urlHost(host.numeric, 0) + ":" + std::to_string(port);
+        if (!m_sockets.at(host.family)->send(ssdpSearch(name), host.numeric, port, host.scope))
+            failed(Reached::Nothing,
+                "No search can be sent to " + name + " (" + strerror(errno) + ")");
+    }
+    m_search.start(searchGapsMs[round], [this, round] { search(round + 1); });
+}
+
+/// It leads to nobody but the machine that was asked.
+void AddressLook::answeredSearch(std::string_view packet, const std::string &sender)
+{
+    const auto host = std::find_if(
+        m_hosts.begin(), m_hosts.end(), [&](const Host &asked) { return asked.numeric == sender; });
+    const auto message = parseSsdp(packet);
+    if (host == m_hosts.end() || !message || message->isGoodbye)
+        return;
+    if (hostOf(message->location) == sender)
+        heard(message->udn, {m_source, withScope(message->location, host->scope), host->rank},
+            message->maxAge);
+    else
+        failed(Reached::Description,
+            "The media server at " + sender + " names another machine for its description ("
+                + message->location + "), which isn't asked; name that URL itself to use it");
+}
+
+void AddressLook::askForDescriptions()
+{
+    for (const Host &host : m_hosts) {
+        for (const std::string &url :
+            descriptionUrls(m_address, urlHost(host.numeric, host.scope))) {
+            ++m_underWay;
+            m_session->get(url, limits::descriptionBytes, descriptionMs,
+                [weak = weak_from_this(), host, url](HttpReply reply) {
+                    if (const auto self = weak.lock()) {
+                        self->described(host, url, std::move(reply));
+                        self->oneEnded();
+                    }
+                });
+        }
+    }
+}
+
+void AddressLook::described(const Host &host, const std::string &url, HttpReply reply)
+{
+    DescriptionReading reading;
+    if (reply.status == 200)
+        reading = readDescription(std::move(reply.body), {}, url);
+    if (reading.description) {
+        heard(reading.description->udn, {m_source, url, host.rank}, descriptionAge);
+        return;
+    }
+    Reached reached = reading.isDevice ? Reached::Description : Reached::Service;
+    if (reply.outcome != HttpOutcome::Answered)
+        reached = reply.outcome == HttpOutcome::TimedOut ? Reached::Nothing : Reached::Machine;
+    failed(reached, url + ' ' + whatIsWrong(reply, reading.problem));
+}
+
+void AddressLook::heard(const std::string &udn, const Route &route, unsigned maxAge)
+{
+    m_hasHeard = true;
+    m_heard(udn, route, maxAge);
+}
+
+void AddressLook::failed(Reached reached, std::string problem)
+{
+    logDebug(m_address.text() + ": " + problem);
+    if (!m_problem.empty() && reached <= m_reached)
+        return;
+    m_reached = reached;
+    m_problem = std::move(problem);
+}
+
+void AddressLook::oneEnded()
+{
+    if (--m_underWay != 0 || !m_done)
+        return;
+    m_search.stop();
+    const Done done = std::exchange(m_done, nullptr);
+    done(m_hasHeard ? std::string() : sentence());
+}
+
+std::string AddressLook::sentence() const
+{
+    const bool isSearched = !m_hosts.empty() && m_address.path.empty();
+    if (!isSearched || m_reached == Reached::Description || m_address.port != 0)
+        return m_problem + ".";
+    const std::string where = m_hosts.front().numeric == m_address.host
+        ? m_address.host
+        : m_address.host + " (" + m_hosts.front().numeric + ")";
+    const ServerAddress withPort{m_address.host, m_address.scope, 8200, {}};
+    return "Nothing answered the search at " + where + ", port 1900, and of the usual descriptions "
+        + m_problem + "; if a media server runs there, name its port, as in \"" + withPort.text()
+        + "\", or the URL of its description.";
+}
+
+} // namespace bridge
