@@ -83,12 +83,13 @@ int serve(const Options &options, GMainLoop *loop)
             logInfo("a client ends the service");
             g_main_loop_quit(loop);
         };
-        problem = bus.ownName(options.replace);
-        if (!problem.empty())
-            return say(NoService, problem);
+        // Whoever sees the name may announce himself at once.
         service.start();
         for (const ServerAddress &address : options.servers)
             registry.named().add(address, {});
+        problem = bus.ownName(options.replace);
+        if (!problem.empty())
+            return say(NoService, problem);
         warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
         logInfo("serving " + std::string(BusService::busName));
