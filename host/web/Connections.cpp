@@ -5,6 +5,9 @@
 namespace {
 
 constexpr int mostConnections = 256;
+// Connections that wait to be taken; a page opens several at once, and one that finds no place
+// tries again after a second.
+constexpr int mostWaiting = 512;
 constexpr qint64 longestIdle = 30'000'000; // microseconds
 constexpr guint longestSilence = 60; // seconds, of a client that doesn't read its answer
 
@@ -20,6 +23,7 @@ Connections::Connections(Accepted accepted)
     : m_accepted(std::move(accepted))
     , m_service(g_socket_service_new())
 {
+    g_socket_listener_set_backlog(G_SOCKET_LISTENER(m_service.get()), mostWaiting);
     g_signal_connect(m_service.get(), "incoming", G_CALLBACK(onIncoming), this);
     QObject::connect(&m_sweep, &QTimer::timeout, &m_sweep, [this] { sweep(); });
     m_sweep.start(5000);

@@ -5,7 +5,8 @@ set -euo pipefail
 
 # serve ARGUMENTS…: starts it; $URL is its address, $serve_pid its process.
 serve() {
-    orka serve "$@" >"$WORLD_DIR/serve.out" 2>"$WORLD_DIR/serve.err" &
+    : >"$WORLD_DIR/serve.out" # what the last one said is none of this one's
+    orka serve "$@" >>"$WORLD_DIR/serve.out" 2>"$WORLD_DIR/serve.err" &
     serve_pid=$!
     within 20 grep -q ^http "$WORLD_DIR/serve.out" || say_and_fail "It did not start: $(cat "$WORLD_DIR/serve.err")"
     URL=$(grep -m 1 ^http "$WORLD_DIR/serve.out")
