@@ -21,6 +21,8 @@ mkdir "$work/source"
     tar --create --null --files-from=- --ignore-failed-read) | tar --extract --directory="$work/source"
 if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    # Debug information names folders: what was compiled elsewhere is not the same to the byte.
+    unset CCACHE_BASEDIR CCACHE_NOHASHDIR
 fi
 export DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS:-} terse"
 if ! (cd "$work/source" && dpkg-buildpackage --build=binary --no-sign) >"$work/log" 2>&1; then
