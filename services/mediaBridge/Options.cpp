@@ -19,6 +19,8 @@ struct RawOptions
     char *bus = nullptr;
     char **interfaces = nullptr;
     char **servers = nullptr;
+    char *cache = nullptr;
+    gboolean noCache = FALSE;
     int idleExit = 0;
     gboolean replace = FALSE;
     gboolean version = FALSE;
@@ -35,6 +37,11 @@ std::string parse(int argc, char **argv, RawOptions &raw, Options &options)
             "Look for a server there, too: a host, HOST:PORT or the URL of its description; may be "
             "given several times",
             "ADDRESS"},
+        {"cache", 0, 0, G_OPTION_ARG_FILENAME, &raw.cache,
+            "Remember servers in this file (default: orka-media-bridge/servers in the user's cache "
+            "folder; with another bus than the session's, none)",
+            "FILE"},
+        {"no-cache", 0, 0, G_OPTION_ARG_NONE, &raw.noCache, "Remember no servers", nullptr},
         {"idle-exit", 0, 0, G_OPTION_ARG_INT, &raw.idleExit,
             "End after so many seconds without a client (default: never)", "SECONDS"},
         {"replace", 0, 0, G_OPTION_ARG_NONE, &raw.replace,
@@ -58,6 +65,15 @@ std::string parse(int argc, char **argv, RawOptions &raw, Options &options)
     return takeMessage(error);
 }
 
+std::string memoryOf(RawOptions &raw, const std::string &bus)
+{
+    const std::string named = raw.cache ? takeString(std::exchange(raw.cache, nullptr)) : "";
+    if (raw.noCache != FALSE || !named.empty() || bus != "session")
+        return raw.noCache != FALSE ? "" : named;
+    return takeString(
+        g_build_filename(g_get_user_cache_dir(), "orka-media-bridge", "servers", nullptr));
+}
+
 } // namespace
 
 Options parseOptions(int argc, char **argv)
@@ -77,6 +93,7 @@ Options parseOptions(int argc, char **argv)
             options.problem = "--server: " + notAnAddress(*text);
     }
     g_strfreev(raw.servers);
+    options.memory = memoryOf(raw, options.bus);
     options.idleExitSeconds = raw.idleExit;
     options.replace = raw.replace != FALSE;
     options.showVersion = raw.version != FALSE;

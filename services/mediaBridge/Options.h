@@ -17,6 +17,9 @@ struct Options
     std::vector<std::string> interfaces;
     /// Addresses to look for servers at, besides the search.
     std::vector<ServerAddress> servers;
+    /// The file that keeps what was found; empty for none. On the session bus there is one unless
+    /// it is refused.
+    std::string memory;
     /// Seconds without a client after which the service ends; 0 for never.
     int idleExitSeconds = 0;
     bool replace = false;

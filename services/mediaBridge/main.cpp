@@ -77,7 +77,7 @@ int serve(const Options &options, GMainLoop *loop)
     if (!problem.empty())
         return say(NoService, problem);
     {
-        ServerRegistry registry(options.interfaces);
+        ServerRegistry registry(options.interfaces, options.memory);
         MediaService service(bus, registry);
         service.onStop = [loop] {
             logInfo("a client ends the service");
@@ -86,7 +86,7 @@ int serve(const Options &options, GMainLoop *loop)
         // Whoever sees the name may announce himself at once.
         service.start();
         for (const ServerAddress &address : options.servers)
-            registry.named().add(address, {});
+            registry.addNamed(address);
         problem = bus.ownName(options.replace);
         if (!problem.empty())
             return say(NoService, problem);

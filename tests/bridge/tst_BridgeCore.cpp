@@ -4,6 +4,7 @@
 #include "core/Numbers.h"
 #include "core/ObjectPath.h"
 #include "core/PropertyMap.h"
+#include "core/RememberedServer.h"
 #include "core/SearchCriteria.h"
 #include "core/ServerAddress.h"
 
@@ -126,6 +127,36 @@ private Q_SLOTS:
                 std::string("http://"), std::string("nas/d"), std::string("a@b"),
                 std::string("nas%eth0"), std::string("[::1"), std::string(2000, 'a')})
             QVERIFY2(!parseServerAddress(text), text.c_str());
+    }
+
+    void rememberedServersAreReadAgain()
+    {
+        constexpr int64_t day = 86'400;
+        const auto kept = [&](const RememberedServer &server) {
+            return parseServers(printServers({server}), 100 * day).size() == 1;
+        };
+        RememberedServer server{"uuid:1", "http://h/d?a=[1]", "Ä; \n[x]=", "nas", 90 * day, 2};
+        const auto read = parseServers(printServers({server}), 100 * day);
+        QVERIFY(read.size() == 1 && read[0].name == server.name && read[0].address == "nas"
+            && read[0].location == server.location && read[0].lastSeen == 90 * day
+            && read[0].missed == 2);
+        server.missed = 3;
+        QVERIFY(!kept(server));
+        server = {"uuid:1", "http://h/d", {}, {}, 69 * day, 0};
+        QVERIFY(!kept(server));
+        server.lastSeen = 900 * day; // the clock was wrong
+        QVERIFY(kept(server));
+        server.udn += '\n';
+        QVERIFY(!kept(server));
+
+        const std::string whole = printServers(std::vector(100, read[0]));
+        QCOMPARE(parseServers(whole, 100 * day).size(), size_t(64));
+        for (size_t end = 0; end < whole.size(); end += 7)
+            QVERIFY(parseServers(whole.substr(0, end), 100 * day).size() <= 64);
+        std::string later = whole;
+        later.replace(later.find("Version=1"), 9, "Version=2");
+        QVERIFY(parseServers(later, 100 * day).empty());
+        QVERIFY(parseServers(std::string("\0[a\n\xff", 6), 0).empty());
     }
 
     void durationsAreRead()

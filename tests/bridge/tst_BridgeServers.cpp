@@ -2,7 +2,9 @@
 #include "ScriptedUpnpServer.h"
 #include "TestNamespace.h"
 
+#include <QElapsedTimer>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -73,6 +75,7 @@ private Q_SLOTS:
     void aStartingServiceMissesNoServer();
     void aCrashOfTheServiceIsSurvived();
     void everyCallIsAnsweredAndMemoryStaysFlat();
+    void rememberedServersAreThereAtOnce();
 };
 
 void tst_BridgeServers::serversThatHangDelayOnlyThemselves()
@@ -323,6 +326,30 @@ void tst_BridgeServers::everyCallIsAnsweredAndMemoryStaysFlat()
     // The first round opens connections, which are kept; how many there are varies.
     QVERIFY2(pages[5] - pages[1] < 1000, "memory isn't given back");
 #endif
+}
+
+/// One that is where it was is there without a search; one that isn't is never told of.
+void tst_BridgeServers::rememberedServersAreThereAtOnce()
+{
+    const QTemporaryDir cache;
+    QElapsedTimer since;
+    const auto restart = [&] {
+        bridge.reset();
+        bridge = std::make_unique<BridgeFixture>(
+            BridgeFixture::Running, QStringList{"--cache", cache.filePath("new/servers")});
+        since.start();
+    };
+    restart();
+    const auto server = newServer();
+    const QStringList there{bridge->add(*server)};
+    restart();
+    QCOMPARE(bridge->servers(), there);
+    QVERIFY2(since.elapsed() < 800, qPrintable(QString::number(since.elapsed())));
+    server->vanish();
+    restart();
+    QCOMPARE(bridge->servers(), QStringList());
+    QVERIFY2(since.elapsed() > 1000, qPrintable(QString::number(since.elapsed())));
+    QCOMPARE(bridge->found(), QStringList());
 }
 
 BRIDGE_TEST_MAIN(tst_BridgeServers)

@@ -10,7 +10,7 @@ void MediaService::addServer(const BusCallPtr &call, const Target &)
         call->fail({errors::notReached, notAnAddress(text)});
         return;
     }
-    m_registry.named().add(*address, [call](const std::string &path, const Failure &failure) {
+    m_registry.addNamed(*address, [call](const std::string &path, const Failure &failure) {
         if (failure.name.empty())
             call->reply(ObjectPath{path});
         else
@@ -26,7 +26,7 @@ void MediaService::forgetServer(const BusCallPtr &call, const Target &)
         call->fail({errors::invalidArgs, notAnAddress(text)});
         return;
     }
-    m_registry.named().forget(*address);
+    m_registry.forgetNamed(*address);
     call->reply();
 }
 

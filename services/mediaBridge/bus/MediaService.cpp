@@ -43,15 +43,22 @@ MediaService::MediaService(BusService &bus, ServerRegistry &registry)
     m_registry.onChange = [this](const std::shared_ptr<MediaServer> &server, bool isThere) {
         serverChanged(*server, isThere);
     };
+    m_registry.onAllRemembered = [this] {
+        m_firstSearch.stop();
+        answerWaiting();
+    };
 }
 
 void MediaService::start()
 {
-    m_firstSearch.start(firstSearchMs, [this] {
-        for (const BusCallPtr &call : std::exchange(m_waitingForServers, {}))
-            answerGetServers(call);
-    });
+    m_firstSearch.start(firstSearchMs, [this] { answerWaiting(); });
     m_registry.start();
+}
+
+void MediaService::answerWaiting()
+{
+    for (const BusCallPtr &call : std::exchange(m_waitingForServers, {}))
+        answerGetServers(call);
 }
 
 void MediaService::serverChanged(const MediaServer &server, bool isThere)

@@ -15,7 +15,8 @@ public:
     MediaService(BusService &bus, ServerRegistry &registry);
 
     /// Starts the search for servers. GetServers waits for its first round, so that a client that
-    /// has only just started the service doesn't get an empty list for "nobody there".
+    /// has only just started the service doesn't get an empty list for "nobody there". Where
+    /// servers are remembered, it waits only until all of them are there.
     void start();
 
     /// A client wants the program to end.
@@ -37,6 +38,7 @@ private:
     static const std::vector<Method> &methods();
 
     // MediaService.cpp: routing and introspection
+    void answerWaiting();
     void serverChanged(const MediaServer &server, bool isThere);
     void handle(const BusCallPtr &call);
     void handleObject(const BusCallPtr &call);

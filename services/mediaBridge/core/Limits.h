@@ -86,6 +86,10 @@ inline constexpr size_t answerBytes(uint32_t objects)
 /// Addresses that are named, and servers that one of them may lead to.
 inline constexpr size_t namedServers = 64;
 inline constexpr size_t serversOfOneName = 16;
+/// Servers that are remembered, bytes of their names, and bytes of the file that is read.
+inline constexpr size_t rememberedServers = 64;
+inline constexpr size_t rememberedNameBytes = 256;
+inline constexpr size_t memoryBytes = size_t{256} << 10;
 /// Sentences about what can't be heard or read.
 inline constexpr size_t troubles = 32;
 

@@ -151,6 +151,12 @@ void Discovery::received(unsigned id, const SsdpMessage &message, const std::str
     }
 }
 
+bool Discovery::isAtLoopback() const
+{
+    return std::any_of(m_listeners.begin(), m_listeners.end(),
+        [](const auto &entry) { return entry.second->address().isLoopback; });
+}
+
 std::vector<std::string> Discovery::listening() const
 {
     std::vector<std::string> places;

@@ -8,7 +8,9 @@
 
 namespace bridge {
 
-/// From here on a route's listener stands for an address that somebody named.
+/// Instead of a listener: the place is remembered from an earlier run.
+inline constexpr unsigned rememberedSource = 0;
+/// From here on: an address that somebody named.
 inline constexpr unsigned firstNamedSource = 1U << 31;
 
 /// One way to a media server: where it was heard, and its description's URL there.
@@ -22,7 +24,8 @@ struct Route
     int rank = 0;
 
     /// Announced by multicast, which tells of a goodbye, too.
-    bool isAnnounced() const { return listener < firstNamedSource; }
+    bool isAnnounced() const { return listener != rememberedSource && !isNamed(); }
+    bool isNamed() const { return listener >= firstNamedSource; }
 };
 
 /// Listens for media servers on every address of the machine that can do multicast, loopback too
@@ -49,6 +52,8 @@ public:
     /// Searches again on every address.
     void rescan();
 
+    /// There is no other network than the machine's own.
+    bool isAtLoopback() const;
     /// Where media servers can be heard: "10.0.0.2 on eth0".
     std::vector<std::string> listening() const;
     /// What keeps servers from being heard or used, in sentences; bounded.

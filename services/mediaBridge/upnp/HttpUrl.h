@@ -13,6 +13,13 @@ struct HttpUrl
     bool isNumeric = false;
     bool isLoopback = false;
     bool isIPv6LinkLocal = false;
+
+    /// See LocalAddress.
+    int rank() const
+    {
+        const bool isIPv6 = host.find(':') != std::string::npos;
+        return (isIPv6 ? 1 : 0) + (isIPv6LinkLocal ? 2 : 0);
+    }
 };
 
 /// Nothing where `text` isn't an "http" URL with a host.

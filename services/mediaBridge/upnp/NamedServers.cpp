@@ -3,6 +3,7 @@
 #include "Log.h"
 #include "core/Limits.h"
 #include "core/ObjectPath.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr unsigned firstPauseMs = 1'000;
 constexpr unsigned longestPauseMs = 60'000;
+constexpr unsigned rememberedAge = 300;
 /// Below the 25 s after which a D-Bus caller gives up by itself.
 constexpr unsigned patienceMs = 20'000;
 
@@ -46,6 +48,11 @@ void NamedServers::add(const ServerAddress &address, Reached reached)
         named->address = address;
         named->source = m_nextSource++;
         logInfo("looking for servers at " + address.text());
+        for (const RememberedServer &server : recall(address.text())) {
+            if (const auto url = parseHttpUrl(server.location))
+                heard(*named, server.udn, {named->source, server.location, url->rank()},
+                    rememberedAge);
+        }
     }
     if (reached)
         named->waiting.push_back(std::move(reached));
@@ -122,8 +129,7 @@ void NamedServers::heard(Named &named, const std::string &udn, const Route &rout
         return;
     if (!onHeard(udn, route, maxAge))
         return;
-    const std::string problem = named.servers[path].problem;
-    named.servers[path] = {udn, route, maxAge, problem};
+    named.servers[path] = {udn, route, maxAge, {}};
     settle(named);
 }
 
@@ -197,6 +203,21 @@ std::string NamedServers::problemOf(const Named &named) const
         return named.problem;
     return "A media server at " + named.address.text()
         + " has not answered yet; it is still looked for.";
+}
+
+std::string NamedServers::addressOf(unsigned source) const
+{
+    for (const Named &named : m_named) {
+        if (named.source == source)
+            return named.address.text();
+    }
+    return {};
+}
+
+bool NamedServers::areAllThere() const
+{
+    return std::all_of(m_named.begin(), m_named.end(),
+        [this](const Named &named) { return !pathThere(named).empty(); });
 }
 
 std::vector<std::string> NamedServers::troubles() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Failure.h"
+#include "core/RememberedServer.h"
 #include "upnp/AddressLook.h"
 
 #include <list>
@@ -21,6 +22,8 @@ public:
     std::function<bool(const std::string &udn, const Route &, unsigned maxAge)> onHeard;
     /// The address was forgotten, and what was heard there with it.
     std::function<void(unsigned source)> onSourceGone;
+    /// What was found by this address in an earlier run.
+    std::function<std::vector<RememberedServer>(const std::string &address)> recall;
     /// Looks whether the server at this path still answers.
     std::function<void(const std::string &path)> onCheck;
     /// Whether the server at this path is available.
@@ -38,6 +41,10 @@ public:
     /// A look at it brought nothing, and why.
     void failed(const std::string &path, const std::string &problem);
 
+    /// The address behind a route's source; empty where there is none.
+    std::string addressOf(unsigned source) const;
+    /// Something is there at every address.
+    bool areAllThere() const;
     /// For each address where nothing is, why; a sentence each.
     std::vector<std::string> troubles() const;
 

@@ -36,8 +36,15 @@ std::vector<RouteList::Entry>::const_iterator RouteList::find(const Route &route
 
 RouteList::Heard RouteList::hear(const Route &route, int64_t expires, bool isTrusted)
 {
-    const auto known = find(route);
+    auto known = find(route);
+    // What was only remembered is what was heard now.
+    if (known == m_routes.end() && route.isAnnounced()) {
+        Route remembered = route;
+        remembered.listener = rememberedSource;
+        known = find(remembered);
+    }
     if (known != m_routes.end()) {
+        known->listener = route.listener;
         known->expires = expires;
         known->isDoubted = false;
         return Heard::Known;
@@ -138,6 +145,14 @@ std::vector<Route> RouteList::inOrder() const
             routes.push_back(entry);
     }
     return routes;
+}
+
+std::optional<unsigned> RouteList::namedSource() const
+{
+    const bool isNamedOnly = !m_routes.empty()
+        && std::all_of(
+            m_routes.begin(), m_routes.end(), [](const Entry &route) { return route.isNamed(); });
+    return isNamedOnly ? std::optional(m_routes.front().listener) : std::nullopt;
 }
 
 int64_t RouteList::nextExpiry() const

@@ -14,6 +14,9 @@ namespace {
 
 constexpr size_t longestNameInLog = 100;
 constexpr unsigned failuresToGiveWay = 4;
+constexpr unsigned rememberMs = 3'600'000;
+// Seconds after which a remembered place is doubted that nobody has announced.
+constexpr unsigned rememberedAge = 300;
 // Connections a server may have open, and what else the process has.
 constexpr rlim_t descriptorsOfOneServer = 8;
 constexpr rlim_t otherDescriptors = 256;
@@ -37,8 +40,9 @@ size_t serversThatFit()
 
 } // namespace
 
-ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
+ServerRegistry::ServerRegistry(std::vector<std::string> interfaces, std::string memory)
     : m_maxServers(serversThatFit())
+    , m_memory(std::move(memory))
     , m_discovery(std::move(interfaces))
 {
     m_discovery.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
@@ -53,7 +57,20 @@ ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
         for (const auto &[path, tracker] : m_trackers)
             tracker->listenerGone(listener);
     };
+    connectNamed();
+}
+
+ServerRegistry::~ServerRegistry()
+{
+    rememberAll();
+}
+
+void ServerRegistry::connectNamed()
+{
     m_named.onSourceGone = m_discovery.onListenerGone;
+    m_named.recall = [this](const std::string &address) {
+        return m_memory.foundBy(address);
+    };
     m_named.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
         return heard(udn, route, maxAge);
     };
@@ -63,6 +80,55 @@ ServerRegistry::ServerRegistry(std::vector<std::string> interfaces)
     m_named.isThere = [this](const std::string &path) {
         return find(path) != nullptr;
     };
+}
+
+void ServerRegistry::start()
+{
+    m_discovery.start();
+    askRemembered();
+    m_remember.start(rememberMs, [this] { rememberAll(); });
+}
+
+/// Where it isn't any more, it is only missed; the search finds it wherever it is.
+void ServerRegistry::askRemembered()
+{
+    for (const RememberedServer &server : m_memory.foundBy({})) {
+        const auto url = parseHttpUrl(server.location);
+        if (!url || !url->isNumeric || (url->isLoopback && !m_discovery.isAtLoopback()))
+            continue;
+        m_awaited.insert(serverPathFromUdn(server.udn));
+        heard(server.udn, {rememberedSource, server.location, url->rank()}, rememberedAge);
+    }
+    m_isRecalled = m_awaited.empty();
+}
+
+void ServerRegistry::rememberAll()
+{
+    for (const auto &[path, tracker] : m_trackers)
+        remember(*tracker);
+    m_remember.start(rememberMs, [this] { rememberAll(); });
+}
+
+void ServerRegistry::remember(const ServerTracker &tracker)
+{
+    const auto server = tracker.announced();
+    if (!server)
+        return;
+    const auto source = tracker.namedSource();
+    const DeviceDescription &description = server->description();
+    m_memory.seen({description.udn, description.location, description.friendlyName,
+        source ? m_named.addressOf(*source) : std::string()});
+}
+
+void ServerRegistry::addNamed(const ServerAddress &address, NamedServers::Reached reached)
+{
+    m_named.add(address, std::move(reached));
+}
+
+void ServerRegistry::forgetNamed(const ServerAddress &address)
+{
+    m_named.forget(address);
+    m_memory.forget(address.text());
 }
 
 void ServerRegistry::rescan()
@@ -158,16 +224,41 @@ std::shared_ptr<ServerTracker> ServerRegistry::newTracker(
             logInfo((isThere ? "found \"" : "lost \"")
                 + description.friendlyName.substr(0, longestNameInLog) + "\" "
                 + description.location);
-            onChange(server, isThere);
-            m_named.changed(server->context().path, isThere);
+            changed(server, isThere);
         });
     tracker->onFailed = [this, path](const std::string &problem) {
-        m_named.failed(path, problem);
+        failed(path, problem);
     };
     tracker->onForgettable = [this, path] {
         m_trackers.erase(path);
     };
     return tracker;
+}
+
+void ServerRegistry::changed(const std::shared_ptr<MediaServer> &server, bool isThere)
+{
+    const std::string &path = server->context().path;
+    onChange(server, isThere);
+    m_named.changed(path, isThere);
+    if (!isThere)
+        return;
+    remember(*m_trackers.at(path));
+    m_awaited.erase(path);
+    if (!m_isRecalled && m_awaited.empty() && m_named.areAllThere()) {
+        m_isRecalled = true;
+        onAllRemembered();
+    }
+}
+
+void ServerRegistry::failed(const std::string &path, const std::string &problem)
+{
+    m_named.failed(path, problem);
+    if (m_awaited.erase(path) == 0)
+        return;
+    m_isRecalled = true;
+    ServerTracker &tracker = *m_trackers.at(path);
+    m_memory.missed(tracker.udn());
+    tracker.listenerGone(rememberedSource);
 }
 
 } // namespace bridge

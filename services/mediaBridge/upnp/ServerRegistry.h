@@ -1,6 +1,7 @@
 #pragma once
 
 #include "upnp/NamedServers.h"
+#include "upnp/ServerMemory.h"
 #include "upnp/ServerTracker.h"
 
 #include <map>
@@ -12,17 +13,27 @@ namespace bridge {
 class ServerRegistry
 {
 public:
-    explicit ServerRegistry(std::vector<std::string> interfaces);
+    /// `memory` is the file that keeps what was found; empty for none.
+    ServerRegistry(std::vector<std::string> interfaces, std::string memory);
+    ~ServerRegistry();
+    ServerRegistry(const ServerRegistry &) = delete;
+    ServerRegistry &operator=(const ServerRegistry &) = delete;
 
     /// A server has become available, or is available no longer.
     ServerTracker::Announce onChange;
 
-    void start() { m_discovery.start(); }
+    /// Every server that is remembered, and one at every named address, is there: nobody need wait
+    /// for the first search. Not called where none is remembered or one isn't where it was.
+    std::function<void()> onAllRemembered;
+
+    /// Searches, and asks the remembered servers.
+    void start();
     /// Searches again, and looks whether the known servers still answer.
     void rescan();
 
     /// Addresses where servers are looked for besides the search.
-    NamedServers &named() { return m_named; }
+    void addNamed(const ServerAddress &address, NamedServers::Reached reached = {});
+    void forgetNamed(const ServerAddress &address);
 
     /// Available servers, in the order of their paths.
     std::vector<std::shared_ptr<MediaServer>> servers() const;
@@ -37,6 +48,12 @@ public:
 
 private:
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
+    void connectNamed();
+    void askRemembered();
+    void remember(const ServerTracker &tracker);
+    void rememberAll();
+    void changed(const std::shared_ptr<MediaServer> &server, bool isThere);
+    void failed(const std::string &path, const std::string &problem);
     bool makeRoomFor(const std::string &host);
     std::shared_ptr<ServerTracker> newTracker(
         const std::string &udn, const std::string &path, const std::string &host);
@@ -46,6 +63,12 @@ private:
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
     size_t m_maxServers;
     bool m_wasFull = false;
+    ServerMemory m_memory;
+    Timer m_remember;
+    /// Paths of remembered servers that haven't answered yet.
+    std::set<std::string> m_awaited;
+    /// Nobody waits for them any more.
+    bool m_isRecalled = true;
     NamedServers m_named;
     Discovery m_discovery;
 };

@@ -244,9 +244,9 @@ void ServerTracker::fail(bool isGone, std::string problem)
     } else {
         lookLater(m_failures < patientRetries ? retryMs : slowRetryMs);
     }
+    finish();
     if (onFailed)
         onFailed(m_problem);
-    finish();
 }
 
 void ServerTracker::finish()

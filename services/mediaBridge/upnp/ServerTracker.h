@@ -35,8 +35,11 @@ public:
 
     /// The server as clients know it; null while it isn't announced.
     std::shared_ptr<MediaServer> announced() const { return m_isAnnounced ? m_server : nullptr; }
+    const std::string &udn() const { return m_udn; }
     /// Who was the first to announce it.
     const std::string &host() const { return m_host; }
+    /// See RouteList.
+    std::optional<unsigned> namedSource() const { return m_routes.namedSource(); }
     /// It has never been in the list.
     bool isStranger() const { return !m_server; }
     /// Looks in a row that found nothing.
