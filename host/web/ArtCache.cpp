@@ -3,7 +3,9 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
-#include <QSaveFile>
+#include <QTemporaryFile>
+
+#include <cstdio>
 
 namespace {
 
@@ -35,11 +37,18 @@ QByteArray ArtCache::find(const QByteArray &key) const
     return file.readAll();
 }
 
+/// Whole or not at all, but without waiting for the disk, as QSaveFile does: after a power failure
+/// a picture is fetched again.
 void ArtCache::keep(const QByteArray &key, const QByteArray &picture)
 {
-    QSaveFile file(fileOf(key));
-    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size() || !file.commit())
+    QTemporaryFile file(m_folder + QStringLiteral("/XXXXXX.part"));
+    if (!file.open() || file.write(picture) != picture.size() || !file.flush()
+        || std::rename(
+               QFile::encodeName(file.fileName()), QFile::encodeName(fileOf(key)).constData())
+            != 0) {
         return;
+    }
+    file.setAutoRemove(false);
     m_size += picture.size();
     if (m_size > mostBytes)
         makeRoom();
