@@ -147,6 +147,13 @@ std::vector<Route> RouteList::inOrder() const
     return routes;
 }
 
+bool RouteList::isOnlyRemembered() const
+{
+    return !m_routes.empty()
+        && std::all_of(m_routes.begin(), m_routes.end(),
+            [](const Entry &route) { return route.listener == rememberedSource; });
+}
+
 std::optional<unsigned> RouteList::namedSource() const
 {
     const bool isNamedOnly = !m_routes.empty()

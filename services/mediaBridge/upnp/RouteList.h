@@ -31,6 +31,8 @@ public:
 
     bool isEmpty() const { return m_routes.empty(); }
     std::vector<Route> inOrder() const;
+    /// It was announced at the remembered place in an earlier run only.
+    bool isOnlyRemembered() const;
     /// The first source's number where there are routes of named addresses only.
     std::optional<unsigned> namedSource() const;
     /// When the next route's time is over; 0 where none is waited for.

@@ -3,6 +3,7 @@
 #include "Log.h"
 #include "core/Limits.h"
 #include "core/ObjectPath.h"
+#include "core/Text.h"
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
@@ -15,6 +16,8 @@ namespace {
 constexpr size_t longestNameInLog = 100;
 constexpr unsigned failuresToGiveWay = 4;
 constexpr unsigned rememberMs = 3'600'000;
+// By then five searches have been answered.
+constexpr int64_t searchTakesUs = 4'000'000;
 // Seconds after which a remembered place is doubted that nobody has announced.
 constexpr unsigned rememberedAge = 300;
 // Connections a server may have open, and what else the process has.
@@ -84,6 +87,7 @@ void ServerRegistry::connectNamed()
 
 void ServerRegistry::start()
 {
+    m_startedAt = g_get_monotonic_time();
     m_discovery.start();
     askRemembered();
     m_remember.start(rememberMs, [this] { rememberAll(); });
@@ -155,16 +159,33 @@ std::shared_ptr<MediaServer> ServerRegistry::find(const std::string &serverPath)
     return tracker == m_trackers.end() ? nullptr : tracker->second->announced();
 }
 
+/// What keeps this server from being seen, or others like it; empty where nothing does.
+std::string ServerRegistry::troubleOf(const ServerTracker &tracker) const
+{
+    const auto server = tracker.announced();
+    if (!server)
+        return tracker.problem();
+    const bool isUnheard =
+        tracker.isOnlyRemembered() && g_get_monotonic_time() - m_startedAt > searchTakesUs;
+    return !isUnheard
+        ? std::string()
+        : "The media server \"" + shortened(server->description().friendlyName, longestNameInLog)
+            + "\" is there, at " + hostOf(server->description().location)
+            + ", but is not heard, neither announcing itself nor answering the search: multicast "
+              "doesn't get through, or a firewall drops the answers.";
+}
+
 std::vector<std::string> ServerRegistry::troubles() const
 {
     std::vector<std::string> sentences = m_named.troubles();
     for (std::string &sentence : m_discovery.troubles())
         sentences.push_back(std::move(sentence));
     for (const auto &[path, tracker] : m_trackers) {
-        const std::string &problem = tracker->problem();
-        if (sentences.size() < limits::troubles && !problem.empty() && !tracker->announced()
-            && std::find(sentences.begin(), sentences.end(), problem) == sentences.end())
-            sentences.push_back(problem);
+        const std::string sentence = troubleOf(*tracker);
+        const bool isNew = !sentence.empty()
+            && std::find(sentences.begin(), sentences.end(), sentence) == sentences.end();
+        if (isNew && sentences.size() < limits::troubles)
+            sentences.push_back(sentence);
     }
     sentences.resize(std::min(sentences.size(), limits::troubles));
     return sentences;

@@ -48,6 +48,7 @@ public:
 
 private:
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
+    std::string troubleOf(const ServerTracker &tracker) const;
     void connectNamed();
     void askRemembered();
     void remember(const ServerTracker &tracker);
@@ -63,6 +64,7 @@ private:
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
     size_t m_maxServers;
     bool m_wasFull = false;
+    int64_t m_startedAt = 0;
     ServerMemory m_memory;
     Timer m_remember;
     /// Paths of remembered servers that haven't answered yet.

@@ -39,6 +39,7 @@ public:
     /// Who was the first to announce it.
     const std::string &host() const { return m_host; }
     /// See RouteList.
+    bool isOnlyRemembered() const { return m_routes.isOnlyRemembered(); }
     std::optional<unsigned> namedSource() const { return m_routes.namedSource(); }
     /// It has never been in the list.
     bool isStranger() const { return !m_server; }
