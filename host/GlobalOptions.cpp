@@ -71,6 +71,19 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
         ->transform(CLI::CheckedTransformer(sources).description(""));
     addText(app, "--bridge", options.bridge,
         "The bridge's program; this installation's where none is\nnamed", "FILE");
+    app.add_option_function<std::vector<std::string>>(
+           "--server,--servers",
+           [&options](const std::vector<std::string> &texts) {
+               for (const std::string &text : texts)
+                   options.servers.append(argument(text));
+           },
+           "Where a media server is that doesn't show up by itself:\nhost, host:port or the URL of "
+           "its description; may be\ngiven several times")
+        ->type_name("ADDRESS")
+        ->allow_extra_args(false);
+    addSeconds(app, "--linger", options.linger,
+        "How long a bridge that was started stays without a client\n"
+        "(600); 0: it ends with the command");
     addSeconds(
         app, "--wait", options.wait, "For a media server to show up (5)", &options.waitIsNamed);
     addSeconds(app, "--timeout", options.timeout, "For an answer (30)");

@@ -30,6 +30,8 @@ struct GlobalOptions
     /// "session", "system" or a D-Bus address.
     QString bus = QStringLiteral("session");
     MediaServiceSource mediaService = MediaServiceSource::Auto;
+    /// Addresses of media servers.
+    QStringList servers;
     /// How long a media server may take to show up.
     std::chrono::milliseconds wait = std::chrono::seconds(5);
     /// Whether somebody named that time: then a server may take all of it, else no longer than it
@@ -37,6 +39,10 @@ struct GlobalOptions
     bool waitIsNamed = false;
     /// How long an answer may take.
     std::chrono::milliseconds timeout = std::chrono::seconds(30);
+    /// How long a bridge that was started stays without a client; 0: it ends with the command.
+    std::chrono::milliseconds linger = std::chrono::minutes(10);
+    /// False: what isn't there isn't started.
+    bool mayStartService = true;
     bool json = false;
     /// Empty: `verbosity` decides.
     QString logConfig;
@@ -44,6 +50,13 @@ struct GlobalOptions
     int verbosity = 0;
     /// What isn't as it is by default and where it was set, for people.
     QStringList settings;
+
+    /// Whether a bridge that is started stays for later commands: one that logs to our standard
+    /// error, or is on a bus that was named, doesn't.
+    bool serviceStays() const
+    {
+        return linger.count() > 0 && verbosity == 0 && bus == QLatin1String("session");
+    }
 };
 
 /// Declares the options on the parser; `options` is filled while it parses.

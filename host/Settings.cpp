@@ -103,10 +103,12 @@ std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
     fileOption->default_str(""); // help would show it
     std::vector<CLI::ConfigItem> entries;
     addEnvironment(entries);
-    for (const CLI::ConfigItem &item : CLI::ConfigBase::from_config(file)) {
+    for (CLI::ConfigItem &item : CLI::ConfigBase::from_config(file)) {
         if (item.name == "++" || item.name == "--")
             continue; // where a section begins and ends
         const QString problem = problemOf(item);
+        if (problem.isEmpty()) // one name for an option that has several
+            item.name = m_app.get_option("--" + item.name)->get_lnames().front();
         if (!problem.isEmpty()) {
             m_problem = QStringLiteral("The entry %1 in %2 %3.")
                             .arg(quoted(QString::fromStdString(item.fullname())), quoted(fileName),

@@ -12,8 +12,8 @@
 
 : "${WORLD_DIR:?is set by enter-world.sh, which runs this script}" "${WORLD_ROOT:?}"
 ORKA_BUILD=${ORKA_BUILD:-$WORLD_ROOT/build/release}
-# Nobody's own settings.
-export XDG_CONFIG_HOME=$WORLD_DIR/config XDG_CACHE_HOME=$WORLD_DIR/cache
+# Nobody's own settings, and nothing that one command leaves for the next.
+export XDG_CONFIG_HOME=$WORLD_DIR/config XDG_CACHE_HOME=$WORLD_DIR/cache ORKA_LINGER=0
 declare -A host_pid=() host_address=() server_pid=() server_kind=()
 
 # say_and_fail SENTENCE: the end of this script.

@@ -27,9 +27,10 @@ public:
     /// The reply; an invalid message where none came in time.
     QDBusMessage send(const QDBusMessage &call) const;
 
-private:
     /// 0 where it can't be known.
     uint processOf(const QString &uniqueName) const;
+
+private:
     /// Asks the bus itself.
     QDBusMessage ask(const QString &method, const QVariantList &arguments) const;
 

@@ -21,18 +21,24 @@ Failure noBus(const QString &why)
 
 } // namespace
 
-BusDaemon::BusDaemon()
-    : m_process(ChildProcess::Service)
+QStringList BusDaemon::commandLine()
 {
     const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
     if (program.isEmpty())
         throw noBus(QStringLiteral("there is no program dbus-daemon."));
+    return {program, QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
+        QStringLiteral("--config-file=%1").arg(Installation::privateBusConfiguration())};
+}
+
+BusDaemon::BusDaemon()
+    : m_process(ChildProcess::Service)
+{
+    QStringList arguments = commandLine() << QStringLiteral("--print-address");
+    const QString program = arguments.takeFirst();
     Wait wait(startLimit, QStringLiteral("Starting a message bus"));
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &wait, &Wait::wake);
     QObject::connect(&m_process, &QProcess::stateChanged, &wait, &Wait::wake);
-    m_process.start(program,
-        {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-            QStringLiteral("--config-file=%1").arg(Installation::privateBusConfiguration())});
+    m_process.start(program, arguments);
     wait.until(
         [this] { return m_process.canReadLine() || m_process.state() == QProcess::NotRunning; });
     m_address = QString::fromUtf8(m_process.readLine()).trimmed();

@@ -43,6 +43,16 @@ QDBusMessage ServiceCalls::managerCall(const QString &method)
         method);
 }
 
+QDBusMessage ServiceCalls::bridgeCall(const QString &method, const QString &argument)
+{
+    QDBusMessage call = managerCall(method);
+    call = QDBusMessage::createMethodCall(
+        call.service(), call.path(), QStringLiteral("org.orka.MediaBridge1"), method);
+    if (!argument.isNull())
+        call.setArguments({argument});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::send(const QDBusMessage &call) const
 {
     const QDBusMessage reply = Bus(orkaDBusConnection(), m_limit).send(call);

@@ -31,6 +31,10 @@ public:
     /// A call of its manager, which lists the servers and announces them.
     static QDBusMessage managerCall(const QString &method);
 
+    /// A call of what only our bridge has, on the same object; without an argument where it is
+    /// null.
+    static QDBusMessage bridgeCall(const QString &method, const QString &argument = QString());
+
     /// The object paths of its media servers.
     ServiceAnswer servers() const;
     /// A property of a media server.

@@ -2,8 +2,9 @@
 
 #include "Failure.h"
 #include "chain/Bus.h"
-#include "chain/Installation.h"
+#include "chain/KeptAddresses.h"
 #include "chain/StuckBus.h"
+#include "chain/UsersBus.h"
 #include "chain/Wait.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
@@ -11,10 +12,16 @@
 #include <api/core/orka.h>
 
 #include <QDBusError>
+#include <QTimer>
+
+#include <csignal>
 
 namespace {
 
 constexpr std::chrono::seconds startLimit(10);
+/// A bridge of an older program takes no longer to end.
+constexpr std::chrono::milliseconds endLimit(3'000);
+constexpr int lookEvery = 10; // milliseconds
 /// A media service that is silent for so long hangs.
 constexpr std::chrono::milliseconds answerLimit(5'000);
 /// The bridge answers when its first search is over; the others at once, and search for 3 s.
@@ -35,32 +42,54 @@ bool openInTime(const QString &bus, std::chrono::milliseconds limit)
     return orkaDBusConnection().isConnected();
 }
 
+QString tookTooLong(std::chrono::milliseconds limit)
+{
+    return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000);
+}
+
+/// Whether the service was a bridge of ours that an older program had left; it has been ended.
+bool endedOutdated(const Bus &bus, const GlobalOptions &options)
+{
+    const uint process = bus.processOf(bus.owner(ServiceOnBus::busName()));
+    if (!Bridge::isOutdated(process, options) || kill(pid_t(process), SIGTERM) != 0)
+        return false;
+    Wait wait(endLimit);
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
+    look.start(lookEvery);
+    if (!wait.until([&] { return bus.owner(ServiceOnBus::busName()).isEmpty(); }))
+        kill(pid_t(process), SIGKILL);
+    return true;
+}
+
 } // namespace
 
 ServiceOnBus::ServiceOnBus(const GlobalOptions &options)
     : m_options(options)
 {
-    m_clock.start();
-    openBus();
-    const bool wantsOurs = m_options.mediaService == MediaServiceSource::Bridge;
-    if (wantsOurs || !useServiceOnBus())
-        startBridge();
-    watch();
+    begin();
 }
 
 ServiceOnBus::~ServiceOnBus()
 {
     m_watcher.disconnect(this);
-    if (m_bridge) {
-        m_bridge->disconnect(this);
-        m_bridge->stop();
-    }
+}
+
+void ServiceOnBus::begin()
+{
+    m_clock.start();
+    m_bridge.reset();
+    openBus();
+    if (!m_bridge && !useServiceOnBus())
+        startBridge();
+    watch();
 }
 
 void ServiceOnBus::openBus()
 {
-    m_busDescription = describeBus(m_options.bus);
-    if (openInTime(m_options.bus, remaining()))
+    m_bus = m_options.bus;
+    m_busDescription = describeBus(m_bus);
+    if (openInTime(m_bus, remaining()))
         return;
     const QString why = orkaDBusConnection().lastError().message();
     const bool mayMakeOne = m_options.bus == QLatin1String("session")
@@ -71,31 +100,92 @@ void ServiceOnBus::openBus()
                            "bus, or name another with --bus.")
                 .arg(m_busDescription, safeText(why)));
     }
-    openPrivateBus();
+    startPrivately();
 }
 
-void ServiceOnBus::openPrivateBus()
+void ServiceOnBus::startPrivately()
+{
+    m_bridge = std::make_unique<Bridge>(m_options);
+    if (m_options.serviceStays()) {
+        useUsersBus();
+    } else {
+        requireMayStart();
+        startBus();
+        m_bridge->start(m_bus, false);
+        waitForBridge();
+    }
+}
+
+void ServiceOnBus::requireMayStart() const
+{
+    if (!m_options.mayStartService) {
+        throw missing(QStringLiteral("noMediaService"),
+            QStringLiteral("No media service is running on %1.").arg(m_busDescription));
+    }
+}
+
+void ServiceOnBus::startBus()
 {
     m_busDaemon = std::make_unique<BusDaemon>();
+    m_bus = m_busDaemon->address();
     m_busDescription = QStringLiteral("a private bus of ours");
-    if (!openInTime(m_busDaemon->address(), remaining())) {
+    if (!openInTime(m_bus, remaining())) {
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The private bus at %1 was started but can't be reached: %2. Name a bus "
                            "with --bus ADDRESS.")
-                .arg(m_busDaemon->address(), orkaDBusConnection().lastError().message()));
+                .arg(m_bus, orkaDBusConnection().lastError().message()));
     }
+}
+
+/// Whichever command comes first starts it; the others wait for that, or for what is left of an
+/// earlier one to end.
+void ServiceOnBus::useUsersBus()
+{
+    UsersBus users;
+    m_bus = users.address();
+    m_busDescription = QStringLiteral("the private bus of this user");
+    orkaOpenDBusConnection(m_bus); // what was open before isn't this one
+    bool isStarting = false;
+    Wait wait(startTime(), QStringLiteral("Starting the media service"));
+    QTimer look;
+    connect(&look, &QTimer::timeout, &wait, &Wait::wake);
+    look.start(lookEvery);
+    const bool inTime = wait.until([&] {
+        if (isStarting && m_bridge->hasEnded())
+            throw m_bridge->failure(QString());
+        if (!isStarting && users.take()) {
+            requireMayStart();
+            isStarting = true;
+            m_bridge->startWith(users);
+        }
+        return isOnUsersBus(users);
+    });
+    if (!inTime)
+        throw m_bridge->failure(tookTooLong(startTime()));
+    m_bridge->isStarted();
+}
+
+bool ServiceOnBus::isOnUsersBus(const UsersBus &users)
+{
+    const bool isOpen = orkaDBusConnection().isConnected()
+        || (users.isListening() && openInTime(m_bus, remaining()));
+    const Bus bus(orkaDBusConnection(), remaining());
+    return isOpen && !bus.owner(busName()).isEmpty() && !endedOutdated(bus, m_options);
 }
 
 /// False where the bridge has to do it; throws where it mustn't.
 bool ServiceOnBus::useServiceOnBus()
 {
-    if (m_busDaemon)
-        return false;
     const Bus bus(orkaDBusConnection(), remaining());
-    if (!bus.owner(busName()).isEmpty())
+    const QString owner = bus.owner(busName());
+    if (m_options.mediaService == MediaServiceSource::Bridge
+        && !Bridge::isLasting(bus.processOf(owner)))
+        return false;
+    if (!owner.isEmpty() && !endedOutdated(bus, m_options))
         return true;
+    requireMayStart();
     QString why = QStringLiteral("nothing on it owns or can be started as %1").arg(busName());
-    if (bus.canActivate(busName())) {
+    if (owner.isEmpty() && bus.canActivate(busName())) {
         const QString error = bus.activate(busName());
         if (error.isEmpty())
             return true;
@@ -117,28 +207,19 @@ bool ServiceOnBus::useServiceOnBus()
 void ServiceOnBus::startBridge()
 {
     const Bus bus(orkaDBusConnection(), remaining());
-    if (!m_busDaemon && !bus.owner(busName()).isEmpty())
+    if (!bus.owner(busName()).isEmpty()) {
         takenName(); // a bridge was asked for, and somebody else has the name
-    const QString program = m_options.bridge.isEmpty() ? Installation::bridge() : m_options.bridge;
-    if (program.isEmpty()) {
-        throw missing(QStringLiteral("noMediaService"),
-            QStringLiteral("There is no media service: %1 has none, and orka-media-bridge is "
-                           "neither installed nor on PATH. Install it, or name it with --bridge.")
-                .arg(m_busDescription));
+        return;
     }
-    m_bridge = std::make_unique<ChildProcess>(ChildProcess::Service);
-    m_bridge->setStandardOutputFile(QProcess::nullDevice());
-    if (m_options.verbosity > 0)
-        m_bridge->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_bridge->setProgram(program);
-    m_bridge->setArguments(bridgeArguments());
+    m_bridge = std::make_unique<Bridge>(m_options);
+    m_bridge->start(m_bus, m_options.serviceStays());
     waitForBridge();
 }
 
 void ServiceOnBus::takenName()
 {
     if (m_options.bus == QLatin1String("session")) {
-        openPrivateBus();
+        startPrivately();
         return;
     }
     throw missing(QStringLiteral("noMediaService"),
@@ -147,12 +228,9 @@ void ServiceOnBus::takenName()
             .arg(m_busDescription, busName()));
 }
 
-QStringList ServiceOnBus::bridgeArguments() const
+std::chrono::milliseconds ServiceOnBus::startTime() const
 {
-    QStringList arguments{QStringLiteral("--bus"), bus()};
-    if (m_options.verbosity > 0)
-        arguments << (m_options.verbosity == 1 ? QStringLiteral("-v") : QStringLiteral("-vv"));
-    return arguments;
+    return std::min<std::chrono::milliseconds>(startLimit, remaining());
 }
 
 /// Until somebody owns the name: our bridge, or one that another program started meanwhile.
@@ -160,41 +238,24 @@ void ServiceOnBus::waitForBridge()
 {
     QDBusServiceWatcher arrival(
         busName(), orkaDBusConnection(), QDBusServiceWatcher::WatchForRegistration);
-    const std::chrono::milliseconds limit =
-        std::min<std::chrono::milliseconds>(startLimit, remaining());
+    const std::chrono::milliseconds limit = startTime();
     Wait wait(limit, QStringLiteral("Starting the media service"));
     connect(&arrival, &QDBusServiceWatcher::serviceRegistered, &wait, &Wait::wake);
-    connect(m_bridge.get(), &QProcess::stateChanged, &wait, &Wait::wake);
-    m_bridge->start();
+    connect(m_bridge.get(), &Bridge::ended, &wait, &Wait::wake);
 
     const Bus bus(orkaDBusConnection(), startLimit);
     const auto owned = [&bus] {
         return !bus.owner(busName()).isEmpty();
     };
-    const auto ended = [this] {
-        return m_bridge->state() == QProcess::NotRunning;
-    };
-    const bool inTime = wait.until([&] { return ended() || owned(); });
-    if (!owned()) {
-        throw bridgeFailed(inTime
-                ? QStringLiteral("it ended with status %1").arg(m_bridge->exitCode())
-                : QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000));
-    }
-}
-
-Failure ServiceOnBus::bridgeFailed(const QString &why)
-{
-    const QString said = QString::fromUtf8(m_bridge->readAllStandardError()).trimmed();
-    return missing(QStringLiteral("noMediaService"),
-        QStringLiteral("The media service %1 could not be started: %2%3. Try it by hand with "
-                       "--help, or name another with --bridge.")
-            .arg(quoted(m_bridge->program()),
-                m_bridge->error() == QProcess::FailedToStart ? m_bridge->errorString() : why,
-                said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said))));
+    wait.until([&] { return m_bridge->hasEnded() || owned(); });
+    if (!owned())
+        throw m_bridge->failure(tookTooLong(limit));
+    m_bridge->isStarted();
 }
 
 void ServiceOnBus::watch()
 {
+    m_watcher.disconnect(this);
     m_watcher.setConnection(orkaDBusConnection());
     // Another owner is another service, which knows nothing of what the first was asked.
     m_watcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
@@ -214,9 +275,12 @@ void ServiceOnBus::meet(const QString &owner)
     const Bus bus(orkaDBusConnection(), m_options.timeout);
     m_owner = owner;
     m_there = true;
-    const bool isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
+    m_isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
     m_servers =
-        std::make_unique<ServiceServers>(bus.ageOf(owner), isBridge ? bridgeSearch : otherSearch);
+        std::make_unique<ServiceServers>(bus.ageOf(owner), m_isBridge ? bridgeSearch : otherSearch);
+    QStringList addresses = m_options.servers + KeptAddresses::read();
+    addresses.removeDuplicates();
+    m_namedServers = std::make_unique<NamedServers>(addresses, m_options.timeout);
 }
 
 /// Of the time that a start may take in all.
@@ -235,26 +299,40 @@ void ServiceOnBus::leave()
 
 bool ServiceOnBus::returns()
 {
-    m_clock.start();
-    if (!orkaDBusConnection().isConnected()) {
+    const bool isConnected = orkaDBusConnection().isConnected();
+    if (!isConnected && !m_bridge) {
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The connection to %1 has ended, so no media service can come back. "
                            "Run the command again when the bus is there.")
                 .arg(m_busDescription));
     }
-    const Bus bus(orkaDBusConnection(), m_options.timeout);
     try {
-        if (bus.owner(busName()).isEmpty() && m_bridge)
-            waitForBridge();
-        else if (bus.owner(busName()).isEmpty() && bus.canActivate(busName()))
+        if (m_bridge) {
+            begin(); // the bus may have ended with the bridge
+            return true;
+        }
+        m_clock.start();
+        const Bus bus(orkaDBusConnection(), m_options.timeout);
+        if (bus.owner(busName()).isEmpty() && bus.canActivate(busName()))
             bus.activate(busName());
+        const QString owner = bus.owner(busName());
+        if (!owner.isEmpty())
+            meet(owner);
     } catch (const Failure &) {
-        return false; // there will be another try
+        // there will be another try
     }
-    const QString owner = bus.owner(busName());
-    if (!owner.isEmpty())
-        meet(owner);
     return m_there;
+}
+
+bool ServiceOnBus::isLasting() const
+{
+    return Bridge::isLasting(Bus(orkaDBusConnection(), m_options.timeout).processOf(m_owner));
+}
+
+QDateTime ServiceOnBus::startedAt() const
+{
+    const Bus bus(orkaDBusConnection(), m_options.timeout);
+    return QDateTime::currentDateTime().addMSecs(-bus.ageOf(m_owner).count());
 }
 
 QString ServiceOnBus::program() const

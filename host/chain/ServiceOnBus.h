@@ -2,17 +2,23 @@
 
 #include "Failure.h"
 #include "GlobalOptions.h"
+#include "chain/Bridge.h"
 #include "chain/BusDaemon.h"
+#include "chain/NamedServers.h"
 #include "chain/ServiceServers.h"
 
 #include <QDBusServiceWatcher>
+#include <QDateTime>
 #include <QObject>
 
 #include <memory>
 
+class Bus;
+class UsersBus;
+
 /// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: the one
-/// that the bus has or can activate, or our bridge, on a private bus of ours where there is no
-/// session bus. What it started ends with it.
+/// that the bus has or can activate, or our bridge, on a private bus where there is no session bus.
+/// A bridge that it starts stays for the next command (--linger), or ends with it.
 class ServiceOnBus : public QObject
 {
     Q_OBJECT
@@ -27,12 +33,20 @@ public:
     /// "session bus", "the private bus …": for people.
     const QString &busDescription() const { return m_busDescription; }
     /// "session", "system" or the bus's address.
-    QString bus() const { return m_busDaemon ? m_busDaemon->address() : m_options.bus; }
-    bool startedBridge() const { return bool(m_bridge); }
+    const QString &bus() const { return m_bus; }
+    /// Whether the service ends with this.
+    bool isForThisRun() const { return m_bridge && m_bridge->isChild(); }
+    bool isBridge() const { return m_isBridge; }
+    /// Whether a bridge that stays for later commands is used, and since when it runs.
+    bool isLasting() const;
+    QDateTime startedAt() const;
     /// "orka-media-bridge (process 123)".
     QString program() const;
     /// The media servers that it lists.
     ServiceServers &servers() { return *m_servers; }
+    const ServiceServers &servers() const { return *m_servers; }
+    /// Those that are named by their address.
+    const NamedServers &namedServers() const { return *m_namedServers; }
     /// Waits for its first answer, 5 s and --timeout at most. Returns whether one came.
     bool answers();
     /// Throws Failure (no answer) where it doesn't.
@@ -53,14 +67,19 @@ signals:
     void back();
 
 private:
+    void begin();
     void openBus();
-    void openPrivateBus();
+    void startPrivately();
+    void requireMayStart() const;
+    void startBus();
+    void useUsersBus();
+    bool isOnUsersBus(const UsersBus &bus);
     bool useServiceOnBus();
     void startBridge();
     void takenName();
-    QStringList bridgeArguments() const;
     void waitForBridge();
-    Failure bridgeFailed(const QString &why);
+    /// For a service to be there.
+    std::chrono::milliseconds startTime() const;
     std::chrono::milliseconds remaining() const;
     void watch();
     void meet(const QString &owner);
@@ -68,12 +87,15 @@ private:
 
     const GlobalOptions m_options;
     QElapsedTimer m_clock;
+    QString m_bus;
     QString m_busDescription;
     std::unique_ptr<BusDaemon> m_busDaemon;
-    std::unique_ptr<ChildProcess> m_bridge;
+    std::unique_ptr<Bridge> m_bridge;
     QDBusServiceWatcher m_watcher;
     /// The service's unique name on the bus.
     QString m_owner;
     std::unique_ptr<ServiceServers> m_servers;
+    std::unique_ptr<NamedServers> m_namedServers;
+    bool m_isBridge = false;
     bool m_there = true;
 };

@@ -9,7 +9,8 @@
 #include <QDBusPendingReply>
 
 ServiceServers::ServiceServers(std::chrono::milliseconds age, std::chrono::milliseconds searchTime)
-    : m_leftAtStart(searchTime - age)
+    : m_ageAtStart(age)
+    , m_leftAtStart(searchTime - age)
 {
     m_clock.start();
     QDBusConnection bus = orkaDBusConnection();
@@ -26,6 +27,11 @@ ServiceServers::ServiceServers(std::chrono::milliseconds age, std::chrono::milli
 std::chrono::milliseconds ServiceServers::untilSettled() const
 {
     return m_leftAtStart - std::chrono::milliseconds(m_clock.elapsed());
+}
+
+std::chrono::milliseconds ServiceServers::age() const
+{
+    return m_ageAtStart + std::chrono::milliseconds(m_clock.elapsed());
 }
 
 void ServiceServers::listed(QDBusPendingCallWatcher *call)

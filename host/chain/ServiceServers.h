@@ -35,6 +35,8 @@ public:
     /// Whether every server that was there before the service should have answered its search.
     bool isSettled() const { return m_state == Listed && untilSettled().count() <= 0; }
     std::chrono::milliseconds untilSettled() const;
+    /// For how long the service has run.
+    std::chrono::milliseconds age() const;
 
 signals:
     void changed();
@@ -47,6 +49,7 @@ private:
     void listed(QDBusPendingCallWatcher *call);
 
     QElapsedTimer m_clock;
+    std::chrono::milliseconds m_ageAtStart;
     std::chrono::milliseconds m_leftAtStart;
     QStringList m_paths;
     State m_state = Asked;

@@ -48,6 +48,7 @@ CommandPointer makeRows(CLI::App &app);
 CommandPointer makeData(CLI::App &app);
 CommandPointer makeSet(CLI::App &app);
 CommandPointer makeDoctor(CLI::App &app);
+CommandPointer makeStop(CLI::App &app);
 
 /// All of them, in the order in which help lists them.
 std::vector<CommandPointer> makeCommands(CLI::App &app);

@@ -82,6 +82,17 @@ void checkBusLimits(Findings &findings, const ServiceOnBus &service)
     }
 }
 
+QString lifeOf(const ServiceOnBus &service)
+{
+    if (service.isForThisRun())
+        return QStringLiteral(", started for this run");
+    const QString since = QStringLiteral(", there since ")
+        + service.startedAt().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return service.isLasting() ? since
+            + QStringLiteral("; it ends when nobody has used it for a while, or by \"orka stop\"")
+                               : since;
+}
+
 /// Whether it can be asked.
 bool checkMediaService(Findings &findings, ServiceOnBus &service)
 {
@@ -92,8 +103,7 @@ bool checkMediaService(Findings &findings, ServiceOnBus &service)
         QStringLiteral("%1 has the name %2%3.")
             .arg(safeText(service.program()), ServiceOnBus::busName(),
                 !answers ? QStringLiteral(" but doesn't answer. End it, or start it again")
-                    : service.startedBridge() ? QStringLiteral(", started for this run")
-                                              : QString()));
+                         : lifeOf(service)));
     return answers;
 }
 
@@ -103,10 +113,11 @@ void checkServers(Findings &findings, Session &session)
     servers.settle();
     if (servers.servers().isEmpty() && servers.isWhole()) {
         findings.add(Findings::Warning, "media servers",
-            QStringLiteral("none has shown up in %1 s. Start one on this network; a firewall may "
-                           "keep UDP port 1900 closed.")
-                .arg(double(session.options().wait.count()) / 1000));
+            QStringLiteral("none has shown up. Start one on this network; a firewall may keep UDP "
+                           "port 1900 closed."));
     }
+    for (const QString &problem : session.mediaService().namedServers().problems())
+        findings.add(Findings::Warning, "media server", problem);
     for (const QString &server : servers.missing()) {
         findings.add(Findings::Warning, "media server",
             QStringLiteral("the media service lists %1, but does not tell all about it.")

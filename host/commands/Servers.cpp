@@ -1,4 +1,6 @@
 #include "Failure.h"
+#include "chain/Bus.h"
+#include "chain/KeptAddresses.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
@@ -9,6 +11,8 @@
 #include "output/SafeText.h"
 #include "output/TextOutput.h"
 #include "tree/ServerList.h"
+
+#include <api/core/orka.h>
 
 #include <QSocketNotifier>
 #include <QTime>
@@ -81,58 +85,118 @@ private:
     ServerList::Servers m_known;
 };
 
+/// Prints servers as they show up, each once.
+class ServerTable
+{
+public:
+    void add(const ServerList::Servers &servers)
+    {
+        const int before = m_printed.size();
+        for (const OrkaRoles &server : servers) {
+            const QString path = server.path().toEncoded();
+            if (m_printed.contains(path))
+                continue;
+            m_printed.append(path);
+            m_table.add({server.title().toString(),
+                server.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"), path});
+        }
+        if (m_printed.size() > before)
+            m_table.write();
+    }
+    bool isEmpty() const { return m_printed.isEmpty(); }
+
+private:
+    Table m_table{{QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}};
+    QStringList m_printed;
+};
+
 class Servers : public Command
 {
 public:
     explicit Servers(CLI::App &app)
         : Command(app, "servers", "The media servers on the network",
-            "orka servers\n  orka --json servers --watch")
+            "orka servers\n  orka servers --add 192.168.1.20\n  orka --json servers --watch")
     {
         parser().add_flag("--watch", m_watch,
             "Print arrivals and departures until stopped; with --json\none document a line:\n"
             "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}; the media\n"
             "service's own leaving and coming back are told, too:\n"
             "{\"event\":\"service left\"|\"service back\"}");
+        addText("--add", m_add, "Look at this address from now on, in every command", "ADDRESS");
+        addText("--forget", m_forget, "No longer", "ADDRESS");
     }
 
     int run(const GlobalOptions &options) override
     {
+        if (int(m_watch) + int(!m_add.isNull()) + int(!m_forget.isNull()) > 1)
+            throw wrongUsage(
+                QStringLiteral("Only one of --watch, --add and --forget can be done."));
+        if (!m_add.isNull())
+            return add(options);
+        if (!m_forget.isNull())
+            return forget(options);
         Session session(options);
         ServerList servers(session);
         return m_watch ? watch(session, servers) : list(session, servers);
     }
 
 private:
-    static int list(Session &session, ServerList &servers)
+    int add(GlobalOptions options) const
     {
-        servers.settle();
-        const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
-        if (session.options().json) {
-            writeAnswer(session.options(), session.root(), rows, 0);
-        } else if (!rows.rows.isEmpty()) {
-            writeTable(rows.rows);
-        }
-        const QStringList missing = servers.missing();
-        for (const QString &path : missing)
-            tell(leftOut(session, path));
-        if (rows.rows.isEmpty() && missing.isEmpty() && !session.options().json) {
-            tell(QStringLiteral("No media server has shown up in %1 s. Start one on this network, "
-                                "or give it more time with --wait; \"orka doctor\" checks every "
-                                "part.")
-                     .arg(double(session.options().wait.count()) / 1000));
-        }
-        return missing.isEmpty() ? Answered : AnsweredWithError;
+        KeptAddresses::check(m_add);
+        KeptAddresses::add(m_add);
+        options.servers.append(m_add);
+        ServiceOnBus service(options);
+        Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
+        QObject::connect(&service.namedServers(), &NamedServers::changed, &wait, &Wait::wake);
+        wait.until([&] { return !service.namedServers().isPending(); });
+        const QStringList problems = service.namedServers().problems();
+        for (const QString &problem : problems)
+            tell(problem);
+        return problems.isEmpty() ? Answered : AnsweredWithError;
     }
 
-    static void writeTable(const ServerList::Servers &servers)
+    int forget(const GlobalOptions &options) const
     {
-        Table table({QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")});
-        for (const OrkaRoles &server : servers) {
-            table.add({server.title().toString(),
-                server.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"),
-                server.path().toEncoded()});
+        if (!KeptAddresses::forget(m_forget)) {
+            const QStringList kept = KeptAddresses::read();
+            throw missing(QStringLiteral("noSuchAddress"),
+                QStringLiteral("The address %1 isn't kept; %2.")
+                    .arg(quoted(m_forget),
+                        kept.isEmpty() ? QStringLiteral("none is")
+                                       : QStringLiteral("these are: ")
+                                + safeText(kept.join(QStringLiteral(", ")))));
         }
-        table.write();
+        const ServiceOnBus service(options);
+        Bus(orkaDBusConnection(), std::min(options.timeout, questionLimit))
+            .send(ServiceCalls::bridgeCall(QStringLiteral("ForgetServer"), m_forget));
+        return Answered;
+    }
+
+    static int list(Session &session, ServerList &servers)
+    {
+        ServerTable table;
+        if (session.options().json) {
+            servers.settle();
+            const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
+            writeAnswer(session.options(), session.root(), rows, 0);
+        } else {
+            servers.settle([&](const ServerList::Servers &now) { table.add(now); });
+            table.add(servers.servers());
+        }
+        QStringList problems = session.mediaService().namedServers().problems();
+        const QStringList missing = servers.missing();
+        for (const QString &path : missing)
+            problems.append(leftOut(session, path));
+        if (table.isEmpty() && servers.servers().isEmpty() && problems.isEmpty()
+            && !session.options().json) {
+            tell(QStringLiteral("No media server has shown up. Start one on this network, name its "
+                                "address with --server, or give it more time with --wait; \"orka "
+                                "doctor\" checks every part."));
+        }
+        for (const QString &problem : problems)
+            tell(problem);
+        return problems.isEmpty() ? Answered : AnsweredWithError;
     }
 
     static QString leftOut(const Session &session, const QString &server)
@@ -199,6 +263,8 @@ private:
     }
 
     bool m_watch = false;
+    QString m_add;
+    QString m_forget;
 };
 
 } // namespace

@@ -110,11 +110,6 @@ QStringList apart(Session &session, const Nodes &servers)
     return lines;
 }
 
-QString seconds(std::chrono::milliseconds time)
-{
-    return QStringLiteral("%1 s").arg(double(time.count()) / 1000);
-}
-
 } // namespace
 
 PlaceResolver::PlaceResolver(Session &session)
@@ -148,7 +143,8 @@ CMPath PlaceResolver::resolvePath(const Place &place)
         throw noSuchPlace(
             QStringLiteral("The media server of %1 hasn't shown up. \"orka servers\" lists those "
                            "that are there; --wait SECONDS waits for one that is starting.")
-                .arg(quoted(place.text)));
+                .arg(quoted(place.text))
+            + namedProblems());
     }
     if (place.path.base() != ServerList::serverBase(place.path))
         m_session.setName(place.path, place.text);
@@ -181,17 +177,29 @@ CMPath PlaceResolver::findServer(const QString &title)
     if (!found.isEmpty())
         return found.first().path();
     if (m_servers.servers().isEmpty()) {
-        throw noSuchPlace(QStringLiteral("No media server has shown up in %1, so there is no %2. "
-                                         "Start one on this network, or give it more time with "
-                                         "--wait; \"orka doctor\" checks every part.")
-                              .arg(seconds(m_session.options().wait), quoted(title)));
+        throw noSuchPlace(QStringLiteral("No media server has shown up, so there is no %1. Start "
+                                         "one on this network, name its address with --server, or "
+                                         "give it more time with --wait; \"orka doctor\" checks "
+                                         "every part.")
+                              .arg(quoted(title))
+            + namedProblems());
     }
     NearestTitles nearest(title);
     for (const OrkaRoles &server : m_servers.servers())
         nearest.add(titleOf(server));
     throw noSuchPlace(QStringLiteral("There is no media server %1.%2 \"orka servers\" lists those "
                                      "that are there.")
-                          .arg(quoted(title), nearest.question()));
+                          .arg(quoted(title), nearest.question())
+        + namedProblems());
+}
+
+/// What became of the addresses that were named, behind a sentence about a server that isn't there.
+QString PlaceResolver::namedProblems() const
+{
+    QString text;
+    for (const QString &problem : m_session.mediaService().namedServers().problems())
+        text += QLatin1Char('\n') + problem;
+    return text;
 }
 
 CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind wanted)

@@ -25,6 +25,7 @@ private:
     /// By title, or "title (host)".
     QVector<OrkaRoles> serversCalled(const QString &text);
     CMPath findServer(const QString &title);
+    QString namedProblems() const;
     CMPath findChild(const CMPath &parent, const QString &title, Kind wanted);
 
     Session &m_session;

@@ -82,6 +82,7 @@ bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit
     ServiceOnBus &service = m_session.mediaService();
     connect(&service, &ServiceOnBus::gone, &wait, &Wait::wake);
     connect(&service.servers(), &ServiceServers::changed, &wait, &Wait::wake);
+    connect(&service.namedServers(), &NamedServers::changed, &wait, &Wait::wake);
     QTimer look; // for what becomes true by the time alone
     connect(&look, &QTimer::timeout, &wait, &Wait::wake);
     look.start(lookEvery);
@@ -114,16 +115,30 @@ bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
 
 void ServerList::standStill(Milliseconds time)
 {
-    bool changing = true;
+    bool changing = !m_session.mediaService().servers().isSettled();
     while (changing && remaining().count() > 0) {
         changing = waitUntil([this] { return m_stale; }, std::min(time, remaining()));
         servers();
     }
 }
 
-void ServerList::settle()
+void ServerList::settle(const std::function<void(const Servers &)> &seen)
 {
-    waitUntil([this] { return isComplete(); }, remaining());
+    waitUntil(
+        [&] {
+            if (seen)
+                seen(servers());
+            return isComplete();
+        },
+        remaining());
+}
+
+/// A bridge that was there before this command has had its time to hear of one, too.
+bool ServerList::mayBeEmpty() const
+{
+    const GlobalOptions &options = m_session.options();
+    const ServiceOnBus &service = m_session.mediaService();
+    return !options.waitIsNamed && service.isBridge() && service.servers().age() >= options.wait;
 }
 
 bool ServerList::isComplete()
@@ -134,7 +149,8 @@ bool ServerList::isComplete()
         return hasServers && m_sinceChange.elapsed() >= stillFor.count();
     mend();
     const QStringList lacking = missing();
-    return !service.paths().isEmpty() && service.isSettled()
+    return (!service.paths().isEmpty() || mayBeEmpty()) && service.isSettled()
+        && !m_session.mediaService().namedServers().isPending()
         && std::all_of(lacking.begin(), lacking.end(),
             [this](const QString &path) { return m_unreadable.contains(path); });
 }

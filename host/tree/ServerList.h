@@ -33,11 +33,13 @@ public:
     /// Waits until `enough` says so of the servers that are there, or all that are there are known,
     /// unless --wait was named. Returns whether it says so.
     bool waitFor(const std::function<bool(const Servers &)> &enough);
-    /// Waits until the list has stood still for this long.
+    /// Waits until the list has stood still for this long, unless the media service has had its
+    /// time to find all servers.
     void standStill(std::chrono::milliseconds time);
     /// Waits until there are servers and all that are there are known. Where the media service
-    /// can't be asked for its own, a second without a change stands for that.
-    void settle();
+    /// can't be asked for its own, a second without a change stands for that. `seen` is told of
+    /// those that are there meanwhile, whenever it may be others.
+    void settle(const std::function<void(const Servers &)> &seen = {});
     /// Waits until the servers of all these paths are there; a path of the root itself waits like
     /// settle(). Returns whether they are.
     bool waitForServersOf(const QVector<CMPath> &paths);
@@ -60,6 +62,7 @@ signals:
 private:
     void noteChange();
     bool isComplete();
+    bool mayBeEmpty() const;
     bool isReadable(const QString &server);
     std::chrono::milliseconds remaining() const;
     bool waitUntil(const std::function<bool()> &done, std::chrono::milliseconds limit) const;

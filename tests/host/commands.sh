@@ -175,6 +175,29 @@ grep -v "<limit" "$WORLD_ROOT/host/chain/private-bus.conf" >"$WORLD_DIR/small.co
 check "a bus that is too small" 1 "$(dbus-run-session --config-file="$WORLD_DIR/small.conf" -- sh -c \
     '"$0" --bus "$DBUS_SESSION_BUS_ADDRESS" & sleep 0.3; orka doctor --wait 0.5; kill $!' "$4" | grep -c "takes only 128 unanswered calls")"
 
+# What stays for the next command: one bridge and its bus, and nothing of them once they are told to end or idle.
+script private "XDG_RUNTIME_DIR='$WORLD_DIR/run' DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent \
+    exec '$ORKA_BUILD/host/orka' --plugin '$1' --bridge '$4' --linger 60 \"\$@\""
+left() {
+    echo "$(pgrep -fc "$WORLD_DIR/run/orka/bus" || true) $(ls "$WORLD_DIR/run/orka" | paste -sd ' ')"
+}
+mkdir "$WORLD_DIR/run"
+private servers >"$WORLD_DIR/first" &
+private servers >"$WORLD_DIR/second"
+wait $!
+check "two commands at once start one" "2 bus lock" "$(left)"
+check "both are answered" "" "$(cmp "$WORLD_DIR/first" "$WORLD_DIR/second")"
+check "the doctor tells of it" 1 "$(private --wait 0 doctor | grep -c 'there since 20.*orka stop')"
+for name in "$4" dbus-daemon; do
+    kill -KILL "$(pgrep -f "$name.*$WORLD_DIR/run/orka/bus")"
+    check "after $name is killed" "0 2 bus lock" "$(private servers >/dev/null && echo $? "$(left)")"
+done
+check "stopped" "0 lock" "$(private stop && left)"
+private --linger 2 data upnp:/shelf/big >/dev/null
+check "idle" "yes" "$(within 5 eval '[ "$(left)" = "0 lock" ]' && echo yes)"
+chmod 755 "$WORLD_DIR/run/orka"
+check_fails "a folder that others may use" 3 "other users" private servers
+
 orka ls Shelf/Silent 2>"$WORLD_DIR/left" &
 asking=$!
 sleep 0.7

@@ -1,0 +1,165 @@
+#include "chain/Bridge.h"
+
+#include "chain/BusDaemon.h"
+#include "chain/Installation.h"
+#include "chain/UsersBus.h"
+#include "output/SafeText.h"
+
+#include <QFile>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+
+namespace {
+
+/// In a lasting bridge's environment, before what identifies its program file.
+const QByteArray markName = QByteArrayLiteral("ORKA_BRIDGE_FILE=");
+
+QString programOf(const GlobalOptions &options)
+{
+    return options.bridge.isEmpty() ? Installation::bridge() : options.bridge;
+}
+
+/// Changes when the file is replaced.
+QByteArray markOf(const QString &program)
+{
+    struct stat file = {};
+    if (stat(QFile::encodeName(program).constData(), &file) != 0)
+        return QByteArray();
+    QByteArray mark = markName;
+    for (const long long number : {static_cast<long long>(file.st_dev),
+             static_cast<long long>(file.st_ino), static_cast<long long>(file.st_mtim.tv_sec)})
+        mark += QByteArray::number(number) + ' ';
+    return mark;
+}
+
+/// Empty where the process has none, or isn't this user's.
+QByteArray markOf(uint process)
+{
+    QFile environment(QStringLiteral("/proc/%1/environ").arg(process));
+    if (!environment.open(QIODevice::ReadOnly))
+        return QByteArray();
+    for (const QByteArray &entry : environment.readAll().split('\0')) {
+        if (entry.startsWith(markName))
+            return entry;
+    }
+    return QByteArray();
+}
+
+} // namespace
+
+Bridge::Bridge(const GlobalOptions &options)
+    : m_options(options)
+    , m_program(programOf(options))
+{
+    if (m_program.isEmpty()) {
+        throw missing(QStringLiteral("noMediaService"),
+            QStringLiteral("There is no media service, and orka-media-bridge is neither installed "
+                           "nor on PATH. Install it, or name it with --bridge."));
+    }
+}
+
+Bridge::~Bridge()
+{
+    if (m_child) {
+        m_child->disconnect(this);
+        m_child->stop();
+    }
+}
+
+QStringList Bridge::arguments(const QString &bus) const
+{
+    QStringList arguments{QStringLiteral("--bus"), bus};
+    if (m_options.verbosity > 0)
+        arguments << (m_options.verbosity == 1 ? QStringLiteral("-v") : QStringLiteral("-vv"));
+    return arguments;
+}
+
+void Bridge::start(const QString &bus, bool lasts)
+{
+    if (lasts) {
+        LastingProcess::Plan plan;
+        plan.arguments = arguments(bus);
+        startLasting(plan);
+        return;
+    }
+    m_child = std::make_unique<ChildProcess>(ChildProcess::Service);
+    m_child->setStandardOutputFile(QProcess::nullDevice());
+    if (m_options.verbosity > 0)
+        m_child->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    connect(m_child.get(), &QProcess::stateChanged, this, [this] {
+        if (hasEnded())
+            emit ended();
+    });
+    m_child->start(m_program, arguments(bus));
+}
+
+void Bridge::startWith(const UsersBus &bus)
+{
+    LastingProcess::Plan plan;
+    plan.arguments = arguments(bus.address());
+    plan.bus = BusDaemon::commandLine() << QStringLiteral("--address=%1").arg(bus.address());
+    plan.inherited = bus.lock();
+    startLasting(plan);
+}
+
+void Bridge::startLasting(LastingProcess::Plan plan)
+{
+    QStringList cache;
+    if (plan.inherited >= 0) { // else it knows where by itself
+        cache << QStringLiteral("--cache")
+              << QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+                + QStringLiteral("/orka-media-bridge/servers");
+    }
+    const auto seconds = (m_options.linger + std::chrono::milliseconds(999)).count() / 1000;
+    plan.program = m_program;
+    plan.arguments << QStringLiteral("--idle-exit") << QString::number(seconds) << cache;
+    plan.variable = markOf(m_program);
+    m_lasting = std::make_unique<LastingProcess>(plan);
+    connect(m_lasting.get(), &LastingProcess::ended, this, &Bridge::ended);
+}
+
+bool Bridge::hasEnded() const
+{
+    return m_child ? m_child->state() == QProcess::NotRunning : !m_lasting || m_lasting->hasEnded();
+}
+
+void Bridge::isStarted()
+{
+    if (m_lasting)
+        m_lasting->letGo();
+}
+
+Failure Bridge::failure(const QString &why) const
+{
+    const bool isStarting = m_child || m_lasting;
+    QString reason = !isStarting ? QStringLiteral("an earlier one neither answers nor ends")
+        : hasEnded()             ? QStringLiteral("it ended")
+                                 : why;
+    if (m_child && hasEnded()) {
+        reason = m_child->error() == QProcess::FailedToStart
+            ? m_child->errorString()
+            : QStringLiteral("it ended with status %1").arg(m_child->exitCode());
+    }
+    const QByteArray bytes = m_child ? m_child->readAllStandardError()
+        : m_lasting                  ? m_lasting->said()
+                                     : QByteArray();
+    const QString said = QString::fromUtf8(bytes).trimmed();
+    return missing(QStringLiteral("noMediaService"),
+        QStringLiteral("The media service %1 could not be started: %2%3. Try it by hand with "
+                       "--help, or name another with --bridge.")
+            .arg(quoted(m_program), reason,
+                said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said))));
+}
+
+bool Bridge::isLasting(uint process)
+{
+    return !markOf(process).isEmpty();
+}
+
+bool Bridge::isOutdated(uint process, const GlobalOptions &options)
+{
+    const QByteArray running = markOf(process);
+    const QString program = programOf(options);
+    return !running.isEmpty() && !program.isEmpty() && running != markOf(program);
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Failure.h"
+#include "GlobalOptions.h"
+#include "chain/ChildProcess.h"
+#include "chain/LastingProcess.h"
+
+#include <QObject>
+
+#include <memory>
+
+class UsersBus;
+
+/// The bridge's program, and the process that we start of it: one that ends with us, or one that
+/// outlives us by its idle time.
+class Bridge : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Throws Failure (missing) where the program isn't there.
+    explicit Bridge(const GlobalOptions &options);
+    ~Bridge() override;
+
+    /// On a bus that is there: to outlive us where `lasts`.
+    void start(const QString &bus, bool lasts);
+    /// To outlive us, with a bus of its own, whose lock has been taken.
+    void startWith(const UsersBus &bus);
+    /// Whether what we started ends with us.
+    bool isChild() const { return bool(m_child); }
+    bool hasEnded() const;
+    /// Once it is there: what it says is its own affair from now on.
+    void isStarted();
+    /// That it couldn't be started; `why` where it hasn't ended.
+    Failure failure(const QString &why) const;
+
+    /// Whether the process is a bridge that an earlier command left running.
+    static bool isLasting(uint process);
+    /// Whether it is one, of another program file than a new one would be.
+    static bool isOutdated(uint process, const GlobalOptions &options);
+
+signals:
+    void ended();
+
+private:
+    QStringList arguments(const QString &bus) const;
+    void startLasting(LastingProcess::Plan plan);
+
+    const GlobalOptions m_options;
+    QString m_program;
+    std::unique_ptr<ChildProcess> m_child;
+    std::unique_ptr<LastingProcess> m_lasting;
+};

@@ -1,0 +1,102 @@
+#include "chain/KeptAddresses.h"
+
+#include "Failure.h"
+#include "output/SafeText.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int longestAddress = 1000;
+constexpr int longestFile = 1'000'000;
+
+QString filePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + QStringLiteral("/orka/servers");
+}
+
+QStringList readLines()
+{
+    QFile file(filePath());
+    if (!file.exists())
+        return {};
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        throw wrongUsage(QStringLiteral("The addresses in %1 can't be read. Give yourself the "
+                                        "right to read it, or remove it.")
+                             .arg(quoted(file.fileName())));
+    }
+    QStringList lines = QString::fromUtf8(file.read(longestFile)).split(QLatin1Char('\n'));
+    if (lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+void writeLines(const QStringList &lines)
+{
+    QDir().mkpath(QFileInfo(filePath()).path());
+    QSaveFile file(filePath());
+    const QByteArray text = lines.isEmpty()
+        ? QByteArray()
+        : (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+        throw Failure(AnsweredWithError, QStringLiteral("notKept"),
+            QStringLiteral("The addresses in %1 can't be written: %2.")
+                .arg(quoted(file.fileName()), safeText(file.errorString())));
+    }
+}
+
+bool isAddress(const QString &line)
+{
+    return !line.trimmed().isEmpty() && !line.trimmed().startsWith(QLatin1Char('#'));
+}
+
+} // namespace
+
+void KeptAddresses::check(const QString &address)
+{
+    const bool isOne = !address.isEmpty() && !address.startsWith(QLatin1Char('#'))
+        && address.size() <= longestAddress
+        && std::none_of(address.begin(), address.end(),
+            [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; });
+    if (!isOne) {
+        throw wrongUsage(QStringLiteral("%1 is no address of a media server. Write a host name or "
+                                        "IP, host:port, or the URL of a description.")
+                             .arg(quoted(address)));
+    }
+}
+
+QStringList KeptAddresses::read()
+{
+    QStringList addresses;
+    for (const QString &line : readLines()) {
+        if (isAddress(line) && !addresses.contains(line.trimmed()))
+            addresses.append(line.trimmed());
+    }
+    return addresses;
+}
+
+bool KeptAddresses::add(const QString &address)
+{
+    if (read().contains(address))
+        return false;
+    writeLines(readLines() << address);
+    return true;
+}
+
+bool KeptAddresses::forget(const QString &address)
+{
+    QStringList lines = readLines();
+    const auto others = std::remove_if(lines.begin(), lines.end(),
+        [&](const QString &line) { return isAddress(line) && line.trimmed() == address; });
+    if (others == lines.end())
+        return false;
+    lines.erase(others, lines.end());
+    writeLines(lines);
+    return true;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QStringList>
+
+/// Addresses of media servers that the user keeps: one a line in $XDG_CONFIG_HOME/orka/servers.
+/// Lines that are empty or begin with # count for nothing, but stay.
+namespace KeptAddresses {
+
+/// Throws Failure (wrong usage) for what can't be an address: nothing, spaces, control characters.
+void check(const QString &address);
+
+/// None where there is no file. Throws Failure (wrong usage) where it can't be read.
+QStringList read();
+
+/// Writes it anew, as a whole. False where it was kept before. Throws Failure where it can't be
+/// written.
+bool add(const QString &address);
+/// False where it wasn't kept.
+bool forget(const QString &address);
+
+} // namespace KeptAddresses

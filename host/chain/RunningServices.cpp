@@ -1,0 +1,75 @@
+#include "chain/RunningServices.h"
+
+#include "Failure.h"
+#include "chain/Bridge.h"
+#include "chain/Bus.h"
+#include "chain/ServiceCalls.h"
+#include "chain/ServiceOnBus.h"
+#include "chain/StuckBus.h"
+#include "chain/UsersBus.h"
+#include "chain/Wait.h"
+#include "output/SafeText.h"
+
+#include <api/core/orka.h>
+
+#include <QTimer>
+
+#include <csignal>
+
+namespace {
+
+constexpr std::chrono::milliseconds endLimit(5'000);
+constexpr std::chrono::milliseconds answerLimit(1'000);
+constexpr int lookEvery = 10; // milliseconds
+
+void waitUntil(const std::function<bool()> &ended, const QString &program)
+{
+    Wait wait(endLimit, QStringLiteral("Ending the media service"));
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
+    look.start(lookEvery);
+    if (!wait.until(ended)) {
+        throw Failure(NoAnswer, QStringLiteral("noAnswer"),
+            QStringLiteral("The media service %1 was told to end and doesn't. End the process.")
+                .arg(safeText(program)));
+    }
+}
+
+/// Returns whether there was one.
+bool endOn(const QString &name)
+{
+    const QString description = QStringLiteral("the bus %1").arg(quoted(name));
+    inTimeOnBus(description, answerLimit, [name] { orkaOpenDBusConnection(name); });
+    const Bus bus(orkaDBusConnection(), answerLimit);
+    const QString service = ServiceOnBus::busName();
+    const QString owner = bus.owner(service);
+    if (owner.isEmpty())
+        return false;
+    const QString program = bus.describeOwner(owner);
+    const uint process = bus.processOf(owner);
+    const QDBusMessage stop = ServiceCalls::bridgeCall(QStringLiteral("Stop"));
+    if (bus.send(stop).type() != QDBusMessage::ReplyMessage
+        && !(Bridge::isLasting(process) && kill(pid_t(process), SIGTERM) == 0)) {
+        throw Failure(AnsweredWithError, QStringLiteral("notOurs"),
+            QStringLiteral("The media service %1 isn't the bridge of this program, so it is left "
+                           "alone. End it as it was started.")
+                .arg(safeText(program)));
+    }
+    waitUntil([&] { return bus.owner(service) != owner; }, program);
+    return true;
+}
+
+} // namespace
+
+bool endRunningServices(const GlobalOptions &options)
+{
+    bool wasThere = endOn(options.bus);
+    if (options.bus != QLatin1String("session"))
+        return wasThere;
+    UsersBus users;
+    if (users.take())
+        return wasThere;
+    wasThere = endOn(users.address()) || wasThere;
+    waitUntil([&] { return users.take(); }, QStringLiteral("on your private bus"));
+    return true;
+}

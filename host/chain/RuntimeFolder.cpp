@@ -1,0 +1,52 @@
+#include "chain/RuntimeFolder.h"
+
+#include "Failure.h"
+#include "output/SafeText.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+QString path()
+{
+    const QString given = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return given.startsWith(QLatin1Char('/')) && QFileInfo(given).isDir()
+        ? given + QStringLiteral("/orka")
+        : QStringLiteral("/tmp/orka-%1").arg(getuid());
+}
+
+/// Why the folder can't be trusted; empty where it can.
+QString problemOf(const QByteArray &folder)
+{
+    struct stat found = {};
+    if (lstat(folder.constData(), &found) != 0)
+        return QString::fromLocal8Bit(std::strerror(errno));
+    if (!S_ISDIR(found.st_mode))
+        return QStringLiteral("it is no folder");
+    if (found.st_uid != getuid())
+        return QStringLiteral("it belongs to another user");
+    return (found.st_mode & 077) != 0 ? QStringLiteral("other users may use it") : QString();
+}
+
+} // namespace
+
+QString RuntimeFolder::make()
+{
+    const QString folder = path();
+    const QByteArray name = QFile::encodeName(folder);
+    mkdir(name.constData(), 0700); // a failure is seen below
+    const QString problem = problemOf(name);
+    if (!problem.isEmpty()) {
+        throw missing(QStringLiteral("noBus"),
+            QStringLiteral("The media service can't be kept in %1: %2. Remove that, or do without "
+                           "with --linger 0.")
+                .arg(quoted(folder), problem));
+    }
+    return folder;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+/// The private bus of this user, at a fixed place, for machines without a session bus. One at a
+/// time: whoever starts it hands a lock on to the bus and to the bridge, so that the kernel tells
+/// when neither is left, however they ended.
+class UsersBus
+{
+public:
+    /// Throws Failure (missing) where there can be none.
+    UsersBus();
+    ~UsersBus();
+    UsersBus(const UsersBus &) = delete;
+    UsersBus &operator=(const UsersBus &) = delete;
+
+    const QString &address() const { return m_address; }
+    /// Takes the lock, until this is destroyed. False where a bus or a bridge of an earlier command
+    /// still runs, or one is being started.
+    bool take();
+    /// Its descriptor.
+    int lock() const { return m_lock; }
+    /// Whether something takes connections there.
+    bool isListening() const;
+
+private:
+    QString m_socket;
+    QString m_address;
+    int m_lock = -1;
+};
