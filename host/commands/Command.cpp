@@ -52,7 +52,7 @@ std::vector<CommandPointer> makeCommands(CLI::App &app)
 {
     std::vector<CommandPointer> commands;
     for (const auto make : {makeServers, makeLs, makeInfo, makeMenu, makeSearch, makeSample,
-             makeQueue, makePlay, makeServe, makeRows, makeData, makeSet, makeDoctor, makeStop}) {
+             makeQueue, makePlay, makeServe, makeRows, makeData, makeSet, makeDoctor, makeStop, makeComplete}) {
         commands.push_back(make(app));
     }
     return commands;

@@ -49,6 +49,7 @@ CommandPointer makeData(CLI::App &app);
 CommandPointer makeSet(CLI::App &app);
 CommandPointer makeDoctor(CLI::App &app);
 CommandPointer makeStop(CLI::App &app);
+CommandPointer makeComplete(CLI::App &app);
 
 /// All of them, in the order in which help lists them.
 std::vector<CommandPointer> makeCommands(CLI::App &app);

@@ -114,6 +114,19 @@ text='Say "Hi" & back\slash %1'
 check "a search goes by its text" "$text" "$(titles search Shelf --title "$text")"
 refused 1 "only by title" search Shelf --artist x
 
+# completed LINE END [QUOTE]: the words of the line when bash has replaced its end and added the quote.
+. "$WORLD_ROOT/host/completion/orka.bash"
+completed() {
+    COMP_LINE=$1 COMP_POINT=${#1}
+    _orka orka "$2" ""
+    eval "printf '<%s>' ${COMP_LINE%"$2"}${COMPREPLY[0]-}${3-}"
+}
+check "a server is completed" "<orka><ls><Shelf/>" "$(completed "orka ls She" She)"
+check "quotes stay" '<orka><info><Shelf/AC\/DC/back\slash>' "$(completed "orka info 'Shelf/AC\\/DC/b" "Shelf/AC\\/DC/b" "'")"
+check "a backslash" '<orka><info><Shelf/AC\/DC/back\slash>' "$(completed 'orka info Shelf/AC\\/DC/b' 'Shelf/AC\\/DC/b')"
+check "CJK" "<orka><ls><Shelf/漢字/>" "$(completed "orka ls Shelf/漢" "Shelf/漢")"
+check "an option, and its value" "<orka><--media-service><auto>" "$(completed "orka --media-service " "")"
+
 # configured TEXT: doctor where orka.conf holds it.
 mkdir -p "$WORLD_DIR/config/orka"
 script configured "printf '%s\n' \"\$1\" >'$WORLD_DIR/config/orka/orka.conf'

@@ -1,0 +1,173 @@
+#include "ShellLine.h"
+#include "chain/Session.h"
+#include "commands/Command.h"
+#include "output/Output.h"
+#include "tree/PlaceCompletion.h"
+
+#include <map>
+
+namespace {
+
+/// For all that is asked to complete one word.
+constexpr std::chrono::milliseconds enough(1'000);
+
+/// The values of options that have a few.
+QStringList valuesOf(const std::string &option)
+{
+    static const std::map<std::string, const char *> values = {{"--bus", "session system"},
+        {"--media-service", "auto session bridge"}, {"--format", "table json m3u8 xspf"},
+        {"--sort", "title artist album date track length"}};
+    const auto found = values.find(option);
+    return found == values.end() ? QStringList()
+                                 : QString::fromLatin1(found->second).split(QLatin1Char(' '));
+}
+
+/// Null for a word that is no option of these.
+const CLI::Option *optionOf(const CLI::App &app, const std::string &word)
+{
+    return word.size() > 1 && word.front() == '-' ? app.get_option_no_throw(word) : nullptr;
+}
+
+class Complete : public Command
+{
+public:
+    explicit Complete(CLI::App &app)
+        : Command(app, "complete", "What may stand at the end of a line, for shells",
+            "orka complete bash 4 'orka ls \"My N'")
+        , m_app(app)
+    {
+        parser().group(""); // not for people
+        addText("SHELL", m_shell, "bash, zsh or fish", "")->required();
+        addText("BYTES", m_replaced, "How much of the line's end bash replaces", "")->required();
+        addText("LINE", m_line, "The line, up to the cursor", "")->required();
+    }
+
+    /// Says nothing where it has nothing to say: there is a line that somebody writes.
+    int run(const GlobalOptions &options) override
+    {
+        const QByteArray line = m_line.toUtf8();
+        const ShellLine parsed = parseShellLine(line);
+        QString text;
+        for (const QString &candidate : candidates(parsed, options))
+            text += written(candidate, parsed, line) + QLatin1Char('\n');
+        writeText(text.toUtf8());
+        return 0;
+    }
+
+private:
+    /// As the shell wants it: bash puts it into the line as it is, for the end that it replaces;
+    /// the others quote it themselves.
+    QString written(const QString &candidate, const ShellLine &parsed, const QByteArray &line) const
+    {
+        if (m_shell != QLatin1String("bash"))
+            return candidate;
+        const int kept = std::max(parsed.start, line.size() - m_replaced.toInt());
+        const ShellLine before = parseShellLine(line.left(kept));
+        const QString there = kept == parsed.start ? QString() : before.words.last();
+        const QString rest = quotedForShell(candidate.mid(there.size()), before.quote);
+        const bool goesOn = candidate.endsWith(QLatin1Char('/')) || before.quote != 0;
+        return goesOn ? rest : rest + QLatin1Char(' ');
+    }
+
+    QStringList candidates(const ShellLine &parsed, const GlobalOptions &options) const
+    {
+        const CLI::App *command = nullptr;
+        const CLI::Option *open = nullptr;
+        for (int i = 1; i + 1 < parsed.words.size(); ++i) {
+            const std::string word = parsed.words.at(i).toStdString();
+            if (open != nullptr) {
+                open = nullptr; // this is its value
+            } else if (const CLI::Option *option = find(command, word)) {
+                open = option->get_items_expected_min() > 0 ? option : nullptr;
+            } else if (command == nullptr) {
+                command = commandCalled(word);
+                if (command == nullptr)
+                    return {};
+            }
+        }
+        const QString &text = parsed.words.last();
+        if (open != nullptr)
+            return beginningWith(text, valuesOf("--" + open->get_lnames().front()));
+        if (text.startsWith(QLatin1Char('-')))
+            return beginningWith(text, optionNames(command));
+        if (command == nullptr)
+            return beginningWith(text, commandNames());
+        return command->get_option_no_throw("PLACE") != nullptr ? places(text, options)
+                                                                : QStringList();
+    }
+
+    const CLI::Option *find(const CLI::App *command, const std::string &word) const
+    {
+        const CLI::Option *own = command == nullptr ? nullptr : optionOf(*command, word);
+        return own != nullptr ? own : optionOf(m_app, word);
+    }
+
+    const CLI::App *commandCalled(const std::string &name) const
+    {
+        for (const CLI::App *command : m_app.get_subcommands(nullptr)) {
+            if (command->get_name() == name)
+                return command;
+        }
+        return nullptr;
+    }
+
+    QStringList commandNames() const
+    {
+        QStringList names;
+        for (const CLI::App *command : m_app.get_subcommands(nullptr)) {
+            if (!command->get_group().empty())
+                names.append(QString::fromStdString(command->get_name()));
+        }
+        return names;
+    }
+
+    QStringList optionNames(const CLI::App *command) const
+    {
+        QStringList names;
+        for (const CLI::App *app : {command, static_cast<const CLI::App *>(&m_app)}) {
+            if (app == nullptr)
+                continue;
+            for (const CLI::Option *option : app->get_options()) {
+                for (const std::string &name : option->get_lnames())
+                    names.append(QStringLiteral("--") + QString::fromStdString(name));
+            }
+        }
+        names.removeDuplicates();
+        return names;
+    }
+
+    static QStringList beginningWith(const QString &text, const QStringList &all)
+    {
+        QStringList some;
+        for (const QString &one : all) {
+            if (one.startsWith(text))
+                some.append(one);
+        }
+        return some;
+    }
+
+    static QStringList places(const QString &text, GlobalOptions options)
+    {
+        options.mayStartService = false;
+        options.timeout = std::min(options.timeout, enough);
+        options.wait = std::min(options.wait, enough);
+        try {
+            Session session(options);
+            return completePlace(session, text);
+        } catch (const Failure &) {
+            return {};
+        }
+    }
+
+    CLI::App &m_app;
+    QString m_shell;
+    QString m_replaced;
+    QString m_line;
+};
+
+} // namespace
+
+CommandPointer makeComplete(CLI::App &app)
+{
+    return std::make_unique<Complete>(app);
+}
