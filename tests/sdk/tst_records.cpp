@@ -57,6 +57,7 @@ void tst_records::areWrittenAsJson()
 {
     const QVariantMap hostile{{"\"\\/\b\n\x01\x1f\x7f %1\xe2\x80\xa8\xf0\x9f\x8e\xb5", QChar(0)}};
     QCOMPARE(QJsonDocument::fromJson(orkaToJson(hostile).toUtf8()).toVariant(), QVariant(hostile));
+    QVERIFY(!orkaToJson(hostile).contains(QChar(0x1f)));
     QCOMPARE(orkaToJson(QVariant(QString(QChar(0xd83c)) + "x")), R"("\ud83cx")");
     QCOMPARE(orkaToJson(QVariantList{std::numeric_limits<qint64>::min(),
                  std::numeric_limits<quint64>::max(), 0.1, 1e300, qInf(), true, QVariant()}),
