@@ -7,7 +7,7 @@ set -euo pipefail
 
 world_lan
 world_host nas 2
-"$1/bench-make-tracks" "$WORLD_DIR/music/big" "${2:-1000}"
+"$WORLD_ROOT/tests/e2e/make_tracks.py" "$WORLD_DIR/music/big" "${2:-1000}"
 start_minidlna nas "$WORLD_DIR/music" Big
 wait_indexed nas "${2:-1000}"
 start_bus

@@ -5,7 +5,7 @@ set -euo pipefail
 
 world_lan
 world_host nas 2
-"$ORKA_BUILD/tests/e2e/make_tracks" "$WORLD_DIR/music/big" 10000
+"$WORLD_ROOT/tests/e2e/make_tracks.py" "$WORLD_DIR/music/big" 10000
 start_minidlna nas "$WORLD_DIR/music" Big
 wait_indexed nas 10000
 start_bus

@@ -8,7 +8,7 @@ set -euo pipefail
 make_nested_albums() {
     local number
     for number in $(seq -w 1 25); do
-        "$ORKA_BUILD/tests/e2e/make_tracks" "$1/Shelf/Album $number" 2 "Album $number"
+        "$WORLD_ROOT/tests/e2e/make_tracks.py" "$1/Shelf/Album $number" 2 "Album $number"
     done
 }
 
