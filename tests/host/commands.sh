@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The program as people and scripts meet it, with a worker whose tree is in memory. Runs on a bus of its own.
-#   commands.sh WORKER NULL-ENTRY API-LIBRARY FAKE-BRIDGE
+#   commands.sh WORKER FAKE-BRIDGE NULL-ENTRY API-LIBRARY
 set -euo pipefail
 WORLD_DIR=$(mktemp -d "${TMPDIR:-/tmp}/orka-commands.XXXXXX")
 trap 'rm -rf "$WORLD_DIR"' EXIT
@@ -21,7 +21,7 @@ start_service() {
     within 5 eval 'dbus-send --session --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.GetNameOwner \
         string:com.intel.dleyna-server >/dev/null 2>&1'
 }
-start_service "$4"
+start_service "$2"
 
 # refused STATUS WORDS ORKA-ARGUMENTS…: nothing on standard output either.
 refused() {
@@ -67,8 +67,8 @@ refused 3 'no plug-in "/none.so"' --plugin /none.so servers
 refused 3 "is no file" --plugin / servers
 refused 3 "text.so\" can't be loaded" --plugin "$WORLD_DIR/text.so" servers
 refused 3 "the file is cut off" --plugin "$WORLD_DIR/cut.so" servers
-refused 3 "is a library but no plug-in" --plugin "$3" servers
-refused 3 "gave no worker" --plugin "$2" servers
+refused 3 "is a library but no plug-in" --plugin "$4" servers
+refused 3 "gave no worker" --plugin "$3" servers
 for arguments in --help "sample --help" --version; do
     # shellcheck disable=SC2086 # words
     check "orka $arguments" 0 "$(orka $arguments 2>&1 >"$WORLD_DIR/help" | wc -l)"
@@ -186,7 +186,7 @@ check "what is missing" "missing /nonexistent" "$(orka --json doctor --plugin /n
 grep -v "<limit" "$WORLD_ROOT/host/chain/private-bus.conf" >"$WORLD_DIR/small.conf"
 # shellcheck disable=SC2016 # expanded in there
 check "a bus that is too small" 1 "$(dbus-run-session --config-file="$WORLD_DIR/small.conf" -- sh -c \
-    '"$0" --bus "$DBUS_SESSION_BUS_ADDRESS" & sleep 0.3; orka doctor --wait 0.5; kill $!' "$4" | grep -c "takes only 128 unanswered calls")"
+    '"$0" --bus "$DBUS_SESSION_BUS_ADDRESS" & sleep 0.3; orka doctor --wait 0.5; kill $!' "$2" | grep -c "takes only 128 unanswered calls")"
 
 # What stays for the next command: one bridge and its bus, and nothing of them once they are told to end or idle.
 script private "XDG_RUNTIME_DIR='$WORLD_DIR/run' DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent \

@@ -9,13 +9,37 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
 using Nodes = QVector<OrkaRoles>;
 
 /// ESC, a newline and a C1 control inside a title.
-const QString hostileTitle = QStringLiteral("\x1b[31mred\nline\u009b2J");
+constexpr const char *hostile = "\x1b[31mred\nline\u009b2J";
+
+/// What is on the shelf: tracks, with an address or with one made of their path, and folders.
+struct Entry
+{
+    const char *parent, *path, *title, *url = nullptr;
+};
+constexpr Entry entries[] = {
+    {"/shelf", "/shelf/big", "Big"},
+    {"/shelf", "/shelf/slash", "AC/DC"},
+    {"/shelf", "/shelf/broken", "Broken"},
+    {"/shelf", "/shelf/silent", "Silent"},
+    {"/shelf", "/shelf/hostile", hostile, ""},
+    {"/shelf", "/shelf/cjk", "漢字"},
+    {"/shelf", "/shelf/bigtrack", "Big", ""},
+    {"/shelf/cjk", "/shelf/file", hostile, "file:///etc/passwd"},
+    {"/shelf/cjk", "/shelf/option", hostile, "--script=evil"},
+    {"/shelf/cjk", "/shelf/spaces", hostile, "http://192.0.2.1/a b\n.mp3"},
+    {"/shelf/cjk", "/shelf/same", "Same", "http://192.0.2.1/a b\n.mp3"},
+    {"/shelf/cjk", "/shelf/slash", "Loop"},
+    {"/shelf/slash", "/shelf/backslash", "back\\slash", ""},
+    {"/shelf/slash", "/shelf/cjk", "Loop"},
+    {"/shelf/slash", "/shelf/composed", "Caf\u00e9", ""},
+};
 
 /// A worker as the host meets one: a media server "Shelf" with folders and tracks that are hard to
 /// name and to print, with answers of every kind: rows, errors and none at all.
@@ -43,11 +67,9 @@ public:
 private:
     OrkaRoles node(const QString &base, const QString &title,
         const QString &itemType = QStringLiteral("container")) const;
-    OrkaRoles track(
-        const QString &base, const QString &title, const QString &url = QString()) const;
+    OrkaRoles track(const QString &base, const QString &title, const QString &url = {}) const;
     Nodes children(const QString &base) const;
     Nodes rowsOf(const CMPath &path) const;
-    static QVariant prepare(const QVariantList &paths);
 
     CMListRowsNode *m_root;
     /// Kept, so that it stays open.
@@ -85,28 +107,17 @@ OrkaRoles ShelfWorker::track(const QString &base, const QString &title, const QS
 
 Nodes ShelfWorker::children(const QString &base) const
 {
-    if (base == "/shelf") {
-        return {node("/shelf/big", "Big"), node("/shelf/slash", "AC/DC"),
-            node("/shelf/broken", "Broken"), node("/shelf/silent", "Silent"),
-            track("/shelf/hostile", hostileTitle), node("/shelf/cjk", "漢字"),
-            track("/shelf/bigtrack", "Big")};
+    Nodes nodes;
+    for (const Entry &entry : entries) {
+        const QString path = QString::fromLatin1(entry.path), title = QString::fromUtf8(entry.title);
+        if (base == QLatin1String(entry.parent))
+            nodes.append(entry.url ? track(path, title, entry.url) : node(path, title));
     }
-    if (base == "/shelf/cjk") {
-        return {track("/shelf/file", hostileTitle, "file:///etc/passwd"),
-            track("/shelf/option", hostileTitle, "--script=evil"),
-            track("/shelf/spaces", hostileTitle, "http://192.0.2.1/a b\n.mp3"),
-            track("/shelf/same", "Same", "http://192.0.2.1/a b\n.mp3"),
-            node("/shelf/slash", "Loop")};
-    }
-    if (base == "/shelf/slash")
-        return {track("/shelf/backslash", "back\\slash"), node("/shelf/cjk", "Loop"),
-            track("/shelf/composed", "Caf\u00e9")};
-    Nodes tracks;
     for (int i = 0; base == "/shelf/big" && i < 1200; ++i) {
         const int number = i == 1003 ? 3 : i; // a title that is there twice
-        tracks.append(track(base + QString::number(i), "Track " + QString::number(number)));
+        nodes.append(track(base + QString::number(i), "Track " + QString::number(number)));
     }
-    return tracks;
+    return nodes;
 }
 
 Nodes ShelfWorker::rowsOf(const CMPath &path) const
@@ -123,6 +134,8 @@ Nodes ShelfWorker::rowsOf(const CMPath &path) const
 
 void ShelfWorker::getRowsRequest(const CMGetRowsRequest &request)
 {
+    if (qEnvironmentVariableIsSet("ORKA_TEST_TELL"))
+        std::fprintf(stderr, "asked %s\n", qPrintable(request.path().base()));
     if (nodes()->getRowsRequest(request))
         return;
     if (request.path().base() == "/shelf/silent") {
@@ -160,25 +173,19 @@ void ShelfWorker::getDataRequest(const CMGetDataRequest &request)
     request.reply().setValue(CMGlobal::itemRolesToList(request.roles(), *found));
 }
 
-/// One item a path, titled with the path.
-QVariant ShelfWorker::prepare(const QVariantList &paths)
-{
-    QVariantList items;
-    for (const QVariant &path : paths) {
-        OrkaPlayListItem item;
-        item.setTitle(path.toString());
-        item.setUrl("http://192.0.2.1/1.mp3");
-        items.append(item.toVariant());
-    }
-    return items;
-}
-
 void ShelfWorker::setDataRequest(const CMSetDataRequest &request)
 {
     CMSetDataRequest::Reply reply = request.reply();
     const OrkaHash value = OrkaHash::fromVariant(request.value());
     if (request.path().base() == OrkaPlayListPrepareItems()) {
-        reply.setValue(prepare(request.value().toList()));
+        QVariantList items; // each titled with its path
+        for (const QVariant &path : request.value().toList()) {
+            OrkaPlayListItem item;
+            item.setTitle(path.toString());
+            item.setUrl("http://192.0.2.1/1.mp3");
+            items.append(item.toVariant());
+        }
+        reply.setValue(items);
     } else if (value.contains(OrkaValue::String_())) {
         CMPath results = request.path();
         results.addParam("query", OrkaValue(value).string_());
