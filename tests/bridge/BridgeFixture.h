@@ -1,11 +1,13 @@
 #pragma once
 
-#include <QDBusConnection>
+#include "FakeTree.h"
+#include "MediaServiceNames.h"
+#include "PrivateBus.h"
+
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QVariantMap>
 #include <QVector>
@@ -25,7 +27,6 @@ struct Answer
     /// The first value as a list of property maps.
     QVector<QVariantMap> rows() const;
     QVariant value() const { return values.value(0); }
-    QVariantMap map() const;
 };
 
 /// A call under way.
@@ -34,29 +35,16 @@ class Call
 public:
     explicit Call(const QDBusPendingCall &pending);
     /// Runs the event loop until the answer is there, 30 seconds at most.
+    QDBusMessage reply();
     Answer wait();
-    bool isFinished() const { return m_pending.isFinished(); }
 
 private:
     QDBusPendingCall m_pending;
     QElapsedTimer m_since;
 };
 
-/// A process that ends with the test process, however that ends.
-class ChildProcess : public QProcess
-{
-public:
-    ~ChildProcess() override;
-    /// Starts it and waits for a line on standard output, 10 seconds at most; empty where none
-    /// came.
-    QString startAndReadLine(const QString &program, const QStringList &arguments);
-
-protected:
-    void setupChildProcess() override;
-};
-
-/// A dbus-daemon of the test's own, the bridge on it, and a client of the bridge. Keeps the
-/// FoundServer and LostServer signals in order.
+/// A bus of the test's own, the bridge on it, and a client of the bridge. Keeps the FoundServer and
+/// LostServer signals in order.
 class BridgeFixture : public QObject
 {
     Q_OBJECT
@@ -73,26 +61,25 @@ public:
     /// crashed.
     int stop();
 
-    const QString &address() const { return m_address; }
+    const QString &address() const { return m_daemon.address(); }
     QDBusConnection bus() const { return m_bus; }
     qint64 pid();
-    qint64 busPid() const { return m_daemon.processId(); }
+    qint64 busPid() const { return m_daemon.pid(); }
     /// Standard error of the program, as far as it came.
-    QByteArray log();
+    QByteArray log() { return m_program.readAllStandardError(); }
 
     Call start(const QString &path, const QString &interface, const QString &method,
         const QVariantList &arguments = {});
     Answer call(const QString &path, const QString &interface, const QString &method,
         const QVariantList &arguments = {});
     Answer get(const QString &path, const QString &interface, const QString &property);
-    Answer getAll(const QString &path, const QString &interface);
     Call startListing(
         const QString &path, uint offset, uint max, const QStringList &filter = {"*"});
     Answer list(
         const QString &path, uint offset = 0, uint max = 0, const QStringList &filter = {"*"});
     /// The rows and, as the second value, the total.
     Answer search(const QString &path, const QString &query, uint offset = 0, uint max = 0,
-        const QStringList &filter = {"*"}, const QString &sort = QString());
+        const QStringList &filter = {"*"});
     QStringList servers();
 
     /// Starts the server and waits until the service has announced it; its path, and "" where it
@@ -110,24 +97,27 @@ private Q_SLOTS:
     void onLost(const QDBusObjectPath &path) { m_lost.append(path.path()); }
 
 private:
-    bool m_stopped = false;
-    QString busConfiguration(Start start, const QStringList &options);
+    QString busConfiguration(Start start, const QStringList &options) const;
 
+    bool m_stopped = false;
     QTemporaryDir m_folder;
-    ChildProcess m_daemon, m_program;
-    QString m_address;
+    PrivateBus m_daemon;
+    ChildProcess m_program;
     QDBusConnection m_bus;
     QStringList m_found, m_lost;
 };
 
-extern const QString serviceName, managerPath, managerInterface, bridgeInterface, deviceInterface,
-    objectInterface, containerInterface, itemInterface, propertiesInterface;
-
 /// A UDN that no other server of this test process has.
 QString newUdn();
 /// The paths that the service gives a server and an object on it.
-QString serverPath(const QString &udn);
-QString objectPath(const QString &udn, const QString &objectId);
+inline QString serverPath(const QString &udn)
+{
+    return FakeTree::serverPath(udn);
+}
+inline QString objectPath(const QString &udn, const QString &objectId)
+{
+    return FakeTree::objectPath(serverPath(udn), objectId.toUtf8());
+}
 
 /// A main() that runs the test in a namespace with the interface lan0; the test skips where none
 /// may be made.

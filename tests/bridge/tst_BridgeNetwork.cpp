@@ -148,14 +148,14 @@ void tst_BridgeNetwork::aServerThatMovesIsFollowed()
     stranger.describe(server.udn(), "/control");
     stranger.announce(server.udn());
     QTest::qWait(500);
-    QCOMPARE(bridge->get(path, deviceInterface, "FriendlyName").value().toString(), "Original");
+    QCOMPARE(bridge->get(path, names::device, "FriendlyName").value().toString(), "Original");
     QCOMPARE(bridge->lost(), QStringList());
 
     server.behaviour.hang = QStringList{"description"};
     stranger.say("alive", server.udn(), stranger.url("/elsewhere"));
     QElapsedTimer since;
     since.start();
-    QTRY_COMPARE(bridge->get(path, deviceInterface, "FriendlyName").value().toString(), "Stranger");
+    QTRY_COMPARE(bridge->get(path, names::device, "FriendlyName").value().toString(), "Stranger");
     QVERIFY2(since.elapsed() < 1300, qPrintable(QString::number(since.elapsed())));
 }
 
@@ -203,7 +203,7 @@ void tst_BridgeNetwork::deadControlAddressesAreAskedSeldom()
 void tst_BridgeNetwork::serversAreAddedByAddress()
 {
     const auto asked = [this](const char *method, const QString &address) {
-        return bridge->call(managerPath, bridgeInterface, method, {address});
+        return bridge->call(names::managerPath, names::bridge, method, {address});
     };
     Stranger stranger;
     const QString udn = newUdn();
@@ -229,7 +229,7 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
     QCOMPARE(says(strangersHost, "Nothing answered the search"), "it");
     QCOMPARE(says("my nas", "is no address"), "it");
     const QStringList troubles =
-        bridge->get(managerPath, bridgeInterface, "Troubles").value().toStringList();
+        bridge->get(names::managerPath, names::bridge, "Troubles").value().toStringList();
     QVERIFY2(
         troubles.size() == 3 && troubles.at(0).contains("404"), qPrintable(troubles.join('\n')));
 }

@@ -2,10 +2,7 @@
 
 #include "BridgeFixture.h"
 #include "FakeMediaService.h"
-#include "PrivateBus.h"
 #include "ScriptedUpnpServer.h"
-
-#include <api/core/orka.h>
 
 /// A media service on a bus of its own with two servers: "uuid:c0", which can search, holds a
 /// folder "n" of 25 tracks "n$0"… titled "Track 00001"…, an empty folder "e", and a track "t" with
@@ -39,11 +36,12 @@ public:
                 {"Duration", 60}, {"TrackNumber", 3}});
         tree.addServer("uuid:c1", "Deaf");
     }
-    QDBusConnection bus() override { return orkaDBusConnection(); }
+    QDBusConnection bus() override { return m_client; }
     void loseSecond() override { m_service.lose(FakeTree::serverPath("uuid:c1")); }
 
 private:
     PrivateBus m_bus;
+    QDBusConnection m_client = m_bus.open("client");
     FakeMediaService m_service{m_bus};
 };
 

@@ -5,8 +5,6 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QEventLoop>
 #include <QRegularExpression>
 
 /// What a client may expect of the media service on the wire. One table, for the tests' fake and
@@ -45,11 +43,7 @@ QDBusMessage call(ServiceUnderTest *service, const QString &path, const QString 
 {
     QDBusMessage message = QDBusMessage::createMethodCall(names::service, path, interface, member);
     message.setArguments(arguments);
-    QDBusPendingCallWatcher watcher(service->bus().asyncCall(message));
-    QEventLoop loop;
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    loop.exec();
-    return watcher.reply();
+    return Call(service->bus().asyncCall(message)).reply();
 }
 
 QString signatureOf(const QVariant &value)
@@ -151,6 +145,8 @@ QVector<Expectation> propertyExpectations()
         get("album", object("t"), names::item, "Album", "v s Alb"),
         get("of an unknown object", object("x"), names::object, "DisplayName",
             names::operationFailed),
+        get("of an unknown server", FakeTree::serverPath("uuid:none"), names::object, "Type",
+            names::unknownMethod),
         get("of a malformed path", server + "/xyz", names::object, "DisplayName", names::badPath),
         getAll("everything of a server", server, "",
             "a{sv} … ChildCount:u DisplayName:s FriendlyName:s Path:o SearchCaps:as Type:s UDN:s"),

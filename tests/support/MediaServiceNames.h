@@ -9,6 +9,7 @@ inline const QString service = QStringLiteral("com.intel.dleyna-server");
 inline const QString managerPath = QStringLiteral("/com/intel/dLeynaServer");
 inline const QString serverPrefix = QStringLiteral("/com/intel/dLeynaServer/server/");
 inline const QString manager = QStringLiteral("com.intel.dLeynaServer.Manager");
+inline const QString bridge = QStringLiteral("org.orka.MediaBridge1");
 inline const QString device = QStringLiteral("com.intel.dLeynaServer.MediaDevice");
 inline const QString container = QStringLiteral("org.gnome.UPnP.MediaContainer2");
 inline const QString object = QStringLiteral("org.gnome.UPnP.MediaObject2");

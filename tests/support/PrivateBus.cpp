@@ -7,26 +7,10 @@
 #include <QDBusPendingCall>
 #include <QDeadlineTimer>
 #include <QEventLoop>
-#include <QProcess>
 
-#include <csignal>
 #include <dbus/dbus.h>
-#include <sys/prctl.h>
 
 namespace {
-
-/// Dies with the thread that started it, so that an aborted test leaves nothing behind.
-class BusDaemon : public QProcess
-{
-protected:
-    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
-};
-
-QString configuration(PrivateBus::Limits limits)
-{
-    return limits == PrivateBus::Limits::Session ? QStringLiteral(PRIVATE_BUS_CONF)
-                                                 : QStringLiteral(BUILT_IN_LIMITS_CONF);
-}
 
 QDBusPendingCall askForId(const QDBusConnection &connection)
 {
@@ -53,25 +37,19 @@ bool handleEvents()
 
 } // namespace
 
-PrivateBus::PrivateBus(Limits limits)
-    : m_daemon(std::make_unique<BusDaemon>())
+PrivateBus::PrivateBus(const QString &configuration)
 {
-    m_daemon->setStandardErrorFile(QProcess::nullDevice());
-    m_daemon->start(QStringLiteral("dbus-daemon"),
-        {QStringLiteral("--nofork"), QStringLiteral("--nosyslog"),
-            QStringLiteral("--print-address"),
-            QStringLiteral("--config-file=") + configuration(limits)});
-    while (!m_daemon->canReadLine() && m_daemon->waitForReadyRead(5000)) {
-    }
-    m_address = QString::fromLatin1(m_daemon->readLine()).trimmed();
+    m_daemon.setStandardErrorFile(QProcess::nullDevice());
+    m_address = m_daemon.startAndReadLine("dbus-daemon",
+        {"--nofork", "--nosyslog", "--print-address", "--config-file=" + configuration});
     if (m_address.isEmpty() || !orkaOpenDBusConnection(m_address))
         qFatal("The test's own dbus-daemon did not start; the package dbus-daemon brings it.");
 }
 
 PrivateBus::~PrivateBus()
 {
-    m_daemon->terminate(); // killed, it would leave its socket behind
-    m_daemon->waitForFinished();
+    m_daemon.terminate(); // killed, it would leave its socket behind
+    m_daemon.waitForFinished();
 }
 
 QDBusConnection PrivateBus::open(const QString &name) const

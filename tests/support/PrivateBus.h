@@ -1,12 +1,11 @@
 #pragma once
 
+#include "ChildProcess.h"
+
 #include <QDBusConnection>
 #include <QString>
 
 #include <functional>
-#include <memory>
-
-class QProcess;
 
 /// A `dbus-daemon` of this test alone. It can activate nothing and listens on a socket in /tmp; it
 /// ends with the object, and with the test process however that ends. Making one opens the SDK's
@@ -14,18 +13,18 @@ class QProcess;
 class PrivateBus
 {
 public:
-    /// How many calls of one connection may wait for replies.
-    enum class Limits {
-        Session, ///< 50000, as on a session bus
-        BuiltIn ///< 128, what the daemon has without a configuration that says more
-    };
+    /// 50000 calls of one connection may wait for replies as on a session bus, or the 128 that the
+    /// daemon has without a configuration that says more.
+    static constexpr const char *sessionLimits = PRIVATE_BUS_CONF,
+                                *builtInLimits = BUILT_IN_LIMITS_CONF;
 
-    explicit PrivateBus(Limits limits = Limits::Session);
+    explicit PrivateBus(const QString &configuration = sessionLimits);
     ~PrivateBus();
     PrivateBus(const PrivateBus &) = delete;
     PrivateBus &operator=(const PrivateBus &) = delete;
 
     const QString &address() const { return m_address; }
+    qint64 pid() const { return m_daemon.processId(); }
     /// A connection of the test's own, closed by `close()` or with the last of its copies.
     QDBusConnection open(const QString &name) const;
     static void close(const QString &name);
@@ -40,6 +39,6 @@ public:
     static void settle(const QDBusConnection &service, const std::function<int()> &activity);
 
 private:
-    std::unique_ptr<QProcess> m_daemon;
+    ChildProcess m_daemon;
     QString m_address;
 };

@@ -26,8 +26,8 @@ CMPath encoded(const QString &path)
 
 } // namespace
 
-PluginFixture::PluginFixture(PrivateBus::Limits limits)
-    : bus(limits)
+PluginFixture::PluginFixture(const QString &busLimits)
+    : bus(busLimits)
     , service(bus)
 {
     previousHandler = qInstallMessageHandler(failOnWarning);

@@ -17,7 +17,7 @@
 class PluginFixture
 {
 public:
-    explicit PluginFixture(PrivateBus::Limits limits = PrivateBus::Limits::Session);
+    explicit PluginFixture(const QString &busLimits = PrivateBus::sessionLimits);
     ~PluginFixture();
     PluginFixture(const PluginFixture &) = delete;
     PluginFixture &operator=(const PluginFixture &) = delete;

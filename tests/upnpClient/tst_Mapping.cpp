@@ -21,7 +21,6 @@ private slots:
     void missesNothingButTheType();
     void mapsTheRowsOfAReplyAsEachAlone();
     void takesTheLastOfAPropertyThatComesTwice();
-    void logsTheSameWhateverRolesAreWanted();
     void queuesWhatATrackHas();
     void rewritesPicturesOfPlainHttp();
     void followsTheNetwork();
@@ -213,20 +212,6 @@ void tst_Mapping::takesTheLastOfAPropertyThatComesTwice()
         QVERIFY(same({}) != "different");
         QCOMPARE(same({"mediaData/metaData/artist"}), "[null]");
     }
-}
-
-void tst_Mapping::logsTheSameWhateverRolesAreWanted()
-{
-    World w;
-    const QVariantMap odd{{"AlbumArtURL", "http://a/b"}, {"Date", "x"}};
-    QStringList logged;
-    for (const QStringList &roles : {OrkaRoles::all(), QStringList{"title"}, QStringList()}) {
-        w.log.clear();
-        QVERIFY(w.worker().fillin_childRoles(odd, roles).size() >= roles.size());
-        logged.append(w.log.lines().join('\n'));
-    }
-    QCOMPARE(logged[0].count('\n'), 4);
-    QCOMPARE(logged, (QStringList{logged[0], logged[0], logged[0]}));
 }
 
 void tst_Mapping::queuesWhatATrackHas()

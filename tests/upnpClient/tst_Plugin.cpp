@@ -10,8 +10,6 @@
 #include <QLibrary>
 #include <QTest>
 
-#include <malloc.h>
-
 /// The library as it is installed, loaded the way a host does.
 class tst_Plugin : public QObject
 {
@@ -19,7 +17,6 @@ class tst_Plugin : public QObject
 
 private slots:
     void makesIndependentWorkers();
-    void growsWithNoRequest();
 };
 
 namespace {
@@ -64,36 +61,6 @@ void tst_Plugin::makesIndependentWorkers()
     QCOMPARE(servers(&service, "first"), "[]"); // nobody has that prefix
     service.lose(FakeTree::serverPath("uuid:1"));
     QCOMPARE(servers(&service, "second"), "[]");
-}
-
-// What is left of a request until its worker goes is no leak to any other tool.
-void tst_Plugin::growsWithNoRequest()
-{
-    PrivateBus bus;
-    FakeMediaService service(bus);
-    const LogProbe log(log4cplus::OFF_LOG_LEVEL);
-    const QString server = service.tree.addServer("uuid:1", "One");
-    for (int i = 0; i < 20; ++i)
-        service.tree.addTrack(server, QByteArray::number(i), "Track");
-    const auto worker = create("upnp");
-    service.settle();
-    qint64 before = 0;
-    for (int round = 0; round < 100; ++round) {
-        const ReplyProbe<QVariant> prepared;
-        const ReplyProbe<OrkaRowsRoles> rows;
-        // It can't search, so both a preparation and a walk.
-        worker->setData(CMPath("upnp", OrkaPlayListPrepareItems()),
-            QVariantList{"upnp:/uuid:1?itemType=server"}, prepared.reply());
-        worker->getRows(CMPath("upnp", "/uuid:1"), 0, 19, -1, {"path"}, rows.reply());
-        service.settle();
-        service.forgetCalls();
-        QCOMPARE(prepared.value().toList().size() + rows.value().rows().size(), 40);
-        if (round == 40)
-            before = qint64(mallinfo2().uordblks);
-    }
-#ifndef __SANITIZE_ADDRESS__ // has an allocator of its own
-    QVERIFY(qint64(mallinfo2().uordblks) - before < 64 * 1024);
-#endif
 }
 
 QTEST_GUILESS_MAIN(tst_Plugin)

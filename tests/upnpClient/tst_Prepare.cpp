@@ -205,9 +205,8 @@ void tst_Prepare::walksOnlyWhenASearchFailedAndNothingWasFound()
 
 void tst_Prepare::losesUrlsAndServersOnlyWhereTheBusRefusesCalls()
 {
-    for (const auto limits : {PrivateBus::Limits::Session, PrivateBus::Limits::BuiltIn}) {
-        const bool builtIn = limits == PrivateBus::Limits::BuiltIn;
-        PluginFixture w(limits);
+    for (const bool builtIn : {false, true}) {
+        PluginFixture w(builtIn ? PrivateBus::builtInLimits : PrivateBus::sessionLimits);
         const QString server = w.tree.addServer("uuid:1", "One");
         QStringList paths;
         for (int i = 0; i < 200; ++i) {
