@@ -48,7 +48,7 @@ def outcome(path, old, new, tests, folders):
 os.nice(5)
 configure()
 bad = 0
-for line in open(os.path.dirname(os.path.abspath(__file__)) + "/faults.txt"):
+for line in open(os.path.dirname(os.path.abspath(__file__)) + "/faults.txt").readlines():
     name, *fault = (part.strip(" \n").replace("\\n", "\n") for part in line.split("¦"))
     if only.search(name):
         start, told = time.time(), outcome(*fault)
