@@ -234,7 +234,8 @@ void tst_BridgeListing::otherClientsFindWhatTheyAskFor()
         return answer.ok() ? titles(answer).join(' ') : answer.error;
     };
     QCOMPARE(asked(root, "ListContainers"), "Numbers Empty Odd");
-    QCOMPARE(asked(root, "ListContainersEx", {"-DisplayName"}), "Odd Numbers Music");
+    QCOMPARE(asked(root, "ListContainersEx", {"-DisplayName"}), "Numbers Empty Odd");
+    QCOMPARE(server->calls().last().arguments["SortCriteria"], "-dc:title");
     QCOMPARE(asked(root, "ListChildrenEx", {"-Genre"}), names::operationFailed);
     QCOMPARE(asked(path("numbers"), "ListItems"), trackTitles(0, 3).join(' '));
 

@@ -16,17 +16,10 @@ void turn()
 
 } // namespace
 
-OrkaRun::OrkaRun(
-    const QString &busAddress, const QStringList &arguments, const QProcessEnvironment &environment)
+OrkaRun::OrkaRun(const QString &busAddress, const QStringList &arguments)
 {
-    QStringList all;
-    if (!busAddress.isEmpty()) {
-        all << "--bus" << busAddress << "--media-service"
-            << "session";
-    }
-    all << "--plugin" << TEST_WORKER << arguments;
-    m_process.setProcessEnvironment(environment);
-    m_process.start(ORKA, all);
+    m_process.start(
+        ORKA, QStringList{"--bus", busAddress, "--media-service", "session"} + arguments);
     m_process.waitForStarted();
 }
 

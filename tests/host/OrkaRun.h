@@ -11,8 +11,7 @@ class OrkaRun
 {
 public:
     /// Starts it with these arguments, after those that name the bus and the worker.
-    OrkaRun(const QString &busAddress, const QStringList &arguments,
-        const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+    OrkaRun(const QString &busAddress, const QStringList &arguments);
 
     /// Waits for its end; -1 when it doesn't come in 20 s, 128 and the signal for a crash.
     int status();

@@ -18,12 +18,10 @@ class tst_Text : public QObject
 private slots:
     void placesAreReadAsPathOrTitles();
     void rangesOfRows();
-    void samples();
     void jsonBecomesValues();
     void nearestTitlesComeBestFirst();
     void controlsAreShownNotObeyed();
-    void widthsAreColumns();
-    void lengths();
+    void widthsAndLengths();
     void urlsThatAPlayerMayGet();
     void titlesStayInTheirFields();
     void playlistsCarryLengthAndUrl();
@@ -85,8 +83,8 @@ void tst_Text::placesAreReadAsPathOrTitles()
         {{"upnp:/uuid:4d69/64", "path /uuid:4d69/64"}, {"dlna:/x", "dlna:|x"},
             {"My NAS/Music", "My NAS|Music"}, {"NAS/AC\\/DC", "NAS|AC/DC"},
             {"NAS/back\\slash", "NAS|back\\slash"}, {"a\\\\/b", "a\\|b"}, {"a\\", "a\\"},
-            {"/NAS/Music/", "NAS|Music"}, {" a / b", " a | b"}, {"/", ""}, {"", wrongUse},
-            {"NAS//Music", wrongUse}, {"upnp:/uuid%zz", wrongUse}, {"upnp:/u?a=1&a=2", wrongUse}});
+            {"/NAS/Music/", "NAS|Music"}, {"/", ""}, {"", wrongUse}, {"NAS//Music", wrongUse},
+            {"upnp:/uuid%zz", wrongUse}, {"upnp:/u?a=1&a=2", wrongUse}});
 }
 
 void tst_Text::rangesOfRows()
@@ -97,21 +95,15 @@ void tst_Text::rangesOfRows()
     };
     check(read,
         {{"0-19", "0 to 19"}, {"7-7", "7 to 7"}, {"0-2147483646", "0 to 2147483646"},
-            {"", wrongUse}, {"5", wrongUse}, {"-5", wrongUse}, {"5-", wrongUse}, {"5-4", wrongUse},
-            {"a-b", wrongUse}, {"1-2-3", wrongUse}, {"0-2147483647", wrongUse}, {" 1-2", wrongUse},
-            {"99999999999-99999999999", wrongUse}, {"0x1-0x2", wrongUse}});
-}
-
-void tst_Text::samples()
-{
-    const auto read = [](const QString &text) {
+            {"5", wrongUse}, {"-5", wrongUse}, {"5-", wrongUse}, {"5-4", wrongUse},
+            {"1-2-3", wrongUse}, {"0-2147483647", wrongUse}, {"0x1-0x2", wrongUse}});
+    const auto sample = [](const QString &text) {
         const SampleRange sample = parseSampleRange(text);
         return QStringLiteral("%1: %2").arg(sample.toString()).arg(sample.positions());
     };
-    check(read,
+    check(sample,
         {{"0,9999,100", "0,9999,100: 100"}, {"0,100,10", "0,100,10: 11"}, {"5,5,9", "5,5,9: 1"},
-            {"0,10,0", wrongUse}, {"10,0,1", wrongUse}, {"0,10", wrongUse}, {"0,10,1,1", wrongUse},
-            {"a,b,c", wrongUse}, {"0,,1", wrongUse}, {"-1,5,1", wrongUse}, {"", wrongUse}});
+            {"0,10,0", wrongUse}, {"10,0,1", wrongUse}, {"0,10", wrongUse}, {"0,,1", wrongUse}});
 }
 
 void tst_Text::jsonBecomesValues()
@@ -122,8 +114,7 @@ void tst_Text::jsonBecomesValues()
     QCOMPARE(valueFromJson("{\"string_\":\"abba\",\"n\":{\"x\":[1]}}"),
         QVariant(QVariantHash{{"string_", "abba"}, {"n", inner}}));
     check([](const QString &json) { return valueFromJson(json).toString(); },
-        {{"", wrongUse}, {"{", wrongUse}, {"[1", wrongUse}, {"1,2", wrongUse},
-            {"1] , [2", wrongUse}, {"nope", wrongUse}, {"{\"a\":1}x", wrongUse}});
+        {{"", wrongUse}, {"[1", wrongUse}, {"1] , [2", wrongUse}, {"{\"a\":1}x", wrongUse}});
 }
 
 void tst_Text::nearestTitlesComeBestFirst()
@@ -147,7 +138,7 @@ void tst_Text::controlsAreShownNotObeyed()
             {QChar(0xd83d), "\ufffd"}, {QString(300000, 'x'), QString(3999, 'x') + "…"}});
 }
 
-void tst_Text::widthsAreColumns()
+void tst_Text::widthsAndLengths()
 {
     const auto width = [](const QString &text) {
         return QString::number(displayWidth(text)) + padded(text, 0) + padded(text, 5) + '.';
@@ -155,12 +146,8 @@ void tst_Text::widthsAreColumns()
     check(width,
         {{"abc", "3abcabc  ."}, {"漢字", "4漢字漢字 ."}, {"e\u0301", "1e\u0301e\u0301    ."},
             {"🎵", "2🎵🎵   ."}});
-}
-
-void tst_Text::lengths()
-{
     check([](const QString &milliseconds) { return lengthText(milliseconds.toLongLong()); },
-        {{"0", ""}, {"-1", ""}, {"4600", "0:05"}, {"185000", "3:05"}, {"3723000", "1:02:03"}});
+        {{"-1", ""}, {"4600", "0:05"}, {"185000", "3:05"}, {"3723000", "1:02:03"}});
 }
 
 void tst_Text::urlsThatAPlayerMayGet()
@@ -170,9 +157,8 @@ void tst_Text::urlsThatAPlayerMayGet()
         return items.isEmpty() ? "left out" : safeUrl(items.first().url());
     };
     check(given,
-        {{someUrl, someUrl}, {"rtsp://h/1", "rtsp://h/1"}, {"HTTPS://h/1", "HTTPS://h/1"},
+        {{"rtsp://h/1", "rtsp://h/1"}, {"HTTPS://h/1", "HTTPS://h/1"},
             {"http://h/a%20b?c=%2f#d", "http://h/a%20b?c=%2f#d"},
-            {"http://[2001:db8::1]:80/1", "http://[2001:db8::1]:80/1"},
             {"http://h/a\n#EXTINF", "http://h/a%0A#EXTINF"},
             {"http://h/ä b", "http://h/%C3%A4%20b"}, {"file:///etc/passwd", "left out"},
             {"--script=x", "left out"}, {"", "left out"}, {"\nhttp://h/", "left out"},

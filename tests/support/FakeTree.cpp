@@ -224,13 +224,15 @@ FakeReply FakeTree::search(const QString &path, const QVariantList &arguments) c
     if (caps.isEmpty())
         return FakeReply::error(names::operationFailed, "Search operation failed: Action Failed");
     const FakeQuery query(arguments.value(0).toString());
-    if (!query.isValid())
+    if (!query.name.isEmpty()
+        && !QStringList{"Artist", "Album", "DisplayName", "Type"}.contains(query.name))
         return FakeReply::error(names::badQuery, "Query string is not valid.");
     QStringList all;
     collect(path, &all);
     QStringList found;
     for (const QString &candidate : qAsConst(all)) {
-        if (query.matches(properties(candidate)))
+        const QString value = properties(candidate).value(query.name).toString();
+        if (query.fits(value == "music" ? "audio.music" : value))
             found.append(candidate);
     }
     const QList<QVariantMap> rows = slice(found, arguments.value(1).toUInt(),

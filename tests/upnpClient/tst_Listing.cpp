@@ -1,5 +1,4 @@
 #include "PluginFixture.h"
-#include "UPnPServerList.h"
 
 #include <QTest>
 
@@ -13,7 +12,6 @@ private slots:
     void givesTheRowsThatComeAndTheContainersTotal();
     void answersOnceWhateverTheTwoCallsGive();
     void keepsListingsApartThatAnswerOutOfOrder();
-    void keepsTheServerThatALongAnswerBeganWith();
     void keepsNoReplyItHasRead();
 };
 
@@ -107,25 +105,6 @@ void tst_Listing::keepsListingsApartThatAnswerOutOfOrder()
     w.release();
     QCOMPARE(firstColumn(first.value()), "0 1");
     QCOMPARE(first.value().rowsCount(), 30);
-}
-
-// The server's path and the device's address are those of the first row, though the server was lost
-// and its record went before the last.
-void tst_Listing::keepsTheServerThatALongAnswerBeganWith()
-{
-    FolderFixture w;
-    w.addTracks(350);
-    w.start();
-    const auto rows = w.askRows("/uuid:1/31", 0, 349, {"path"});
-    w.runUntilLogged(firstRowIsMade);
-    QCOMPARE(rows.outcome(), "pending");
-    QVERIFY(QMetaObject::invokeMethod(w.worker().serverList(), "on_upnpManager_lostServer",
-        Q_ARG(QDBusObjectPath, QDBusObjectPath(w.server))));
-    QCOMPARE(w.rootRows().rowsCount(), 0);
-    w.settle();
-    QCOMPARE(rows.value().rows().last().toList().first().value<CMPath>().toEncoded(),
-        "upnp:/uuid:1/74333439?itemType=track");
-    QCOMPARE(w.log.lines("ERROR"), QStringList());
 }
 
 // On a connection that holds four such replies: read ones, those of another signature, one that was

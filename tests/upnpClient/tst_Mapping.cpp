@@ -94,10 +94,8 @@ void tst_Mapping::findsTheKindOfAnObject()
     };
     QCOMPARE(kind("container", "video/mp4"), "container 1 playable");
     QCOMPARE(kind("container.storageFolder", ""), "container 0");
-    QCOMPARE(kind("audio", "AUDIO/L16;rate=44100"), "track 2");
     QCOMPARE(kind("music", "video/mp4"), "track 3");
     QCOMPARE(kind("Music", "audio/mpeg"), "container 2");
-    QCOMPARE(kind("image.photo", "image/jpeg"), "container 4");
     QCOMPARE(kind(QVariantList(), "text/xml"), "container 5");
     QCOMPARE(w.log.lines("ERROR"), QStringList());
 }
@@ -118,14 +116,11 @@ void tst_Mapping::readsValuesOfOtherTypes()
     };
     QCOMPARE(read("Duration", 2147484, "duration"), "-2147483296");
     QCOMPARE(read("Duration", "245", "duration"), "245000");
-    QCOMPARE(read("Duration", "0:04:05", "duration"), "0");
     QCOMPARE(read("Bitrate", 4294967295U, "bitRate"), "-1");
     QCOMPARE(read("Artist", 5, "artist"), R"("5")");
     QCOMPARE(read("URLs", "http://one", "uri"), R"("http://one")");
     QCOMPARE(read("URLs", 5, "uri"), "null");
-    QCOMPARE(read("DisplayName", QVariantMap(), "title"), R"("")");
     QCOMPARE(read("Path", prefix + "/31", "path"), R"("upnp:/?itemType=track")");
-    QCOMPARE(read("AlbumArtURL", 7, "icon"), R"("7")");
 }
 
 void tst_Mapping::readsDates()

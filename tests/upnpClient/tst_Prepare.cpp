@@ -10,7 +10,6 @@ class tst_Prepare : public QObject
 private slots:
     void givesTracksFirstThenWhatSearchesFound();
     void keepsTheOrderAskedWhateverAnswersFirst();
-    void translatesEverythingAtOnce();
     void prefersAnObjectsOwnProperties();
     void leavesOutWhatHasNoUrl();
     void refusesUnknownKindsAndPreparesTheOthers();
@@ -97,29 +96,6 @@ void tst_Prepare::keepsTheOrderAskedWhateverAnswersFirst()
         w.release({call->member(), call->path()});
     }
     QCOMPARE(itemsText(items.value()), (expected + expected).join(' '));
-}
-
-// What becomes of the server while the calls are sent, in many turns, changes nothing.
-void tst_Prepare::translatesEverythingAtOnce()
-{
-    World w;
-    w.log.setLevel(log4cplus::INFO_LOG_LEVEL);
-    QStringList paths{image};
-    for (int i = 0; i < 2000; ++i)
-        paths.prepend(trackA);
-    const auto items = w.askPrepare(paths);
-    w.service.announceLost(w.server);
-    w.service.hold({"GetAll"});
-    while (w.service.count({"GetAll"}) < 40)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    QCOMPARE(items.announcements(), 1); // the kind that nobody knows
-    w.tree.addServer("uuid:1", "Moved", {}, names::serverPrefix + "moved");
-    w.announceFound(names::serverPrefix + "moved");
-    QCOMPARE(w.service.count({"GetAll"}), w.service.count({"GetAll", w.a}));
-    w.release();
-    QCOMPARE(items.outcome(), unknownKind);
-    QCOMPARE(itemsText(items.value()), QString(" A").repeated(2000).mid(1));
-    w.log.clear();
 }
 
 void tst_Prepare::prefersAnObjectsOwnProperties()

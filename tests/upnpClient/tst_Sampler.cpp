@@ -48,10 +48,8 @@ void tst_Sampler::takesEvenlySpacedRows()
     QCOMPARE(w.sample("70,199,15", 99), "70 85 of 100"); // to the container's end
     QCOMPARE(w.sample("0,5,0", 2), "0 0 0 of 6");
     QCOMPARE(w.sample("a,b,c", 0), "0 of 1"); // words are 0
-    QCOMPARE(w.sample("0, 9,3x", 1), "0 0 of 10");
     QCOMPARE(w.sample("7,3,1", 9), "7 of -3");
     QCOMPARE(w.sample("98,2147483647,1", 99), "98 99 of 100");
-    QCOMPARE(w.sample("4,9,-2", 2), "4 2 0 of 6");
     QCOMPARE(w.sample("0,9,3", -1), "0 of 10"); // no row wanted takes one all the same
 }
 
@@ -70,10 +68,6 @@ void tst_Sampler::fetchesOneRowAtATimeThroughTheTree()
     w.settle();
     QCOMPARE(rowsText(rows.value()),
         R"([["upnp:/uuid:1/7432?itemType=track","2"],["upnp:/uuid:1/7436?itemType=track","6"]])");
-    const QString enter = "TRACE CB_UPnP: Enter ContainerSampler::";
-    QCOMPARE(w.log.lines(enter).join('|').remove(enter),
-        "performSample: upnp:/uuid:1/31, 0, 2|on_getRows_finished: |"
-        "performSample: upnp:/uuid:1/31, 1, 6|on_getRows_finished: |finalizeSampling: ");
 }
 
 void tst_Sampler::answersTheErrorOfTheFirstRowThatFails()

@@ -17,7 +17,6 @@ private slots:
     void takesWhateverIsNoContainerAndHasAUrl();
     void livesWithinAConnectionsLimit();
     void goesOnWhenTheAnswersComeOutOfOrder();
-    void goesOnInTurnsAndEndsWithItsWorker();
 };
 
 namespace {
@@ -216,27 +215,6 @@ void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()
     QCOMPARE(itemsText(items.value()), "T1 U1 T2 U2 T3 U3");
     QVERIFY(itemsText(items.value(), "orkaRoles").contains("https://host1/proxy/"));
     publishNetwork({});
-}
-
-void tst_Walk::goesOnInTurnsAndEndsWithItsWorker()
-{
-    World w;
-    w.addTracks(350);
-    for (int i = 0; i < 300; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        w.add(w.nest(w.folder, "c" + number), "in" + number);
-    }
-    w.start();
-    const auto items = w.askPrepare({theFolder});
-    const QString added = "DEBUG CB_UPnP: browse add: ";
-    w.runUntilLogged(added);
-    w.stop();
-    w.settle();
-    QVERIFY(w.log.lines(added).size() < 350);
-    QCOMPARE(items.outcome(), "dropped");
-    w.start();
-    QCOMPARE(w.walk().value().toList().size(), 650);
-    QCOMPARE(w.log.count("DEBUG CB_UPnP: browse finished"), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Walk)

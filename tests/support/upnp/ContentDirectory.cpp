@@ -4,8 +4,7 @@
 
 namespace {
 
-constexpr int invalidAction = 401, invalidArgs = 402, noSuchObject = 701, badSort = 709,
-              noSuchContainer = 710;
+constexpr int invalidAction = 401, invalidArgs = 402, noSuchObject = 701, noSuchContainer = 710;
 
 SoapAnswer fault(int code, const char *text)
 {
@@ -60,26 +59,8 @@ struct Page
     }
 };
 
-/// Sorts by title, the one thing this server sorts by; false where it was asked for anything else.
-bool sortByTitle(QVector<MediaObject> &objects, const QString &criteria)
+SoapAnswer answerRows(const SoapCall &call, const QVector<MediaObject> &rows, Page page)
 {
-    if (criteria.isEmpty())
-        return true;
-    if (criteria != "+dc:title" && criteria != "-dc:title")
-        return false;
-    const bool up = criteria.startsWith('+');
-    std::stable_sort(
-        objects.begin(), objects.end(), [up](const MediaObject &a, const MediaObject &b) {
-            return up ? a.title < b.title : b.title < a.title;
-        });
-    return true;
-}
-
-SoapAnswer answerRows(const SoapCall &call, const QVector<MediaObject> &found, Page page)
-{
-    QVector<MediaObject> rows = found;
-    if (!sortByTitle(rows, call.arguments.value("SortCriteria")))
-        return fault(badSort, "Unsupported or invalid sort criteria");
     page.total = quint32(rows.size());
     return page.answer(call.action, [&rows](int row) { return rows[row]; });
 }
@@ -90,16 +71,10 @@ SoapAnswer browse(const SoapCall &call, Page page)
     const auto object = page.tree.object(id);
     if (!object)
         return fault(noSuchObject, "No such object");
-    const bool metadata = call.arguments.value("BrowseFlag") == "BrowseMetadata";
-    if (metadata)
+    if (call.arguments.value("BrowseFlag") == "BrowseMetadata")
         return answerRows(call, {*object}, page);
     page.total = quint32(page.tree.childCount(id));
-    if (call.arguments.value("SortCriteria").isEmpty())
-        return page.answer(call.action, [&](int row) { return page.tree.child(id, row); });
-    QVector<MediaObject> rows;
-    for (quint32 row = 0; row < page.total; ++row)
-        rows.append(page.tree.child(id, int(row)));
-    return answerRows(call, rows, page);
+    return page.answer(call.action, [&](int row) { return page.tree.child(id, row); });
 }
 
 SoapAnswer search(const SoapCall &call, const Page &page)

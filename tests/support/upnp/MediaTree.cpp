@@ -1,6 +1,6 @@
 #include "MediaTree.h"
 
-#include <QRegularExpression>
+#include "FakeQuery.h"
 
 namespace {
 
@@ -35,20 +35,6 @@ QString elementText(const MediaObject &object, const QString &property)
         return {};
     const int text = start + property.size() + 2;
     return object.xml.mid(text, object.xml.indexOf("</", text) - text);
-}
-
-/// One relation is all that the tests send; anything else fits every object.
-bool fits(const MediaObject &object, const QString &criteria)
-{
-    static const QRegularExpression relation(
-        "([@:\\w]+)\\s+(=|contains|derivedfrom)\\s+\"((?:[^\"\\\\]|\\\\.)*)\"");
-    const auto match = relation.match(criteria);
-    if (!match.hasMatch())
-        return true;
-    const QString text = elementText(object, match.captured(1)), op = match.captured(2);
-    const QString value = match.captured(3).replace(QRegularExpression("\\\\(.)"), "\\1");
-    return op == "contains" ? text.contains(value, Qt::CaseInsensitive)
-                            : text == value || (op != "=" && text.startsWith(value + '.'));
 }
 
 } // namespace
@@ -115,10 +101,11 @@ MediaObject MediaTree::child(const QString &id, int row) const
 
 QVector<MediaObject> MediaTree::matches(const QString &container, const QString &criteria) const
 {
+    const FakeQuery query(criteria);
     QVector<MediaObject> found;
     for (int row = 0, count = childCount(container); row < count; ++row) {
         const MediaObject object = child(container, row);
-        if (fits(object, criteria))
+        if (query.fits(elementText(object, query.name)))
             found.append(object);
         if (object.container)
             found += matches(object.id, criteria);
