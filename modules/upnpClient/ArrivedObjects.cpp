@@ -14,9 +14,10 @@ constexpr ObjectProperties::Name sharedTexts[] = {ObjectProperties::Album,
 
 } // namespace
 
-ArrivedObjects::ArrivedObjects(DBusBarrier *barrier, QObject *parent)
+ArrivedObjects::ArrivedObjects(DBusBarrier *barrier, QObject *parent, std::function<void()> arrived)
     : SlicedWork(parent)
     , m_barrier(barrier)
+    , m_arrived(std::move(arrived))
 {
     barrier->onArrival([this](QDBusPendingCallWatcher *call) { enqueue(call); });
 }
@@ -30,6 +31,7 @@ std::optional<ArrivedObjects::Objects> ArrivedObjects::take(const QDBusPendingCa
 
 void ArrivedObjects::enqueue(QDBusPendingCallWatcher *call)
 {
+    m_arrived();
     if (call->isError())
         return;
     m_objects.insert(call, {});

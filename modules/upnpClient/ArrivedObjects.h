@@ -9,6 +9,7 @@
 #include <QSet>
 
 #include <deque>
+#include <functional>
 #include <optional>
 
 class DBusBarrier;
@@ -26,8 +27,8 @@ class ArrivedObjects : public SlicedWork
 public:
     using Objects = std::deque<ObjectProperties>;
 
-    /// Turns to all calls of `barrier` that arrive from now on.
-    ArrivedObjects(DBusBarrier *barrier, QObject *parent);
+    /// Turns to all calls of `barrier` that arrive from now on; `arrived` is called with each.
+    ArrivedObjects(DBusBarrier *barrier, QObject *parent, std::function<void()> arrived);
 
     /// The objects of a finished call, in their order, once; none where it failed.
     std::optional<Objects> take(const QDBusPendingCallWatcher *call);
@@ -38,6 +39,7 @@ private:
     void share(ObjectProperties *object);
 
     DBusBarrier *m_barrier;
+    std::function<void()> m_arrived;
     /// Those that arrived and have not been read to their end; the first one is in the reader.
     QQueue<QDBusPendingCallWatcher *> m_unread;
     PropertyMapReader m_reader;

@@ -25,13 +25,11 @@ void ContainerSampler::performSample()
 {
     const int position = pathPosition();
     TRACE_ENTER_WITH(sdk::logged(m_path) << ", " << m_sampleIndex << ", " << position);
-    const CMReply<OrkaRowsRoles> reply;
-    // Watched before it is asked for, so that an answer within the call isn't missed.
-    auto *watcher = sdk::watch(reply, this);
-    connect(watcher, &CMReplyWatcherObject::finishedSignal, this,
-        &ContainerSampler::on_getRows_finished, Qt::QueuedConnection);
-    connect(watcher, &CMReplyWatcherObject::finishedSignal, watcher, &QObject::deleteLater);
-    CMRoot()->getRows(m_path, position, position, -1, sdk::rolesOf(m_request), reply);
+    sdk::askForRow(m_path, position, sdk::rolesOf(m_request), this, [this](auto *watcher) {
+        connect(watcher, &CMReplyWatcherObject::finishedSignal, this,
+            &ContainerSampler::on_getRows_finished, Qt::QueuedConnection);
+        connect(watcher, &CMReplyWatcherObject::finishedSignal, watcher, &QObject::deleteLater);
+    });
 }
 
 void ContainerSampler::on_getRows_finished(const CMVoidReply &reply)

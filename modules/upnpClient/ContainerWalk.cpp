@@ -24,7 +24,7 @@ ContainerWalk::ContainerWalk(
     DBusBarrier *barrier, const ObjectMapping &mapping, const QStringList &filter)
     : SlicedWork(barrier)
     , m_barrier(barrier)
-    , m_arrived(barrier, this)
+    , m_arrived(barrier, this, [this] { m_mapping.replyArrived(); })
     , m_mapping(mapping)
     , m_filter(filter)
 {
@@ -57,7 +57,6 @@ SlicedWork::Next ContainerWalk::takeCall()
     LOG4CPLUS_DEBUG(upnpLog(), "browse finished call: " << logText(m_callName));
     m_position = 0;
     m_objects = std::move(*objects);
-    m_mapping.startReply();
     return Next::Step;
 }
 

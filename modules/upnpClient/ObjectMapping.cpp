@@ -24,10 +24,9 @@ const UPnPPath::Query &itemTypeQuery(const QString &type)
 /// The first URL only: further ones are other formats of the same work.
 OrkaList<OrkaResource> resources(const P &properties)
 {
-    OrkaList<OrkaResource> list;
     const QStringList urls = properties.strings(P::URLs);
     if (urls.isEmpty())
-        return list;
+        return sdk::resourceList(std::nullopt);
     auto resource = sdk::empty<OrkaResource>();
     resource.setMimeType(properties.string(P::MIMEType));
     resource.setUri(urls.first());
@@ -41,8 +40,7 @@ OrkaList<OrkaResource> resources(const P &properties)
         resource.setSampleFrequency(properties.integer(P::SampleRate));
     if (properties.has(P::BitsPerSample))
         resource.setBitsPerSample(properties.integer(P::BitsPerSample));
-    list.append(resource);
-    return list;
+    return sdk::resourceList(resource);
 }
 
 } // namespace
@@ -62,9 +60,9 @@ void ObjectMapping::setRoles(const QStringList &roles)
     m_wanted = WantedRoles(roles);
 }
 
-void ObjectMapping::startReply()
+void ObjectMapping::replyArrived()
 {
-    m_servers.forget();
+    m_servers.look();
     m_address.reset();
 }
 
@@ -153,7 +151,7 @@ OrkaPlayListItem ObjectMapping::playListItem(const ObjectProperties &properties)
 {
     auto item = sdk::empty<OrkaPlayListItem>();
     item.setServiceId(m_serviceId);
-    item.setOrkaRoles(roles(properties).toJsonString());
+    item.setOrkaRoles(sdk::jsonOf(roles(properties)));
     if (properties.has(P::Artist))
         item.setArtist(properties.string(P::Artist));
     if (properties.has(P::Album))

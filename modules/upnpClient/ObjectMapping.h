@@ -9,9 +9,9 @@
 
 /// Turns media objects into rows and playlist items: roles by name, and what the player queues.
 ///
-/// What the objects of one reply have in common is found out with the first of them and kept, so
-/// that an answer that takes several turns reads as if it had been made in one. A plain value,
-/// made by the worker for one piece of work; keeps pointers into the worker.
+/// Servers are those that there were when it was made or when the last reply arrived, so that an
+/// answer that takes several turns reads as if it had been made in one. A plain value, made by the
+/// worker for one piece of work; keeps pointers into the worker.
 class ObjectMapping
 {
 public:
@@ -22,8 +22,8 @@ public:
     /// Rows have these roles, in this order, from now on.
     void setRoles(const QStringList &roles);
     const WantedRoles &wanted() const { return m_wanted; }
-    /// The objects from now on are of another reply.
-    void startReply();
+    /// What the objects from now on have in common is found out anew, from how things are now.
+    void replyArrived();
 
     OrkaRoles roles(const ObjectProperties &properties);
     QVariantList row(const ObjectProperties &properties);

@@ -26,7 +26,7 @@ PreparedItems::PreparedItems(DBusBarrier *barrier, const ObjectMapping &mapping,
     std::function<void(const CMSetDataRequest &)> walk)
     : SlicedWork(barrier)
     , m_barrier(barrier)
-    , m_arrived(barrier, this)
+    , m_arrived(barrier, this, [this] { m_mapping.replyArrived(); })
     , m_mapping(mapping)
     , m_walk(std::move(walk))
 {

@@ -175,6 +175,12 @@ QString ServerLookUp::udn(QStringView serverId)
     path.reserve(prefix.size() + 1 + int(serverId.size()));
     path.append(prefix).append(QLatin1Char('/')).append(serverId.data(), int(serverId.size()));
     m_path = path;
-    m_udn = m_serverList->udnOfServer(path);
+    m_udn = m_udnsByPath.value(path);
     return m_udn;
+}
+
+void ServerLookUp::look()
+{
+    m_udnsByPath = m_serverList->udnsByPath();
+    m_path.clear();
 }

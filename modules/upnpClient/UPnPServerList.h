@@ -32,6 +32,8 @@ public:
 
     /// The UDN of the server with this object path; empty when there is none.
     QString udnOfServer(const QString &path) const { return m_udnsByPath.value(path); }
+    /// All of them by object path; costs nothing as long as neither is changed.
+    QMultiHash<QString, QString> udnsByPath() const { return m_udnsByPath; }
     /// The object path of a server. A UDN that isn't known is recorded, with an empty path.
     QDBusObjectPath serverPath(const QString &udn) { return m_udns[udn].path; }
 
@@ -62,23 +64,26 @@ private:
     QPointer<QDBusPendingCallWatcher> m_initialList;
 };
 
-/// Looks up the servers of the rows of one reply. A server is kept while the rows are its own, so
-/// that its leaving in the middle of them changes nothing.
+/// Looks up the servers of rows as the list was at one moment, so that a server's leaving while an
+/// answer is made changes nothing in it.
 class ServerLookUp
 {
 public:
     explicit ServerLookUp(UPnPServerList *serverList)
         : m_serverList(serverList)
     {
+        look();
     }
 
     UPnPServerList *serverList() const { return m_serverList; }
     /// The UDN of a server by what its object path ends in; empty when there is none.
     QString udn(QStringView serverId);
-    void forget() { m_path.clear(); }
+    /// From now on as the list is now.
+    void look();
 
 private:
     UPnPServerList *m_serverList;
+    QMultiHash<QString, QString> m_udnsByPath;
     /// Of the server looked up last.
     QString m_path;
     QString m_udn;

@@ -39,7 +39,7 @@ void CMUPnPWorker::getRowsRequest(const CMGetRowsRequest &request)
     if (nodes()->getRowsRequest(request))
         return;
     const CMPath path = sdk::pathOf(request);
-    if (path.base().startsWith(QLatin1String("context"))) {
+    if (sdk::baseOf(path).startsWith(QLatin1String("context"))) {
         answerContextMenu(request);
         return;
     }
@@ -148,7 +148,7 @@ void CMUPnPWorker::setDataRequest(const CMSetDataRequest &request)
         answerSearchText(request, upath, OrkaValue(OrkaHash(hash)));
         return;
     }
-    if (path.base() != OrkaPlayListPrepareItems()) {
+    if (sdk::baseOf(path) != OrkaPlayListPrepareItems()) {
         sdk::refuse(request, createErrorInternal(QStringLiteral("Not implemented")));
         return;
     }
@@ -167,13 +167,13 @@ void CMUPnPWorker::answerSearchText(
     const QString key = QStringLiteral("search");
     const CMPath menu = sdk::withParam(path.orkaPath(), key, path.queryValue(key));
     const CMPath results = sdk::withParam(menu, QStringLiteral("query"), value.string_());
-    sdk::answer(request, QVariant(results.toEncoded()));
+    sdk::answer(request, QVariant(sdk::encoded(results)));
 }
 
 CMError CMUPnPWorker::createStandardError(const CMPath &path)
 {
     // The log names the node; the user sees only that it could not be had.
     LOG4CPLUS_ERROR(upnpLog(),
-        logText(QStringLiteral("Node at path '%1' does not exist").arg(path.toEncoded())));
+        logText(QStringLiteral("Node at path '%1' does not exist").arg(sdk::encoded(path))));
     return sdk::errorFor(SDK_TR("Failed to retrieve content"));
 }

@@ -35,7 +35,7 @@ QString CMUPnPWorker::handleAlbumArtUrl(const QString &url)
 void CMUPnPWorker::on_networkInfo_changed(const OrkaValue &newValue)
 {
     TRACE_ENTER();
-    LOG4CPLUS_INFO(upnpLog(), logText(newValue.toJsonString()));
+    LOG4CPLUS_INFO(upnpLog(), logText(sdk::jsonOf(newValue)));
     // Dropped ahead of the comparison, so every notification with an address writes the line.
     m_localAddresses.clear();
     const QStringList addresses = sdk::addressesIn(newValue);

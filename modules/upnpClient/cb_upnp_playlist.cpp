@@ -18,7 +18,7 @@ enum class ItemKind { Track, Container, Unknown };
 
 ItemKind itemKind(const CMPath &path)
 {
-    const QString itemType = path.param(QStringLiteral("itemType"));
+    const QString itemType = sdk::paramsOf(path).value(QStringLiteral("itemType"));
     if (itemType == QLatin1String("track"))
         return ItemKind::Track;
     if (itemType == QLatin1String("container") || itemType == QLatin1String("server"))

@@ -29,6 +29,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <functional>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -120,11 +122,14 @@ void refuse(const Request &request, const CMError &error)
 
 // Replies to what the plug-in itself asks the tree for
 
-/// Tells `parent` of a reply by `finishedSignal`, until it is destroyed. Made before the question
-/// is asked.
-inline CMReplyWatcherObject *watch(const CMReply<OrkaRowsRoles> &reply, QObject *parent)
+/// Asks the tree for one row of a node, counted from 0. `connectTo` gets what tells of the reply by
+/// `finishedSignal`, a child of `parent`, before it can tell.
+inline void askForRow(const CMPath &path, int row, const QStringList &roles, QObject *parent,
+    const std::function<void(CMReplyWatcherObject *)> &connectTo)
 {
-    return new CMReplyWatcherObject(reply, parent);
+    const CMReply<OrkaRowsRoles> reply;
+    connectTo(new CMReplyWatcherObject(reply, parent));
+    CMRoot()->getRows(path, row, row, -1, roles, reply);
 }
 
 /// The error of a reply to a request for one row. An answer without a row must be one, see
@@ -179,10 +184,43 @@ inline QVariant variantOf(const OrkaHash &record)
     return record.toVariant();
 }
 
+/// A record as JSON text.
+inline QString jsonOf(const OrkaHash &record)
+{
+    return record.toJsonString();
+}
+
+/// What the role "resources" takes: one resource, or nothing.
+inline OrkaList<OrkaResource> resourceList(const std::optional<OrkaResource> &resource)
+{
+    OrkaList<OrkaResource> list;
+    if (resource)
+        list.append(*resource);
+    return list;
+}
+
 /// Whether a node is a container, type 1.
 inline bool isContainer(const OrkaRoles &roles)
 {
     return roles.type() == containerType();
+}
+
+/// A path as text, as `CMPath::fromEncoded()` takes it.
+inline QString encoded(const CMPath &path)
+{
+    return path.toEncoded();
+}
+
+/// The part of a path between its prefix and its parameters.
+inline QString baseOf(const CMPath &path)
+{
+    return path.base();
+}
+
+/// All parameters of a path, by key.
+inline QMap<QString, QString> paramsOf(const CMPath &path)
+{
+    return path.params();
 }
 
 /// A path with one parameter more; one of the same name is replaced.

@@ -90,7 +90,7 @@ UPnPPath UPnPPath::fromDleyna(
 
 UPnPPath UPnPPath::fromOrka(CMUPnPWorker *worker, UPnPServerList *serverList, const CMPath &path)
 {
-    const QString base = path.base();
+    const QString base = sdk::baseOf(path);
     const Captures captures = match(base, isUdnCharacter);
 
     UPnPPath result;
@@ -98,7 +98,7 @@ UPnPPath UPnPPath::fromOrka(CMUPnPWorker *worker, UPnPServerList *serverList, co
     result.m_serverList = serverList;
     result.m_udn = captures.first.toString();
     result.objectId = captures.rest.toString();
-    const auto params = path.params();
+    const auto params = sdk::paramsOf(path);
     for (auto it = params.begin(); it != params.end(); ++it)
         result.query.append({it.key(), it.value()});
     return result;

@@ -17,6 +17,7 @@ private slots:
     void takesWhateverIsNoContainerAndHasAUrl();
     void livesWithinAConnectionsLimit();
     void goesOnWhenTheAnswersComeOutOfOrder();
+    void namesServersAsTheyWereWhenTheLastReplyCame();
 };
 
 namespace {
@@ -215,6 +216,20 @@ void tst_Walk::goesOnWhenTheAnswersComeOutOfOrder()
     QCOMPARE(itemsText(items.value()), "T1 U1 T2 U2 T3 U3");
     QVERIFY(itemsText(items.value(), "orkaRoles").contains("https://host1/proxy/"));
     publishNetwork({});
+}
+
+// The list takes several turns to read, and the server leaves in the first of them.
+void tst_Walk::namesServersAsTheyWereWhenTheLastReplyCame()
+{
+    World w;
+    w.addTracks(300);
+    w.start();
+    w.service.hold({"ListChildren"});
+    const auto items = w.walk();
+    w.service.release({"ListChildren"});
+    w.service.announceLost(w.server);
+    w.settle();
+    QCOMPARE(itemsText(items.value(), "orkaRoles").count("upnp:/uuid:1/"), 300);
 }
 
 QTEST_GUILESS_MAIN(tst_Walk)
