@@ -190,7 +190,7 @@ check "a bus that is too small" 1 "$(dbus-run-session --config-file="$WORLD_DIR/
 
 # What stays for the next command: one bridge and its bus, and nothing of them once they are told to end or idle.
 script private "XDG_RUNTIME_DIR='$WORLD_DIR/run' DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent \
-    exec '$ORKA_BUILD/host/orka' --plugin '$1' --bridge '$4' --linger 60 \"\$@\""
+    exec '$ORKA_BUILD/host/orka' --plugin '$1' --bridge '$2' --linger 60 \"\$@\""
 left() {
     echo "$(pgrep -fc "$WORLD_DIR/run/orka/bus" || true) $(ls "$WORLD_DIR/run/orka" | paste -sd ' ')"
 }
@@ -201,7 +201,7 @@ wait $!
 check "two commands at once start one" "2 bus lock" "$(left)"
 check "both are answered" "" "$(cmp "$WORLD_DIR/first" "$WORLD_DIR/second")"
 check "the doctor tells of it" 1 "$(private --wait 0 doctor | grep -c 'there since 20.*orka stop')"
-for name in "$4" dbus-daemon; do
+for name in "$2" dbus-daemon; do
     kill -KILL "$(pgrep -f "$name.*$WORLD_DIR/run/orka/bus")"
     check "after $name is killed" "0 2 bus lock" "$(private servers >/dev/null && echo $? "$(left)")"
 done
