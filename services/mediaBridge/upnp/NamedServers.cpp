@@ -43,24 +43,31 @@ void NamedServers::add(const ServerAddress &address, Reached reached)
                         + " addresses already; forget one of them first."});
         return;
     }
-    if (named == m_named.end()) {
+    const bool isNew = named == m_named.end();
+    if (isNew) {
         named = m_named.emplace(m_named.end());
         named->address = address;
         named->source = m_nextSource++;
         logInfo("looking for servers at " + address.text());
-        for (const RememberedServer &server : recall(address.text())) {
-            if (const auto url = parseHttpUrl(server.location))
-                heard(*named, server.udn, {named->source, server.location, url->rank()},
-                    rememberedAge);
-        }
     }
     if (reached)
         named->waiting.push_back(std::move(reached));
     if (pathThere(*named).empty())
         look(*named);
+    if (isNew)
+        askRemembered(*named);
     if (!named->waiting.empty() && !named->patience.isRunning())
         named->patience.start(patienceMs, [this, named] { settle(*named, true); });
     settle(*named);
+}
+
+/// Beside the look, which takes longer where it has to wait for the search.
+void NamedServers::askRemembered(Named &named)
+{
+    for (const RememberedServer &server : recall(named.address.text())) {
+        if (const auto url = parseHttpUrl(server.location))
+            heard(named, server.udn, {named.source, server.location, url->rank()}, rememberedAge);
+    }
 }
 
 void NamedServers::forget(const ServerAddress &address)
@@ -195,12 +202,12 @@ std::string NamedServers::pathThere(const Named &named) const
 
 std::string NamedServers::problemOf(const Named &named) const
 {
+    if (!named.problem.empty())
+        return named.problem;
     for (const auto &[path, server] : named.servers) {
         if (!server.problem.empty())
             return server.problem;
     }
-    if (!named.problem.empty())
-        return named.problem;
     return "A media server at " + named.address.text()
         + " has not answered yet; it is still looked for.";
 }

@@ -73,6 +73,7 @@ private:
     };
 
     std::list<Named>::iterator find(const ServerAddress &address);
+    void askRemembered(Named &named);
     void look(Named &named);
     void check(Named &named);
     void lookLater(Named &named);

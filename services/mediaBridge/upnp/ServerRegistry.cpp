@@ -72,7 +72,9 @@ void ServerRegistry::connectNamed()
 {
     m_named.onSourceGone = m_discovery.onListenerGone;
     m_named.recall = [this](const std::string &address) {
-        return m_memory.foundBy(address);
+        const auto remembered = m_memory.foundBy(address);
+        m_isRecalling = m_isRecalling || !remembered.empty();
+        return remembered;
     };
     m_named.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
         return heard(udn, route, maxAge);
@@ -103,7 +105,7 @@ void ServerRegistry::askRemembered()
         m_awaited.insert(serverPathFromUdn(server.udn));
         heard(server.udn, {rememberedSource, server.location, url->rank()}, rememberedAge);
     }
-    m_isRecalled = m_awaited.empty();
+    m_isRecalling = !m_awaited.empty();
 }
 
 void ServerRegistry::rememberAll()
@@ -116,7 +118,7 @@ void ServerRegistry::rememberAll()
 void ServerRegistry::remember(const ServerTracker &tracker)
 {
     const auto server = tracker.announced();
-    if (!server)
+    if (!server || !tracker.hasRoute())
         return;
     const auto source = tracker.namedSource();
     const DeviceDescription &description = server->description();
@@ -265,8 +267,9 @@ void ServerRegistry::changed(const std::shared_ptr<MediaServer> &server, bool is
         return;
     remember(*m_trackers.at(path));
     m_awaited.erase(path);
-    if (!m_isRecalled && m_awaited.empty() && m_named.areAllThere()) {
-        m_isRecalled = true;
+    const bool areAllThere = m_awaited.empty() && !m_hasMissed && m_named.areAllThere();
+    if (m_isRecalling && areAllThere) {
+        m_isRecalling = false;
         onAllRemembered();
     }
 }
@@ -276,7 +279,7 @@ void ServerRegistry::failed(const std::string &path, const std::string &problem)
     m_named.failed(path, problem);
     if (m_awaited.erase(path) == 0)
         return;
-    m_isRecalled = true;
+    m_hasMissed = true;
     ServerTracker &tracker = *m_trackers.at(path);
     m_memory.missed(tracker.udn());
     tracker.listenerGone(rememberedSource);

@@ -69,8 +69,9 @@ private:
     Timer m_remember;
     /// Paths of remembered servers that haven't answered yet.
     std::set<std::string> m_awaited;
-    /// Nobody waits for them any more.
-    bool m_isRecalled = true;
+    /// Some are remembered, and it isn't told yet that they are there.
+    bool m_isRecalling = false;
+    bool m_hasMissed = false;
     NamedServers m_named;
     Discovery m_discovery;
 };

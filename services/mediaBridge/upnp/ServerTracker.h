@@ -38,6 +38,8 @@ public:
     const std::string &udn() const { return m_udn; }
     /// Who was the first to announce it.
     const std::string &host() const { return m_host; }
+    /// There is a way to it that nobody has taken back.
+    bool hasRoute() const { return !m_routes.isEmpty(); }
     /// See RouteList.
     bool isOnlyRemembered() const { return m_routes.isOnlyRemembered(); }
     std::optional<unsigned> namedSource() const { return m_routes.namedSource(); }
