@@ -222,6 +222,28 @@ std::vector<Attack> attacks()
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});
+    all.push_back({"a server that hangs, and clients leave", {},
+        [](const std::string &request, const Send &) {
+            return request.find("#Browse") != std::string::npos;
+        },
+        1,
+        [](DBusConnection *bus, const std::string &server) {
+            listMany(bus, server, 12);
+        }});
+    all.push_back({"half a page, then a fault", {},
+        [](const std::string &request, const Send &send) {
+            const bool isFirst = request.find("<StartingIndex>0<") != std::string::npos;
+            return request.find("#Browse") != std::string::npos
+                && send(
+                    httpAnswer(isFirst ? soapResult("Browse",
+                                   "<Result>&lt;x/&gt;</Result><NumberReturned>1"
+                                   "</NumberReturned><TotalMatches>99</TotalMatches>")
+                                       : "<s:Envelope><s:Body><s:Fault/></s:Body></s:Envelope>"));
+        },
+        1,
+        [](DBusConnection *bus, const std::string &server) {
+            listOnce(bus, server, 0);
+        }});
     all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
     return all;
 }

@@ -78,7 +78,14 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     request.action = "Search";
     request.containerId = target.objectId;
     Arguments arguments = call->arguments();
-    const Criteria criteria = searchCriteria(arguments.text(), target.server->context().path);
+    const std::string query = arguments.text();
+    if (query.size() > limits::queryBytes) {
+        call->fail({errors::invalidArgs,
+            "A query of " + std::to_string(query.size())
+                + " bytes is too long: " + std::to_string(limits::queryBytes) + " are allowed."});
+        return;
+    }
+    const Criteria criteria = searchCriteria(query, target.server->context().path);
     request.offset = arguments.number();
     request.max = arguments.number();
     const auto wanted = takeFilter(arguments, *call);

@@ -26,12 +26,12 @@ void workOn()
 {
     const int64_t end = g_get_monotonic_time() + longestUs;
     auto &waiting = queue().waiting;
-    do {
+    while (!waiting.empty() && g_get_monotonic_time() < end) {
         // Taken out before it runs: it may add more, or end what it belongs to.
         const auto work = std::move(waiting.front());
         waiting.pop_front();
         work();
-    } while (!waiting.empty() && g_get_monotonic_time() < end);
+    }
     if (!waiting.empty())
         queue().turn.start(0, &workOn);
 }

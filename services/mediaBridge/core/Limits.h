@@ -24,6 +24,8 @@ inline constexpr size_t errorTextBytes = 1024;
 inline constexpr size_t pathBytes = 12 << 10;
 /// Names in a filter; there are some thirty properties.
 inline constexpr size_t filterNames = 256;
+/// Bytes of a search query; those of real clients have some hundred.
+inline constexpr size_t queryBytes = 4 << 10;
 /// Objects of one BrowseObjects: what a server answers one by one within 20 seconds.
 inline constexpr size_t objectsPerCall = 5'000;
 /// Unanswered calls of one client; fewer while there are very many in all.

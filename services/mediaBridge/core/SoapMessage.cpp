@@ -21,6 +21,14 @@ SoapAnswer readFault(pugi::xml_node fault)
     return answer;
 }
 
+/// Whether the last tag of this name is a closing one.
+bool closes(std::string_view body, std::string_view name)
+{
+    const size_t last = body.rfind(name);
+    const size_t tag = last == std::string_view::npos ? last : body.rfind('<', last);
+    return tag != std::string_view::npos && body.substr(tag, 2) == "</";
+}
+
 } // namespace
 
 std::string soapEnvelope(
@@ -47,12 +55,14 @@ std::string SoapAnswer::value(std::string_view name) const
 SoapAnswer parseSoapAnswer(std::string body, const std::string &action)
 {
     SoapAnswer answer;
+    const bool isClosed = closes(body, action + "Response");
     const XmlDocument document(std::move(body), limits::tags(std::numeric_limits<uint32_t>::max()));
     const pugi::xml_node soapBody = childElement(document.root(), "Body");
     if (const pugi::xml_node fault = childElement(soapBody, "Fault"))
         return readFault(fault);
     const pugi::xml_node response = childElement(soapBody, action + "Response");
-    if (!response)
+    // Of an answer that was cut, a number may lack its last digits.
+    if (!response || !(isClosed || document.isWhole()))
         return answer;
     answer.kind = SoapAnswer::Kind::Result;
     for (const pugi::xml_node value : response.children()) {

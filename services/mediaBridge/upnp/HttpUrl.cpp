@@ -19,6 +19,7 @@ std::optional<HttpUrl> parseHttpUrl(const std::string &text)
     HttpUrl url{takeString(host)};
     if (g_ascii_strcasecmp(protocol.c_str(), "http") != 0 || url.host.empty())
         return std::nullopt;
+    const bool hasScope = url.host.find('%') != std::string::npos;
     url.host.resize(std::min(url.host.find('%'), url.host.size()));
     const Ref<GInetAddress> address(g_inet_address_new_from_string(url.host.c_str()));
     url.isNumeric = bool(address);
@@ -28,6 +29,9 @@ std::optional<HttpUrl> parseHttpUrl(const std::string &text)
         url.isIPv6LinkLocal = g_inet_address_get_family(address.get()) == G_SOCKET_FAMILY_IPV6
             && g_inet_address_get_is_link_local(address.get()) != FALSE;
     }
+    // In a name, and behind an IPv4 address, it would make another host of what stands in front.
+    if (hasScope && !url.isIPv6LinkLocal)
+        return std::nullopt;
     return url;
 }
 

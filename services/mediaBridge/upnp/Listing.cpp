@@ -102,7 +102,8 @@ void Listing::requestPage()
         [self = shared_from_this(), position = m_position, count, round = m_round](
             ActionReply reply) {
             self->m_isRequesting = false;
-            if (round == self->m_round)
+            // It may have ended while this page was under way.
+            if (self->m_done && round == self->m_round)
                 self->gotPage(position, count, std::move(reply));
             self->proceed();
         });
@@ -178,7 +179,9 @@ void Listing::parsePage()
 
 void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 {
-    if (!list || (list->objects.empty() && !list->isWhole)) {
+    // The first page with objects that aren't there is no empty list.
+    const bool lacksAll = m_lastFirstId.empty() && m_rowCount == 0 && m_reading->returned > 0;
+    if (!list || (list->objects.empty() && (lacksAll || !list->isWhole))) {
         fail({errors::operationFailed,
             m_request.action + " operation failed: The list that \""
                 + m_server->description().friendlyName + "\" sent can't be read."});
