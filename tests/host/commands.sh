@@ -149,7 +149,7 @@ http://192.0.2.1/a%20b%0A.mp3
 #EXTINF:185,Ann - Café
 http://192.0.2.1/shelf/composed.mp3'
 check "a playlist" "$list" "$(orka queue --format m3u8 'Shelf/AC\/DC' 2>"$WORLD_DIR/said")"
-check "what is left out of it" 2 "$(grep -cE 'file:///etc/passwd|--script=evil' "$WORLD_DIR/said")"
+check "what is left out of it" 2 "$(grep -cE 'file:///etc/passwd|--script=evil|too deep' "$WORLD_DIR/said")"
 check "a long queue" $'  1200   Track 1199  Ann     Blue   3:05\n1200 items, 61:40:00 in all.' \
     "$(orka queue upnp:/shelf/big upnp:/shelf/big7 | tail -n 2)"
 check_fails "a queue that isn't whole" 1 "incomplete|No answer about|The shelf is broken" orka --timeout 0.5 --json queue /
