@@ -159,3 +159,10 @@ int childrenIn(const ServiceAnswer &answer)
         ? qdbus_cast<QList<QVariantMap>>(list).size()
         : 0;
 }
+
+QVariantMap propertiesOf(const ServiceAnswer &answer)
+{
+    const QVariant map = answer.values.value(0);
+    return answer.isGood() && map.canConvert<QDBusArgument>() ? qdbus_cast<QVariantMap>(map)
+                                                              : QVariantMap();
+}

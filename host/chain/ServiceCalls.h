@@ -69,3 +69,5 @@ QList<QVariantMap> childrenOf(const ServiceAnswer &answer);
 int childrenIn(const ServiceAnswer &answer);
 /// The value in the answer of `property()` or `childCount()`; invalid where there is none.
 QVariant valueOf(const ServiceAnswer &answer);
+/// The properties in a good answer of `everything()`.
+QVariantMap propertiesOf(const ServiceAnswer &answer);

@@ -24,6 +24,7 @@ constexpr std::chrono::milliseconds endLimit(3'000);
 constexpr int lookEvery = 10; // milliseconds
 /// A media service that is silent for so long hangs.
 constexpr std::chrono::milliseconds answerLimit(5'000);
+constexpr std::chrono::milliseconds pingLimit(1'000);
 /// The bridge answers when its first search is over; the others at once, and search for 3 s.
 constexpr std::chrono::milliseconds bridgeSearch(2'000);
 constexpr std::chrono::milliseconds otherSearch(3'500);
@@ -352,13 +353,23 @@ bool ServiceOnBus::answers()
 
 void ServiceOnBus::requireAnswer()
 {
-    if (!answers()) {
-        throw Failure(NoAnswer, QStringLiteral("noAnswer"),
-            QStringLiteral("The media service does not answer: %1 has the name %2 on %3. End it, "
-                           "or start it again.")
-                .arg(safeText(program()), busName(), m_busDescription));
-    }
+    if (!answers())
+        throw silence();
     requireThere();
+}
+
+void ServiceOnBus::requireSignOfLife() const
+{
+    if (!Bus(orkaDBusConnection(), pingLimit).answers(busName()))
+        throw silence();
+}
+
+Failure ServiceOnBus::silence() const
+{
+    return Failure(NoAnswer, QStringLiteral("noAnswer"),
+        QStringLiteral("The media service does not answer: %1 has the name %2 on %3. End it, or "
+                       "start it again.")
+            .arg(safeText(program()), busName(), m_busDescription));
 }
 
 void ServiceOnBus::requireSameOwner()

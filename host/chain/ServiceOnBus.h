@@ -51,6 +51,8 @@ public:
     bool answers();
     /// Throws Failure (no answer) where it doesn't.
     void requireAnswer();
+    /// The same where it doesn't answer a ping in a second: then it hangs, not a media server.
+    void requireSignOfLife() const;
     /// False after gone().
     bool isThere() const { return m_there; }
     /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
@@ -67,6 +69,7 @@ signals:
     void back();
 
 private:
+    Failure silence() const;
     void begin();
     void openBus();
     void startPrivately();

@@ -107,8 +107,10 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
     m_mediaService->requireThere();
     m_refused = inTime && reply.error().isError();
-    if (!inTime)
+    if (!inTime) {
+        m_mediaService->requireSignOfLife();
         throw noAnswer(nameOf(path), m_options.timeout);
+    }
 }
 
 Patient Session::patient(const CMPath &path) const

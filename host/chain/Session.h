@@ -35,6 +35,7 @@ public:
 
     const GlobalOptions &options() const { return m_options; }
     ServiceOnBus &mediaService() { return *m_mediaService; }
+    const ServiceOnBus &mediaService() const { return *m_mediaService; }
     /// The node whose rows are the media servers.
     CMPath root() const { return path(QString()); }
     CMPath path(const QString &base) const { return CMPath(m_worker->prefix(), base); }

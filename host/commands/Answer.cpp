@@ -13,15 +13,20 @@ void writeAnswer(
     output.end();
 }
 
+QString incompleteSentence(int lacking, int rowsCount, const QString &why)
+{
+    const QString howMany = lacking > 0
+        ? QStringLiteral(": %1 of %2 rows are missing").arg(lacking).arg(rowsCount)
+        : QString();
+    return QStringLiteral("The list is incomplete%1. ").arg(howMany) + why;
+}
+
 namespace {
 
 /// Says that the list isn't whole, in its own document too.
 int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 {
-    const QString howMany = lacking > 0
-        ? QStringLiteral(": %1 of %2 rows are missing").arg(lacking).arg(output->rowsCount())
-        : QString();
-    const QString sentence = QStringLiteral("The list is incomplete%1. ").arg(howMany) + why;
+    const QString sentence = incompleteSentence(lacking, output->rowsCount(), why);
     output->end(CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(), sentence));
     tell(sentence);
     return AnsweredWithError;

@@ -6,6 +6,9 @@
 class CMPath;
 class RowSource;
 
+/// That a list isn't whole: how many of its rows are missing, and why.
+QString incompleteSentence(int lacking, int rowsCount, const QString &why);
+
 /// Writes what was answered: as JSON where the options ask for it, else as text. `first` is the
 /// position of the first row, `step` the distance between two.
 void writeAnswer(

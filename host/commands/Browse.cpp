@@ -1,39 +1,111 @@
+#include "Failure.h"
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
 #include "output/Output.h"
+#include "output/TreeOutput.h"
+#include "tree/ArrangedRows.h"
 #include "tree/NodeKind.h"
 #include "tree/PlaceResolver.h"
 #include "tree/RowPages.h"
 #include "tree/RowRange.h"
 #include "tree/SamplePages.h"
+#include "tree/TrackNumbers.h"
+#include "tree/TreeWalk.h"
+
+#include <map>
 
 namespace {
+
+constexpr int mostProblems = 10;
 
 class Ls : public Command
 {
 public:
     explicit Ls(CLI::App &app)
-        : Command(app, "ls", "The children of a media server or folder",
-            "orka ls \"My NAS/Music/All Music\" --rows 0-19")
+        : Command(app, "ls",
+            "The children of a media server or folder; the servers\nwhere none is named",
+            "orka ls \"My NAS/Music/All Music\" --rows 0-19\n  orka ls -R --depth 2 \"My NAS\"")
     {
-        addPlace(m_place);
+        addPlace(m_place)->required(false);
         addRows(m_rows, "First and last row, counted from 0 (all)");
+        parser()
+            .add_option(
+                "--sort", m_key, "Read all, then sort by this; titles as your language does")
+            ->type_name("title|artist|album|date|track|length")
+            ->transform(CLI::CheckedTransformer(sortKeys()).description(""));
+        parser()
+            .add_option("--kind", m_kinds,
+                "Only these: folder, track, video, image, item; more than\n"
+                "one with commas")
+            ->type_name("KIND")
+            ->delimiter(',')
+            ->allow_extra_args(false)
+            ->check(CLI::IsMember({"folder", "track", "video", "image", "item"}).description(""));
+        parser().add_flag("-R,--recursive", m_recursive, "A tree of what is below");
+        parser()
+            .add_option("--depth", m_depth, "How many levels of it (3)")
+            ->type_name("N")
+            ->check(CLI::Range(1, 100).description(""));
     }
 
     int run(const GlobalOptions &options) override
     {
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
+        if (m_recursive && (m_key != SortKey::Given || !m_kinds.empty() || !m_rows.isNull())) {
+            throw wrongUsage(
+                QStringLiteral("A tree shows everything as the server orders it. Leave "
+                               "--sort, --kind and --rows out, or -R."));
+        }
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
-        RowPages pages(session, path, range, OrkaRoles::all());
-        return writeRowsOf(options, path, pages, range.first);
+        return m_recursive ? writeTree(session, path) : writeRows(session, path, range);
     }
 
 private:
-    QString m_place;
+    static std::map<std::string, SortKey> sortKeys()
+    {
+        return {{"title", SortKey::Title}, {"artist", SortKey::Artist}, {"album", SortKey::Album},
+            {"date", SortKey::Date}, {"track", SortKey::Track}, {"length", SortKey::Length}};
+    }
+
+    int writeRows(Session &session, const CMPath &path, RowRange range) const
+    {
+        QSet<QString> kinds;
+        for (const std::string &kind : m_kinds)
+            kinds.insert(QString::fromStdString(kind));
+        QHash<int, int> tracks;
+        if (m_key == SortKey::Track)
+            tracks = trackNumbers(session, path, range);
+        RowPages pages(session, path, range, OrkaRoles::all());
+        ArrangedRows rows(
+            pages, range.first, m_key, kinds, [&](int row) { return tracks.value(row); });
+        return writeRowsOf(session.options(), path, rows, range.first);
+    }
+
+    int writeTree(Session &session, const CMPath &path) const
+    {
+        TreeOutput output(session.options().json, path);
+        QStringList problems;
+        TreeWalk(
+            session, m_depth, [&](const OrkaRoles &row, int depth) { output.add(row, depth); },
+            [&](const QString &problem) { problems.append(problem); })
+            .walk(path);
+        output.end(problems);
+        if (problems.isEmpty())
+            return Answered;
+        tell(QStringLiteral("The tree is incomplete:\n  %1")
+                 .arg(problems.mid(0, mostProblems).join(QStringLiteral("\n  "))));
+        return AnsweredWithError;
+    }
+
+    QString m_place = QStringLiteral("/");
     QString m_rows;
+    SortKey m_key = SortKey::Given;
+    std::vector<std::string> m_kinds;
+    bool m_recursive = false;
+    int m_depth = 3;
 };
 
 class Info : public Command

@@ -19,9 +19,9 @@ CLI::Option *Command::addText(const char *name, QString &target, const char *hel
         ->type_name(type);
 }
 
-void Command::addPlace(QString &target)
+CLI::Option *Command::addPlace(QString &target)
 {
-    addText("PLACE", target,
+    return addText("PLACE", target,
         "A node path (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music\"; \\/ for a slash "
         "in "
         "a title; / alone is\nthe list of media servers)",
@@ -51,8 +51,9 @@ void Command::addRows(QString &target, const char *help)
 std::vector<CommandPointer> makeCommands(CLI::App &app)
 {
     std::vector<CommandPointer> commands;
-    for (const auto make : {makeServers, makeLs, makeInfo, makeMenu, makeSearch, makeSample,
-             makeQueue, makePlay, makeServe, makeRows, makeData, makeSet, makeDoctor, makeStop, makeComplete}) {
+    for (const auto make :
+        {makeServers, makeLs, makeInfo, makeMenu, makeSearch, makeSample, makeQueue, makePlay,
+            makeServe, makeRows, makeData, makeSet, makeDoctor, makeStop, makeComplete}) {
         commands.push_back(make(app));
     }
     return commands;

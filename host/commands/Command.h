@@ -25,7 +25,7 @@ protected:
 
     CLI::App &parser() { return *m_parser; }
     CLI::Option *addText(const char *name, QString &target, const char *help, const char *type);
-    void addPlace(QString &target);
+    CLI::Option *addPlace(QString &target);
     void addPlaces(QStringList &target);
     void addRows(QString &target, const char *help);
 

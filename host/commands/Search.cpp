@@ -1,17 +1,23 @@
 #include "Failure.h"
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
+#include "output/SearchOutput.h"
 #include "tree/PlaceResolver.h"
+#include "tree/RowPages.h"
 #include "tree/RowRange.h"
-#include "tree/RowsReader.h"
 #include "tree/SearchKinds.h"
 
 #include <api/core/OrkaValue.h>
 
+#include <QDBusObjectPath>
+
 namespace {
+
+constexpr std::chrono::milliseconds questionLimit(1'000);
 
 Failure notSearchable(const QString &server, const QString &kind, const QStringList &kinds)
 {
@@ -64,18 +70,58 @@ public:
         Session session(options);
         const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
         const CMPath results = enterText(session, folder);
-        const Rows rows = readRows(session, results, range, OrkaRoles::all());
-        if (rows.rows.isEmpty() && rows.rowsCount == 0 && range.first == 0 && !options.json) {
+        RowPages pages(session, results, range, OrkaRoles::all());
+        if (options.json)
+            return writeRowsOf(options, results, pages, range.first);
+        SearchOutput output(
+            range.first, [&session](const CMPath &path) { return folderOf(session, path); });
+        const QString trouble = write(pages, &output);
+        if (output.rows() == 0 && output.rowsCount() == 0 && range.first == 0) {
             writeLine(
                 QStringLiteral("Nothing in %1 has %2 with %3 in it.")
                     .arg(session.nameOf(folder), withArticle(m_kinds.first()), quoted(m_text)));
-        } else {
-            writeAnswer(options, results, rows, range.first);
+            return Answered;
         }
-        return Answered;
+        output.end();
+        if (trouble.isEmpty() && pages.lacking() == 0)
+            return Answered;
+        tell(incompleteSentence(pages.lacking(), output.rowsCount(),
+            trouble.isEmpty()
+                ? QStringLiteral("The media server counts them and doesn't give them.")
+                : trouble));
+        return AnsweredWithError;
     }
 
 private:
+    /// Returns why it came to an end before the last row; empty where it didn't.
+    static QString write(RowPages &pages, SearchOutput *output)
+    {
+        Rows page;
+        try {
+            while (pages.next(&page))
+                output->add(page);
+        } catch (const Failure &failure) {
+            if (output->rows() == 0 || failure.error().name() == QLatin1String("output"))
+                throw;
+            return failure.sentence();
+        }
+        return {};
+    }
+
+    /// The media service knows it; null where it doesn't say.
+    static QString folderOf(const Session &session, const CMPath &path)
+    {
+        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
+        const QString object =
+            service.objectOf(path.base(), session.mediaService().servers().paths());
+        const QVariantMap node = propertiesOf(service.everything(object));
+        const QString parent = node.value(QStringLiteral("Parent")).value<QDBusObjectPath>().path();
+        return parent.isEmpty() ? QString()
+                                : propertiesOf(service.everything(parent))
+                                      .value(QStringLiteral("DisplayName"))
+                                      .toString();
+    }
+
     /// As a device does it: the text is set on the search entry, which answers where the results
     /// are.
     CMPath enterText(Session &session, const CMPath &place) const

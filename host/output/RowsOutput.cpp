@@ -37,11 +37,11 @@ void RowsOutput::add(const Rows &page)
     if (m_json && !m_document)
         m_document =
             std::make_unique<JsonListDocument>(rowsHead(m_path, page), OrkaRowsRoles::Rows());
-    for (const OrkaRoles &row : page.rows) {
+    for (int i = 0; i < page.rows.size(); ++i) {
         if (m_json) {
-            m_document->add(row.toVariant());
+            m_document->add(page.rows.at(i).toVariant());
         } else {
-            addToTable(row);
+            addToTable(page.rows.at(i), page.numbers.value(i, m_first + m_rows * m_step));
         }
         ++m_rows;
     }
@@ -52,12 +52,11 @@ void RowsOutput::add(const Rows &page)
     }
 }
 
-void RowsOutput::addToTable(const OrkaRoles &row)
+void RowsOutput::addToTable(const OrkaRoles &row, int number)
 {
     const OrkaMediaData media = row.mediaData();
-    m_table.add({QString::number(m_first + static_cast<long long>(m_rows) * m_step), kindOf(row),
-        row.title().toString(), media.metaData().artist(), media.metaData().album(),
-        rowLength(media)});
+    m_table.add({QString::number(number), kindOf(row), row.title().toString(),
+        media.metaData().artist(), media.metaData().album(), rowLength(media)});
 }
 
 void RowsOutput::end(const CMError &error)

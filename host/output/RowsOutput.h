@@ -24,7 +24,7 @@ public:
     int rowsCount() const { return m_rowsCount; }
 
 private:
-    void addToTable(const OrkaRoles &row);
+    void addToTable(const OrkaRoles &row, int number);
     QString whatPart() const;
 
     const bool m_json;

@@ -156,7 +156,7 @@ void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles:
     OrkaPlayListItem item = itemOfRow(row);
     try {
         if (item.isEmpty())
-            item = prepared(row.path());
+            item = prepared(row);
     } catch (const Failure &failure) {
         fail(row.path(), failure);
     }
@@ -167,14 +167,14 @@ void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles:
 }
 
 /// What the worker makes of one object; empty where it makes nothing.
-OrkaPlayListItem Gathering::prepared(const CMPath &path)
+OrkaPlayListItem Gathering::prepared(const OrkaRoles &row)
 {
     const CMPath track =
-        path.withoutParams().addParam(QStringLiteral("itemType"), QStringLiteral("track"));
-    const QVariantList items = m_session
-                                   .set(m_session.path(OrkaPlayListPrepareItems()),
-                                       QVariantList{track.toEncoded()}, QString())
-                                   .toList();
+        row.path().withoutParams().addParam(QStringLiteral("itemType"), QStringLiteral("track"));
+    const CMPath prepareItems = m_session.path(OrkaPlayListPrepareItems());
+    m_session.setName(prepareItems, row.title().toString()); // which sentences are about
+    const QVariantList items =
+        m_session.set(prepareItems, QVariantList{track.toEncoded()}, QString()).toList();
     return items.isEmpty() ? OrkaPlayListItem()
                            : OrkaPlayListItem(OrkaHash::fromVariant(items.first()));
 }

@@ -54,7 +54,7 @@ private:
     void push(const CMPath &path, const QString &name);
     void takeRow(const OrkaRoles &row);
     void takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page);
-    OrkaPlayListItem prepared(const CMPath &path);
+    OrkaPlayListItem prepared(const OrkaRoles &row);
     void fail(const CMPath &path, const Failure &failure);
     void tellProgress();
 

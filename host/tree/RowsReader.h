@@ -12,6 +12,8 @@ class Session;
 struct Rows
 {
     QVector<OrkaRoles> rows;
+    /// Of the rows within the node; empty where they follow each other.
+    QVector<int> numbers;
     /// Of the whole node, as its worker counts.
     int rowsCount = 0;
     int rowsVersion = 0;

@@ -41,7 +41,8 @@ refused 1 "can't be played" queue --quick /
 refused 2 'like "orka servers"'
 refused 2 'mean "serve" or "servers"' serverz
 refused 2 "doesn't take \"b\"" ls a b
-refused 2 PLACE ls
+refused 2 PLACE info
+refused 2 "A tree shows" ls -R --rows 0-1 Shelf
 refused 2 --prefix --prefix "" ls Shelf
 refused 2 "ends before it begins" ls Shelf --rows 5-4
 refused 2 "--wait: is a number of seconds" ls Shelf --wait soon
@@ -92,6 +93,10 @@ check "its end" $'Track 1198\nTrack 1199' "$(titles ls upnp:/shelf/big --rows 11
 check "beyond its end" "None of 1200 rows is in this range." "$(orka ls upnp:/shelf/big --rows 5000-5000)"
 check "a table" $'  row  kind   title    artist  album  length\n  5    track  Track 5  Ann     Blue   3:05\n1 of 1200 rows.' \
     "$(orka ls upnp:/shelf/big --rows 5-5)"
+check "sorted, by numbers in titles too" "Track 2 Track 3 Track 3 Track 4" \
+    "$(titles ls upnp:/shelf/big --sort title | sed -n 3,6p | paste -sd ' ')"
+check "one kind" "AC/DC|Big|Broken|Silent|漢字" "$(titles ls Shelf --kind folder --sort title | paste -sd '|')"
+check "the servers" "$(titles servers)" "$(titles ls)"
 check "one request" '[{"title":"AC/DC"}]' \
     "$(orka --json rows upnp:/shelf --first 1 --last 1 --roles title,icon | jq -c .rows)"
 check "one node" '{"path":"upnp:/shelf/big","roles":{"path":"upnp:/shelf/big?itemType=container","title":"Big"}}' \

@@ -45,7 +45,7 @@ for ((i = 0; i < kills; ++i)); do
 done
 sleep 5
 left=$(pgrep -af 'orka-media-bridge|orka/bus' || true)$(find "$XDG_RUNTIME_DIR" "$WORLD_DIR/cache" "$WORLD_DIR/config" \
-    ! -type d ! -name lock ! -path '*/orka/servers*' 2>/dev/null || true)
+    ! -type d ! -name lock ! -path '*/servers' 2>/dev/null || true)
 [ -z "$left" ] || say_and_fail "Left behind: $left"
 for name in "${!killed[@]}"; do printf '%s: %d kills\n' "$name" "${killed[$name]}"; done
 echo "Nothing is left, and every next command worked."

@@ -1,0 +1,135 @@
+#include "tree/ArrangedRows.h"
+
+#include "Failure.h"
+#include "output/TextOutput.h"
+
+#include <QCollator>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// A row beside what it is sorted by.
+struct Keyed
+{
+    std::vector<QCollatorSortKey> texts;
+    std::vector<long long> numbers;
+    OrkaRoles row;
+    int number;
+};
+
+bool isBefore(const Keyed &a, const Keyed &b)
+{
+    for (size_t i = 0; i < a.texts.size(); ++i) {
+        const int order = a.texts.at(i).compare(b.texts.at(i));
+        if (order != 0)
+            return order < 0;
+    }
+    return a.numbers < b.numbers;
+}
+
+long long lengthOf(const OrkaRoles &row)
+{
+    const OrkaList<OrkaResource> resources = row.mediaData().resources();
+    return resources.isEmpty() ? 0 : resources.first().duration();
+}
+
+QStringList textsOf(SortKey key, const OrkaRoles &row)
+{
+    const OrkaMetaData data = row.mediaData().metaData();
+    switch (key) {
+    case SortKey::Title:
+        return {row.title().toString()};
+    case SortKey::Artist:
+        return {data.artist(), data.album()};
+    case SortKey::Album:
+    case SortKey::Track:
+        return {data.album()};
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+ArrangedRows::ArrangedRows(RowSource &source, int first, SortKey key, const QSet<QString> &kinds,
+    std::function<int(int)> trackOf)
+    : m_source(source)
+    , m_number(first)
+    , m_key(key)
+    , m_kinds(kinds)
+    , m_trackOf(std::move(trackOf))
+{
+}
+
+bool ArrangedRows::readPage(Rows *page)
+{
+    if (!m_source.next(page))
+        return false;
+    const QVector<OrkaRoles> all = std::exchange(page->rows, {});
+    page->numbers.clear();
+    for (const OrkaRoles &row : all) {
+        if (m_kinds.isEmpty() || m_kinds.contains(kindName(row.type()))) {
+            page->rows.append(row);
+            page->numbers.append(m_number);
+        }
+        ++m_number;
+    }
+    return true;
+}
+
+bool ArrangedRows::next(Rows *page)
+{
+    if (m_key == SortKey::Given)
+        return readPage(page);
+    if (m_failure)
+        std::rethrow_exception(std::exchange(m_failure, nullptr));
+    if (m_isRead)
+        return false;
+    m_isRead = true;
+    Rows part;
+    *page = Rows();
+    try {
+        while (readPage(&part)) {
+            const Rows before = std::exchange(*page, part);
+            page->rows = before.rows + part.rows;
+            page->numbers = before.numbers + part.numbers;
+        }
+    } catch (const Failure &) {
+        if (page->rows.isEmpty())
+            throw;
+        m_failure = std::current_exception();
+    }
+    sort(page);
+    return true;
+}
+
+void ArrangedRows::sort(Rows *rows) const
+{
+    // Without a language, bytes would be compared.
+    const QLocale locale;
+    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    std::vector<Keyed> keyed;
+    for (int i = 0; i < rows->rows.size(); ++i) {
+        Keyed entry{{}, {}, rows->rows.at(i), rows->numbers.at(i)};
+        for (const QString &text : textsOf(m_key, entry.row))
+            entry.texts.push_back(collator.sortKey(text));
+        if (m_key == SortKey::Date)
+            entry.numbers.push_back(
+                entry.row.mediaData().metaData().value(OrkaMetaData::Date()).toLongLong());
+        if (m_key == SortKey::Length)
+            entry.numbers.push_back(lengthOf(entry.row));
+        if (m_key == SortKey::Track || m_key == SortKey::Album)
+            entry.numbers.push_back(m_trackOf(entry.number));
+        keyed.push_back(entry);
+    }
+    std::stable_sort(keyed.begin(), keyed.end(), isBefore);
+    for (int i = 0; i < rows->rows.size(); ++i) {
+        rows->rows[i] = keyed.at(size_t(i)).row;
+        rows->numbers[i] = keyed.at(size_t(i)).number;
+    }
+}

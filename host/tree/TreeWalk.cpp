@@ -1,0 +1,48 @@
+#include "tree/TreeWalk.h"
+
+#include "Failure.h"
+#include "chain/Session.h"
+#include "tree/RowPages.h"
+
+TreeWalk::TreeWalk(Session &session, int depth, Take take, Fail fail)
+    : m_session(session)
+    , m_depth(depth)
+    , m_take(std::move(take))
+    , m_fail(std::move(fail))
+{
+}
+
+void TreeWalk::walk(const CMPath &path)
+{
+    walk(path, 0);
+}
+
+void TreeWalk::walk(const CMPath &path, int depth)
+{
+    m_way.append(path.base());
+    RowPages pages(m_session, path, {}, OrkaRoles::all());
+    Rows page;
+    try {
+        while (pages.next(&page)) {
+            for (const OrkaRoles &row : qAsConst(page.rows)) {
+                m_take(row, depth);
+                const bool isFolder = row.type() == OrkaRolesType::Container;
+                if (isFolder && depth + 1 < m_depth && !m_way.contains(row.path().base())) {
+                    m_session.setName(row.path(), row.title().toString());
+                    walk(row.path(), depth + 1);
+                }
+            }
+        }
+        if (pages.lacking() > 0) {
+            m_fail(QStringLiteral("%1 more rows are counted in %2 than its server gives.")
+                       .arg(QString::number(pages.lacking()), m_session.nameOf(path)));
+        }
+    } catch (const Failure &failure) {
+        const bool isOver = failure.error().name() == QLatin1String("output");
+        if (isOver || (depth == 0 && pages.position() == 0))
+            throw;
+        m_session.renewTime();
+        m_fail(failure.sentence());
+    }
+    m_way.removeLast();
+}
