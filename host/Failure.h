@@ -13,8 +13,7 @@ enum ExitStatus {
     WrongUsage = 2,
     /// No media service, no such place, no plug-in, no player.
     Missing = 3,
-    NoAnswer = 4,
-    Interrupted = 130
+    NoAnswer = 4
 };
 
 /// Ends a command: carries the status that the program ends with, a sentence for people (what

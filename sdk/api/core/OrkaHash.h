@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <api/core/export.h>
@@ -29,7 +30,7 @@ public:
     int size() const { return m_entries.size(); }
     bool contains(const QString &key) const { return indexOf(key) >= 0; }
     QStringList keys() const;
-    /// The entries in the order of their keys.
+    /// The entries in the order in which their keys were first set.
     QVector<Entry>::const_iterator begin() const { return m_entries.begin(); }
     QVector<Entry>::const_iterator end() const { return m_entries.end(); }
     /// An absent key gives an invalid variant.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <api/core/CMPath.h>
@@ -5,7 +6,7 @@
 #include <api/core/OrkaMediaData.h>
 #include <api/core/TrString.h>
 
-/// What a node is, from its MIME type alone.
+/// What a node is: a container, a search entry, or an item of the kind that its MIME type names.
 struct OrkaRolesType
 {
     enum Enum {

@@ -72,7 +72,6 @@ class PropertySet
 public:
     void insert(Prop prop) { m_bits.set(static_cast<size_t>(prop)); }
     bool contains(Prop prop) const { return m_bits.test(static_cast<size_t>(prop)); }
-    bool isEmpty() const { return m_bits.none(); }
     bool isAll() const { return m_bits.all(); }
     static PropertySet all();
 
