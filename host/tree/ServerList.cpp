@@ -116,6 +116,9 @@ bool ServerList::waitFor(const std::function<bool(const Servers &)> &enough)
 void ServerList::standStill(Milliseconds time)
 {
     bool changing = !m_session.mediaService().servers().isSettled();
+    // Those that the service knows may still be read by the worker.
+    if (!changing)
+        waitUntil([this] { return isComplete(); }, std::min(time, remaining()));
     while (changing && remaining().count() > 0) {
         changing = waitUntil([this] { return m_stale; }, std::min(time, remaining()));
         servers();

@@ -33,8 +33,8 @@ public:
     /// Waits until `enough` says so of the servers that are there, or all that are there are known,
     /// unless --wait was named. Returns whether it says so.
     bool waitFor(const std::function<bool(const Servers &)> &enough);
-    /// Waits until the list has stood still for this long, unless the media service has had its
-    /// time to find all servers.
+    /// Waits until the list has stood still for this long or, where the media service has had its
+    /// time to find all servers, until they are in it.
     void standStill(std::chrono::milliseconds time);
     /// Waits until there are servers and all that are there are known. Where the media service
     /// can't be asked for its own, a second without a change stands for that. `seen` is told of
