@@ -38,9 +38,8 @@ ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
 
 QDBusMessage ServiceCalls::managerCall(const QString &method)
 {
-    return QDBusMessage::createMethodCall(ServiceOnBus::busName(),
-        QStringLiteral("/com/intel/dLeynaServer"), QStringLiteral("com.intel.dLeynaServer.Manager"),
-        method);
+    return QDBusMessage::createMethodCall(ServiceOnBus::busName(), managerPath(),
+        QStringLiteral("com.intel.dLeynaServer.Manager"), method);
 }
 
 QDBusMessage ServiceCalls::bridgeCall(const QString &method, const QString &argument)

@@ -28,6 +28,9 @@ class ServiceCalls
 public:
     explicit ServiceCalls(std::chrono::milliseconds limit);
 
+    /// The object of the service itself.
+    static QString managerPath() { return QStringLiteral("/com/intel/dLeynaServer"); }
+
     /// A call of its manager, which lists the servers and announces them.
     static QDBusMessage managerCall(const QString &method);
 

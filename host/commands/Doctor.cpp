@@ -1,5 +1,6 @@
 #include "Failure.h"
 #include "chain/BusLimits.h"
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/StuckBus.h"
 #include "commands/Command.h"
@@ -10,6 +11,8 @@
 #include "tree/ServerList.h"
 
 #include <QStandardPaths>
+
+#include <algorithm>
 
 namespace {
 
@@ -133,6 +136,29 @@ void checkServers(Findings &findings, Session &session)
     }
 }
 
+/// What only our own bridge tells: where it can hear servers, and why one may be missing.
+void checkNetwork(Findings &findings)
+{
+    const ServiceCalls calls(std::chrono::seconds(5));
+    const QVariantMap bridge = propertiesOf(calls.everything(ServiceCalls::managerPath()));
+    if (!bridge.contains(QStringLiteral("Listening")))
+        return;
+    QStringList places = bridge.value(QStringLiteral("Listening")).toStringList();
+    places.erase(std::remove_if(places.begin(), places.end(),
+                     [](const QString &place) { return place.endsWith(QLatin1String(" on lo")); }),
+        places.end());
+    findings.add(places.isEmpty() ? Findings::Warning : Findings::Ok, "network",
+        places.isEmpty()
+            ? QStringLiteral("no interface of this machine carries multicast, by which media "
+                             "servers are found. Connect one, or name a server by its address: "
+                             "orka servers --add ADDRESS.")
+            : QStringLiteral("media servers are listened for at %1.")
+                  .arg(safeText(places.join(QStringLiteral(", ")))));
+    const QStringList troubles = bridge.value(QStringLiteral("Troubles")).toStringList();
+    for (const QString &trouble : troubles)
+        findings.add(Findings::Warning, "network", safeText(trouble));
+}
+
 void checkAddresses(Findings &findings)
 {
     const OrkaNetworkInfo info = NetworkPublisher::currentInfo();
@@ -203,6 +229,7 @@ private:
         Session session(options, std::move(service));
         findings.add(Findings::Ok, "plug-in", QStringLiteral("loaded."));
         checkServers(findings, session);
+        checkNetwork(findings);
     }
 };
 
