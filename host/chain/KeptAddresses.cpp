@@ -44,7 +44,9 @@ void writeLines(const QStringList &lines)
     const QByteArray text = lines.isEmpty()
         ? QByteArray()
         : (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+    // Asked to flush, it says that the disk is full; commit() alone doesn't.
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush()
+        || !file.commit()) {
         throw Failure(AnsweredWithError, QStringLiteral("notKept"),
             QStringLiteral("The addresses in %1 can't be written: %2.")
                 .arg(quoted(file.fileName()), safeText(file.errorString())));

@@ -112,7 +112,7 @@ void save(const QString &name, const QByteArray &pem)
     QSaveFile file(name);
     const bool isOpen = QDir().mkpath(QFileInfo(name).path()) && file.open(QIODevice::WriteOnly)
         && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    if (!isOpen || file.write(pem) != pem.size() || !file.commit()) {
+    if (!isOpen || file.write(pem) != pem.size() || !file.flush() || !file.commit()) {
         throw notMade(
             QStringLiteral("%1 can't be written: %2").arg(quoted(name), file.errorString()));
     }

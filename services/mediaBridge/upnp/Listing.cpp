@@ -122,6 +122,11 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
             fail(std::move(reply.failure));
         return;
     }
+    // The standard has it in every answer; where even the count is missing, nothing was answered.
+    if (reply.answer.values.count("Result") == 0 && reply.answer.value("NumberReturned") != "0") {
+        failUnreadable();
+        return;
+    }
     const auto total = parseAs<uint32_t>(reply.answer.value("TotalMatches")).value_or(0);
     const auto returned = parseAs<uint32_t>(reply.answer.value("NumberReturned")).value_or(0);
     m_total = std::max(m_total, total);
@@ -182,9 +187,7 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
     // The first page with objects that aren't there is no empty list.
     const bool lacksAll = m_lastFirstId.empty() && m_rowCount == 0 && m_reading->returned > 0;
     if (!list || (list->objects.empty() && (lacksAll || !list->isWhole))) {
-        fail({errors::operationFailed,
-            m_request.action + " operation failed: The list that \""
-                + m_server->description().friendlyName + "\" sent can't be read."});
+        failUnreadable();
         return;
     }
     checkCount(*list);
@@ -271,6 +274,13 @@ void Listing::fail(Failure failure)
 {
     m_total = 0;
     end({std::move(failure), 0, 0, false});
+}
+
+void Listing::failUnreadable()
+{
+    fail({errors::operationFailed,
+        m_request.action + " operation failed: The list that \""
+            + m_server->description().friendlyName + "\" sent can't be read."});
 }
 
 void Listing::failLate()

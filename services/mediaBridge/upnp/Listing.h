@@ -92,6 +92,7 @@ private:
     void readObject(const MediaObject &object);
     void tellTotal();
     void fail(Failure failure);
+    void failUnreadable();
     void failLate();
     void finish();
     void end(const ListEnd &result);
