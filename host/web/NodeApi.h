@@ -19,4 +19,3 @@ private:
     LiveChain &m_chain;
     CarriedAddresses &m_carried;
 };
-

@@ -109,7 +109,8 @@ Nodes ShelfWorker::children(const QString &base) const
 {
     Nodes nodes;
     for (const Entry &entry : entries) {
-        const QString path = QString::fromLatin1(entry.path), title = QString::fromUtf8(entry.title);
+        const QString path = QString::fromLatin1(entry.path),
+                      title = QString::fromUtf8(entry.title);
         if (base == QLatin1String(entry.parent))
             nodes.append(entry.url ? track(path, title, entry.url) : node(path, title));
     }

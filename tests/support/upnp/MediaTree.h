@@ -41,8 +41,8 @@ public:
     int childCount(const QString &id) const;
     /// The child in a row from 0 to `childCount() - 1`.
     MediaObject child(const QString &id, int row) const;
-    /// Objects below a container that fit ContentDirectory criteria of one relation (`=`, `contains`,
-    /// `derivedfrom`); "*" and "" fit all.
+    /// Objects below a container that fit ContentDirectory criteria of one relation (`=`,
+    /// `contains`, `derivedfrom`); "*" and "" fit all.
     QVector<MediaObject> matches(const QString &container, const QString &criteria) const;
 
 private:
