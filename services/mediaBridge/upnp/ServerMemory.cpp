@@ -4,6 +4,7 @@
 #include "core/Glib.h"
 #include "core/Limits.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -102,7 +103,17 @@ void ServerMemory::seen(RememberedServer server)
     if (isSame)
         return;
     known = std::move(server);
+    makeRoom();
     saveSoon();
+}
+
+/// The file holds no more, and whoever keeps making servers up would fill the memory.
+void ServerMemory::makeRoom()
+{
+    if (m_servers.size() <= limits::rememberedServers)
+        return;
+    m_servers.erase(std::min_element(m_servers.begin(), m_servers.end(),
+        [](const auto &a, const auto &b) { return a.second.lastSeen < b.second.lastSeen; }));
 }
 
 void ServerMemory::missed(const std::string &udn)
@@ -148,6 +159,8 @@ void ServerMemory::save()
             servers.push_back(std::move(server));
     }
     const int problem = replaceFile(m_file, printServers(std::move(servers)));
+    if (problem == 0)
+        m_forgotten.clear(); // the file no longer has them
     if (problem != 0)
         logInfo("servers can't be remembered in " + m_file + ": " + strerror(problem));
 }

@@ -32,6 +32,7 @@ public:
 
 private:
     std::vector<RememberedServer> read() const;
+    void makeRoom();
     void saveSoon();
     void save();
 
