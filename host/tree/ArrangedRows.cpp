@@ -93,9 +93,11 @@ bool ArrangedRows::next(Rows *page)
     *page = Rows();
     try {
         while (readPage(&part)) {
-            const Rows before = std::exchange(*page, part);
-            page->rows = before.rows + part.rows;
-            page->numbers = before.numbers + part.numbers;
+            page->rows += part.rows;
+            page->numbers += part.numbers;
+            page->rowsCount = part.rowsCount;
+            page->rowsVersion = part.rowsVersion;
+            page->roles = part.roles;
         }
     } catch (const Failure &) {
         if (page->rows.isEmpty())
