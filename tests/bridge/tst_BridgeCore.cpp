@@ -218,12 +218,15 @@ private Q_SLOTS:
 
     void malformedListsKeepWhatCameBefore()
     {
-        const auto list = parseDidl("<DIDL-Lite><item id='1'><dc:title>A</dc:title></item>"
-                                    "<item id='2'><dc:title>I <3 you</dc:title></item>");
-        QVERIFY(list && !list->isWhole);
-        QCOMPARE(list->objects.size(), size_t(2));
-        QCOMPARE(list->objects.front().title, "A");
-        QCOMPARE(list->objects.back().id, "2");
+        const std::string start = "<DIDL-Lite><item id='1'><dc:title>I <3 you</dc:title></item>";
+        const auto whole = parseDidl(start + "</DIDL-Lite>");
+        QVERIFY(whole && whole->isWhole && whole->objects.front().title == "I <3 you");
+        const std::string bad = "<item id='2'><dc:title>Rock<br>Pop</dc:title></item>";
+        for (const std::string &end : {std::string(), bad.substr(0, 9), bad.substr(0, 30), bad}) {
+            const auto list = parseDidl(start + end);
+            QVERIFY(list && !list->isWhole && list->endsAtFault == (end == bad));
+            QCOMPARE(list->objects.size(), size_t(1));
+        }
     }
 
     void entitiesDoNotBlowUp()

@@ -203,6 +203,7 @@ std::optional<DidlList> parseDidl(std::string didl, size_t maxObjects)
     if (localName(document.root().name()) != "DIDL-Lite")
         return std::nullopt;
     list.isWhole = document.isWhole();
+    pugi::xml_node last;
     for (const pugi::xml_node element : document.root().children()) {
         const std::string_view name = localName(element.name());
         if (name != "container" && name != "item")
@@ -213,6 +214,11 @@ std::optional<DidlList> parseDidl(std::string didl, size_t maxObjects)
             break;
         }
         list.objects.push_back(readObject(element, name == "container"));
+        last = element;
+    }
+    if (!list.isWhole && last && !document.isClosed(last)) {
+        list.objects.pop_back();
+        list.endsAtFault = !document.isCut();
     }
     return list;
 }

@@ -11,14 +11,16 @@ namespace bridge {
 struct DidlList
 {
     std::vector<MediaObject> objects;
-    /// False where the document is malformed: what comes after the last object is lost, and with it
-    /// perhaps a part of that object.
+    /// False where the document is malformed or cut: what comes after the last object is lost.
     bool isWhole = true;
+    /// The next object is malformed itself, rather than cut.
+    bool endsAtFault = false;
 };
 
 /// Reading ends behind `maxObjects`; texts and lists of an object have bounds of their own.
 /// Nothing comes back only where the text isn't DIDL-Lite at all; an empty text is an empty list.
-/// Whatever an object lacks or has wrong costs that one value: an object is never dropped.
+/// Whatever an object lacks or has wrong costs that one value; only one whose end isn't there is
+/// left out.
 std::optional<DidlList> parseDidl(
     std::string didl, size_t maxObjects = std::numeric_limits<uint32_t>::max());
 

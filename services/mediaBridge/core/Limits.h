@@ -110,6 +110,8 @@ inline constexpr size_t tags(size_t objects)
 }
 /// Resources of one object, and artists, and classes that may be created in it.
 inline constexpr size_t repeated = 64;
+/// Objects of one listing that are left out since they are malformed themselves.
+inline constexpr uint32_t lostObjects = 20;
 /// A text for people, in bytes. A longer one is cut, and ends in "…".
 inline constexpr size_t textBytes = size_t{16} << 10;
 /// An id and a URL, in bytes. A longer one is left out: cut, it would name something else.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <glib.h>
 
 namespace bridge {
 
@@ -40,6 +41,37 @@ void cutBehind(std::string &text, size_t maxTags)
     }
 }
 
+bool mayFollowBracket(char c)
+{
+    return g_ascii_isalpha(c) || std::strchr("/!?_:", c) || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// What isn't looked into: "<![CDATA[" or "<!--"; where it begins, its end, else `position`.
+size_t behindSection(const std::string &text, size_t position)
+{
+    for (const auto &[start, end] : {std::pair("<![CDATA[", "]]>"), std::pair("<!--", "-->")}) {
+        if (text.compare(position, std::strlen(start), start) == 0)
+            return std::min(text.find(end, position), text.size());
+    }
+    return position;
+}
+
+/// Escapes each "<" that begins no tag: "I <3 you".
+void escapeStrayBrackets(std::string &text)
+{
+    std::string escaped;
+    size_t done = 0;
+    for (size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at + 1)) {
+        at = behindSection(text, at);
+        if (at + 1 >= text.size() || text[at] != '<' || mayFollowBracket(text[at + 1]))
+            continue;
+        escaped.append(text, done, at - done).append("&lt;");
+        done = at + 1;
+    }
+    if (done > 0)
+        text = escaped.append(text, done, std::string::npos);
+}
+
 /// Without white space at an end that has a line break in it: it lays out the document.
 std::string_view withoutLayout(std::string_view text)
 {
@@ -68,7 +100,24 @@ XmlDocument::XmlDocument(std::string text, size_t maxTags)
     if (std::memchr(m_text.data(), 0, m_text.size()))
         m_text.erase(std::remove(m_text.begin(), m_text.end(), '\0'), m_text.end());
     cutBehind(m_text, maxTags);
-    m_isWhole = m_document.load_buffer_inplace(m_text.data(), m_text.size());
+    escapeStrayBrackets(m_text);
+    const auto result = m_document.load_buffer_inplace(m_text.data(), m_text.size());
+    m_isWhole = result;
+    m_faultAt = static_cast<size_t>(result.offset);
+}
+
+bool XmlDocument::isCut() const
+{
+    return !m_isWhole && m_text.find('>', m_faultAt) == std::string::npos;
+}
+
+bool XmlDocument::isClosed(pugi::xml_node last) const
+{
+    if (m_isWhole)
+        return true;
+    const std::string end = std::string("/") + last.name();
+    const size_t found = std::string_view(m_text).substr(0, m_faultAt).rfind(end);
+    return found != std::string::npos && static_cast<ptrdiff_t>(found) > last.offset_debug();
 }
 
 std::string_view localName(const char *name)

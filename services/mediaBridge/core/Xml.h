@@ -6,8 +6,9 @@
 
 namespace bridge {
 
-/// A parsed text. Takes what real servers send: an "&" that is none of XML's references stands for
-/// itself, documents can't define entities, and behind a fault everything read so far is kept.
+/// A parsed text. Takes what real servers send: an "&" that is none of XML's references and a "<"
+/// that begins no tag stand for themselves, documents can't define entities, and behind a fault
+/// everything read so far is kept.
 class XmlDocument
 {
 public:
@@ -18,12 +19,17 @@ public:
     pugi::xml_node root() const { return m_document.document_element(); }
     /// Whether the text was read to its end without a fault.
     bool isWhole() const { return m_isWhole; }
+    /// Whether no tag ends behind the fault: the rest of the text didn't come.
+    bool isCut() const;
+    /// Whether the end of the last element of its parent was read.
+    bool isClosed(pugi::xml_node last) const;
 
 private:
     // The nodes point into it.
     std::string m_text;
     pugi::xml_document m_document;
     bool m_isWhole = false;
+    size_t m_faultAt = 0;
 };
 
 /// Name without any prefix, declared or not.

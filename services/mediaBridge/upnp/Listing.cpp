@@ -186,21 +186,24 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 {
     // The first page with objects that aren't there is no empty list.
     const bool lacksAll = m_lastFirstId.empty() && m_rowCount == 0 && m_reading->returned > 0;
-    if (!list || (list->objects.empty() && (lacksAll || !list->isWhole))) {
+    const bool isNothing = !list || (list->objects.empty() && (lacksAll || !list->isWhole));
+    if (isNothing && !(list && list->endsAtFault && m_lost < limits::lostObjects)) {
         failUnreadable();
         return;
     }
+    const bool isSkipped = isNothing;
     checkCount(*list);
     const bool isRepeated = !list->objects.empty() && !list->objects.front().id.empty()
         && list->objects.front().id == m_lastFirstId;
     if (isRepeated)
         logWarning("\"" + m_server->description().friendlyName
             + "\" sends the same page again and again; the list ends with its first");
-    if (list->objects.empty() || isRepeated) {
+    if ((list->objects.empty() && !isSkipped) || isRepeated) {
         m_isAtEnd = true;
         list->objects.clear();
-    } else {
+    } else if (!isSkipped) {
         m_lastFirstId = list->objects.front().id;
+        leaveOutKnown(list->objects);
     }
     m_objects = std::move(list->objects);
     m_nextObject = 0;
@@ -211,21 +214,42 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 }
 
 /// The number that the server gave may be wrong; the objects that came are what counts.
-void Listing::checkCount(DidlList &list)
+void Listing::checkCount(const DidlList &list)
 {
+    auto count = static_cast<uint32_t>(list.objects.size());
     if (!list.isWhole) {
         logWarning("\"" + m_server->description().friendlyName
             + "\" sends a malformed list; going on behind what could be read of it");
-        // The last object may lack something, so it is asked for again; alone, it is all there is.
-        if (list.objects.size() > 1)
-            list.objects.pop_back();
     }
-    const auto count = static_cast<uint32_t>(list.objects.size());
+    if (count == 0 && list.endsAtFault) {
+        // The first of what was asked for is malformed itself, and would be again.
+        ++count;
+        ++m_lost;
+    }
+    m_cameShort = count < m_reading->returned;
     if (count == m_reading->returned)
         return;
     ++m_round;
     m_waiting.reset();
     m_position = m_reading->position + count;
+}
+
+/// Where fewer came than the server counted, it may have left some out on the way. Then what comes
+/// next begins with objects that were there already.
+void Listing::leaveOutKnown(std::vector<MediaObject> &objects)
+{
+    const auto isNew = [this](const MediaObject &object) {
+        return m_idsBefore.count(object.id) == 0;
+    };
+    const auto firstNew = std::find_if(objects.begin(), objects.end(), isNew);
+    std::set<std::string> ids;
+    for (auto object = objects.begin(); m_cameShort && object != objects.end(); ++object) {
+        if (!object->id.empty())
+            ids.insert(object->id);
+    }
+    m_lost += static_cast<uint32_t>(firstNew - objects.begin());
+    objects.erase(objects.begin(), firstNew);
+    m_idsBefore = std::move(ids);
 }
 
 void Listing::readSlice()
@@ -292,7 +316,13 @@ void Listing::failLate()
 
 void Listing::finish()
 {
-    const uint32_t seen = m_rowCount > 0 ? m_request.offset + m_rowCount : 0;
+    // Clients look elsewhere for what a search can't give, but only where it fails.
+    const bool isShort = m_request.action == "Search" && m_total > m_request.offset;
+    if (m_rowCount == 0 && (m_lost > 0 || isShort)) {
+        failUnreadable();
+        return;
+    }
+    const uint32_t seen = m_rowCount > 0 ? m_request.offset + m_rowCount + m_lost : 0;
     end({{}, m_rowCount, std::max(m_total, seen), m_total > 0});
 }
 

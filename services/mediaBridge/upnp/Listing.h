@@ -5,6 +5,7 @@
 #include "upnp/MediaServer.h"
 
 #include <chrono>
+#include <set>
 
 namespace bridge {
 
@@ -87,7 +88,8 @@ private:
     bool retrySmaller(const ActionReply &reply, uint32_t position);
     void parsePage();
     void gotObjects(std::optional<DidlList> list, bool isSmall);
-    void checkCount(DidlList &list);
+    void checkCount(const DidlList &list);
+    void leaveOutKnown(std::vector<MediaObject> &objects);
     void readSlice();
     void readObject(const MediaObject &object);
     void tellTotal();
@@ -117,6 +119,12 @@ private:
     /// Matching rows to leave out before the first one given, where the server can't do it.
     uint32_t m_toSkip = 0;
     uint32_t m_rowCount = 0;
+    /// Objects that the server counts and that it leaves out, or sends malformed.
+    uint32_t m_lost = 0;
+    /// The last page had fewer objects than the server said.
+    bool m_cameShort = false;
+    /// Of that page.
+    std::set<std::string> m_idsBefore;
     /// Raised when the pages under way turn out to start at the wrong place.
     unsigned m_round = 0;
     bool m_isRequesting = false;
