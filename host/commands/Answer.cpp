@@ -34,10 +34,10 @@ int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 
 } // namespace
 
-int writeRowsOf(
-    const GlobalOptions &options, const CMPath &path, RowSource &source, int first, int step)
+int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source, int first,
+    int step, bool isLong)
 {
-    RowsOutput output(options.json, path, first, step);
+    RowsOutput output(options.json, path, first, step, isLong);
     Rows page;
     try {
         while (source.next(&page))

@@ -18,5 +18,5 @@ void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRol
 /// Writes rows as they come, each page at once. Returns the status: where the rows end early it is
 /// AnsweredWithError, and standard error says what is missing and why. Throws Failure where nothing
 /// came at all.
-int writeRowsOf(
-    const GlobalOptions &options, const CMPath &path, RowSource &source, int first, int step = 1);
+int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source, int first,
+    int step = 1, bool isLong = false);

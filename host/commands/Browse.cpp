@@ -42,6 +42,8 @@ public:
             ->delimiter(',')
             ->allow_extra_args(false)
             ->check(CLI::IsMember({"folder", "track", "video", "image", "item"}).description(""));
+        parser().add_flag(
+            "-l,--long", m_isLong, "Genre, date, format, bit rate and path of each, too");
         parser().add_flag("-R,--recursive", m_recursive, "A tree of what is below");
         parser()
             .add_option("--depth", m_depth, "How many levels of it (3)")
@@ -52,10 +54,11 @@ public:
     int run(const GlobalOptions &options) override
     {
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
-        if (m_recursive && (m_key != SortKey::Given || !m_kinds.empty() || !m_rows.isNull())) {
+        if (m_recursive
+            && (m_key != SortKey::Given || !m_kinds.empty() || !m_rows.isNull() || m_isLong)) {
             throw wrongUsage(
                 QStringLiteral("A tree shows everything as the server orders it. Leave "
-                               "--sort, --kind and --rows out, or -R."));
+                               "--sort, --kind, --rows and --long out, or -R."));
         }
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
@@ -81,7 +84,7 @@ private:
         RowPages pages(session, path, range, OrkaRoles::all());
         ArrangedRows rows(
             pages, range.first, m_key, kinds, [&](int row) { return tracks.value(row); });
-        return writeRowsOf(session.options(), path, rows, range.first);
+        return writeRowsOf(session.options(), path, rows, range.first, 1, m_isLong);
     }
 
     int writeTree(Session &session, const CMPath &path) const
@@ -104,6 +107,7 @@ private:
     QString m_rows;
     SortKey m_key = SortKey::Given;
     std::vector<std::string> m_kinds;
+    bool m_isLong = false;
     bool m_recursive = false;
     int m_depth = 3;
 };

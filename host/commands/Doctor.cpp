@@ -7,6 +7,7 @@
 #include "output/JsonOutput.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
+#include "output/Terminal.h"
 #include "tree/SearchKinds.h"
 #include "tree/ServerList.h"
 
@@ -35,9 +36,11 @@ public:
         static const char *const words[] = {"ok", "warning", "missing"};
         m_anythingMissing = m_anythingMissing || verdict == Missing;
         if (!m_json) {
-            writeLine(QStringLiteral("%1  %2: %3")
-                          .arg(QLatin1String(words[verdict]), -7)
-                          .arg(QLatin1String(what), message));
+            using Terminal::Style;
+            static const Style styles[] = {Style::Good, Style::Doubtful, Style::Bad};
+            const QString word = padded(QLatin1String(words[verdict]), 7);
+            writeLine(Terminal::styled(word, styles[verdict])
+                + QStringLiteral("  %1: ").arg(QLatin1String(what)) + message);
         }
         OrkaHash check;
         check.setValue(QStringLiteral("what"), QString::fromLatin1(what));

@@ -106,7 +106,7 @@ public:
     bool isEmpty() const { return m_printed.isEmpty(); }
 
 private:
-    Table m_table{{QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}};
+    Table m_table{{QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}, {0}};
     QStringList m_printed;
 };
 

@@ -1,6 +1,7 @@
 #include "output/Progress.h"
 
 #include "output/SafeText.h"
+#include "output/Terminal.h"
 
 #include <cstdio>
 #include <unistd.h>
@@ -55,8 +56,10 @@ void Progress::show()
     if (programClock().elapsed() < 1000)
         return;
     isShown = true;
-    const QString line = QStringLiteral("\r\033[K%1 … %2 s (Ctrl-C stops)")
-                             .arg(m_doing)
-                             .arg(programClock().elapsed() / 1000);
+    const QString rest =
+        QStringLiteral(" … %1 s (Ctrl-C stops)").arg(programClock().elapsed() / 1000);
+    // A line that wraps couldn't be taken back.
+    const int room = Terminal::columns(STDERR_FILENO) - displayWidth(rest) - 1;
+    const QString line = QStringLiteral("\r\033[K") + shortenedInTheMiddle(m_doing, room) + rest;
     std::fputs(line.toUtf8().constData(), stderr);
 }

@@ -19,7 +19,8 @@ QString lengthInAll(int count, long long milliseconds)
 QueueOutput::QueueOutput(Format format)
     : m_format(format)
     , m_table({QStringLiteral("no."), QStringLiteral("title"), QStringLiteral("artist"),
-          QStringLiteral("album"), QStringLiteral("length")})
+                  QStringLiteral("album"), QStringLiteral("length")},
+          {3, 2, 1})
     , m_document(OrkaHash(), QStringLiteral("items"))
 {
 }

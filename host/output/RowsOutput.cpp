@@ -13,21 +13,46 @@ QString kindOf(const OrkaRoles &node)
         : kindName(node.type());
 }
 
-QString rowLength(const OrkaMediaData &media)
+OrkaResource resourceOf(const OrkaMediaData &media)
 {
     const OrkaList<OrkaResource> resources = media.resources();
-    return resources.isEmpty() ? QString() : lengthText(resources.first().duration());
+    return resources.isEmpty() ? OrkaResource() : resources.first();
+}
+
+QStringList heading(bool isLong)
+{
+    const QStringList usual = {QStringLiteral("row"), QStringLiteral("kind"),
+        QStringLiteral("title"), QStringLiteral("artist"), QStringLiteral("album"),
+        QStringLiteral("length")};
+    return isLong ? usual
+            + QStringList{QStringLiteral("genre"), QStringLiteral("date"), QStringLiteral("format"),
+                QStringLiteral("kbit/s"), QStringLiteral("path")}
+                  : usual;
+}
+
+/// What the long table has more, in the heading's order.
+QStringList moreOf(const OrkaRoles &row)
+{
+    const OrkaMediaData media = row.mediaData();
+    const OrkaMetaData about = media.metaData();
+    const OrkaResource resource = resourceOf(media);
+    const int bitsPerSecond = resource.value(OrkaResource::BitRate()).toInt();
+    return {about.value(OrkaMetaData::Genre()).toString(),
+        dateText(about.value(OrkaMetaData::Date()).toLongLong()),
+        resource.value(OrkaResource::MimeType()).toString(),
+        bitsPerSecond > 0 ? QString::number(bitsPerSecond / 1000) : QString(),
+        row.path().toEncoded()};
 }
 
 } // namespace
 
-RowsOutput::RowsOutput(bool json, const CMPath &path, int first, int step)
+RowsOutput::RowsOutput(bool json, const CMPath &path, int first, int step, bool isLong)
     : m_json(json)
     , m_path(path)
     , m_first(first)
     , m_step(step)
-    , m_table({QStringLiteral("row"), QStringLiteral("kind"), QStringLiteral("title"),
-          QStringLiteral("artist"), QStringLiteral("album"), QStringLiteral("length")})
+    , m_isLong(isLong)
+    , m_table(heading(isLong), isLong ? QVector<int>{6, 4, 3, 2} : QVector<int>{4, 3, 2})
 {
 }
 
@@ -55,8 +80,12 @@ void RowsOutput::add(const Rows &page)
 void RowsOutput::addToTable(const OrkaRoles &row, int number)
 {
     const OrkaMediaData media = row.mediaData();
-    m_table.add({QString::number(number), kindOf(row), row.title().toString(),
-        media.metaData().artist(), media.metaData().album(), rowLength(media)});
+    QStringList cells = {QString::number(number), kindOf(row), row.title().toString(),
+        media.metaData().artist(), media.metaData().album(),
+        lengthText(resourceOf(media).duration())};
+    if (m_isLong)
+        cells += moreOf(row);
+    m_table.add(cells, row.type() == OrkaRolesType::Container);
 }
 
 void RowsOutput::end(const CMError &error)

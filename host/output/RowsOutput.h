@@ -12,8 +12,9 @@
 class RowsOutput
 {
 public:
-    /// The number of the i-th row is `first` + i × `step`.
-    RowsOutput(bool json, const CMPath &path, int first, int step = 1);
+    /// The number of the i-th row is `first` + i × `step`. `isLong`: the table tells genre, date,
+    /// format, bit rate and path, too.
+    RowsOutput(bool json, const CMPath &path, int first, int step = 1, bool isLong = false);
 
     void add(const Rows &page);
     /// `error` is why the rows aren't all; none where they are.
@@ -31,6 +32,7 @@ private:
     const CMPath m_path;
     const int m_first;
     const int m_step;
+    const bool m_isLong;
     int m_rows = 0;
     int m_rowsCount = 0;
     Table m_table;

@@ -1,5 +1,6 @@
 #include "output/SafeText.h"
 
+#include <QTextBoundaryFinder>
 #include <QVector>
 
 #include <algorithm>
@@ -66,6 +67,34 @@ QString shortened(const QString &text, int most)
         return text;
     const int end = text.at(most - 2).isHighSurrogate() ? most - 2 : most - 1;
     return text.left(end) + QChar(0x2026);
+}
+
+QString shortenedInTheMiddle(const QString &text, int width)
+{
+    if (displayWidth(text) <= width)
+        return text;
+    QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
+    const auto before = [&](int columns) {
+        letters.toStart();
+        int end = 0;
+        for (int next = letters.toNextBoundary(); displayWidth(text.left(next)) <= columns;
+             next = letters.toNextBoundary()) {
+            end = next;
+        }
+        return text.left(end);
+    };
+    const auto after = [&](int columns) {
+        letters.toEnd();
+        int begin = text.size();
+        for (int next = letters.toPreviousBoundary(); displayWidth(text.mid(next)) <= columns;
+             next = letters.toPreviousBoundary()) {
+            begin = next;
+        }
+        return text.mid(begin);
+    };
+    const int room = qMax(0, width - 1);
+    const QString end = after(room / 2);
+    return before(room - displayWidth(end)) + QChar(0x2026) + end;
 }
 
 int displayWidth(const QString &text)

@@ -17,6 +17,10 @@ bool obeyedByTerminals(uint c);
 /// `text`, or its beginning and an ellipsis where it has more letters than `most`.
 QString shortened(const QString &text, int most);
 
+/// `text`, or its beginning, an ellipsis and its end where it takes more than `width` columns.
+/// Keeps what belongs to one letter together.
+QString shortenedInTheMiddle(const QString &text, int width);
+
 /// Columns that `text` takes on a terminal: two for a wide East Asian character, none for a
 /// combining one.
 int displayWidth(const QString &text);

@@ -14,8 +14,10 @@ SearchOutput::SearchOutput(int first, FolderOf folderOf)
     : m_first(first)
     , m_folderOf(std::move(folderOf))
     , m_trackTable({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("artist"),
-          QStringLiteral("album"), QStringLiteral("length")})
-    , m_folderTable({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("artist")})
+                       QStringLiteral("album"), QStringLiteral("length")},
+          {3, 2, 1})
+    , m_folderTable(
+          {QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("artist")}, {2, 1})
 {
 }
 
@@ -62,7 +64,7 @@ void SearchOutput::end()
 
 void SearchOutput::writeNamesakes() const
 {
-    Table table({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("in")});
+    Table table({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("in")}, {2, 1});
     int told = 0;
     for (const auto &[title, found] : m_byTitle) {
         for (int i = 0; found.size() > 1 && i < found.size() && told < mostNamesakes; ++i) {

@@ -5,21 +5,15 @@
 
 #include <QDateTime>
 
+#include <numeric>
+#include <unistd.h>
+
 namespace {
 
 constexpr int widestColumn = 40;
+constexpr int narrowestColumn = 12;
 constexpr int longestCell = 300;
 constexpr int enoughLines = 50;
-
-/// The day, with the time where it isn't midnight. A worker makes 0 of what is no date.
-QString dateText(long long milliseconds)
-{
-    const QDateTime date = QDateTime::fromMSecsSinceEpoch(milliseconds);
-    if (milliseconds == 0)
-        return QString();
-    return date.time() == QTime(0, 0) ? date.date().toString(Qt::ISODate)
-                                      : date.toString(Qt::ISODate);
-}
 
 /// A number that has a name or a unit, as people write it; anything else as text.
 QString valueText(const QString &key, const QVariant &value)
@@ -82,17 +76,19 @@ QString kindName(int type)
     }
 }
 
-Table::Table(const QStringList &heading)
-    : m_lines{heading}
+Table::Table(const QStringList &heading, const QVector<int> &leastUseful)
+    : m_lines{{heading, Terminal::Style::Faint}}
+    , m_leastUseful(leastUseful)
+    , m_columns(Terminal::columns(STDOUT_FILENO))
 {
 }
 
-void Table::add(const QStringList &cells)
+void Table::add(const QStringList &cells, bool isStrong)
 {
-    QStringList line;
+    QStringList safe;
     for (const QString &cell : cells)
-        line.append(shortened(safeText(cell), longestCell));
-    m_lines.append(line);
+        safe.append(shortened(safeText(cell), longestCell));
+    m_lines.append({safe, isStrong ? Terminal::Style::Strong : Terminal::Style::Plain});
 }
 
 void Table::flush(int firstColumn)
@@ -103,23 +99,47 @@ void Table::flush(int firstColumn)
     write();
 }
 
+void Table::measure()
+{
+    const int widest = m_columns > 0 ? longestCell : widestColumn;
+    m_widths.fill(0, m_lines.first().cells.size());
+    m_widths[0] = m_least;
+    for (const Line &line : qAsConst(m_lines)) {
+        for (int i = 0; i < line.cells.size(); ++i)
+            m_widths[i] = qMax(m_widths[i], qMin(displayWidth(line.cells.at(i)), widest));
+    }
+    if (m_columns == 0)
+        return;
+    int tooWide =
+        std::accumulate(m_widths.begin(), m_widths.end(), 2 * m_widths.size()) - m_columns;
+    for (const int column : qAsConst(m_leastUseful)) {
+        const int less = qBound(0, tooWide, qMax(0, m_widths[column] - narrowestColumn));
+        m_widths[column] -= less;
+        tooWide -= less;
+    }
+}
+
+QString Table::textOf(const Line &line) const
+{
+    QString text;
+    for (int i = 0; i < line.cells.size(); ++i) {
+        const QString &cell = line.cells.at(i);
+        text += padded(m_leastUseful.contains(i) && m_columns > 0
+                        ? shortenedInTheMiddle(cell, m_widths.at(i))
+                        : cell,
+                    m_widths.at(i))
+            + QStringLiteral("  ");
+    }
+    return QStringLiteral("  ") + Terminal::styled(text.trimmed(), line.style) + QLatin1Char('\n');
+}
+
 void Table::write()
 {
-    if (m_widths.isEmpty()) {
-        m_widths.fill(0, m_lines.first().size());
-        m_widths[0] = m_least;
-        for (const QStringList &line : qAsConst(m_lines)) {
-            for (int i = 0; i < line.size(); ++i)
-                m_widths[i] = qMax(m_widths[i], qMin(displayWidth(line.at(i)), widestColumn));
-        }
-    }
+    if (m_widths.isEmpty())
+        measure();
     QString text;
-    for (const QStringList &line : qAsConst(m_lines)) {
-        QString cells;
-        for (int i = 0; i < line.size(); ++i)
-            cells += padded(line.at(i), m_widths.at(i)) + QStringLiteral("  ");
-        text += QStringLiteral("  ") + cells.trimmed() + QLatin1Char('\n');
-    }
+    for (const Line &line : qAsConst(m_lines))
+        text += textOf(line);
     m_lines.clear();
     writeText(text.toUtf8());
 }
@@ -136,6 +156,15 @@ QString lengthText(long long milliseconds)
                                 .arg(seconds / 3600)
                                 .arg(seconds / 60 % 60, 2, 10, zero)
                                 .arg(tail);
+}
+
+QString dateText(long long milliseconds)
+{
+    const QDateTime date = QDateTime::fromMSecsSinceEpoch(milliseconds);
+    if (milliseconds == 0)
+        return QString();
+    return date.time() == QTime(0, 0) ? date.date().toString(Qt::ISODate)
+                                      : date.toString(Qt::ISODate);
 }
 
 void writeRoles(const OrkaHash &roles)

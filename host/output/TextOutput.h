@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/Terminal.h"
+
 #include <api/core/OrkaRoles.h>
 
 #include <QStringList>
@@ -7,13 +9,17 @@
 
 /// What people read. Every text from outside is made safe for the terminal first.
 
-/// Lines in which columns stand below each other, as wide as the first lines need; a cell wider
-/// than that, or than 40 columns, pushes the rest of its line to the right instead of being cut.
+/// Lines in which columns stand below each other, as wide as the first lines need. On a terminal a
+/// line is at most as wide as that: what doesn't fit is shortened in the middle. Elsewhere nothing
+/// is cut: a cell wider than its column, or than 40, pushes the rest of its line to the right.
 class Table
 {
 public:
-    explicit Table(const QStringList &heading);
-    void add(const QStringList &cells);
+    /// Columns that are made narrower where the terminal is too narrow, by number, the least useful
+    /// first.
+    Table(const QStringList &heading, const QVector<int> &leastUseful);
+    /// `isStrong`: the line stands out where there are colours.
+    void add(const QStringList &cells, bool isStrong = false);
     /// Writes the lines that are there, if they are enough to know the columns' widths by; numbers
     /// in the first column may become `firstColumn` digits long.
     void flush(int firstColumn);
@@ -21,10 +27,22 @@ public:
     void write();
 
 private:
-    QVector<QStringList> m_lines;
+    struct Line
+    {
+        QStringList cells;
+        Terminal::Style style;
+    };
+
+    void measure();
+    QString textOf(const Line &line) const;
+
+    QVector<Line> m_lines;
+    QVector<int> m_leastUseful;
     /// Empty until lines have been written.
     QVector<int> m_widths;
     int m_least = 0;
+    /// The terminal's; 0 for none.
+    int m_columns;
 };
 
 /// "folder", "track" and so on, of an OrkaRolesType.
@@ -32,6 +50,10 @@ QString kindName(int type);
 
 /// "3:05", "1:02:03"; empty for nothing.
 QString lengthText(long long milliseconds);
+
+/// The day, with the time where it isn't midnight; empty for 0, which a worker makes of what is no
+/// date.
+QString dateText(long long milliseconds);
 
 /// Every role on a line of its own, records indented below their name.
 void writeRoles(const OrkaHash &roles);

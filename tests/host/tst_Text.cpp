@@ -146,6 +146,9 @@ void tst_Text::widthsAndLengths()
     check(width,
         {{"abc", "3abcabc  ."}, {"漢字", "4漢字漢字 ."}, {"e\u0301", "1e\u0301e\u0301    ."},
             {"🎵", "2🎵🎵   ."}});
+    check([](const QString &text) { return shortenedInTheMiddle(text, 5); },
+        {{"abcde", "abcde"}, {"abcdefg", "ab…fg"}, {"漢字漢字", "漢…字"},
+            {"e\u0301e\u0301e\u0301xyz", "e\u0301e\u0301…yz"}});
     check([](const QString &milliseconds) { return lengthText(milliseconds.toLongLong()); },
         {{"-1", ""}, {"4600", "0:05"}, {"185000", "3:05"}, {"3723000", "1:02:03"}});
 }
