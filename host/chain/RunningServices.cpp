@@ -1,10 +1,10 @@
 #include "chain/RunningServices.h"
 
 #include "Failure.h"
-#include "chain/Bridge.h"
+#include "chain/BridgeProcess.h"
 #include "chain/Bus.h"
 #include "chain/ServiceCalls.h"
-#include "chain/ServiceOnBus.h"
+#include "chain/ServiceStarter.h"
 #include "chain/StuckBus.h"
 #include "chain/UsersBus.h"
 #include "chain/Wait.h"
@@ -41,7 +41,7 @@ bool endOn(const QString &name)
     const QString description = QStringLiteral("the bus %1").arg(quoted(name));
     inTimeOnBus(description, answerLimit, [name] { orkaOpenDBusConnection(name); });
     const Bus bus(orkaDBusConnection(), answerLimit);
-    const QString service = ServiceOnBus::busName();
+    const QString service = ServiceStarter::busName();
     const QString owner = bus.owner(service);
     if (owner.isEmpty())
         return false;
@@ -49,7 +49,7 @@ bool endOn(const QString &name)
     const uint process = bus.processOf(owner);
     const QDBusMessage stop = ServiceCalls::bridgeCall(QStringLiteral("Stop"));
     if (bus.send(stop).type() != QDBusMessage::ReplyMessage
-        && !(Bridge::isLasting(process) && kill(pid_t(process), SIGTERM) == 0)) {
+        && !(BridgeProcess::isLasting(process) && kill(pid_t(process), SIGTERM) == 0)) {
         throw Failure(AnsweredWithError, QStringLiteral("notOurs"),
             QStringLiteral("The media service %1 isn't the bridge of this program, so it is left "
                            "alone. End it as it was started.")

@@ -1,7 +1,7 @@
 #include "chain/ServiceCalls.h"
 
 #include "chain/Bus.h"
-#include "chain/ServiceOnBus.h"
+#include "chain/ServiceStarter.h"
 
 #include <api/core/orka.h>
 
@@ -38,7 +38,7 @@ ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
 
 QDBusMessage ServiceCalls::managerCall(const QString &method)
 {
-    return QDBusMessage::createMethodCall(ServiceOnBus::busName(), managerPath(),
+    return QDBusMessage::createMethodCall(ServiceStarter::busName(), managerPath(),
         QStringLiteral("com.intel.dLeynaServer.Manager"), method);
 }
 
@@ -73,7 +73,7 @@ ServiceAnswer ServiceCalls::call(const QString &object, const QString &interface
     const QString &method, const QVariantList &arguments) const
 {
     QDBusMessage call =
-        QDBusMessage::createMethodCall(ServiceOnBus::busName(), object, interface, method);
+        QDBusMessage::createMethodCall(ServiceStarter::busName(), object, interface, method);
     call.setArguments(arguments);
     return send(call);
 }

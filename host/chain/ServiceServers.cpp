@@ -1,7 +1,7 @@
 #include "chain/ServiceServers.h"
 
 #include "chain/ServiceCalls.h"
-#include "chain/ServiceOnBus.h"
+#include "chain/ServiceStarter.h"
 
 #include <api/core/orka.h>
 

@@ -43,12 +43,12 @@ Failure noAnswer(const QString &node, Milliseconds limit)
 } // namespace
 
 Session::Session(const GlobalOptions &options, Errors errors)
-    : Session(options, std::make_unique<ServiceOnBus>(options))
+    : Session(options, std::make_unique<ServiceStarter>(options))
 {
     m_errors = errors;
 }
 
-Session::Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> mediaService)
+Session::Session(const GlobalOptions &options, std::unique_ptr<ServiceStarter> mediaService)
     : m_options(options)
     , m_mediaService(std::move(mediaService))
 {
@@ -101,7 +101,7 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     const CMReplyWatcherObject watcher(reply);
     Wait wait(remaining(), doing);
     QObject::connect(&watcher, &CMReplyWatcherObject::finishedSignal, &wait, &Wait::wake);
-    QObject::connect(m_mediaService.get(), &ServiceOnBus::gone, &wait, &Wait::wake);
+    QObject::connect(m_mediaService.get(), &ServiceStarter::gone, &wait, &Wait::wake);
     m_asked.start();
     const bool inTime =
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });

@@ -3,7 +3,7 @@
 #include "GlobalOptions.h"
 #include "chain/Diagnosis.h"
 #include "chain/NetworkPublisher.h"
-#include "chain/ServiceOnBus.h"
+#include "chain/ServiceStarter.h"
 
 #include <api/core/CMSyncWorker.h>
 
@@ -31,11 +31,11 @@ public:
     /// Throws Failure (missing) where a part of the chain isn't there.
     explicit Session(const GlobalOptions &options, Errors errors = Explained);
     /// With a media service that is there already.
-    Session(const GlobalOptions &options, std::unique_ptr<ServiceOnBus> mediaService);
+    Session(const GlobalOptions &options, std::unique_ptr<ServiceStarter> mediaService);
 
     const GlobalOptions &options() const { return m_options; }
-    ServiceOnBus &mediaService() { return *m_mediaService; }
-    const ServiceOnBus &mediaService() const { return *m_mediaService; }
+    ServiceStarter &mediaService() { return *m_mediaService; }
+    const ServiceStarter &mediaService() const { return *m_mediaService; }
     /// The node whose rows are the media servers.
     CMPath root() const { return path(QString()); }
     CMPath path(const QString &base) const { return CMPath(m_worker->prefix(), base); }
@@ -90,7 +90,7 @@ private:
     QElapsedTimer m_asked;
     QHash<QString, QString> m_names;
     NetworkPublisher m_network;
-    std::unique_ptr<ServiceOnBus> m_mediaService;
+    std::unique_ptr<ServiceStarter> m_mediaService;
     std::unique_ptr<CMSyncWorker> m_worker;
 };
 

@@ -65,7 +65,7 @@ private:
     QVariantList m_checks;
 };
 
-void checkBusLimits(Findings &findings, const ServiceOnBus &service)
+void checkBusLimits(Findings &findings, const ServiceStarter &service)
 {
     const PendingReplies replies = measurePendingReplies(service.bus(), service.busDescription());
     if (!replies.error.isEmpty()) {
@@ -88,7 +88,7 @@ void checkBusLimits(Findings &findings, const ServiceOnBus &service)
     }
 }
 
-QString lifeOf(const ServiceOnBus &service)
+QString lifeOf(const ServiceStarter &service)
 {
     if (service.isForThisRun())
         return QStringLiteral(", started for this run");
@@ -100,14 +100,14 @@ QString lifeOf(const ServiceOnBus &service)
 }
 
 /// Whether it can be asked.
-bool checkMediaService(Findings &findings, ServiceOnBus &service)
+bool checkMediaService(Findings &findings, ServiceStarter &service)
 {
     findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
     checkBusLimits(findings, service);
     const bool answers = service.answers();
     findings.add(answers ? Findings::Ok : Findings::Missing, "media service",
         QStringLiteral("%1 has the name %2%3.")
-            .arg(safeText(service.program()), ServiceOnBus::busName(),
+            .arg(safeText(service.program()), ServiceStarter::busName(),
                 !answers ? QStringLiteral(" but doesn't answer. End it, or start it again")
                          : lifeOf(service)));
     return answers;
@@ -221,7 +221,7 @@ public:
 private:
     static void checkChain(Findings &findings, const GlobalOptions &options)
     {
-        auto service = std::make_unique<ServiceOnBus>(options);
+        auto service = std::make_unique<ServiceStarter>(options);
         try {
             if (!checkMediaService(findings, *service))
                 return;

@@ -146,7 +146,7 @@ private:
         KeptAddresses::check(m_add);
         KeptAddresses::add(m_add);
         options.servers.append(m_add);
-        ServiceOnBus service(options);
+        ServiceStarter service(options);
         Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
         QObject::connect(&service.namedServers(), &NamedServers::changed, &wait, &Wait::wake);
         wait.until([&] { return !service.namedServers().isPending(); });
@@ -167,7 +167,7 @@ private:
                                        : QStringLiteral("these are: ")
                                 + safeText(kept.join(QStringLiteral(", ")))));
         }
-        const ServiceOnBus service(options);
+        const ServiceStarter service(options);
         Bus(orkaDBusConnection(), std::min(options.timeout, questionLimit))
             .send(ServiceCalls::bridgeCall(QStringLiteral("ForgetServer"), m_forget));
         return Answered;
@@ -220,7 +220,7 @@ private:
         for (;;) {
             if (!reader.isEnabled())
                 writeLine(QString()); // ends us now, as the next event would
-            ServiceOnBus &service = session.mediaService();
+            ServiceStarter &service = session.mediaService();
             if (arrivals.isServiceThere() && service.isThere()) {
                 look(arrivals, session, servers);
             } else if (arrivals.isServiceThere()) {
@@ -247,14 +247,14 @@ private:
 
     static void waitForChange(Session &session, ServerList &servers, QSocketNotifier &reader)
     {
-        ServiceOnBus &service = session.mediaService();
+        ServiceStarter &service = session.mediaService();
         Wait change(lookEvery);
         QObject::connect(&reader, &QSocketNotifier::activated, &change, &Wait::wake);
         QObject::connect(&servers, &ServerList::changed, &change, &Wait::wake);
-        QObject::connect(&service, &ServiceOnBus::gone, &change, &Wait::wake);
-        QObject::connect(&service, &ServiceOnBus::back, &change, &Wait::wake);
+        QObject::connect(&service, &ServiceStarter::gone, &change, &Wait::wake);
+        QObject::connect(&service, &ServiceStarter::back, &change, &Wait::wake);
         bool isBack = false;
-        QObject::connect(&service, &ServiceOnBus::back, &change, [&] { isBack = true; });
+        QObject::connect(&service, &ServiceStarter::back, &change, [&] { isBack = true; });
         const bool wasThere = service.isThere();
         change.until([&] {
             return isBack || servers.isStale() || service.isThere() != wasThere

@@ -79,8 +79,8 @@ bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit
 {
     Wait wait(limit, QStringLiteral("Looking for media servers"));
     connect(this, &ServerList::changed, &wait, &Wait::wake);
-    ServiceOnBus &service = m_session.mediaService();
-    connect(&service, &ServiceOnBus::gone, &wait, &Wait::wake);
+    ServiceStarter &service = m_session.mediaService();
+    connect(&service, &ServiceStarter::gone, &wait, &Wait::wake);
     connect(&service.servers(), &ServiceServers::changed, &wait, &Wait::wake);
     connect(&service.namedServers(), &NamedServers::changed, &wait, &Wait::wake);
     QTimer look; // for what becomes true by the time alone
@@ -140,7 +140,7 @@ void ServerList::settle(const std::function<void(const Servers &)> &seen)
 bool ServerList::mayBeEmpty() const
 {
     const GlobalOptions &options = m_session.options();
-    const ServiceOnBus &service = m_session.mediaService();
+    const ServiceStarter &service = m_session.mediaService();
     return !options.waitIsNamed && service.isBridge() && service.servers().age() >= options.wait;
 }
 

@@ -68,7 +68,7 @@ void LiveChain::begin()
     m_session = std::make_unique<Session>(m_options);
     m_isLost = false;
     m_trouble.clear();
-    connect(&m_session->mediaService(), &ServiceOnBus::gone, this, &LiveChain::lose);
+    connect(&m_session->mediaService(), &ServiceStarter::gone, this, &LiveChain::lose);
 }
 
 void LiveChain::lose()

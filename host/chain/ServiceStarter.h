@@ -2,7 +2,7 @@
 
 #include "Failure.h"
 #include "GlobalOptions.h"
-#include "chain/Bridge.h"
+#include "chain/BridgeProcess.h"
 #include "chain/BusDaemon.h"
 #include "chain/NamedServers.h"
 #include "chain/ServiceServers.h"
@@ -16,17 +16,17 @@
 class Bus;
 class UsersBus;
 
-/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: the one
-/// that the bus has or can activate, or our bridge, on a private bus where there is no session bus.
-/// A bridge that it starts stays for the next command (--linger), or ends with it.
-class ServiceOnBus : public QObject
+/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: it takes
+/// the one that the bus has or can activate, or starts our bridge, on a private bus where there is
+/// no session bus. A bridge that it starts stays for the next command (--linger), or ends with it.
+class ServiceStarter : public QObject
 {
     Q_OBJECT
 
 public:
     /// Throws Failure (missing) with a sentence where there can't be one.
-    explicit ServiceOnBus(const GlobalOptions &options);
-    ~ServiceOnBus() override;
+    explicit ServiceStarter(const GlobalOptions &options);
+    ~ServiceStarter() override;
 
     static QString busName() { return QStringLiteral("com.intel.dleyna-server"); }
 
@@ -93,7 +93,7 @@ private:
     QString m_bus;
     QString m_busDescription;
     std::unique_ptr<BusDaemon> m_busDaemon;
-    std::unique_ptr<Bridge> m_bridge;
+    std::unique_ptr<BridgeProcess> m_bridge;
     QDBusServiceWatcher m_watcher;
     /// The service's unique name on the bus.
     QString m_owner;

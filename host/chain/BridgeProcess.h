@@ -13,14 +13,14 @@ class UsersBus;
 
 /// The bridge's program, and the process that we start of it: one that ends with us, or one that
 /// outlives us by its idle time.
-class Bridge : public QObject
+class BridgeProcess : public QObject
 {
     Q_OBJECT
 
 public:
     /// Throws Failure (missing) where the program isn't there.
-    explicit Bridge(const GlobalOptions &options);
-    ~Bridge() override;
+    explicit BridgeProcess(const GlobalOptions &options);
+    ~BridgeProcess() override;
 
     /// On a bus that is there: to outlive us where `lasts`.
     void start(const QString &bus, bool lasts);

@@ -1,4 +1,4 @@
-#include "chain/ServiceOnBus.h"
+#include "chain/ServiceStarter.h"
 
 #include "Failure.h"
 #include "chain/Bus.h"
@@ -51,32 +51,32 @@ QString tookTooLong(std::chrono::milliseconds limit)
 /// Whether the service was a bridge of ours that an older program had left; it has been ended.
 bool endedOutdated(const Bus &bus, const GlobalOptions &options)
 {
-    const uint process = bus.processOf(bus.owner(ServiceOnBus::busName()));
-    if (!Bridge::isOutdated(process, options) || kill(pid_t(process), SIGTERM) != 0)
+    const uint process = bus.processOf(bus.owner(ServiceStarter::busName()));
+    if (!BridgeProcess::isOutdated(process, options) || kill(pid_t(process), SIGTERM) != 0)
         return false;
     Wait wait(endLimit);
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
     look.start(lookEvery);
-    if (!wait.until([&] { return bus.owner(ServiceOnBus::busName()).isEmpty(); }))
+    if (!wait.until([&] { return bus.owner(ServiceStarter::busName()).isEmpty(); }))
         kill(pid_t(process), SIGKILL);
     return true;
 }
 
 } // namespace
 
-ServiceOnBus::ServiceOnBus(const GlobalOptions &options)
+ServiceStarter::ServiceStarter(const GlobalOptions &options)
     : m_options(options)
 {
     begin();
 }
 
-ServiceOnBus::~ServiceOnBus()
+ServiceStarter::~ServiceStarter()
 {
     m_watcher.disconnect(this);
 }
 
-void ServiceOnBus::begin()
+void ServiceStarter::begin()
 {
     m_clock.start();
     m_bridge.reset();
@@ -86,7 +86,7 @@ void ServiceOnBus::begin()
     watch();
 }
 
-void ServiceOnBus::openBus()
+void ServiceStarter::openBus()
 {
     m_bus = m_options.bus;
     m_busDescription = describeBus(m_bus);
@@ -104,9 +104,9 @@ void ServiceOnBus::openBus()
     startPrivately();
 }
 
-void ServiceOnBus::startPrivately()
+void ServiceStarter::startPrivately()
 {
-    m_bridge = std::make_unique<Bridge>(m_options);
+    m_bridge = std::make_unique<BridgeProcess>(m_options);
     if (m_options.serviceStays()) {
         useUsersBus();
     } else {
@@ -117,7 +117,7 @@ void ServiceOnBus::startPrivately()
     }
 }
 
-void ServiceOnBus::requireMayStart() const
+void ServiceStarter::requireMayStart() const
 {
     if (!m_options.mayStartService) {
         throw missing(QStringLiteral("noMediaService"),
@@ -125,7 +125,7 @@ void ServiceOnBus::requireMayStart() const
     }
 }
 
-void ServiceOnBus::startBus()
+void ServiceStarter::startBus()
 {
     m_busDaemon = std::make_unique<BusDaemon>();
     m_bus = m_busDaemon->address();
@@ -140,7 +140,7 @@ void ServiceOnBus::startBus()
 
 /// Whichever command comes first starts it; the others wait for that, or for what is left of an
 /// earlier one to end.
-void ServiceOnBus::useUsersBus()
+void ServiceStarter::useUsersBus()
 {
     UsersBus users;
     m_bus = users.address();
@@ -166,7 +166,7 @@ void ServiceOnBus::useUsersBus()
     m_bridge->isStarted();
 }
 
-bool ServiceOnBus::isOnUsersBus(const UsersBus &users)
+bool ServiceStarter::isOnUsersBus(const UsersBus &users)
 {
     const bool isOpen = orkaDBusConnection().isConnected()
         || (users.isListening() && openInTime(m_bus, remaining()));
@@ -175,12 +175,12 @@ bool ServiceOnBus::isOnUsersBus(const UsersBus &users)
 }
 
 /// False where the bridge has to do it; throws where it mustn't.
-bool ServiceOnBus::useServiceOnBus()
+bool ServiceStarter::useServiceOnBus()
 {
     const Bus bus(orkaDBusConnection(), remaining());
     const QString owner = bus.owner(busName());
     if (m_options.mediaService == MediaServiceSource::Bridge
-        && !Bridge::isLasting(bus.processOf(owner)))
+        && !BridgeProcess::isLasting(bus.processOf(owner)))
         return false;
     if (!owner.isEmpty() && !endedOutdated(bus, m_options))
         return true;
@@ -205,19 +205,19 @@ bool ServiceOnBus::useServiceOnBus()
     return false;
 }
 
-void ServiceOnBus::startBridge()
+void ServiceStarter::startBridge()
 {
     const Bus bus(orkaDBusConnection(), remaining());
     if (!bus.owner(busName()).isEmpty()) {
         takenName(); // a bridge was asked for, and somebody else has the name
         return;
     }
-    m_bridge = std::make_unique<Bridge>(m_options);
+    m_bridge = std::make_unique<BridgeProcess>(m_options);
     m_bridge->start(m_bus, m_options.serviceStays());
     waitForBridge();
 }
 
-void ServiceOnBus::takenName()
+void ServiceStarter::takenName()
 {
     if (m_options.bus == QLatin1String("session")) {
         startPrivately();
@@ -229,20 +229,20 @@ void ServiceOnBus::takenName()
             .arg(m_busDescription, busName()));
 }
 
-std::chrono::milliseconds ServiceOnBus::startTime() const
+std::chrono::milliseconds ServiceStarter::startTime() const
 {
     return std::min<std::chrono::milliseconds>(startLimit, remaining());
 }
 
 /// Until somebody owns the name: our bridge, or one that another program started meanwhile.
-void ServiceOnBus::waitForBridge()
+void ServiceStarter::waitForBridge()
 {
     QDBusServiceWatcher arrival(
         busName(), orkaDBusConnection(), QDBusServiceWatcher::WatchForRegistration);
     const std::chrono::milliseconds limit = startTime();
     Wait wait(limit, QStringLiteral("Starting the media service"));
     connect(&arrival, &QDBusServiceWatcher::serviceRegistered, &wait, &Wait::wake);
-    connect(m_bridge.get(), &Bridge::ended, &wait, &Wait::wake);
+    connect(m_bridge.get(), &BridgeProcess::ended, &wait, &Wait::wake);
 
     const Bus bus(orkaDBusConnection(), startLimit);
     const auto owned = [&bus] {
@@ -254,7 +254,7 @@ void ServiceOnBus::waitForBridge()
     m_bridge->isStarted();
 }
 
-void ServiceOnBus::watch()
+void ServiceStarter::watch()
 {
     m_watcher.disconnect(this);
     m_watcher.setConnection(orkaDBusConnection());
@@ -271,7 +271,7 @@ void ServiceOnBus::watch()
     meet(Bus(orkaDBusConnection(), m_options.timeout).owner(busName()));
 }
 
-void ServiceOnBus::meet(const QString &owner)
+void ServiceStarter::meet(const QString &owner)
 {
     const Bus bus(orkaDBusConnection(), m_options.timeout);
     m_owner = owner;
@@ -285,20 +285,20 @@ void ServiceOnBus::meet(const QString &owner)
 }
 
 /// Of the time that a start may take in all.
-std::chrono::milliseconds ServiceOnBus::remaining() const
+std::chrono::milliseconds ServiceStarter::remaining() const
 {
     const std::chrono::milliseconds left =
         m_options.timeout - std::chrono::milliseconds(m_clock.elapsed());
     return std::max(left, std::chrono::milliseconds(0));
 }
 
-void ServiceOnBus::leave()
+void ServiceStarter::leave()
 {
     m_there = false;
     emit gone();
 }
 
-bool ServiceOnBus::returns()
+bool ServiceStarter::returns()
 {
     const bool isConnected = orkaDBusConnection().isConnected();
     if (!isConnected && !m_bridge) {
@@ -325,46 +325,47 @@ bool ServiceOnBus::returns()
     return m_there;
 }
 
-bool ServiceOnBus::isLasting() const
+bool ServiceStarter::isLasting() const
 {
-    return Bridge::isLasting(Bus(orkaDBusConnection(), m_options.timeout).processOf(m_owner));
+    return BridgeProcess::isLasting(
+        Bus(orkaDBusConnection(), m_options.timeout).processOf(m_owner));
 }
 
-QDateTime ServiceOnBus::startedAt() const
+QDateTime ServiceStarter::startedAt() const
 {
     const Bus bus(orkaDBusConnection(), m_options.timeout);
     return QDateTime::currentDateTime().addMSecs(-bus.ageOf(m_owner).count());
 }
 
-QString ServiceOnBus::program() const
+QString ServiceStarter::program() const
 {
     return Bus(orkaDBusConnection(), m_options.timeout).describeOwner(m_owner);
 }
 
-bool ServiceOnBus::answers()
+bool ServiceStarter::answers()
 {
     // One that was just started may search first, whatever the time for an answer is.
     Wait wait(std::max(std::min(m_options.timeout, answerLimit), m_servers->untilSettled()),
         QStringLiteral("Asking the media service"));
     connect(m_servers.get(), &ServiceServers::changed, &wait, &Wait::wake);
-    connect(this, &ServiceOnBus::gone, &wait, &Wait::wake);
+    connect(this, &ServiceStarter::gone, &wait, &Wait::wake);
     return wait.until([this] { return m_servers->state() != ServiceServers::Asked || !m_there; });
 }
 
-void ServiceOnBus::requireAnswer()
+void ServiceStarter::requireAnswer()
 {
     if (!answers())
         throw silence();
     requireThere();
 }
 
-void ServiceOnBus::requireSignOfLife() const
+void ServiceStarter::requireSignOfLife() const
 {
     if (!Bus(orkaDBusConnection(), pingLimit).answers(busName()))
         throw silence();
 }
 
-Failure ServiceOnBus::silence() const
+Failure ServiceStarter::silence() const
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
         QStringLiteral("The media service does not answer: %1 has the name %2 on %3. End it, or "
@@ -372,14 +373,14 @@ Failure ServiceOnBus::silence() const
             .arg(safeText(program()), busName(), m_busDescription));
 }
 
-void ServiceOnBus::requireSameOwner()
+void ServiceStarter::requireSameOwner()
 {
     if (m_there && Bus(orkaDBusConnection(), m_options.timeout).owner(busName()) != m_owner)
         leave();
     requireThere();
 }
 
-void ServiceOnBus::requireThere() const
+void ServiceStarter::requireThere() const
 {
     if (!m_there) {
         throw missing(QStringLiteral("noMediaService"),

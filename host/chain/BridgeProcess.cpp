@@ -1,4 +1,4 @@
-#include "chain/Bridge.h"
+#include "chain/BridgeProcess.h"
 
 #include "chain/BusDaemon.h"
 #include "chain/Installation.h"
@@ -48,7 +48,7 @@ QByteArray markOf(uint process)
 
 } // namespace
 
-Bridge::Bridge(const GlobalOptions &options)
+BridgeProcess::BridgeProcess(const GlobalOptions &options)
     : m_options(options)
     , m_program(programOf(options))
 {
@@ -59,7 +59,7 @@ Bridge::Bridge(const GlobalOptions &options)
     }
 }
 
-Bridge::~Bridge()
+BridgeProcess::~BridgeProcess()
 {
     if (m_child) {
         m_child->disconnect(this);
@@ -67,7 +67,7 @@ Bridge::~Bridge()
     }
 }
 
-QStringList Bridge::arguments(const QString &bus) const
+QStringList BridgeProcess::arguments(const QString &bus) const
 {
     QStringList arguments{QStringLiteral("--bus"), bus};
     if (m_options.verbosity > 0)
@@ -75,7 +75,7 @@ QStringList Bridge::arguments(const QString &bus) const
     return arguments;
 }
 
-void Bridge::start(const QString &bus, bool lasts)
+void BridgeProcess::start(const QString &bus, bool lasts)
 {
     if (lasts) {
         LastingProcess::Plan plan;
@@ -94,7 +94,7 @@ void Bridge::start(const QString &bus, bool lasts)
     m_child->start(m_program, arguments(bus));
 }
 
-void Bridge::startWith(const UsersBus &bus)
+void BridgeProcess::startWith(const UsersBus &bus)
 {
     LastingProcess::Plan plan;
     plan.arguments = arguments(bus.address());
@@ -103,7 +103,7 @@ void Bridge::startWith(const UsersBus &bus)
     startLasting(plan);
 }
 
-void Bridge::startLasting(LastingProcess::Plan plan)
+void BridgeProcess::startLasting(LastingProcess::Plan plan)
 {
     QStringList cache;
     if (plan.inherited >= 0) { // else it knows where by itself
@@ -116,21 +116,21 @@ void Bridge::startLasting(LastingProcess::Plan plan)
     plan.arguments << QStringLiteral("--idle-exit") << QString::number(seconds) << cache;
     plan.variable = markOf(m_program);
     m_lasting = std::make_unique<LastingProcess>(plan);
-    connect(m_lasting.get(), &LastingProcess::ended, this, &Bridge::ended);
+    connect(m_lasting.get(), &LastingProcess::ended, this, &BridgeProcess::ended);
 }
 
-bool Bridge::hasEnded() const
+bool BridgeProcess::hasEnded() const
 {
     return m_child ? m_child->state() == QProcess::NotRunning : !m_lasting || m_lasting->hasEnded();
 }
 
-void Bridge::isStarted()
+void BridgeProcess::isStarted()
 {
     if (m_lasting)
         m_lasting->letGo();
 }
 
-Failure Bridge::failure(const QString &why) const
+Failure BridgeProcess::failure(const QString &why) const
 {
     const bool isStarting = m_child || m_lasting;
     QString reason = !isStarting ? QStringLiteral("an earlier one neither answers nor ends")
@@ -152,12 +152,12 @@ Failure Bridge::failure(const QString &why) const
                 said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said))));
 }
 
-bool Bridge::isLasting(uint process)
+bool BridgeProcess::isLasting(uint process)
 {
     return !markOf(process).isEmpty();
 }
 
-bool Bridge::isOutdated(uint process, const GlobalOptions &options)
+bool BridgeProcess::isOutdated(uint process, const GlobalOptions &options)
 {
     const QByteArray running = markOf(process);
     const QString program = programOf(options);
