@@ -8,12 +8,24 @@
 
 namespace {
 
-/// The first that exists of some places relative to the program's folder, else the last.
+/// Of the program orka, which the one that serves the page isn't beside where they are installed.
+QString programFolder()
+{
+    const QString own = QCoreApplication::applicationDirPath();
+    const bool isPage =
+        QCoreApplication::applicationFilePath().endsWith(QLatin1String("/orka-page"));
+    return isPage && !QFileInfo::exists(own + QStringLiteral("/orka"))
+        ? own + QStringLiteral("/" ORKA_FROM_PROGRAMS)
+        : own;
+}
+
+/// The first that exists of some places relative to that folder, else the last.
 QString firstOf(const QStringList &places)
 {
+    const QString folder = programFolder();
     QString path;
     for (const QString &place : places) {
-        path = QCoreApplication::applicationDirPath() + QLatin1Char('/') + place;
+        path = folder + QLatin1Char('/') + place;
         if (QFileInfo::exists(path))
             break;
     }
@@ -37,6 +49,11 @@ QString Installation::privateBusConfiguration()
 QString Installation::page()
 {
     return firstOf({QStringLiteral("../../../web"), QStringLiteral(ORKA_DATA "/web")});
+}
+
+QString Installation::pageProgram()
+{
+    return firstOf({QStringLiteral("orka-page"), QStringLiteral(ORKA_PROGRAMS "/orka-page")});
 }
 
 QString Installation::bridge()
