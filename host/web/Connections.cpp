@@ -4,38 +4,48 @@
 
 namespace {
 
-constexpr int mostConnections = 256;
+// A browser opens six; 50 of them find room.
+constexpr size_t mostConnections = 512;
 // Connections that wait to be taken; a page opens several at once, and one that finds no place
 // tries again after a second.
 constexpr int mostWaiting = 512;
 constexpr qint64 longestIdle = 30'000'000; // microseconds
 constexpr guint longestSilence = 60; // seconds, of a client that doesn't read its answer
 
-void hangUp(GSocketConnection *stream)
+void hangUp(GSocket *socket)
 {
     // The reader sees the end of the stream and lets go of it.
-    g_socket_shutdown(g_socket_connection_get_socket(stream), TRUE, TRUE, nullptr);
+    g_socket_shutdown(socket, TRUE, TRUE, nullptr);
+}
+
+GRef<GSocket> listeningSocket(GSocketAddress *address, GError **error)
+{
+    GRef<GSocket> socket(g_socket_new(
+        g_socket_address_get_family(address), G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, error));
+    if (!socket || g_socket_bind(socket.get(), address, TRUE, error) == FALSE)
+        return nullptr;
+    g_socket_set_listen_backlog(socket.get(), mostWaiting);
+    return g_socket_listen(socket.get(), error) != FALSE ? std::move(socket) : nullptr;
 }
 
 } // namespace
 
-Connections::Connections(Accepted accepted)
-    : m_accepted(std::move(accepted))
-    , m_service(g_socket_service_new())
+Connections::Connections(SoupServer *server)
+    : m_server(server)
 {
-    g_socket_listener_set_backlog(G_SOCKET_LISTENER(m_service.get()), mostWaiting);
-    g_signal_connect(m_service.get(), "incoming", G_CALLBACK(onIncoming), this);
+    g_signal_connect(server, "request-started", G_CALLBACK(onStarted), this);
+    g_signal_connect(server, "request-read", G_CALLBACK(onRead), this);
+    g_signal_connect(server, "request-finished", G_CALLBACK(onDone), this);
+    g_signal_connect(server, "request-aborted", G_CALLBACK(onDone), this);
     QObject::connect(&m_sweep, &QTimer::timeout, &m_sweep, [this] { sweep(); });
     m_sweep.start(5000);
 }
 
 Connections::~Connections()
 {
-    g_socket_service_stop(m_service.get());
-    g_socket_listener_close(G_SOCKET_LISTENER(m_service.get()));
-    g_signal_handlers_disconnect_by_data(m_service.get(), this);
-    for (auto it = m_addresses.cbegin(); it != m_addresses.cend(); ++it)
-        g_object_weak_unref(it.key(), onGone, this);
+    g_signal_handlers_disconnect_by_data(m_server, this);
+    for (const auto &connection : m_connections)
+        g_object_weak_unref(connection.first, onGone, this);
 }
 
 QString Connections::listen(const QString &address, quint16 port, bool &isTaken)
@@ -45,48 +55,46 @@ QString Connections::listen(const QString &address, quint16 port, bool &isTaken)
     if (!socketAddress)
         return QStringLiteral("it is no IP address");
     GError *error = nullptr;
-    g_socket_listener_add_address(G_SOCKET_LISTENER(m_service.get()), socketAddress.get(),
-        G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr, nullptr, &error);
+    const GRef<GSocket> socket = listeningSocket(socketAddress.get(), &error);
+    const bool isSecure = soup_server_get_tls_certificate(m_server) != nullptr;
+    if (socket)
+        soup_server_listen_socket(m_server, socket.get(),
+            isSecure ? SOUP_SERVER_LISTEN_HTTPS : SoupServerListenOptions(0), &error);
     isTaken = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_ADDRESS_IN_USE) != FALSE;
     return takeMessage(error);
 }
 
-gboolean Connections::onIncoming(
-    GSocketService *, GSocketConnection *stream, GObject *, gpointer connections)
-{
-    static_cast<Connections *>(connections)->accept(stream);
-    return TRUE;
-}
-
-void Connections::accept(GSocketConnection *stream)
-{
-    const GRef<GSocketAddress> local(g_socket_connection_get_local_address(stream, nullptr));
-    const GRef<GSocketAddress> remote(g_socket_connection_get_remote_address(stream, nullptr));
-    if (!local || !remote)
-        return; // it has left already
-    makeRoom();
-    GSocket *socket = g_socket_connection_get_socket(stream);
-    g_socket_set_timeout(socket, longestSilence);
-    g_socket_set_option(socket, 6 /* IPPROTO_TCP */, 1 /* TCP_NODELAY */, 1, nullptr);
-    m_addresses.insert(G_OBJECT(stream), remote.get());
-    m_connections.insert(remote.get(), {stream, g_get_monotonic_time(), false});
-    g_object_weak_ref(G_OBJECT(stream), onGone, this);
-    m_accepted(stream, local.get(), remote.get());
-}
-
-void Connections::onGone(gpointer connections, GObject *stream)
+void Connections::onStarted(SoupServer *, SoupServerMessage *message, gpointer connections)
 {
     auto *self = static_cast<Connections *>(connections);
-    self->m_connections.remove(self->m_addresses.take(stream));
+    GSocket *socket = soup_server_message_get_socket(message);
+    if (socket == nullptr)
+        return; // it has left already
+    self->makeRoom();
+    g_socket_set_timeout(socket, longestSilence);
+    g_object_weak_ref(G_OBJECT(message), onGone, self);
+    self->m_connections[G_OBJECT(message)] = {
+        GRef<GSocket>(shareRef(socket)), g_get_monotonic_time(), false};
 }
 
-void Connections::setBusy(GSocketAddress *remote, bool isBusy)
+void Connections::onRead(SoupServer *, SoupServerMessage *message, gpointer connections)
 {
-    const auto found = m_connections.find(remote);
-    if (found == m_connections.end())
-        return;
-    found->isBusy = isBusy;
-    found->idleSince = g_get_monotonic_time();
+    auto *self = static_cast<Connections *>(connections);
+    const auto found = self->m_connections.find(G_OBJECT(message));
+    if (found != self->m_connections.end())
+        found->second.isBusy = true;
+}
+
+void Connections::onDone(SoupServer *, SoupServerMessage *message, gpointer connections)
+{
+    auto *self = static_cast<Connections *>(connections);
+    if (self->m_connections.erase(G_OBJECT(message)) > 0)
+        g_object_weak_unref(G_OBJECT(message), onGone, self);
+}
+
+void Connections::onGone(gpointer connections, GObject *message)
+{
+    static_cast<Connections *>(connections)->m_connections.erase(message);
 }
 
 void Connections::makeRoom()
@@ -95,16 +103,17 @@ void Connections::makeRoom()
         return;
     const auto eldest = std::min_element(
         m_connections.begin(), m_connections.end(), [](const auto &a, const auto &b) {
-            return std::make_pair(a.isBusy, a.idleSince) < std::make_pair(b.isBusy, b.idleSince);
+            return std::make_pair(a.second.isBusy, a.second.idleSince)
+                < std::make_pair(b.second.isBusy, b.second.idleSince);
         });
-    hangUp(eldest->stream);
+    hangUp(eldest->second.socket.get());
 }
 
 void Connections::sweep()
 {
     const qint64 now = g_get_monotonic_time();
-    for (const Connection &connection : qAsConst(m_connections)) {
+    for (const auto &[message, connection] : m_connections) {
         if (!connection.isBusy && now - connection.idleSince > longestIdle)
-            hangUp(connection.stream);
+            hangUp(connection.socket.get());
     }
 }

@@ -26,19 +26,14 @@ int refusalOfSize(SoupServerMessage *message)
 HttpServer::HttpServer(RequestGuard &guard)
     : m_guard(guard)
     , m_server(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "server-header", "orka", nullptr)))
-    , m_connections([this](GSocketConnection *stream, GSocketAddress *local,
-                        GSocketAddress *remote) { accept(stream, local, remote); })
+    , m_connections(m_server.get())
 {
     soup_server_add_early_handler(m_server.get(), nullptr, onEarly, this, nullptr);
     soup_server_add_handler(m_server.get(), nullptr, onRequest, this, nullptr);
-    g_signal_connect(m_server.get(), "request-read", G_CALLBACK(onRead), this);
-    g_signal_connect(m_server.get(), "request-finished", G_CALLBACK(onDone), this);
-    g_signal_connect(m_server.get(), "request-aborted", G_CALLBACK(onDone), this);
 }
 
 HttpServer::~HttpServer()
 {
-    g_signal_handlers_disconnect_by_data(m_server.get(), this);
     soup_server_remove_handler(m_server.get(), nullptr);
     soup_server_disconnect(m_server.get());
 }
@@ -68,18 +63,7 @@ quint16 HttpServer::listen(const QString &address, quint16 port, bool orNext)
 
 void HttpServer::setCertificate(GTlsCertificate *certificate)
 {
-    m_certificate = shareRef(certificate);
-}
-
-void HttpServer::accept(GSocketConnection *stream, GSocketAddress *local, GSocketAddress *remote)
-{
-    GRef<GIOStream> secured;
-    if (m_certificate) {
-        secured.reset(
-            g_tls_server_connection_new(G_IO_STREAM(stream), m_certificate.get(), nullptr));
-    }
-    soup_server_accept_iostream(
-        m_server.get(), secured ? secured.get() : G_IO_STREAM(stream), local, remote, nullptr);
+    soup_server_set_tls_certificate(m_server.get(), certificate);
 }
 
 void HttpServer::onEarly(
@@ -92,18 +76,6 @@ void HttpServer::onEarly(
     soup_message_headers_replace(
         soup_server_message_get_response_headers(message), "Connection", "close");
     soup_server_message_set_status(message, guint(status), nullptr);
-}
-
-void HttpServer::onRead(SoupServer *, SoupServerMessage *message, gpointer server)
-{
-    static_cast<HttpServer *>(server)->m_connections.setBusy(
-        soup_server_message_get_remote_address(message), true);
-}
-
-void HttpServer::onDone(SoupServer *, SoupServerMessage *message, gpointer server)
-{
-    static_cast<HttpServer *>(server)->m_connections.setBusy(
-        soup_server_message_get_remote_address(message), false);
 }
 
 void HttpServer::onRequest(

@@ -23,7 +23,7 @@ public:
     void route(const char *method, const char *path, Handler handler);
     /// Listens at this address, on the first free of some ports from `port` on. Throws Failure.
     quint16 listen(const QString &address, quint16 port, bool orNext);
-    /// Speaks TLS with this certificate from the next connection on.
+    /// Speaks TLS with this certificate wherever it listens from now on.
     void setCertificate(GTlsCertificate *certificate);
 
 private:
@@ -38,14 +38,10 @@ private:
         SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer server);
     static void onRequest(
         SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer server);
-    static void onRead(SoupServer *, SoupServerMessage *message, gpointer server);
-    static void onDone(SoupServer *, SoupServerMessage *message, gpointer server);
-    void accept(GSocketConnection *stream, GSocketAddress *local, GSocketAddress *remote);
     void dispatch(const ExchangePointer &exchange);
 
     RequestGuard &m_guard;
     GRef<SoupServer> m_server;
-    GRef<GTlsCertificate> m_certificate;
     Connections m_connections;
     std::vector<Route> m_routes;
 };

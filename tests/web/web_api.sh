@@ -43,6 +43,8 @@ check "a track's bytes" "$(curl -fsS "$TRACK" -r 100-1099 | sha1sum)" \
     "$(curl -fsS "$URL/media/$(printf %s "$TRACK" | base64 -w 0)" -r 100-1099 | sha1sum)"
 tag=$(curl -fsSD - -o /dev/null "$URL/style.css" | sed -n 's/\r$//; s/^ETag: //p')
 check "what a client has is not sent again" 304 "$(status_of -H "If-None-Match: $tag" "$URL/style.css")"
+check "one connection for two requests" "1 0" \
+    "$(curl -fsS -w '%{num_connects}\n' -o /dev/null "$URL/" -o /dev/null "$URL/style.css" | paste -sd ' ')"
 check "for who can read it, compressed" "$(rows_of "$SERVER")" "$(rows_of "$SERVER" --compressed)"
 
 head -c 9000000 /dev/zero >"$WORLD_DIR/nine"
