@@ -21,7 +21,7 @@ public:
     /// The child that the next sample takes, or the failed one should have taken.
     int pathPosition() const;
 
-private slots:
+private Q_SLOTS:
     void on_getRows_finished(const CMVoidReply &reply);
 
 private:

@@ -43,7 +43,7 @@ void DBusBarrier::proceed()
     if (--m_holds > 0 || !m_isDue || !m_pending.isEmpty())
         return;
     m_isDue = false;
-    emit finished(this, m_userData);
+    Q_EMIT finished(this, m_userData);
 }
 
 QDBusPendingCall &DBusBarrier::getCall(const QString &name)

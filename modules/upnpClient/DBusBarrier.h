@@ -70,10 +70,10 @@ public:
     QSet<QString> visited;
     QList<QVariant> results;
 
-signals:
+Q_SIGNALS:
     void finished(DBusBarrier *barrier, void *userData);
 
-private slots:
+private Q_SLOTS:
     void callFinished(QDBusPendingCallWatcher *watcher);
 
 private:

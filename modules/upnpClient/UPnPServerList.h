@@ -37,7 +37,7 @@ public:
     /// The object path of a server. A UDN that isn't known is recorded, with an empty path.
     QDBusObjectPath serverPath(const QString &udn) { return m_udns[udn].path; }
 
-private slots:
+private Q_SLOTS:
     void on_upnpManager_getServers(QDBusPendingCallWatcher *watcher);
     void on_upnpManager_foundServer(const QDBusObjectPath &path);
     void on_upnpManager_lostServer(const QDBusObjectPath &path);

@@ -14,7 +14,7 @@ extern "C" Q_DECL_EXPORT void *worker_create(const char *name, void *config)
 }
 
 CMUPnPWorker::CMUPnPWorker(const QHash<QString, QVariant> &config)
-    : CMNodesWorker(config, QStringLiteral("CMUPnPWorker"))
+    : CMNodesWorker(config, sdk::workerName())
     , m_serviceId(config.value(OrkaService_Id()).toString())
 {
     dleyna::registerTypes();
@@ -22,9 +22,8 @@ CMUPnPWorker::CMUPnPWorker(const QHash<QString, QVariant> &config)
     sdk::registerTypes();
     raiseReceiveLimit(orkaDBusConnection());
 
-    m_serverList = UPnPServerList::create(this, addPrefix(QString()));
-    sdk::connectChecked(new CMValueItem(this, OrkaNetworkInfoPath()),
-        SIGNAL(changed(OrkaValue, OrkaValue)), this, SLOT(on_networkInfo_changed(OrkaValue)));
+    m_serverList = UPnPServerList::create(this, addPrefix(QStringLiteral("")));
+    sdk::watchValue(OrkaNetworkInfoPath(), this, SLOT(on_networkInfo_changed(OrkaValue)));
     m_propertyFilter = QStringList{QStringLiteral("Type"), QStringLiteral("TypeEx"),
         QStringLiteral("MIMEType"), QStringLiteral("DisplayName"), QStringLiteral("Artist"),
         QStringLiteral("Album"), QStringLiteral("AlbumArtURL"), QStringLiteral("URLs"),

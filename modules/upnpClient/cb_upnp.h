@@ -78,7 +78,7 @@ public:
     UPnPServerList *serverList() const { return m_serverList; }
     const QStringList &propertyFilter() const { return m_propertyFilter; }
 
-private slots:
+private Q_SLOTS:
     // cb_upnp_browse.cpp
     void on_handleListRows_finished(DBusBarrier *barrier, void *userdata);
     void on_handleListData_finished(DBusBarrier *barrier, void *userdata);

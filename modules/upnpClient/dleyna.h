@@ -61,7 +61,7 @@ public:
 
     QDBusPendingReply<QList<QDBusObjectPath>> GetServers() const;
 
-signals:
+Q_SIGNALS:
     /// Followed on the bus from their first connection on.
     void FoundServer(const QDBusObjectPath &path);
     void LostServer(const QDBusObjectPath &path);

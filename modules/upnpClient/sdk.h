@@ -123,7 +123,7 @@ void refuse(const Request &request, const CMError &error)
 // Replies to what the plug-in itself asks the tree for
 
 /// Asks the tree for one row of a node, counted from 0. `connectTo` gets what tells of the reply by
-/// `finishedSignal`, a child of `parent`, before it can tell.
+/// `finishedSignal`, a child of `parent`, before it can tell: what is told earlier is lost.
 inline void askForRow(const CMPath &path, int row, const QStringList &roles, QObject *parent,
     const std::function<void(CMReplyWatcherObject *)> &connectTo)
 {
@@ -301,11 +301,24 @@ inline void *adaptorOf(CMNodesWorker *worker)
     return new CMSyncWorker(worker);
 }
 
+/// The worker's name, as the constructor of its base class takes it.
+inline QString workerName()
+{
+    return QStringLiteral("CMUPnPWorker");
+}
+
 /// Connects by `SIGNAL()` and `SLOT()` texts and ends the program where that can't be done.
 inline void connectChecked(
     const QObject *sender, const char *signal, const QObject *receiver, const char *slot)
 {
     orkaConnect(sender, signal, receiver, slot, Qt::AutoConnection);
+}
+
+/// Tells `slot`, a `SLOT()` text that takes an OrkaValue, of each change of the value at `path`.
+inline void watchValue(const CMPath &path, QObject *receiver, const char *slot)
+{
+    connectChecked(
+        new CMValueItem(receiver, path), SIGNAL(changed(OrkaValue, OrkaValue)), receiver, slot);
 }
 
 /// Ends the program, in every build, where `condition` doesn't hold; `text` names it.
