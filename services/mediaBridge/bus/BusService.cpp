@@ -4,7 +4,7 @@
 #include "bus/Introspection.h"
 #include "core/Later.h"
 #include "core/Limits.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 #include "core/SpareMemory.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include "bus/MediaService.h"
 #include "bus/ObjectsReader.h"
 #include "core/Limits.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 #include "core/SearchCriteria.h"
 
 namespace bridge {

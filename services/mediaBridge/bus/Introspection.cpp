@@ -39,29 +39,22 @@ std::string propertyXml(const char *name, const char *signature)
         + "\" access=\"read\"/>\n";
 }
 
-/// What only a file has.
-bool isOfFiles(Prop prop)
+bool isDeclared(PropertyHome home, const std::string &interface)
 {
-    return prop == Prop::TrackNumber || (prop >= Prop::Duration && prop <= Prop::ColorDepth);
-}
-
-/// Media properties are declared for items, and for containers those that some have (albums with a
-/// cover, playable folders).
-bool isDeclared(const PropInfo &info, const std::string &interface)
-{
+    using H = PropertyHome;
     if (interface == interfaces::object)
-        return info.home == PropHome::Object;
+        return home == H::Object;
     if (interface == interfaces::container)
-        return info.home != PropHome::Object && !isOfFiles(info.prop);
-    return interface == interfaces::item && info.home == PropHome::Media;
+        return home == H::Container || home == H::Media;
+    return interface == interfaces::item && (home == H::Media || home == H::File);
 }
 
 std::string propertiesXml(const std::string &interface)
 {
     std::string xml;
-    for (const PropInfo &info : properties()) {
-        if (isDeclared(info, interface))
-            xml += propertyXml(info.name, info.signature);
+    for (const Property &property : properties()) {
+        if (isDeclared(property.home, interface))
+            xml += propertyXml(property.name, property.signature);
     }
     if (interface == interfaces::device) {
         for (const DeviceProperty &property : deviceProperties())

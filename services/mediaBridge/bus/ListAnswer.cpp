@@ -30,9 +30,9 @@ Failure ListAnswer::add(const MediaObject &object)
 {
     {
         MessageWriter row(*m_rows, DBUS_TYPE_ARRAY, "{sv}");
-        for (const PropInfo &info : properties()) {
-            if (m_wanted.contains(info.prop))
-                row.addEntry(info.name, propertyValue(object, info.prop, m_server));
+        for (const Property &property : properties()) {
+            if (m_wanted.contains(property))
+                row.addEntry(property.name, propertyValue(object, property, m_server));
         }
     }
     return checkRoom();

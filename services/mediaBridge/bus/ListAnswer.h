@@ -2,7 +2,7 @@
 
 #include "bus/BusService.h"
 #include "core/MediaObject.h"
-#include "core/PropertyMap.h"
+#include "core/Properties.h"
 
 #include <optional>
 

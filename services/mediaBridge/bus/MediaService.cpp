@@ -1,6 +1,6 @@
 #include "bus/MediaService.h"
 
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 
 #include <algorithm>
 

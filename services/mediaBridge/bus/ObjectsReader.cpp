@@ -1,7 +1,7 @@
 #include "bus/ObjectsReader.h"
 
 #include "core/Limits.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 
 namespace bridge {
 

@@ -4,12 +4,13 @@
 #include "bus/MediaService.h"
 #include "core/Limits.h"
 #include "core/Numbers.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 
 namespace bridge {
 
 namespace {
 
+constexpr const char *childCount = "ChildCount";
 constexpr const char *systemUpdateId = "SystemUpdateID";
 constexpr unsigned updateIdTimeoutMs = 2'000;
 
@@ -49,10 +50,10 @@ Failure checkInterface(const std::string &name, const MediaObject &object)
 PropertySet propertiesOf(const std::string &name)
 {
     PropertySet set;
-    for (const PropInfo &info : properties()) {
-        const bool isOfObject = info.home == PropHome::Object;
+    for (const Property &property : properties()) {
+        const bool isOfObject = property.home == PropertyHome::Object;
         if (name.empty() || isOfObject == (name == interfaces::object))
-            set.insert(info.prop);
+            set.insert(property);
     }
     return set;
 }
@@ -85,7 +86,7 @@ void countChildren(const BusCallPtr &call, const MediaServerPtr &server, const s
     all.max = 0;
     const auto answer = [call](const ListEnd &end) {
         if (end.failure.name.empty())
-            replyValue(*call, "ChildCount", end.total);
+            replyValue(*call, childCount, end.total);
         else
             call->fail(end.failure);
     };
@@ -105,7 +106,7 @@ void readChildCount(const BusCallPtr &call, const MediaServerPtr &server, const 
     const std::string &interface)
 {
     PropertySet wanted;
-    wanted.insert(Prop::ChildCount);
+    wanted.insert(*findProperty(childCount));
     server->readObject(
         id, wanted, call->caller(), [=](const Failure &failure, const MediaObject &object) {
             const Failure problem =
@@ -113,9 +114,9 @@ void readChildCount(const BusCallPtr &call, const MediaServerPtr &server, const 
             if (!problem.name.empty())
                 call->fail(problem);
             else if (!object.isContainer)
-                call->fail(unknownProperty("ChildCount"));
+                call->fail(unknownProperty(childCount));
             else if (object.childCount.value_or(0) > 0)
-                replyValue(*call, "ChildCount", *object.childCount);
+                replyValue(*call, childCount, *object.childCount);
             else
                 countChildren(call, server, id);
         });
@@ -188,24 +189,25 @@ void MediaService::getDeviceProperty(
 void MediaService::getObjectProperty(const BusCallPtr &call, const Target &target,
     const std::string &interface, const std::string &name)
 {
-    const PropInfo *info = findProperty(name);
-    if (!info) {
+    const Property *property = findProperty(name);
+    if (!property) {
         call->fail(unknownProperty(name));
         return;
     }
-    if (info->prop == Prop::ChildCount) {
+    if (name == childCount) {
         getChildCount(call, target, interface);
         return;
     }
     PropertySet wanted;
-    wanted.insert(info->prop);
+    wanted.insert(*property);
     target.server->readObject(target.objectId, wanted, call->caller(),
-        [call, interface, info, server = target.server](
+        [call, interface, property, server = target.server](
             const Failure &failure, const MediaObject &object) {
             const Failure problem =
                 failure.name.empty() ? checkInterface(interface, object) : failure;
             if (problem.name.empty())
-                replyValue(*call, info->name, propertyValue(object, info->prop, server->context()));
+                replyValue(
+                    *call, property->name, propertyValue(object, *property, server->context()));
             else
                 call->fail(problem);
         });
@@ -228,7 +230,7 @@ void MediaService::getChildCount(
     listing->whenTotalIsKnown([call, read, weak = std::weak_ptr(listing)](auto total) {
         const auto ended = weak.lock();
         if (total)
-            replyValue(*call, "ChildCount", *total);
+            replyValue(*call, childCount, *total);
         else if (ended && ended->silence())
             call->fail(*ended->silence());
         else

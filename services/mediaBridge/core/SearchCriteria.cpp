@@ -2,7 +2,7 @@
 
 #include "core/Glib.h"
 #include "core/MediaClass.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 #include "core/Properties.h"
 
 #include <algorithm>
@@ -130,7 +130,7 @@ private:
 
     std::string_view m_rest;
     std::string_view m_serverPath;
-    const PropInfo *m_property = nullptr;
+    const Property *m_property = nullptr;
     std::string m_text;
     std::string m_problem;
 };
@@ -188,7 +188,7 @@ Criteria sortCriteria(
     for (const std::string &term : splitList(sort)) {
         const bool hasSign = term.front() == '+' || term.front() == '-';
         const std::string_view name = std::string_view(term).substr(hasSign ? 1 : 0);
-        const PropInfo *info = findProperty(name);
+        const Property *info = findProperty(name);
         if (!info || !info->didlName) {
             criteria.problem = "There is no property \"" + std::string(name) + "\" to sort by.";
             return criteria;
@@ -212,7 +212,7 @@ std::vector<std::string> capabilityNames(const std::vector<std::string> &didlNam
     for (const std::string &didlName : didlNames) {
         if (didlName == "*")
             return {"*"};
-        for (const PropInfo *info : propertiesOfDidlName(didlName))
+        for (const Property *info : propertiesOfDidlName(didlName))
             names.emplace_back(info->name);
     }
     return names;

@@ -2,7 +2,7 @@
 
 #include "core/Background.h"
 #include "core/Limits.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 #include "core/SearchCriteria.h"
 
 #include <algorithm>

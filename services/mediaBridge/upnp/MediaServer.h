@@ -5,7 +5,6 @@
 #include "core/Failure.h"
 #include "core/MediaObject.h"
 #include "core/Properties.h"
-#include "core/PropertyMap.h"
 #include "core/SoapMessage.h"
 #include "upnp/DeviceDescription.h"
 #include "upnp/HttpSession.h"

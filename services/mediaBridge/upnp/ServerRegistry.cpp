@@ -2,7 +2,7 @@
 
 #include "Log.h"
 #include "core/Limits.h"
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 #include "core/Text.h"
 #include "upnp/HttpUrl.h"
 

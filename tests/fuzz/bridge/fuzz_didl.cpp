@@ -1,6 +1,6 @@
 #include "bus/Message.h"
 #include "core/Didl.h"
-#include "core/PropertyMap.h"
+#include "core/Properties.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "core/ObjectPath.h"
+#include "core/ObjectAddress.h"
 
 namespace bridge {
 
