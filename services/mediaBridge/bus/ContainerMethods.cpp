@@ -36,26 +36,11 @@ std::optional<PropertySet> takeFilter(Arguments &arguments, BusCall &call)
 
 } // namespace
 
-void MediaService::listChildren(const BusCallPtr &call, const Target &target)
-{
-    list(call, target, ListKind::All);
-}
-
-void MediaService::listContainers(const BusCallPtr &call, const Target &target)
-{
-    list(call, target, ListKind::Containers);
-}
-
-void MediaService::listItems(const BusCallPtr &call, const Target &target)
-{
-    list(call, target, ListKind::Items);
-}
-
-void MediaService::list(const BusCallPtr &call, const Target &target, ListKind kind)
+void MediaService::list(const BusCallPtr &call, const Target &target)
 {
     ListRequest request;
     request.containerId = target.objectId;
-    request.kind = kind;
+    request.kind = target.listed.kind;
     Arguments arguments = call->arguments();
     request.offset = arguments.number();
     request.max = arguments.number();
@@ -69,7 +54,7 @@ void MediaService::list(const BusCallPtr &call, const Target &target, ListKind k
         return;
     }
     request.sort = order.text;
-    runListing(call, target, std::move(request), false);
+    runListing(call, target, std::move(request));
 }
 
 void MediaService::search(const BusCallPtr &call, const Target &target)
@@ -92,7 +77,6 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     if (!wanted)
         return;
     request.wanted = *wanted;
-    const bool isExtended = arguments.hasMore();
     const Criteria order = sortOrder(arguments, *target.server);
     for (const Criteria &checked : {criteria, order}) {
         if (!checked.isValid()) {
@@ -102,7 +86,7 @@ void MediaService::search(const BusCallPtr &call, const Target &target)
     }
     request.criteria = criteria.text;
     request.sort = order.text;
-    runListing(call, target, std::move(request), isExtended);
+    runListing(call, target, std::move(request));
 }
 
 void MediaService::browseObjects(const BusCallPtr &call, const Target &target)
@@ -119,8 +103,7 @@ void MediaService::browseObjects(const BusCallPtr &call, const Target &target)
         ObjectsReader::start(m_bus, call, target.server, std::move(paths), *wanted);
 }
 
-void MediaService::runListing(
-    const BusCallPtr &call, const Target &target, ListRequest request, bool withTotal)
+void MediaService::runListing(const BusCallPtr &call, const Target &target, ListRequest request)
 {
     const auto answer =
         std::make_shared<ListAnswer>(m_bus, call, request.wanted, target.server->context());
@@ -128,7 +111,7 @@ void MediaService::runListing(
     const auto listing = Listing::start(
         target.server, std::move(request), call->caller(),
         [answer](const MediaObject &object) { return answer->add(object); },
-        [call, answer, withTotal](const ListEnd &end) {
+        [call, answer, withTotal = target.listed.withTotal](const ListEnd &end) {
             if (!end.failure.name.empty())
                 call->fail(end.failure);
             else if (withTotal)
@@ -136,13 +119,8 @@ void MediaService::runListing(
             else
                 answer->send();
         });
-    if (m_listings.size() >= m_purgeListingsAt) {
-        for (auto known = m_listings.begin(); known != m_listings.end();)
-            known = known->second.expired() ? m_listings.erase(known) : std::next(known);
-        m_purgeListingsAt = std::max<size_t>(64, 2 * m_listings.size());
-    }
     if (tellsChildCount)
-        m_listings[call->path()] = listing;
+        m_listings.add(call->path(), listing);
 }
 
 } // namespace bridge

@@ -98,15 +98,15 @@ const std::vector<MediaService::Method> &MediaService::methods()
             &S::refuseChange},
         {object, "Delete", "", "", &S::refuseChange},
         {object, "Update", "a{sv}ToAddUpdate asToDelete", "", &S::refuseChange},
-        {container, "ListChildren", listing, rows, &S::listChildren},
-        {container, "ListChildrenEx", sortedListing, rows, &S::listChildren},
-        {container, "ListContainers", listing, rows, &S::listContainers},
-        {container, "ListContainersEx", sortedListing, rows, &S::listContainers},
-        {container, "ListItems", listing, rows, &S::listItems},
-        {container, "ListItemsEx", sortedListing, rows, &S::listItems},
+        {container, "ListChildren", listing, rows, &S::list},
+        {container, "ListChildrenEx", sortedListing, rows, &S::list},
+        {container, "ListContainers", listing, rows, &S::list, {ListKind::Containers}},
+        {container, "ListContainersEx", sortedListing, rows, &S::list, {ListKind::Containers}},
+        {container, "ListItems", listing, rows, &S::list, {ListKind::Items}},
+        {container, "ListItemsEx", sortedListing, rows, &S::list, {ListKind::Items}},
         {container, "SearchObjects", "sQuery uOffset uMax asFilter", rows, &S::search},
         {container, "SearchObjectsEx", "sQuery uOffset uMax asFilter sSortBy",
-            "aa{sv}Children uTotalItems", &S::search},
+            "aa{sv}Children uTotalItems", &S::search, {ListKind::All, true}},
         {container, "Upload", "sDisplayName sFilePath", "uUploadId oPath", &S::refuseChange},
         {container, "CreateContainer", "sDisplayName sType asChildTypes", "oPath",
             &S::refuseChange},
@@ -172,7 +172,7 @@ bool MediaService::introspectAncestor(const BusCallPtr &call)
 }
 
 void MediaService::invoke(
-    const BusCallPtr &call, const Target &target, const std::vector<const char *> &available)
+    const BusCallPtr &call, Target target, const std::vector<const char *> &available)
 {
     // Callers may leave the interface out.
     const auto isMeant = [&](const Method &method) {
@@ -192,6 +192,7 @@ void MediaService::invoke(
             call->member() + " takes (" + signature + "), not (" + call->signature() + ")."});
         return;
     }
+    target.listed = method->listed;
     (this->*method->handler)(call, target);
 }
 

@@ -2,6 +2,7 @@
 
 #include "bus/BusService.h"
 #include "bus/Introspection.h"
+#include "bus/ListingsUnderWay.h"
 #include "upnp/Listing.h"
 #include "upnp/ServerRegistry.h"
 
@@ -23,16 +24,25 @@ public:
     std::function<void()> onStop;
 
 private:
+    /// What a method that lists gives.
+    struct Listed
+    {
+        ListKind kind = ListKind::All;
+        /// How many there are in all, besides.
+        bool withTotal = false;
+    };
     /// The object that a call is for.
     struct Target
     {
         std::shared_ptr<MediaServer> server;
         std::string objectId;
+        Listed listed = {};
     };
     using Handler = void (MediaService::*)(const BusCallPtr &, const Target &);
     struct Method : MethodDeclaration
     {
         Handler handler;
+        Listed listed = {};
     };
     /// What isn't in it can't be called, and introspection shows it: the two are one.
     static const std::vector<Method> &methods();
@@ -43,8 +53,7 @@ private:
     void handle(const BusCallPtr &call);
     void handleObject(const BusCallPtr &call);
     bool introspectAncestor(const BusCallPtr &call);
-    void invoke(
-        const BusCallPtr &call, const Target &target, const std::vector<const char *> &available);
+    void invoke(const BusCallPtr &call, Target target, const std::vector<const char *> &available);
     static std::string describe(
         const std::vector<const char *> &interfaceNames, const std::vector<std::string> &children);
     void introspect(const BusCallPtr &call, const Target &target);
@@ -65,14 +74,10 @@ private:
     void stop(const BusCallPtr &call, const Target &);
 
     // ContainerMethods.cpp
-    void listChildren(const BusCallPtr &call, const Target &target);
-    void listContainers(const BusCallPtr &call, const Target &target);
-    void listItems(const BusCallPtr &call, const Target &target);
+    void list(const BusCallPtr &call, const Target &target);
     void search(const BusCallPtr &call, const Target &target);
-    void list(const BusCallPtr &call, const Target &target, ListKind kind);
     void browseObjects(const BusCallPtr &call, const Target &target);
-    void runListing(
-        const BusCallPtr &call, const Target &target, ListRequest request, bool withTotal);
+    void runListing(const BusCallPtr &call, const Target &target, ListRequest request);
 
     // PropertyMethods.cpp
     void get(const BusCallPtr &call, const Target &target);
@@ -91,9 +96,7 @@ private:
     BusService &m_bus;
     ServerRegistry &m_registry;
     std::vector<BusCallPtr> m_waitingForServers;
-    /// By the container's path: listings under way that will know its child count.
-    std::map<std::string, std::weak_ptr<Listing>> m_listings;
-    size_t m_purgeListingsAt = 64;
+    ListingsUnderWay m_listings;
     Timer m_firstSearch;
 };
 

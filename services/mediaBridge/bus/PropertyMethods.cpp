@@ -213,13 +213,11 @@ void MediaService::getObjectProperty(const BusCallPtr &call, const Target &targe
         });
 }
 
-/// A listing of the container that is under way tells it too, which spares the server a question:
-/// clients ask for rows and count at once.
+/// A listing of the container that is under way tells it, too.
 void MediaService::getChildCount(
     const BusCallPtr &call, const Target &target, const std::string &interface)
 {
-    const auto known = m_listings.find(call->path());
-    const auto listing = known == m_listings.end() ? nullptr : known->second.lock();
+    const auto listing = m_listings.find(call->path());
     const auto read = [=, server = target.server, id = target.objectId] {
         readChildCount(call, server, id, interface);
     };
