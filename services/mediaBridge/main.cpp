@@ -92,7 +92,7 @@ int serve(const Options &options, GMainLoop *loop)
             return say(NoService, problem);
         warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
-        logInfo("serving " + std::string(BusService::busName));
+        logInfo("serving " + std::string(mediaService::busName));
         g_main_loop_run(loop);
         bus.onCall = [](const BusCallPtr &) {
         };

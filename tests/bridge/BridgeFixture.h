@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FakeTree.h"
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 #include "PrivateBus.h"
 
 #include <QDBusMessage>

@@ -1,5 +1,5 @@
-#include "MediaServiceNames.h"
 #include "MediaServices.h"
+#include "NamesOnBus.h"
 #include "Table.h"
 #include "TestNamespace.h"
 

@@ -1,5 +1,5 @@
 #include "FakeMediaService.h"
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 #include "OrkaRun.h"
 #include "PrivateBus.h"
 

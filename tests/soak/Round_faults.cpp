@@ -1,6 +1,6 @@
 #include "Round.h"
 
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 #include "NetworkInfo.h"
 
 #include <QDBusObjectPath>

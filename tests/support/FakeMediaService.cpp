@@ -1,6 +1,6 @@
 #include "FakeMediaService.h"
 
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 #include "PrivateBus.h"
 
 #include <QCoreApplication>

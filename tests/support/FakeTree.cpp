@@ -1,7 +1,7 @@
 #include "FakeTree.h"
 
 #include "FakeQuery.h"
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>

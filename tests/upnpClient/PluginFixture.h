@@ -2,7 +2,7 @@
 
 #include "FakeMediaService.h"
 #include "LogProbe.h"
-#include "MediaServiceNames.h"
+#include "NamesOnBus.h"
 #include "PrivateBus.h"
 #include "ReplyProbe.h"
 #include "cb_upnp.h"

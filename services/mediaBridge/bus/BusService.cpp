@@ -102,13 +102,15 @@ std::string BusService::ownName(bool replace)
     const unsigned flags = DBUS_NAME_FLAG_ALLOW_REPLACEMENT | DBUS_NAME_FLAG_DO_NOT_QUEUE
         | (replace ? DBUS_NAME_FLAG_REPLACE_EXISTING : 0);
     BusError error;
-    const int result = dbus_bus_request_name(m_connection.get(), busName, flags, &error);
+    const int result =
+        dbus_bus_request_name(m_connection.get(), mediaService::busName, flags, &error);
     if (dbus_error_is_set(&error))
-        return std::string("The bus doesn't give the name ") + busName + ": " + error.message;
+        return std::string("The bus doesn't give the name ") + mediaService::busName + ": "
+            + error.message;
     if (result == DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER
         || result == DBUS_REQUEST_NAME_REPLY_ALREADY_OWNER)
         return {};
-    return std::string("Another media service is running: ") + busName
+    return std::string("Another media service is running: ") + mediaService::busName
         + " is taken on this bus. Use that one, or stop it first.";
 }
 
@@ -129,7 +131,7 @@ bool BusService::receive(DBusMessage *message)
     if (dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected"))
         onEnd("The bus has gone away.");
     else if (isFromBus && dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameLost")
-        && Arguments(message).text() == busName)
+        && Arguments(message).text() == mediaService::busName)
         onEnd("Another media service has taken the name.");
     else if (isFromBus && dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameOwnerChanged"))
         clientLeft(Arguments(message).text());

@@ -15,8 +15,6 @@ namespace bridge {
 class BusService
 {
 public:
-    static constexpr const char *busName = "com.intel.dleyna-server";
-
     BusService() = default;
     ~BusService();
     BusService(const BusService &) = delete;

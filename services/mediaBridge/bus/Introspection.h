@@ -1,23 +1,14 @@
 #pragma once
 
+#include "MediaServiceNames.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace bridge {
 
-/// Interfaces of the service, by what carries them.
-namespace interfaces {
-inline constexpr const char *manager = "com.intel.dLeynaServer.Manager";
-inline constexpr const char *bridge = "org.orka.MediaBridge1";
-inline constexpr const char *device = "com.intel.dLeynaServer.MediaDevice";
-inline constexpr const char *object = "org.gnome.UPnP.MediaObject2";
-inline constexpr const char *container = "org.gnome.UPnP.MediaContainer2";
-inline constexpr const char *item = "org.gnome.UPnP.MediaItem2";
-inline constexpr const char *properties = "org.freedesktop.DBus.Properties";
-inline constexpr const char *introspectable = "org.freedesktop.DBus.Introspectable";
-inline constexpr const char *peer = "org.freedesktop.DBus.Peer";
-} // namespace interfaces
+namespace interfaces = mediaService::interfaces;
 
 /// One method of an interface. Arguments stand as signature and name, parted by spaces:
 /// "uOffset aa{sv}Children".

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "MediaServiceNames.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace bridge {
 
-/// Path of the manager object.
-inline constexpr std::string_view managerPath = "/com/intel/dLeynaServer";
-/// Common parent of all server objects; a server adds "/" and its encoded UDN.
-inline constexpr std::string_view serverRootPath = "/com/intel/dLeynaServer/server";
+inline constexpr std::string_view managerPath = mediaService::managerPath;
+inline constexpr std::string_view serverRootPath = mediaService::serverRootPath;
 /// UPnP object id of every server's root container, whose path is the server's own.
 inline constexpr std::string_view rootObjectId = "0";
 
