@@ -1,77 +1,79 @@
 #include "Options.h"
 
+#include "MediaServiceNames.h"
 #include "core/Glib.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
 
 namespace bridge {
 
 namespace {
 
-gboolean raiseVerbosity(const char *, const char *, gpointer data, GError **)
+/// What needs a second look once all is parsed.
+struct Given
 {
-    auto &options = *static_cast<Options *>(data);
-    options.logLevel = options.logLevel == LogLevel::Warning ? LogLevel::Info : LogLevel::Debug;
-    return TRUE;
-}
-
-/// The parser's results, before they are checked.
-struct RawOptions
-{
-    char *bus = nullptr;
-    char **interfaces = nullptr;
-    char **servers = nullptr;
-    char *cache = nullptr;
-    gboolean noCache = FALSE;
-    int idleExit = 0;
-    gboolean replace = FALSE;
-    gboolean version = FALSE;
+    std::vector<std::string> servers;
+    bool noCache = false;
+    int verbosity = 0;
 };
 
-std::string parse(int argc, char **argv, RawOptions &raw, Options &options)
+void declare(CLI::App &app, Options &options, Given &given)
 {
-    const GOptionEntry entries[] = {
-        {"bus", 0, 0, G_OPTION_ARG_STRING, &raw.bus,
-            "Bus to serve on: session (default), system or a D-Bus address", "BUS"},
-        {"interface", 0, 0, G_OPTION_ARG_STRING_ARRAY, &raw.interfaces,
-            "Network interface to search on; may be given several times (default: all)", "NAME"},
-        {"server", 0, 0, G_OPTION_ARG_STRING_ARRAY, &raw.servers,
-            "Look for a server there, too: a host, HOST:PORT or the URL of its description; may be "
-            "given several times",
-            "ADDRESS"},
-        {"cache", 0, 0, G_OPTION_ARG_FILENAME, &raw.cache,
-            "Remember servers in this file (default: orka-media-bridge/servers in the user's cache "
-            "folder; with another bus than the session's, none)",
-            "FILE"},
-        {"no-cache", 0, 0, G_OPTION_ARG_NONE, &raw.noCache, "Remember no servers", nullptr},
-        {"idle-exit", 0, 0, G_OPTION_ARG_INT, &raw.idleExit,
-            "End after so many seconds without a client (default: never)", "SECONDS"},
-        {"replace", 0, 0, G_OPTION_ARG_NONE, &raw.replace,
-            "Take the place of a running media bridge", nullptr},
-        {"verbose", 'v', G_OPTION_FLAG_NO_ARG, G_OPTION_ARG_CALLBACK,
-            reinterpret_cast<void *>(raiseVerbosity),
-            "Log what happens to standard error; twice for every detail", nullptr},
-        {"version", 0, 0, G_OPTION_ARG_NONE, &raw.version, "Print the version", nullptr}, {}};
-    GOptionContext *context = g_option_context_new("- UPnP media servers on D-Bus");
-    g_option_context_set_summary(context,
-        "Serves the media servers of the local network as com.intel.dleyna-server, where no other\n"
-        "media service does. Exit status: 0 ended, 2 wrong usage, 3 no bus or the name is taken.");
-    GOptionGroup *group = g_option_group_new("", "", "", &options, nullptr);
-    g_option_group_add_entries(group, entries);
-    g_option_context_set_main_group(context, group);
-    GError *error = nullptr;
-    g_option_context_parse(context, &argc, &argv, &error);
-    g_option_context_free(context);
-    if (!error && argc > 1)
-        return std::string("unexpected argument \"") + argv[1] + "\"";
-    return takeMessage(error);
+    app.footer("Exit status: 0 ended, 2 wrong usage, 3 no bus or the name is taken.");
+    app.get_formatter()->column_width(28);
+    app.set_help_flag("-h,--help", "Print this");
+    app.add_option(
+           "--bus", options.bus, "Bus to serve on: session (default), system or a\nD-Bus address")
+        ->type_name("BUS");
+    app.add_option("--interface", options.interfaces,
+           "Network interface to search on; may be given several\ntimes (default: all)")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    app.add_option("--server", given.servers,
+           "Look for a server there, too: a host, HOST:PORT or\nthe URL of its description; may be "
+           "given several times")
+        ->type_name("ADDRESS")
+        ->allow_extra_args(false);
+    app.add_option("--cache", options.memory,
+           "Remember servers in this file (default:\norka-media-bridge/servers in the user's cache "
+           "folder;\nwith another bus than the session's, none)")
+        ->type_name("FILE");
+    app.add_flag("--no-cache", given.noCache, "Remember no servers");
+    app.add_option("--idle-exit", options.idleExitSeconds,
+           "End after so many seconds without a client (default:\nnever)")
+        ->type_name("SECONDS");
+    app.add_flag("--replace", options.replace, "Take the place of a running media bridge");
+    app.add_flag("-v,--verbose", given.verbosity,
+        "Log what happens to standard error; twice for every\ndetail");
+    app.add_flag("--version", options.showVersion, "Print the version");
 }
 
-std::string memoryOf(RawOptions &raw, const std::string &bus)
+/// On the session bus there is one unless it is refused.
+std::string usualMemory()
 {
-    const std::string named = raw.cache ? takeString(std::exchange(raw.cache, nullptr)) : "";
-    if (raw.noCache != FALSE || !named.empty() || bus != "session")
-        return raw.noCache != FALSE ? "" : named;
     return takeString(
         g_build_filename(g_get_user_cache_dir(), "orka-media-bridge", "servers", nullptr));
+}
+
+/// Gives what is wrong, if anything is.
+std::string complete(Options &options, const Given &given)
+{
+    for (const std::string &text : given.servers) {
+        const auto address = parseServerAddress(text);
+        if (!address)
+            return "--server: " + notAnAddress(text);
+        options.servers.push_back(*address);
+    }
+    if (given.noCache)
+        options.memory.clear();
+    else if (options.memory.empty() && options.bus == "session")
+        options.memory = usualMemory();
+    if (given.verbosity > 0)
+        options.logLevel = given.verbosity == 1 ? LogLevel::Info : LogLevel::Debug;
+    if (options.idleExitSeconds < 0)
+        return "--idle-exit takes a number of seconds, 0 for never";
+    return options.bus.empty() ? "--bus takes session, system or a D-Bus address" : "";
 }
 
 } // namespace
@@ -79,28 +81,19 @@ std::string memoryOf(RawOptions &raw, const std::string &bus)
 Options parseOptions(int argc, char **argv)
 {
     Options options;
-    RawOptions raw;
-    options.problem = parse(argc, argv, raw, options);
-    if (raw.bus)
-        options.bus = takeString(raw.bus);
-    for (char **name = raw.interfaces; name && *name; ++name)
-        options.interfaces.emplace_back(*name);
-    g_strfreev(raw.interfaces);
-    for (char **text = raw.servers; text && *text; ++text) {
-        if (const auto address = parseServerAddress(*text))
-            options.servers.push_back(*address);
-        else if (options.problem.empty())
-            options.problem = "--server: " + notAnAddress(*text);
+    Given given;
+    CLI::App app(std::string("Serves the media servers of the local network as ")
+            + mediaService::busName + ", where no other\nmedia service does.",
+        "orka-media-bridge");
+    declare(app, options, given);
+    try {
+        app.parse(argc, argv);
+        options.problem = complete(options, given);
+    } catch (const CLI::Success &help) {
+        std::exit(app.exit(help));
+    } catch (const CLI::ParseError &error) {
+        options.problem = error.what();
     }
-    g_strfreev(raw.servers);
-    options.memory = memoryOf(raw, options.bus);
-    options.idleExitSeconds = raw.idleExit;
-    options.replace = raw.replace != FALSE;
-    options.showVersion = raw.version != FALSE;
-    if (options.problem.empty() && raw.idleExit < 0)
-        options.problem = "--idle-exit takes a number of seconds, 0 for never";
-    if (options.problem.empty() && options.bus.empty())
-        options.problem = "--bus takes session, system or a D-Bus address";
     return options;
 }
 
