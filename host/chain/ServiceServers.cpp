@@ -5,21 +5,25 @@
 
 #include <api/core/orka.h>
 
+#include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
-ServiceServers::ServiceServers(std::chrono::milliseconds age, std::chrono::milliseconds searchTime)
-    : m_ageAtStart(age)
+ServiceServers::ServiceServers(
+    const QString &owner, std::chrono::milliseconds age, std::chrono::milliseconds searchTime)
+    : m_owner(owner)
+    , m_ageAtStart(age)
     , m_leftAtStart(searchTime - age)
 {
     m_clock.start();
     QDBusConnection bus = orkaDBusConnection();
     const QDBusMessage call = ServiceCalls::managerCall(QStringLiteral("GetServers"));
-    // Before the question, so that nothing is announced between the two.
-    bus.connect(call.service(), call.path(), call.interface(), QStringLiteral("FoundServer"), this,
-        SLOT(found(QDBusObjectPath)));
-    bus.connect(call.service(), call.path(), call.interface(), QStringLiteral("LostServer"), this,
-        SLOT(lost(QDBusObjectPath)));
+    // Before the question, so that nothing is announced between the two. From whomever: given a
+    // service's name, Qt waits for the bus to tell its owner, and aborts where that has just ended.
+    for (const char *signal : {"FoundServer", "LostServer"}) {
+        bus.connect(QString(), call.path(), call.interface(), QString::fromLatin1(signal), this,
+            SLOT(announced(QDBusMessage)));
+    }
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, &ServiceServers::listed);
 }
@@ -41,20 +45,25 @@ void ServiceServers::listed(QDBusPendingCallWatcher *call)
     m_state = reply.isError() ? Refused : Listed;
     if (!reply.isError()) {
         for (const QDBusObjectPath &path : reply.value())
-            found(path);
+            add(path.path());
     }
     emit changed();
 }
 
-void ServiceServers::found(const QDBusObjectPath &path)
+void ServiceServers::announced(const QDBusMessage &signal)
 {
-    if (!m_paths.contains(path.path()))
-        m_paths.append(path.path());
+    if (signal.service() != m_owner || signal.signature() != QLatin1String("o"))
+        return;
+    const QString path = signal.arguments().constFirst().value<QDBusObjectPath>().path();
+    if (signal.member() == QLatin1String("FoundServer"))
+        add(path);
+    else
+        m_paths.removeAll(path);
     emit changed();
 }
 
-void ServiceServers::lost(const QDBusObjectPath &path)
+void ServiceServers::add(const QString &path)
 {
-    m_paths.removeAll(path.path());
-    emit changed();
+    if (!m_paths.contains(path))
+        m_paths.append(path);
 }

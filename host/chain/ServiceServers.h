@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDBusObjectPath>
+#include <QDBusMessage>
 #include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
@@ -25,9 +25,10 @@ public:
         Refused
     };
 
-    /// Asks for the list. `age` is how long the service has run, and `searchTime` for how long it
-    /// may go on finding servers that were there before it.
-    ServiceServers(std::chrono::milliseconds age, std::chrono::milliseconds searchTime);
+    /// Asks the service with this unique name for the list. `age` is how long it has run, and
+    /// `searchTime` for how long it may go on finding servers that were there before it.
+    ServiceServers(
+        const QString &owner, std::chrono::milliseconds age, std::chrono::milliseconds searchTime);
 
     State state() const { return m_state; }
     /// Their object paths.
@@ -42,12 +43,13 @@ signals:
     void changed();
 
 private slots:
-    void found(const QDBusObjectPath &path);
-    void lost(const QDBusObjectPath &path);
+    void announced(const QDBusMessage &signal);
 
 private:
+    void add(const QString &path);
     void listed(QDBusPendingCallWatcher *call);
 
+    const QString m_owner;
     QElapsedTimer m_clock;
     std::chrono::milliseconds m_ageAtStart;
     std::chrono::milliseconds m_leftAtStart;

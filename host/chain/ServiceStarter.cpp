@@ -277,8 +277,8 @@ void ServiceStarter::meet(const QString &owner)
     m_owner = owner;
     m_there = true;
     m_isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
-    m_servers =
-        std::make_unique<ServiceServers>(bus.ageOf(owner), m_isBridge ? bridgeSearch : otherSearch);
+    m_servers = std::make_unique<ServiceServers>(
+        owner, bus.ageOf(owner), m_isBridge ? bridgeSearch : otherSearch);
     QStringList addresses = m_options.servers + KeptAddresses::read();
     addresses.removeDuplicates();
     m_namedServers = std::make_unique<NamedServers>(addresses, m_options.timeout);

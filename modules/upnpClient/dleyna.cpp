@@ -1,6 +1,7 @@
 #include "dleyna.h"
 
 #include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
 #include <QMetaMethod>
 
 #define DLEYNA_NAME(function, text)                       \
@@ -48,17 +49,31 @@ QDBusPendingCall DBusProxy::call(const QString &member, const QVariantList &argu
     return m_connection.asyncCall(message);
 }
 
-void DBusProxy::follow(const QString &member, const char *qtSignal)
+void DBusProxy::follow(const QString &member, const char *slot)
 {
-    // Under the service's name, so that no other program on the bus can announce servers; the one
-    // place where Qt asks the daemon, never the service, and waits.
-    m_connection.connect(m_service, m_path, m_interface, member, this, qtSignal);
+    // Given the service's name, Qt would wait for the bus to tell its owner, and abort where the
+    // bus has just gone.
+    m_connection.connect(QString(), m_path, m_interface, member, this, slot);
 }
 
 ComIntelDLeynaServerManagerInterface::ComIntelDLeynaServerManagerInterface(
     const QString &service, const QString &path, const QDBusConnection &connection, QObject *parent)
     : DBusProxy(service, path, dleyna::managerInterface(), connection, parent)
+    , m_ownerWatcher(service, connection, QDBusServiceWatcher::WatchForOwnerChange)
 {
+    connect(&m_ownerWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+        [this](const QString &, const QString &, const QString &owner) { m_owner = owner; });
+    QDBusMessage question = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("GetNameOwner"));
+    question.setArguments({service});
+    auto *answer = new QDBusPendingCallWatcher(connection.asyncCall(question), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<QString> reply = *answer;
+        answer->deleteLater();
+        if (!reply.isError())
+            m_owner = reply.value();
+    });
 }
 
 QDBusPendingReply<QList<QDBusObjectPath>> ComIntelDLeynaServerManagerInterface::GetServers() const
@@ -71,11 +86,22 @@ void ComIntelDLeynaServerManagerInterface::connectNotify(const QMetaMethod &sign
     using Manager = ComIntelDLeynaServerManagerInterface;
     if (signal == QMetaMethod::fromSignal(&Manager::LostServer) && !m_followsLost) {
         m_followsLost = true;
-        follow(QStringLiteral("LostServer"), SIGNAL(LostServer(QDBusObjectPath)));
+        follow(QStringLiteral("LostServer"), SLOT(on_signal(QDBusMessage)));
     } else if (signal == QMetaMethod::fromSignal(&Manager::FoundServer) && !m_followsFound) {
         m_followsFound = true;
-        follow(QStringLiteral("FoundServer"), SIGNAL(FoundServer(QDBusObjectPath)));
+        follow(QStringLiteral("FoundServer"), SLOT(on_signal(QDBusMessage)));
     }
+}
+
+void ComIntelDLeynaServerManagerInterface::on_signal(const QDBusMessage &signal)
+{
+    if (signal.service() != m_owner || signal.signature() != QLatin1String("o"))
+        return;
+    const auto path = signal.arguments().constFirst().value<QDBusObjectPath>();
+    if (signal.member() == QLatin1String("LostServer"))
+        Q_EMIT LostServer(path);
+    else
+        Q_EMIT FoundServer(path);
 }
 
 OrgGnomeUPnPMediaContainer2Interface::OrgGnomeUPnPMediaContainer2Interface(

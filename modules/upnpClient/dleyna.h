@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QObject>
 #include <QVariantMap>
@@ -41,8 +42,8 @@ protected:
         const QDBusConnection &connection, QObject *parent);
 
     QDBusPendingCall call(const QString &member, const QVariantList &arguments) const;
-    /// Subscribes to the service's D-Bus signal of the same name and arguments as `qtSignal`.
-    void follow(const QString &member, const char *qtSignal);
+    /// Subscribes to a D-Bus signal of the object, whoever sends it; `slot` takes the message.
+    void follow(const QString &member, const char *slot);
 
 private:
     QString m_service;
@@ -62,14 +63,21 @@ public:
     QDBusPendingReply<QList<QDBusObjectPath>> GetServers() const;
 
 Q_SIGNALS:
-    /// Followed on the bus from their first connection on.
+    /// Followed on the bus from their first connection on. Only those of the service are passed on:
+    /// any other program on the bus could announce servers.
     void FoundServer(const QDBusObjectPath &path);
     void LostServer(const QDBusObjectPath &path);
 
 protected:
     void connectNotify(const QMetaMethod &signal) override;
 
+private Q_SLOTS:
+    void on_signal(const QDBusMessage &signal);
+
 private:
+    QDBusServiceWatcher m_ownerWatcher;
+    /// The service's unique name; the bus tells before anything of the service's comes.
+    QString m_owner;
     bool m_followsFound = false;
     bool m_followsLost = false;
 };

@@ -20,7 +20,7 @@ private slots:
     void aServerLostWhileItIsReadIsListedAllTheSame();
     void aFailedListIsFilledByLaterSignals();
     void hearsNoSignalBeforeTheFirstAnswerAndOnlyTheServices();
-    void waitsForTheBusOnceAndNeverForTheService();
+    void asksForTheOwnerOnceAndNothingElse();
 };
 
 namespace {
@@ -203,9 +203,8 @@ void tst_UPnPServerList::hearsNoSignalBeforeTheFirstAnswerAndOnlyTheServices()
     PrivateBus::close("stranger");
 }
 
-// One look-up of the service's owner, by the daemon, when the signals are connected; nothing else
-// that a program would wait for.
-void tst_UPnPServerList::waitsForTheBusOnceAndNeverForTheService()
+// One question for the service's owner, to the daemon; nothing that a program would wait for.
+void tst_UPnPServerList::asksForTheOwnerOnceAndNothingElse()
 {
     World w;
     QProcess monitor;
