@@ -1,5 +1,9 @@
 #include "Failure.h"
 
+namespace {
+const QString leftName = QStringLiteral("serviceLeft");
+} // namespace
+
 Failure::Failure(int status, const QString &name, const QString &sentence)
     : m_status(status)
     , m_sentence(sentence)
@@ -24,4 +28,14 @@ Failure wrongUsage(const QString &sentence)
 Failure missing(const QString &name, const QString &sentence)
 {
     return Failure(Missing, name, sentence);
+}
+
+Failure serviceLeft(const QString &sentence)
+{
+    return missing(leftName, sentence);
+}
+
+bool Failure::isServiceLeft() const
+{
+    return m_error.name() == leftName;
 }

@@ -29,6 +29,8 @@ public:
     int status() const { return m_status; }
     const QString &sentence() const { return m_sentence; }
     const CMError &error() const { return m_error; }
+    /// The media service left while it was asked: another, or one that is started, may answer.
+    bool isServiceLeft() const;
 
     const char *what() const noexcept override { return m_what.constData(); }
 
@@ -41,3 +43,4 @@ private:
 
 Failure wrongUsage(const QString &sentence);
 Failure missing(const QString &name, const QString &sentence);
+Failure serviceLeft(const QString &sentence);

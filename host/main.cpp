@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <optional>
 #include <sstream>
 #include <unistd.h>
 
@@ -80,11 +81,32 @@ int report(const Failure &failure, bool json)
     return failure.status();
 }
 
+/// Once more where the media service left before anything was printed: it may have been stopped or
+/// have crashed at just that moment.
+int runWithAnyService(Command &command, const GlobalOptions &options)
+{
+    std::optional<Failure> first;
+    try {
+        return command.run(options);
+    } catch (const Failure &failure) {
+        if (!failure.isServiceLeft() || isAnythingWritten())
+            throw;
+        first = failure;
+    }
+    try {
+        return command.run(options);
+    } catch (const Failure &second) {
+        if (second.status() == Missing)
+            throw Failure(*first); // which is why there is none
+        throw;
+    }
+}
+
 int run(Command &command, const GlobalOptions &options)
 {
     try {
         startLogging(options);
-        return command.run(options);
+        return runWithAnyService(command, options);
     } catch (const StuckBus &failure) {
         std::_Exit(report(failure, options.json));
     } catch (const Failure &failure) {

@@ -6,6 +6,7 @@
 #include "output/SafeText.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <sys/stat.h>
@@ -44,6 +45,14 @@ QByteArray markOf(uint process)
             return entry;
     }
     return QByteArray();
+}
+
+/// Without what the bus says at each start where it may not open more files; it does without.
+QString reasonIn(const QByteArray &said)
+{
+    QStringList lines = QString::fromUtf8(said).split(QLatin1Char('\n'));
+    lines = lines.filter(QRegularExpression(QStringLiteral("^(?!.*Failed to set fd limit)")));
+    return lines.join(QLatin1Char('\n')).trimmed();
 }
 
 } // namespace
@@ -130,7 +139,7 @@ void BridgeProcess::isStarted()
         m_lasting->letGo();
 }
 
-Failure BridgeProcess::failure(const QString &why) const
+void BridgeProcess::fail(const QString &why) const
 {
     const bool isStarting = m_child || m_lasting;
     QString reason = !isStarting ? QStringLiteral("an earlier one neither answers nor ends")
@@ -144,12 +153,15 @@ Failure BridgeProcess::failure(const QString &why) const
     const QByteArray bytes = m_child ? m_child->readAllStandardError()
         : m_lasting                  ? m_lasting->said()
                                      : QByteArray();
-    const QString said = QString::fromUtf8(bytes).trimmed();
-    return missing(QStringLiteral("noMediaService"),
+    const QString said = reasonIn(bytes);
+    const QString sentence =
         QStringLiteral("The media service %1 could not be started: %2%3. Try it by hand with "
                        "--help, or name another with --bridge.")
             .arg(quoted(m_program), reason,
-                said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said))));
+                said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said)));
+    if (isStarting && hasEnded() && said.isEmpty())
+        throw serviceLeft(sentence);
+    throw missing(QStringLiteral("noMediaService"), sentence);
 }
 
 bool BridgeProcess::isLasting(uint process)

@@ -31,8 +31,9 @@ public:
     bool hasEnded() const;
     /// Once it is there: what it says is its own affair from now on.
     void isStarted();
-    /// That it couldn't be started; `why` where it hasn't ended.
-    Failure failure(const QString &why) const;
+    /// Throws Failure (missing), that it couldn't be started; `why` where it hasn't ended. Where it
+    /// ended without a word somebody ended it: the service left.
+    [[noreturn]] void fail(const QString &why) const;
 
     /// Whether the process is a bridge that an earlier command left running.
     static bool isLasting(uint process);

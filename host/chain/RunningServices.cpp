@@ -12,8 +12,11 @@
 
 #include <api/core/orka.h>
 
+#include <QFile>
 #include <QTimer>
+#include <QVector>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -35,8 +38,17 @@ void waitUntil(const std::function<bool()> &ended, const QString &program)
     }
 }
 
-/// Returns whether there was one.
-bool endOn(const QString &name)
+bool isRunning(uint process)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(process));
+    if (process == 0 || !stat.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray line = stat.readAll();
+    return line.mid(line.lastIndexOf(')') + 2, 1) != "Z"; // nobody may wait for it
+}
+
+/// Returns the processes of the service that was there and of its bus; none where none was.
+QVector<uint> endOn(const QString &name)
 {
     const QString description = QStringLiteral("the bus %1").arg(quoted(name));
     inTimeOnBus(description, answerLimit, [name] { orkaOpenDBusConnection(name); });
@@ -44,9 +56,10 @@ bool endOn(const QString &name)
     const QString service = ServiceStarter::busName();
     const QString owner = bus.owner(service);
     if (owner.isEmpty())
-        return false;
+        return {};
     const QString program = bus.describeOwner(owner);
     const uint process = bus.processOf(owner);
+    const QVector<uint> processes{process, bus.processOf(QStringLiteral("org.freedesktop.DBus"))};
     const QDBusMessage stop = ServiceCalls::bridgeCall(QStringLiteral("Stop"));
     if (bus.send(stop).type() != QDBusMessage::ReplyMessage
         && !(BridgeProcess::isLasting(process) && kill(pid_t(process), SIGTERM) == 0)) {
@@ -56,20 +69,29 @@ bool endOn(const QString &name)
                 .arg(safeText(program)));
     }
     waitUntil([&] { return bus.owner(service) != owner; }, program);
-    return true;
+    return processes;
 }
 
 } // namespace
 
 bool endRunningServices(const GlobalOptions &options)
 {
-    bool wasThere = endOn(options.bus);
+    const bool wasThere = !endOn(options.bus).isEmpty();
     if (options.bus != QLatin1String("session"))
         return wasThere;
     UsersBus users;
     if (users.take())
         return wasThere;
-    wasThere = endOn(users.address()) || wasThere;
-    waitUntil([&] { return users.take(); }, QStringLiteral("on your private bus"));
+    // One that is being started is ended when it is there; a command that begins meanwhile may hold
+    // the lock for a service of its own.
+    QVector<uint> processes;
+    const auto hasEnded = [&] {
+        if (processes.isEmpty() && users.isListening())
+            processes = endOn(users.address());
+        return users.take()
+            || (!processes.isEmpty()
+                && std::none_of(processes.begin(), processes.end(), isRunning));
+    };
+    waitUntil(hasEnded, QStringLiteral("on your private bus"));
     return true;
 }

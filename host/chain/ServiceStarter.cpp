@@ -153,7 +153,7 @@ void ServiceStarter::useUsersBus()
     look.start(lookEvery);
     const bool inTime = wait.until([&] {
         if (isStarting && m_bridge->hasEnded())
-            throw m_bridge->failure(QString());
+            m_bridge->fail(QString());
         if (!isStarting && users.take()) {
             requireMayStart();
             isStarting = true;
@@ -162,7 +162,7 @@ void ServiceStarter::useUsersBus()
         return isOnUsersBus(users);
     });
     if (!inTime)
-        throw m_bridge->failure(tookTooLong(startTime()));
+        m_bridge->fail(tookTooLong(startTime()));
     m_bridge->isStarted();
 }
 
@@ -250,7 +250,7 @@ void ServiceStarter::waitForBridge()
     };
     wait.until([&] { return m_bridge->hasEnded() || owned(); });
     if (!owned())
-        throw m_bridge->failure(tookTooLong(limit));
+        m_bridge->fail(tookTooLong(limit));
     m_bridge->isStarted();
 }
 
@@ -383,7 +383,7 @@ void ServiceStarter::requireSameOwner()
 void ServiceStarter::requireThere() const
 {
     if (!m_there) {
-        throw missing(QStringLiteral("noMediaService"),
+        throw serviceLeft(
             QStringLiteral("The media service has left %1: it crashed or was stopped. What was "
                            "asked of it is lost; run the command again, which starts a new one "
                            "where none is there.")

@@ -16,9 +16,10 @@
 class Bus;
 class UsersBus;
 
-/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: it takes
-/// the one that the bus has or can activate, or starts our bridge, on a private bus where there is
-/// no session bus. A bridge that it starts stays for the next command (--linger), or ends with it.
+/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: it
+/// takes the one that the bus has or can activate, or starts our bridge, on a private bus where
+/// there is no session bus. A bridge that it starts stays for the next command (--linger), or ends
+/// with it.
 class ServiceStarter : public QObject
 {
     Q_OBJECT
@@ -55,7 +56,8 @@ public:
     void requireSignOfLife() const;
     /// False after gone().
     bool isThere() const { return m_there; }
-    /// Throws Failure (missing) after gone(): what was answered since may be short of anything.
+    /// Throws Failure (service left) after gone(): what was answered since may be short of
+    /// anything.
     void requireThere() const;
     /// The same, after asking the bus: the news may come behind an answer that it makes worthless.
     void requireSameOwner();

@@ -13,6 +13,15 @@
 #include <cstdio>
 #include <cstring>
 
+namespace {
+bool anythingIsWritten = false;
+} // namespace
+
+bool isAnythingWritten()
+{
+    return anythingIsWritten;
+}
+
 void writeLine(const QString &line)
 {
     writeText(line.toUtf8() + '\n');
@@ -21,6 +30,7 @@ void writeLine(const QString &line)
 void writeText(const QByteArray &bytes)
 {
     Progress::hide();
+    anythingIsWritten = true;
     const bool written =
         std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size())
         && std::fflush(stdout) == 0;

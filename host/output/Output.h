@@ -16,6 +16,9 @@ void writeLine(const QString &line);
 /// The bytes as they are, the same way.
 void writeText(const QByteArray &bytes);
 
+/// Whether anything has been written to standard output.
+bool isAnythingWritten();
+
 /// JSON allows DEL and the C1 controls as they are; a terminal would obey them.
 QString withoutRawControls(const QString &json);
 
