@@ -111,6 +111,15 @@ OrkaNetworkInfo NetworkPublisher::currentInfo()
     return info;
 }
 
+QStringList NetworkPublisher::currentAddresses()
+{
+    const OrkaNetworkInfo info = currentInfo();
+    QStringList addresses;
+    for (const QVariantHash &address : info.wired().addresses() + info.wireless().addresses())
+        addresses.append(OrkaNetworkAddress(OrkaHash(address)).ip());
+    return addresses;
+}
+
 void NetworkPublisher::openNetlink()
 {
     m_netlink = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE);

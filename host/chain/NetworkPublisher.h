@@ -18,6 +18,7 @@ public:
 
     /// The addresses as they are now.
     static OrkaNetworkInfo currentInfo();
+    static QStringList currentAddresses();
 
 private:
     void openNetlink();

@@ -93,10 +93,24 @@ ServiceAnswer ServiceCalls::everything(const QString &object) const
     return call(object, propertiesInterface, QStringLiteral("GetAll"), {QString()});
 }
 
+QDBusMessage ServiceCalls::childCall(const QString &container, uint position)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), container, containerInterface, QStringLiteral("ListChildren"));
+    call.setArguments({position, 1U, QStringList{QStringLiteral("Path")}});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
 {
-    return call(container, containerInterface, QStringLiteral("ListChildren"),
-        {position, 1U, QStringList{QStringLiteral("Path")}});
+    return send(childCall(container, position));
+}
+
+ServiceAnswer ServiceCalls::search(
+    const QString &container, const QString &query, uint most, const QStringList &properties) const
+{
+    return call(container, containerInterface, QStringLiteral("SearchObjectsEx"),
+        {query, 0U, most, properties, QString()});
 }
 
 ServiceAnswer ServiceCalls::children(

@@ -44,11 +44,16 @@ public:
     ServiceAnswer property(const QString &server, const QString &name) const;
     /// All that is known of any object.
     ServiceAnswer everything(const QString &object) const;
-    /// One child of a container, counted from 0.
+    /// For one child of a container, counted from 0.
+    static QDBusMessage childCall(const QString &container, uint position);
     ServiceAnswer child(const QString &container, uint position) const;
     /// These properties of some children, counted from 0.
     ServiceAnswer children(
         const QString &container, uint first, uint count, const QStringList &properties) const;
+    /// At most `most` of the objects below a container that a query of the service's describes, and
+    /// how many there are.
+    ServiceAnswer search(const QString &container, const QString &query, uint most,
+        const QStringList &properties) const;
     ServiceAnswer childCount(const QString &container) const;
     /// "/…/server/…/36" for the base of a node path, "/uuid:…/36"; empty where none of `servers`
     /// has this UDN.

@@ -1,8 +1,11 @@
 #include "Failure.h"
 #include "chain/BusLimits.h"
+#include "chain/Diagnosis.h"
+#include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/StuckBus.h"
+#include "chain/Wait.h"
 #include "commands/Command.h"
 #include "output/JsonOutput.h"
 #include "output/Output.h"
@@ -11,14 +14,21 @@
 #include "tree/SearchKinds.h"
 #include "tree/ServerList.h"
 
+#include <api/core/orka.h>
+
+#include <QDBusPendingCallWatcher>
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <map>
 
 namespace {
 
 /// 200 tracks prepared at once, with two calls each.
 constexpr int neededPendingReplies = 400;
+
+/// A media server is asked once, and given this.
+constexpr std::chrono::milliseconds lookLimit(5'000);
 
 /// What was found, in the order in which it was looked at.
 class Findings
@@ -113,6 +123,40 @@ bool checkMediaService(Findings &findings, ServiceStarter &service)
     return answers;
 }
 
+/// Asks each media server for its first row, all at once; returns why each doesn't answer, by the
+/// base of its path.
+QHash<QString, QString> askServers(Session &session, const ServerList::Servers &servers)
+{
+    const QStringList objects = session.mediaService().servers().paths();
+    const ServiceCalls service(lookLimit);
+    std::map<QString, std::unique_ptr<QDBusPendingCallWatcher>> calls;
+    Wait wait(lookLimit, QStringLiteral("Asking the media servers"));
+    for (const OrkaRoles &server : servers) {
+        const QString object = service.objectOf(server.path().base(), objects);
+        if (object.isEmpty())
+            continue;
+        auto call = std::make_unique<QDBusPendingCallWatcher>(
+            orkaDBusConnection().asyncCall(ServiceCalls::childCall(object, 0)));
+        QObject::connect(call.get(), &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
+        calls[server.path().base()] = std::move(call);
+    }
+    wait.until([&] {
+        return std::all_of(
+            calls.begin(), calls.end(), [](const auto &call) { return call.second->isFinished(); });
+    });
+    QHash<QString, QString> problems;
+    for (const auto &[base, call] : calls) {
+        if (!call->isFinished()) {
+            problems[base] = QStringLiteral("does not answer within %1 seconds. It may be busy, "
+                                            "asleep or switched off.")
+                                 .arg(lookLimit.count() / 1000);
+        } else if (call->isError() && diagnosisOf(call->error().message()).isTrouble()) {
+            problems[base] = QStringLiteral("can't be read: %1").arg(call->error().message());
+        }
+    }
+    return problems;
+}
+
 void checkServers(Findings &findings, Session &session)
 {
     ServerList servers(session);
@@ -129,7 +173,16 @@ void checkServers(Findings &findings, Session &session)
             QStringLiteral("the media service lists %1, but does not tell all about it.")
                 .arg(safeText(server)));
     }
-    for (const OrkaRoles &server : ServerList::Servers(servers.servers())) {
+    const ServerList::Servers all = servers.servers();
+    const QHash<QString, QString> problems = askServers(session, all);
+    for (const OrkaRoles &server : all) {
+        const QString problem = problems.value(server.path().base());
+        if (!problem.isEmpty()) {
+            findings.add(Findings::Warning, "media server",
+                QStringLiteral("%1 is listed, but %2")
+                    .arg(quoted(server.title().toString()), safeText(problem)));
+            continue;
+        }
         const QStringList kinds = searchKinds(session, server.path());
         findings.add(Findings::Ok, "media server",
             QStringLiteral("%1 %2.").arg(quoted(server.title().toString()),
@@ -139,35 +192,27 @@ void checkServers(Findings &findings, Session &session)
     }
 }
 
-/// What only our own bridge tells: where it can hear servers, and why one may be missing.
 void checkNetwork(Findings &findings)
 {
-    const ServiceCalls calls(std::chrono::seconds(5));
-    const QVariantMap bridge = propertiesOf(calls.everything(ServiceCalls::managerPath()));
-    if (!bridge.contains(QStringLiteral("Listening")))
+    const NetworkReport report = NetworkReport::read();
+    if (!report.isTold)
         return;
-    QStringList places = bridge.value(QStringLiteral("Listening")).toStringList();
-    places.erase(std::remove_if(places.begin(), places.end(),
-                     [](const QString &place) { return place.endsWith(QLatin1String(" on lo")); }),
-        places.end());
-    findings.add(places.isEmpty() ? Findings::Warning : Findings::Ok, "network",
-        places.isEmpty()
+    findings.add(report.listening.isEmpty() ? Findings::Warning : Findings::Ok, "network",
+        report.listening.isEmpty()
             ? QStringLiteral("no interface of this machine carries multicast, by which media "
                              "servers are found. Connect one, or name a server by its address: "
                              "orka servers --add ADDRESS.")
             : QStringLiteral("media servers are listened for at %1.")
-                  .arg(safeText(places.join(QStringLiteral(", ")))));
-    const QStringList troubles = bridge.value(QStringLiteral("Troubles")).toStringList();
-    for (const QString &trouble : troubles)
+                  .arg(safeText(report.listening.join(QStringLiteral(", ")))));
+    for (const QString &trouble : report.absent)
+        findings.add(Findings::Warning, "media server", safeText(trouble));
+    for (const QString &trouble : report.troubles)
         findings.add(Findings::Warning, "network", safeText(trouble));
 }
 
 void checkAddresses(Findings &findings)
 {
-    const OrkaNetworkInfo info = NetworkPublisher::currentInfo();
-    QStringList addresses;
-    for (const QVariantHash &address : info.wired().addresses() + info.wireless().addresses())
-        addresses.append(OrkaNetworkAddress(OrkaHash(address)).ip());
+    const QStringList addresses = NetworkPublisher::currentAddresses();
     findings.add(addresses.isEmpty() ? Findings::Warning : Findings::Ok, "addresses",
         addresses.isEmpty() ? QStringLiteral("this machine has none that others can reach.")
                             : addresses.join(QStringLiteral(", ")));
@@ -185,10 +230,10 @@ void checkPlayer(Findings &findings)
 const char *partOf(const Failure &failure)
 {
     const QString name = failure.error().name();
-    return name == QLatin1String("noBus")         ? "bus"
-        : name == QLatin1String("noMediaService") ? "media service"
-        : name == QLatin1String("noPlugin")       ? "plug-in"
-                                                  : "answer";
+    return name == QLatin1String("noBus")                                    ? "bus"
+        : name == QLatin1String("noMediaService") || failure.isServiceLeft() ? "media service"
+        : name == QLatin1String("noPlugin")                                  ? "plug-in"
+                                                                             : "answer";
 }
 
 class Doctor : public Command

@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "chain/Bus.h"
 #include "chain/KeptAddresses.h"
+#include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
@@ -188,15 +189,14 @@ private:
         const QStringList missing = servers.missing();
         for (const QString &path : missing)
             problems.append(leftOut(session, path));
-        if (table.isEmpty() && servers.servers().isEmpty() && problems.isEmpty()
-            && !session.options().json) {
-            tell(QStringLiteral("No media server has shown up. Start one on this network, name its "
-                                "address with --server, or give it more time with --wait; \"orka "
-                                "doctor\" checks every part."));
-        }
-        for (const QString &problem : problems)
+        const NetworkReport report = NetworkReport::read();
+        const bool isEmpty = table.isEmpty() && servers.servers().isEmpty();
+        const bool isCutOff = isEmpty && report.isCutOff();
+        if (isCutOff || (isEmpty && problems.isEmpty() && !session.options().json))
+            tell(noServersSentence(report));
+        for (const QString &problem : problems + report.absent)
             tell(problem);
-        return problems.isEmpty() ? Answered : AnsweredWithError;
+        return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
     }
 
     static QString leftOut(const Session &session, const QString &server)

@@ -39,6 +39,11 @@ Value troubles(const ServerRegistry &registry)
     return registry.troubles();
 }
 
+Value absentServers(const ServerRegistry &registry)
+{
+    return registry.absent();
+}
+
 } // namespace
 
 const std::vector<BridgeProperty> &bridgeProperties()
@@ -49,6 +54,7 @@ const std::vector<BridgeProperty> &bridgeProperties()
         {"ProcessId", "u", &processId},
         {"Listening", "as", &listening},
         {"Troubles", "as", &troubles},
+        {"AbsentServers", "as", &absentServers},
     };
     return table;
 }

@@ -102,7 +102,10 @@ void ServerRegistry::askRemembered()
         const auto url = parseHttpUrl(server.location);
         if (!url || !url->isNumeric || (url->isLoopback && !m_discovery.isAtLoopback()))
             continue;
-        m_awaited.insert(serverPathFromUdn(server.udn));
+        const std::string path = serverPathFromUdn(server.udn);
+        m_awaited.insert(path);
+        m_absent[path] = "The media server \"" + shortened(server.name, longestNameInLog)
+            + "\" was there before, at " + hostOf(server.location) + ", but does not answer now.";
         heard(server.udn, {rememberedSource, server.location, url->rank()}, rememberedAge);
     }
     m_isRecalling = !m_awaited.empty();
@@ -193,6 +196,20 @@ std::vector<std::string> ServerRegistry::troubles() const
     return sentences;
 }
 
+std::vector<std::string> ServerRegistry::absent() const
+{
+    std::vector<std::string> sentences;
+    for (const auto &[path, sentence] : m_absent)
+        sentences.push_back(sentence);
+    for (const auto &[path, tracker] : m_trackers) {
+        const bool isKnown = tracker->announced() || m_absent.count(path) > 0;
+        if (!isKnown && !tracker->namedSource() && !tracker->problem().empty())
+            sentences.push_back(tracker->problem());
+    }
+    sentences.resize(std::min(sentences.size(), limits::troubles));
+    return sentences;
+}
+
 bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned maxAge)
 {
     const std::string path = serverPathFromUdn(udn);
@@ -267,6 +284,7 @@ void ServerRegistry::changed(const std::shared_ptr<MediaServer> &server, bool is
         return;
     remember(*m_trackers.at(path));
     m_awaited.erase(path);
+    m_absent.erase(path);
     const bool areAllThere = m_awaited.empty() && !m_hasMissed && m_named.areAllThere();
     if (m_isRecalling && areAllThere) {
         m_isRecalling = false;

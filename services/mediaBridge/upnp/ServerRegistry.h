@@ -45,6 +45,9 @@ public:
     /// Why somebody may miss a server: a sentence for each device that couldn't be read, and for
     /// each address where nothing can be heard or found. A few dozen at most.
     std::vector<std::string> troubles() const;
+    /// A sentence for each server that announces itself and can't be read, or that was there in an
+    /// earlier run and hasn't answered in this one. Not for those that are named.
+    std::vector<std::string> absent() const;
 
 private:
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
@@ -69,6 +72,8 @@ private:
     Timer m_remember;
     /// Paths of remembered servers that haven't answered yet.
     std::set<std::string> m_awaited;
+    /// Of remembered servers that haven't been there in this run, by path.
+    std::map<std::string, std::string> m_absent;
     /// Some are remembered, and it isn't told yet that they are there.
     bool m_isRecalling = false;
     bool m_hasMissed = false;
