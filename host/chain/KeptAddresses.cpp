@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -62,11 +63,20 @@ bool isAddress(const QString &line)
 
 void KeptAddresses::check(const QString &address)
 {
-    const bool isOne = !address.isEmpty() && !address.startsWith(QLatin1Char('#'))
-        && address.size() <= longestAddress
-        && std::none_of(address.begin(), address.end(),
-            [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; });
-    if (!isOne) {
+    static const QRegularExpression hostAndPort(
+        QStringLiteral("^(\\w[\\w.-]*|\\[[0-9a-f:.]+(%(25)?[\\w.-]+)?\\])(:\\d{1,5})?$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression ipv6(
+        QStringLiteral("^[0-9a-f.]*:[0-9a-f.]*:[0-9a-f:.]*(%[\\w.-]+)?$"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression url(QStringLiteral("^http://([^/?\\s]+)([/?][^\\s]*)?$"),
+        QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch parts = url.match(address);
+    const QString host = parts.hasMatch() ? parts.captured(1) : address;
+    const bool isPlain = std::none_of(address.begin(), address.end(),
+        [](QChar c) { return c.category() == QChar::Other_Control; });
+    if (!isPlain || address.size() > longestAddress
+        || !(hostAndPort.match(host).hasMatch() || ipv6.match(address).hasMatch())) {
         throw wrongUsage(QStringLiteral("%1 is no address of a media server. Write a host name or "
                                         "IP, host:port, or the URL of a description.")
                              .arg(quoted(address)));

@@ -15,6 +15,7 @@ using Milliseconds = std::chrono::milliseconds;
 constexpr Milliseconds answerLimit(10'000);
 /// However long the worker has waited, the node is given this to answer a question of ours.
 constexpr Milliseconds shortestQuestion(500);
+constexpr Milliseconds rowLimit(1'000);
 /// All that the plug-in says where a listing failed, or a node isn't there.
 const QString unexplained = QStringLiteral("Failed to retrieve content");
 
@@ -133,6 +134,30 @@ void Session::requireAnswerOf(const CMPath &path)
     const Diagnosis diagnosis = diagnoseRow(path, 0);
     if (diagnosis.isTrouble())
         throw failureOf(diagnosis, patient(path));
+}
+
+void Session::requireSignOfLifeOf(const CMPath &path)
+{
+    m_mediaService->requireSameOwner();
+    m_asked.start();
+    const Diagnosis diagnosis = diagnoseRow(path, 0);
+    if (diagnosis.verdict == Diagnosis::ServerSilent
+        || diagnosis.verdict == Diagnosis::ServiceSilent)
+        throw failureOf(diagnosis, patient(path));
+}
+
+bool Session::givesRow(const CMPath &path, int position)
+{
+    return m_mediaService->isThere()
+        && diagnose(path, position, rowLimit).verdict == Diagnosis::Answers;
+}
+
+Failure Session::silenceOf(const CMPath &path) const
+{
+    return Failure(NoAnswer, QStringLiteral("noAnswer"),
+        QStringLiteral(
+            "%1 could not be read: its media server answers, but not about this in time.")
+            .arg(nameOf(path)));
 }
 
 int Session::explain(const CMError &error, const CMPath &path, int position)

@@ -70,6 +70,12 @@ public:
     /// a playlist without tracks. Throws Failure that says what is the matter; returns where the
     /// node answers, or its server has nothing there.
     void requireAnswerOf(const CMPath &path);
+    /// The same where nothing answers in time; a node that is refused may be asked otherwise.
+    void requireSignOfLifeOf(const CMPath &path);
+    /// Whether the media service gives the row at `position` of a folder within a second.
+    bool givesRow(const CMPath &path, int position);
+    /// Of a node whose media server answers otherwise.
+    Failure silenceOf(const CMPath &path) const;
 
 private:
     void mount();

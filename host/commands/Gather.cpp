@@ -1,5 +1,6 @@
 #include "commands/Gather.h"
 
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "output/Output.h"
 #include "tree/Gathering.h"
@@ -7,6 +8,8 @@
 #include "tree/PlaceResolver.h"
 
 #include <api/core/orka.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -63,7 +66,46 @@ bool mayBeCut(const QVector<CMPath> &paths, int items)
     return folders > 1 || (folders == 1 && items >= quickMost);
 }
 
-void gatherQuick(Session &session, const QVector<CMPath> &paths, const Take &take)
+/// Throws Failure where there are tracks, though a device is told of none.
+void requireNothingIn(Session &session, const QVector<Place> &places, const QVector<CMPath> &paths)
+{
+    Gathering gathering(session, kindsOf({"audio"}), [](const OrkaPlayListItem &) {
+        throw Failure(AnsweredWithError, QStringLiteral("incomplete"),
+            QStringLiteral("A device gets nothing there, though there are tracks: the media "
+                           "server's search doesn't find them. Leave --quick out."));
+    });
+    for (int i = 0; i < paths.size(); ++i)
+        gathering.add(paths.at(i), places.at(i).text);
+    if (!gathering.failures().isEmpty())
+        throw gathering.failures().first();
+}
+
+/// That a media server's search gives fewer tracks than it counts, of which a worker says nothing.
+QVector<Failure> shortSearches(Session &session, const QVector<CMPath> &paths)
+{
+    const ServiceCalls service(session.options().timeout);
+    const QStringList servers = session.mediaService().servers().paths();
+    QVector<Failure> failures;
+    for (const CMPath &path : paths) {
+        const QString folder = service.objectOf(path.base(), servers);
+        if (folder.isEmpty() || path.param(QStringLiteral("itemType")) == QLatin1String("track"))
+            continue;
+        const ServiceAnswer answer = service.search(folder,
+            QStringLiteral("(Type derivedfrom \"audio\")"), quickMost, {QStringLiteral("Path")});
+        const int counted = std::min(answer.values.value(1).toInt(), quickMost);
+        const int came = childrenOf(answer).size();
+        if (answer.isGood() && came < counted) {
+            failures.append(Failure(AnsweredWithError, QStringLiteral("incomplete"),
+                QStringLiteral(
+                    "The media server's search counts %1 more tracks in %2 than it gives.")
+                    .arg(QString::number(counted - came), session.nameOf(path))));
+        }
+    }
+    return failures;
+}
+
+QVector<Failure> gatherQuick(
+    Session &session, const QVector<Place> &places, const QVector<CMPath> &paths, const Take &take)
 {
     QVariantList encoded;
     QVector<CMPath> playable;
@@ -71,12 +113,16 @@ void gatherQuick(Session &session, const QVector<CMPath> &paths, const Take &tak
         playable.append(withKind(session, path));
         encoded.append(playable.last().toEncoded());
     }
+    // A worker tries one way after the other, and waits for each.
+    for (const CMPath &path : qAsConst(playable))
+        session.requireSignOfLifeOf(path);
     const QVariantList items =
         session.set(session.path(OrkaPlayListPrepareItems()), encoded, QStringLiteral("Collecting"))
             .toList();
     if (items.isEmpty()) {
         for (const CMPath &path : qAsConst(playable))
             session.requireAnswerOf(path);
+        requireNothingIn(session, places, playable);
     }
     for (const QVariant &item : items)
         take(OrkaPlayListItem(OrkaHash::fromVariant(item)));
@@ -86,6 +132,7 @@ void gatherQuick(Session &session, const QVector<CMPath> &paths, const Take &tak
                             "Without --quick it is complete.")
                  .arg(quickMost));
     }
+    return shortSearches(session, playable);
 }
 
 } // namespace
@@ -112,8 +159,7 @@ QVector<Failure> gather(
         paths.append(resolver.resolve(place));
     if (!options.quick)
         return gatherWhole(session, options, places, paths, take);
-    gatherQuick(session, paths, take);
-    return {};
+    return gatherQuick(session, places, paths, take);
 }
 
 CMError tellIncomplete(const QVector<Failure> &failures)

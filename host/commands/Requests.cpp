@@ -81,6 +81,12 @@ public:
     int run(const GlobalOptions &options) override
     {
         const CMPath path = this->path();
+        if (m_first < 0 || m_last < m_first) {
+            throw wrongUsage(
+                QStringLiteral("There are no rows from %1 to %2. Count from 0 and write "
+                               "the smaller number as --first.")
+                    .arg(QString::number(m_first), QString::number(m_last)));
+        }
         Session session(options);
         waitForServers(session, pathsOf(path));
         const Rows rows = readRowsAtOnce(session, path, {m_first, m_last}, rolesOf(m_roles));

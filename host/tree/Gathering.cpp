@@ -116,9 +116,9 @@ bool Gathering::readMore(Folder *folder)
         return false;
     folder->next = 0;
     try {
-        const int first = folder->pages.position();
         if (folder->pages.next(&folder->page)) {
             const int rows = folder->page.rows.size();
+            const int first = folder->pages.position() - rows;
             folder->known =
                 std::make_shared<KnownFiles::Page>(KnownFiles::Page{folder->path, first, rows});
             return true;
@@ -181,10 +181,13 @@ OrkaPlayListItem Gathering::prepared(const OrkaRoles &row)
 
 void Gathering::fail(const CMPath &path, const Failure &failure)
 {
-    m_failures.append(failure);
-    m_session.renewTime(); // for the next server
-    if (failure.status() == NoAnswer || failure.status() == Missing)
-        m_silent.insert(ServerList::serverBase(path));
+    m_session.renewTime(); // for the next folder
+    const QString server = ServerList::serverBase(path);
+    const bool isNodeSilent =
+        failure.status() == NoAnswer && m_session.givesRow(m_session.path(server), 0);
+    m_failures.append(isNodeSilent ? m_session.silenceOf(path) : failure);
+    if (!isNodeSilent && (failure.status() == NoAnswer || failure.status() == Missing))
+        m_silent.insert(server);
 }
 
 void Gathering::tellProgress()

@@ -12,7 +12,6 @@ constexpr long long fastestGrowth = 8;
 
 void PageSize::took(int rows, long long milliseconds)
 {
-    m_answered = m_answered || rows > 0;
     if (rows < m_rows)
         return; // the last page, which says nothing of a whole one
     const long long inTime = rows * wantedMilliseconds / std::max(milliseconds, 1LL);
@@ -22,9 +21,9 @@ void PageSize::took(int rows, long long milliseconds)
 
 bool PageSize::shrink()
 {
-    if (!m_answered || m_rows == smallest)
+    if (m_rows == smallest)
         return false;
-    m_rows = std::max(m_rows / 4, smallest);
-    m_limit = m_rows;
+    m_limit = std::max(m_rows / 4, smallest);
+    m_rows = smallest;
     return true;
 }

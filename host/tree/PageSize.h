@@ -17,12 +17,11 @@ public:
     int rows() const { return m_rows; }
     /// An answer of `rows` rows took so long.
     void took(int rows, long long milliseconds);
-    /// Makes smaller pages after one that failed. False where they have the least size already, or
-    /// nothing has ever come.
+    /// Makes the next page the smallest, after one that failed, and keeps those that follow below a
+    /// quarter of it. False where that was the smallest.
     bool shrink();
 
 private:
     int m_rows;
     int m_limit = largest;
-    bool m_answered = false;
 };

@@ -1,11 +1,14 @@
 #include "tree/PlaceResolver.h"
 
 #include "Failure.h"
+#include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
+#include "output/Output.h"
 #include "output/SafeText.h"
 #include "tree/NearestTitles.h"
-#include "tree/RowsReader.h"
+#include "tree/RowPages.h"
+#include "tree/TitleSearch.h"
 
 #include <QRegularExpression>
 #include <QUrl>
@@ -144,7 +147,7 @@ CMPath PlaceResolver::resolvePath(const Place &place)
             QStringLiteral("The media server of %1 hasn't shown up. \"orka servers\" lists those "
                            "that are there; --wait SECONDS waits for one that is starting.")
                 .arg(quoted(place.text))
-            + namedProblems());
+            + absentServers(NetworkReport::read()));
     }
     if (place.path.base() != ServerList::serverBase(place.path))
         m_session.setName(place.path, place.text);
@@ -177,12 +180,8 @@ CMPath PlaceResolver::findServer(const QString &title)
     if (!found.isEmpty())
         return found.first().path();
     if (m_servers.servers().isEmpty()) {
-        throw noSuchPlace(QStringLiteral("No media server has shown up, so there is no %1. Start "
-                                         "one on this network, name its address with --server, or "
-                                         "give it more time with --wait; \"orka doctor\" checks "
-                                         "every part.")
-                              .arg(quoted(title))
-            + namedProblems());
+        const NetworkReport report = NetworkReport::read();
+        throw noSuchPlace(noServersSentence(report, title) + absentServers(report));
     }
     NearestTitles nearest(title);
     for (const OrkaRoles &server : m_servers.servers())
@@ -190,39 +189,94 @@ CMPath PlaceResolver::findServer(const QString &title)
     throw noSuchPlace(QStringLiteral("There is no media server %1.%2 \"orka servers\" lists those "
                                      "that are there.")
                           .arg(quoted(title), nearest.question())
-        + namedProblems());
+        + absentServers(NetworkReport::read()));
 }
 
-/// What became of the addresses that were named, behind a sentence about a server that isn't there.
-QString PlaceResolver::namedProblems() const
+/// What is known of others that aren't there, behind a sentence about one.
+QString PlaceResolver::absentServers(const NetworkReport &report) const
 {
     QString text;
-    for (const QString &problem : m_session.mediaService().namedServers().problems())
+    for (const QString &problem :
+        m_session.mediaService().namedServers().problems() + report.absent)
         text += QLatin1Char('\n') + problem;
     return text;
 }
 
+PlaceResolver::Entries PlaceResolver::readEntries(const CMPath &parent, RowRange range)
+{
+    Entries entries;
+    RowPages pages(
+        m_session, parent, range, {OrkaRoles::Path(), OrkaRoles::Title(), OrkaRoles::Type()});
+    Rows page;
+    try {
+        while (pages.next(&page)) {
+            entries.nodes += page.rows;
+            entries.count = page.rowsCount;
+        }
+    } catch (const Failure &failure) {
+        if (entries.nodes.isEmpty() && range.first == 0)
+            throw;
+        entries.failure = failure.sentence();
+    }
+    entries.lacking = pages.lacking();
+    return entries;
+}
+
 CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind wanted)
 {
-    const QStringList roles{OrkaRoles::Path(), OrkaRoles::Title(), OrkaRoles::Type()};
-    const Nodes all = readRows(m_session, parent, {}, roles).rows;
-    const Nodes candidates = wanted == Folder ? containersOf(all) : all;
-    const Nodes found = withTitle(candidates, title);
-    if (found.isEmpty()) {
-        NearestTitles nearest(title);
-        for (const OrkaRoles &node : candidates)
-            nearest.add(titleOf(node));
-        throw noSuchPlace(
-            QStringLiteral("There is no %1 %2 in %3.%4 \"orka ls\" lists what is "
-                           "there.")
-                .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
-                    quoted(title), m_session.nameOf(parent), nearest.question()));
+    constexpr int few = PageSize::first;
+    Entries entries = readEntries(parent, {0, few - 1});
+    const bool isMore = entries.count > few || (entries.count == 0 && entries.nodes.size() == few);
+    if (isMore && entries.failure.isEmpty()) {
+        const CMPath path = searchByTitle(m_session, parent, title, wanted == Folder);
+        if (!path.isEmpty())
+            return path;
+        const Entries rest = readEntries(parent, {few, RowRange::everything});
+        entries.nodes += rest.nodes;
+        entries.lacking += rest.lacking;
+        entries.failure = rest.failure;
     }
+    const Nodes candidates = wanted == Folder ? containersOf(entries.nodes) : entries.nodes;
+    const Nodes found = withTitle(candidates, title);
+    if (found.isEmpty())
+        throw noEntry(parent, title, wanted, candidates, entries.trouble());
     if (found.size() > 1) {
         QStringList paths;
         for (const OrkaRoles &node : found)
             paths.append(safeText(node.path().toEncoded()));
         throw ambiguous(title, paths);
     }
+    if (!entries.trouble().isEmpty()) {
+        tell(QStringLiteral("There may be another %1 in %2: its list is incomplete. %3")
+                 .arg(quoted(title), m_session.nameOf(parent), entries.trouble()));
+    }
     return found.first().path();
+}
+
+QString PlaceResolver::Entries::trouble() const
+{
+    return lacking > 0 && failure.isEmpty()
+        ? QStringLiteral("The media server counts %1 more entries than it gives.").arg(lacking)
+        : failure;
+}
+
+Failure PlaceResolver::noEntry(const CMPath &parent, const QString &title, Kind wanted,
+    const Nodes &candidates, const QString &trouble) const
+{
+    NearestTitles nearest(title);
+    for (const OrkaRoles &node : candidates)
+        nearest.add(titleOf(node));
+    const QString sentence =
+        QStringLiteral("There is no %1 %2 in %3")
+            .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
+                quoted(title), m_session.nameOf(parent));
+    if (!trouble.isEmpty()) {
+        return Failure(AnsweredWithError, QStringLiteral("incomplete"),
+            sentence
+                + QStringLiteral(" so far, but the list is incomplete: it may be among what is "
+                                 "missing. %1")
+                      .arg(trouble));
+    }
+    return noSuchPlace(
+        sentence + QStringLiteral(".%1 \"orka ls\" lists what is there.").arg(nearest.question()));
 }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Failure.h"
 #include "tree/Place.h"
+#include "tree/RowRange.h"
 #include "tree/ServerList.h"
 
 class Session;
+struct NetworkReport;
 
 /// Finds the nodes that places name. Waits for their media servers first, --wait at most.
 ///
@@ -25,8 +28,22 @@ private:
     /// By title, or "title (host)".
     QVector<OrkaRoles> serversCalled(const QString &text);
     CMPath findServer(const QString &title);
-    QString namedProblems() const;
+    QString absentServers(const NetworkReport &report) const;
     CMPath findChild(const CMPath &parent, const QString &title, Kind wanted);
+
+    struct Entries
+    {
+        QVector<OrkaRoles> nodes;
+        int count = 0;
+        int lacking = 0;
+        /// Why the list ended early, in a sentence.
+        QString failure;
+        /// Why some are missing; empty where none are.
+        QString trouble() const;
+    };
+    Entries readEntries(const CMPath &parent, RowRange range);
+    Failure noEntry(const CMPath &parent, const QString &title, Kind wanted,
+        const QVector<OrkaRoles> &candidates, const QString &trouble) const;
 
     Session &m_session;
     ServerList m_servers;

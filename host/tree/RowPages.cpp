@@ -63,13 +63,44 @@ Rows RowPages::take()
         try {
             return rowsOf(m_session.rowsOf(m_request->reply, m_path, m_next, doing), m_roles);
         } catch (const Failure &failure) {
-            const bool tooMuch =
-                failure.status() == AnsweredWithError || failure.status() == NoAnswer;
-            if (!tooMuch || !m_size->shrink())
+            if (!shrinkAfter(failure))
                 throw;
         }
         ask();
     }
+}
+
+/// One row is asked for first: a folder that hangs would take as long again with each size.
+bool RowPages::shrinkAfter(const Failure &failure)
+{
+    const bool isRefused = failure.status() == AnsweredWithError;
+    if (!isRefused && failure.status() != NoAnswer)
+        return false;
+    const bool isSearch = m_path.hasParam(QStringLiteral("query"));
+    return (isSearch ? isRefused || m_given > 0 : m_session.givesRow(m_path, m_next))
+        && m_size->shrink();
+}
+
+void RowPages::leaveOutKnown(Rows *page, bool cameShort)
+{
+    QVector<OrkaRoles> &rows = page->rows;
+    const auto pathOf = [](const OrkaRoles &row) {
+        return row.path().toEncoded();
+    };
+    // The same page again: the server doesn't look at the position.
+    const QString first = rows.isEmpty() ? QString() : pathOf(rows.first());
+    const bool isSamePage = !first.isEmpty() && first == m_firstPath;
+    m_firstPath = first;
+    const auto firstNew =
+        isSamePage ? rows.end() : std::find_if(rows.begin(), rows.end(), [&](const OrkaRoles &row) {
+            return !m_pathsBefore.contains(pathOf(row));
+        });
+    QSet<QString> paths;
+    for (auto row = rows.begin(); cameShort && row != rows.end(); ++row)
+        paths.insert(pathOf(*row));
+    paths.remove(QString());
+    m_pathsBefore = paths;
+    rows.erase(rows.begin(), firstNew);
 }
 
 bool RowPages::next(Rows *page)
@@ -85,7 +116,9 @@ bool RowPages::next(Rows *page)
     m_count = page->rowsCount;
     m_next += std::min(came, asked);
     const bool more = m_count > 0 ? m_next < m_count : came == asked;
-    if (came > 0 && more && m_next <= m_range.last)
+    leaveOutKnown(page, more && came < asked);
+    m_given += page->rows.size();
+    if (!page->rows.isEmpty() && more && m_next <= m_range.last)
         ask();
     return true;
 }
@@ -93,5 +126,5 @@ bool RowPages::next(Rows *page)
 int RowPages::lacking() const
 {
     const int end = m_range.last < m_count ? m_range.last + 1 : m_count;
-    return std::max(0, end - m_next);
+    return std::max(0, end - m_range.first - m_given);
 }

@@ -5,13 +5,18 @@
 
 #include <api/core/CMPath.h>
 
+#include <QSet>
+
 #include <memory>
+
+class Failure;
 
 /// The rows of one node, page by page; the next page is on its way while one is looked at.
 ///
-/// Ends when the range is complete, the node's count is reached, or a page brings nothing. A page
-/// shorter than asked for is gone on from, and a count of 0 beside rows is not believed. A page
-/// that fails is asked for again in smaller pieces where pages have come before.
+/// Ends when the range is complete, the node's count is reached, or a page brings nothing new. A
+/// page shorter than asked for is gone on from; where it left a row out on the way, the next begins
+/// with rows that were there already, which are given once. A count of 0 beside rows is not
+/// believed. A page that fails is asked for again in smaller pieces where the node gives one row.
 class RowPages : public RowSource
 {
 public:
@@ -34,6 +39,8 @@ private:
     void ask();
     Rows take();
     int lastOfPage() const;
+    bool shrinkAfter(const Failure &failure);
+    void leaveOutKnown(Rows *page, bool cameShort);
 
     Session &m_session;
     const CMPath m_path;
@@ -43,5 +50,9 @@ private:
     const bool m_quiet;
     int m_next;
     int m_count = 0;
+    int m_given = 0;
+    /// Of the last page, where it came short.
+    QSet<QString> m_pathsBefore;
+    QString m_firstPath;
     std::unique_ptr<Request> m_request;
 };

@@ -62,7 +62,8 @@ Rows SamplePages::first()
     Rows page = ask(1);
     m_rowsCount = page.rowsCount;
     const int span = m_sample.end - m_sample.start + 1;
-    const int last = m_rowsCount < span ? m_rowsCount - 1 : m_sample.end;
+    const bool isCounted = m_rowsCount > 0 && m_rowsCount < span;
+    const int last = isCounted ? m_rowsCount - 1 : m_sample.end;
     const int positions = (last - m_sample.start) / m_sample.step + 1;
     m_wanted = page.rows.isEmpty() ? 0 : std::clamp(positions, 1, m_wanted);
     if (m_wanted > 1 && m_sample.step <= denseStep) {
@@ -85,9 +86,9 @@ Rows SamplePages::spread()
 bool SamplePages::pick(Rows *page)
 {
     Rows all;
-    const int first = m_dense->position();
     if (!m_dense->next(&all))
         return false;
+    const int first = m_dense->position() - all.rows.size();
     *page = Rows();
     for (int i = 0; i < all.rows.size(); ++i) {
         if ((first + i - m_sample.start) % m_sample.step == 0)

@@ -13,7 +13,7 @@ public:
     SamplePages(Session &session, const CMPath &folder, const SampleRange &sample, int most);
 
     bool next(Rows *page) override;
-    int lacking() const override { return m_wanted - m_came; }
+    int lacking() const override { return m_rowsCount > 0 ? m_wanted - m_came : 0; }
 
     /// Of the folder, with the sample in its parameters.
     CMPath path() const { return pathFrom(m_sample.start); }

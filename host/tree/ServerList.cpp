@@ -87,7 +87,7 @@ bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit
     connect(&look, &QTimer::timeout, &wait, &Wait::wake);
     look.start(lookEvery);
     const bool isDone = wait.until([&] { return !service.isThere() || done(); });
-    service.requireThere();
+    service.requireSameOwner(); // with its bus it goes without a word, and every server with it
     return isDone;
 }
 

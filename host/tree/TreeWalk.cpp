@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "chain/Session.h"
 #include "tree/RowPages.h"
+#include "tree/ServerList.h"
 
 TreeWalk::TreeWalk(Session &session, int depth, Take take, Fail fail)
     : m_session(session)
@@ -19,6 +20,8 @@ void TreeWalk::walk(const CMPath &path)
 
 void TreeWalk::walk(const CMPath &path, int depth)
 {
+    if (m_isSilent)
+        return;
     m_way.append(path.base());
     RowPages pages(m_session, path, {}, OrkaRoles::all());
     Rows page;
@@ -42,7 +45,11 @@ void TreeWalk::walk(const CMPath &path, int depth)
         if (isOver || (depth == 0 && pages.position() == 0))
             throw;
         m_session.renewTime();
-        m_fail(failure.sentence());
+        const CMPath server = m_session.path(ServerList::serverBase(path));
+        const bool isNodeSilent = failure.status() == NoAnswer && m_session.givesRow(server, 0);
+        m_fail((isNodeSilent ? m_session.silenceOf(path) : failure).sentence());
+        // Else each folder that is left would be waited for.
+        m_isSilent = failure.status() == NoAnswer && !isNodeSilent;
     }
     m_way.removeLast();
 }

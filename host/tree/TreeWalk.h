@@ -24,6 +24,7 @@ private:
     const int m_depth;
     const Take m_take;
     const Fail m_fail;
+    bool m_isSilent = false;
     /// Of the folders on the way down: one that holds itself would have no end.
     QStringList m_way;
 };

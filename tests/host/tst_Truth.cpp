@@ -4,6 +4,7 @@
 #include "PrivateBus.h"
 
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 #include <QJsonArray>
 #include <QTemporaryFile>
 #include <QtTest>
@@ -115,11 +116,35 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
                     return;
                 look->stop();
                 s.vanish();
+                s.forgetRules();
                 s.comeBack();
             });
             look->start(1);
         },
-        "ls Den/Mu,sic", 3, "The media service has left");
+        "ls Den/Mu,sic", 0, "Song");
+    const auto counted = [=](FakeMediaService &s) {
+        s.answer({"Get", music, "ChildCount"}, QVariantList{QVariant::fromValue(QDBusVariant(2U))});
+    };
+    row("fewer than counted", counted, "ls Den/Mu,sic", 1, "1 of 2 rows are missing");
+    row("looked up among fewer", counted, "info Den/Mu,sic/Nope", 1, "the list is incomplete");
+    row(
+        "one row again for another",
+        [=](auto &s) {
+            counted(s);
+            s.answer(listing, [&s](const FakeCall &call) {
+                const QVariantList all{0U, 9U, call.arguments().last()};
+                return s.tree.answer(call.path(), call.member(), all);
+            });
+        },
+        "ls Den/Mu,sic", 1, "1 of 2 rows are missing");
+    row(
+        "a device finds nothing",
+        [=](auto &s) {
+            s.answer({"SearchObjectsEx"}, QVariantList{propertyMaps({}), 0U});
+        },
+        "queue --quick Den", 1, "A device gets nothing there");
+    row(
+        "no such rows", [](auto &) {}, "rows upnp:/uuid:1 --first 5 --last 2", 2, "no rows from 5");
     row(
         "silent", [=](auto &s) { s.hold(listing); }, "--timeout 0.5 ls Den/Mu,sic", 4,
         "No answer about \"Den/Mu,sic\" came in 0.5 s");
