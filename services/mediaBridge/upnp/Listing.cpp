@@ -317,7 +317,7 @@ void Listing::failLate()
 void Listing::finish()
 {
     // Clients look elsewhere for what a search can't give, but only where it fails.
-    const bool isShort = m_request.action == "Search" && m_total > m_request.offset;
+    const bool isShort = m_request.action == "Search" && m_request.offset == 0 && m_total > 0;
     if (m_rowCount == 0 && (m_lost > 0 || isShort)) {
         failUnreadable();
         return;
