@@ -63,7 +63,7 @@ void QueueWalk::step()
             return;
         }
     }
-    finish({}, true);
+    finish({}, !m_isShort);
 }
 
 void QueueWalk::readFolder(const Work &folder)
@@ -85,8 +85,14 @@ void QueueWalk::take(const Work &folder, const OrkaRowsRoles &answer)
     const int next = folder.first + rows.size();
     if (!rows.isEmpty() && next < answer.rowsCount())
         m_work.push_front({folder.row, next});
-    for (int i = rows.size() - 1; i >= 0; --i)
+    m_isShort = m_isShort || (rows.isEmpty() && next < answer.rowsCount());
+    for (int i = rows.size() - 1; i >= 0; --i) {
+        // One that comes again stands in the place of another.
+        const int before = m_rows.size();
+        m_rows.insert(rows.at(i).path().toEncoded());
+        m_isShort = m_isShort || (folder.first > 0 && m_rows.size() == before);
         m_work.push_front({rows.at(i)});
+    }
 }
 
 void QueueWalk::add(const OrkaRoles &track)

@@ -41,5 +41,9 @@ private:
     PlayListItems m_items;
     QSet<QString> m_urls;
     QSet<QString> m_folders;
+    /// Of every row, by path.
+    QSet<QString> m_rows;
+    /// A folder gave fewer rows than it counts.
+    bool m_isShort = false;
     QElapsedTimer m_clock;
 };
