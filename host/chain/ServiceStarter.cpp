@@ -275,7 +275,7 @@ void ServiceStarter::meet(const QString &owner)
 {
     const Bus bus(orkaDBusConnection(), m_options.timeout);
     m_owner = owner;
-    m_there = true;
+    m_there = !owner.isEmpty(); // it may have left since it was seen
     m_isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
     m_servers = std::make_unique<ServiceServers>(
         owner, bus.ageOf(owner), m_isBridge ? bridgeSearch : otherSearch);
