@@ -284,7 +284,7 @@ void tst_BridgeServers::everyCallIsAnsweredAndMemoryStaysFlat()
 #endif
 }
 
-/// One that is where it was is there without a search; one that isn't is never told of.
+/// One that is where it was is there without a search; one that isn't is told of as absent alone.
 void tst_BridgeServers::rememberedServersAreThereAtOnce()
 {
     const QTemporaryDir cache;
@@ -306,6 +306,8 @@ void tst_BridgeServers::rememberedServersAreThereAtOnce()
     QCOMPARE(bridge->servers(), QStringList());
     QVERIFY2(since.elapsed() > 1000, qPrintable(QString::number(since.elapsed())));
     QCOMPARE(bridge->found(), QStringList());
+    const Answer absent = bridge->get(names::managerPath, names::bridge, "AbsentServers");
+    QVERIFY(absent.value().toStringList().join("").contains("was there before, at 10.77.0.1"));
 }
 
 BRIDGE_TEST_MAIN(tst_BridgeServers)
