@@ -8,7 +8,9 @@ namespace {
 constexpr int pageSize = 500;
 constexpr int mostItems = 20'000;
 constexpr int mostFolders = 5'000;
-constexpr qint64 longest = 60'000; // milliseconds
+// Milliseconds:
+constexpr qint64 longest = 60'000;
+constexpr qint64 longestRefusal = 3'000;
 
 } // namespace
 
@@ -63,18 +65,23 @@ void QueueWalk::step()
             return;
         }
     }
-    finish({}, !m_isShort);
+    finish(m_items.isEmpty() ? m_error : CMError(), !m_isShort);
 }
 
 void QueueWalk::readFolder(const Work &folder)
 {
+    const qint64 start = m_clock.elapsed();
     m_chain.rows(folder.row.path(), folder.first, folder.first + pageSize - 1, OrkaRoles::all(),
-        [this, folder](const CMError &error, const OrkaRowsRoles &answer) {
-            if (error.isError()) {
-                finish(m_items.isEmpty() ? error : CMError(), false);
-                return;
+        [this, folder, start](const CMError &error, const OrkaRowsRoles &answer) {
+            if (!error.isError()) {
+                take(folder, answer);
+            } else {
+                m_isShort = true;
+                m_error = error;
+                // A refusal is the folder's own; a server that is silent would be so again.
+                if (m_clock.elapsed() - start > longestRefusal)
+                    m_work.clear();
             }
-            take(folder, answer);
             step();
         });
 }

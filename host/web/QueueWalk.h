@@ -43,7 +43,8 @@ private:
     QSet<QString> m_folders;
     /// Of every row, by path.
     QSet<QString> m_rows;
-    /// A folder gave fewer rows than it counts.
+    /// A folder gave fewer rows than it counts, or none for this error.
     bool m_isShort = false;
+    CMError m_error;
     QElapsedTimer m_clock;
 };
