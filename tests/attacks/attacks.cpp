@@ -111,10 +111,10 @@ int descriptors(qint64 pid)
     return QDir("/proc/%1/fd"_s.arg(pid)).entryList(QDir::AllEntries | QDir::System).size();
 }
 
-/// The longest turn that the log tells of, in milliseconds; 20 where none was longer.
+/// The longest turn that the log tells of, in milliseconds at work; 20 where none was longer.
 int longestTurn(const QByteArray &log)
 {
-    static const QRegularExpression turn("main loop took (\\d+) ms");
+    static const QRegularExpression turn("main loop took \\d+ ms, (\\d+)");
     int longest = 20;
     for (auto all = turn.globalMatch(QString::fromUtf8(log)); all.hasNext();)
         longest = qMax(longest, all.next().captured(1).toInt());
