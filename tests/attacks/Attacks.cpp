@@ -162,9 +162,22 @@ std::vector<Attack> attacks()
         {"an answer of 1 MiB of <item/>", {}, browse(times(mebibyte / 7, "<item/>")), 1, list});
     all.push_back({"an item of 1 MiB of <res/>", {},
         browse("<item id='1'>" + times(mebibyte / 6, "<res/>") + "</item>"), 1, list});
-    all.push_back({"a title of 1 MiB of 0xff", {},
-        browse("<item id='1'><dc:title>" + std::string(mebibyte, '\xff') + "</dc:title></item>"), 1,
-        list});
+    all.push_back({"20 rows of 16 KiB texts of 0xff", {},
+        browse(times(20,
+            "<item id='1'>"
+                + times(20, "<upnp:artist>" + std::string(16'000, '\xff') + "</upnp:artist>")
+                + "</item>")),
+        1, list});
+    all.push_back({"a fault with 6 MiB of text", {},
+        [](const std::string &request, const Send &send) {
+            return request.find("#Browse") != std::string::npos
+                && send(httpAnswer("<s:Envelope><s:Body><s:Fault><faultstring>"
+                    + std::string(6 * mebibyte, 'f') + "</faultstring></s:Fault></s:Body>"));
+        },
+        1,
+        [](DBusConnection *bus, const std::string &server) {
+            listOnce(bus, server, 0);
+        }});
     all.push_back({"capabilities of 60 MiB", {}, [](const std::string &request, const Send &send) {
                        return request.find("Capabilities") != std::string::npos
                            && send(httpAnswer(soapResult("GetSearchCapabilities",

@@ -1,5 +1,9 @@
 #include "core/Background.h"
 
+#include "core/Later.h"
+#include "core/Limits.h"
+#include "core/TurnQueue.h"
+
 #include <condition_variable>
 #include <deque>
 #include <glib.h>
@@ -13,6 +17,7 @@ namespace {
 
 struct Piece
 {
+    std::string whose;
     std::function<void()> work;
     std::function<void()> then;
 };
@@ -27,16 +32,17 @@ public:
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_thread.joinable())
             m_thread = std::thread([this] { run(); });
-        m_pieces.push_back(std::move(piece));
+        const std::string whose = piece->whose;
+        m_pieces.push(whose, std::move(piece));
         m_changed.notify_one();
     }
     void stop()
     {
-        std::deque<std::unique_ptr<Piece>> dropped;
+        TurnQueue<std::unique_ptr<Piece>> dropped;
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_isEnding = true;
-            dropped.swap(m_pieces);
+            std::swap(dropped, m_pieces);
             m_changed.notify_one();
         }
         if (m_thread.joinable())
@@ -48,11 +54,10 @@ private:
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         for (;;) {
-            m_changed.wait(lock, [this] { return m_isEnding || !m_pieces.empty(); });
+            m_changed.wait(lock, [this] { return m_isEnding || !m_pieces.isEmpty(); });
             if (m_isEnding)
                 return;
-            std::unique_ptr<Piece> piece = std::move(m_pieces.front());
-            m_pieces.pop_front();
+            std::unique_ptr<Piece> piece = m_pieces.pop();
             lock.unlock();
             piece->work();
             lock.lock();
@@ -61,10 +66,11 @@ private:
         }
     }
 
-    /// Runs `then` in the main loop, where the piece also ends.
+    /// Lets `then` run in the main loop, where the piece also ends.
     static gboolean giveBack(gpointer self)
     {
-        static_cast<Worker *>(self)->takeDone()->then();
+        const std::shared_ptr<Piece> piece = static_cast<Worker *>(self)->takeDone();
+        later([piece] { piece->then(); }, piece->whose);
         return G_SOURCE_REMOVE;
     }
     std::unique_ptr<Piece> takeDone()
@@ -77,7 +83,7 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<std::unique_ptr<Piece>> m_pieces;
+    TurnQueue<std::unique_ptr<Piece>> m_pieces;
     /// One for each call of `giveBack` to come.
     std::deque<std::unique_ptr<Piece>> m_done;
     bool m_isEnding = false;
@@ -92,9 +98,24 @@ Worker &worker()
 
 } // namespace
 
-void run(std::function<void()> work, std::function<void()> then)
+void run(const std::string &whose, std::function<void()> work, std::function<void()> then)
 {
-    worker().add(std::make_unique<Piece>(Piece{std::move(work), std::move(then)}));
+    worker().add(std::make_unique<Piece>(Piece{whose, std::move(work), std::move(then)}));
+}
+
+void read(
+    const std::string &whose, size_t bytes, std::function<void()> work, std::function<void()> then)
+{
+    if (bytes > limits::documentAtOnce) {
+        run(whose, std::move(work), std::move(then));
+        return;
+    }
+    later(
+        [work = std::move(work), then = std::move(then)] {
+            work();
+            then();
+        },
+        whose);
 }
 
 void stop()

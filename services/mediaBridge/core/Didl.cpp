@@ -11,15 +11,22 @@ namespace bridge {
 
 namespace {
 
+/// What isn't UTF-8 is mended here, in the background, rather than on its way to the bus.
 std::string boundedText(std::string text)
 {
-    return text.size() <= limits::textBytes ? std::move(text) : shortened(text, limits::textBytes);
+    const bool isGood = text.size() <= limits::textBytes && isValidUtf8(text);
+    return isGood ? std::move(text) : shortened(text, limits::textBytes);
 }
 
 /// What names something is as it is, or not there.
 std::string shortOrNothing(std::string text, size_t maxBytes)
 {
     return text.size() <= maxBytes ? std::move(text) : std::string();
+}
+
+std::string urlText(pugi::xml_node element)
+{
+    return boundedText(shortOrNothing(elementText(element), limits::urlBytes));
 }
 
 /// Splits `protocol:network:mimeType:additional`, whose last field may hold more colons.
@@ -62,7 +69,7 @@ void readResolution(Resource &resource, std::string_view text)
 Resource readResource(pugi::xml_node element)
 {
     Resource resource;
-    resource.uri = shortOrNothing(elementText(element), limits::urlBytes);
+    resource.uri = urlText(element);
     for (const pugi::xml_attribute attribute : element.attributes()) {
         const std::string_view name = localName(attribute.name());
         const std::string value = boundedText(attributeText(attribute));
@@ -134,7 +141,6 @@ bool readText(MediaObject &object, std::string_view name, pugi::xml_node element
         {"album", &MediaObject::album},
         {"genre", &MediaObject::genre},
         {"date", &MediaObject::date},
-        {"albumArtURI", &MediaObject::albumArtUri},
     };
     for (const TextField &known : fields) {
         if (name == known.name) {
@@ -152,6 +158,8 @@ void readChild(MediaObject &object, pugi::xml_node element)
         return;
     if (name == "title" && object.title.empty())
         object.title = boundedText(titleText(element));
+    else if (name == "albumArtURI" && object.albumArtUri.empty())
+        object.albumArtUri = urlText(element);
     else if (name == "res" && object.resources.size() < limits::repeated)
         object.resources.push_back(readResource(element));
     else if (name == "artist" && object.artists.size() < limits::repeated)
@@ -173,8 +181,12 @@ MediaObject readObject(pugi::xml_node element, bool isContainer)
     MediaObject object;
     object.isContainer = isContainer;
     readObjectAttributes(object, element);
-    for (const pugi::xml_node child : element.children())
+    const auto start = element.offset_debug();
+    for (const pugi::xml_node child : element.children()) {
+        if (child.offset_debug() - start > limits::objectBytes)
+            break;
         readChild(object, child);
+    }
     return object;
 }
 

@@ -1,8 +1,7 @@
 #include "core/Later.h"
 
 #include "core/Timer.h"
-
-#include <deque>
+#include "core/TurnQueue.h"
 
 namespace bridge {
 
@@ -12,7 +11,7 @@ constexpr int64_t longestUs = 3'000;
 
 struct Queue
 {
-    std::deque<std::function<void()>> waiting;
+    TurnQueue<std::function<void()>> waiting;
     Timer turn;
 };
 
@@ -26,21 +25,20 @@ void workOn()
 {
     const int64_t end = g_get_monotonic_time() + longestUs;
     auto &waiting = queue().waiting;
-    while (!waiting.empty() && g_get_monotonic_time() < end) {
+    while (!waiting.isEmpty() && g_get_monotonic_time() < end) {
         // Taken out before it runs: it may add more, or end what it belongs to.
-        const auto work = std::move(waiting.front());
-        waiting.pop_front();
+        const auto work = waiting.pop();
         work();
     }
-    if (!waiting.empty())
+    if (!waiting.isEmpty())
         queue().turn.start(0, &workOn);
 }
 
 } // namespace
 
-void later(std::function<void()> work)
+void later(std::function<void()> work, const std::string &whose)
 {
-    queue().waiting.push_back(std::move(work));
+    queue().waiting.push(whose, std::move(work));
     if (!queue().turn.isRunning())
         queue().turn.start(0, &workOn);
 }

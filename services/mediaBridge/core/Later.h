@@ -1,12 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 namespace bridge {
 
-/// Calls `work` from the main loop, in the order of these calls, a few milliseconds of them a turn:
-/// thousands that come at once neither hold up everybody else nor wait until nobody else has
-/// anything to do. Main thread only.
-void later(std::function<void()> work);
+/// Calls `work` from the main loop, a few milliseconds of all of it a turn: thousands that come at
+/// once neither hold up everybody else nor wait until nobody else has anything to do. What is done
+/// for the same `whose` (a machine on the network; empty for the bridge itself) keeps its order,
+/// and those who wait take turns. Main thread only.
+void later(std::function<void()> work, const std::string &whose = {});
 
 } // namespace bridge

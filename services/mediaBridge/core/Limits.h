@@ -113,10 +113,15 @@ inline constexpr size_t repeated = 64;
 /// Objects of one listing that are left out since they are malformed themselves.
 inline constexpr uint32_t lostObjects = 20;
 /// A text for people, in bytes. A longer one is cut, and ends in "…".
-inline constexpr size_t textBytes = size_t{16} << 10;
+inline constexpr size_t textBytes = size_t{4} << 10;
 /// An id and a URL, in bytes. A longer one is left out: cut, it would name something else.
 inline constexpr size_t idBytes = size_t{4} << 10;
-inline constexpr size_t urlBytes = size_t{16} << 10;
+inline constexpr size_t urlBytes = size_t{4} << 10;
+/// Bytes of an object that are read; what stands behind them is left out. A track has 1 to 4 KiB,
+/// and the main loop takes a millisecond for so many.
+inline constexpr std::ptrdiff_t objectBytes = 64 << 10;
+/// Values that an answer to an action may have; the standard's have four.
+inline constexpr size_t outputs = 16;
 /// Names of what a server can search or sort by.
 inline constexpr size_t capabilities = 256;
 

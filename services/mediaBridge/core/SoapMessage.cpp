@@ -3,6 +3,7 @@
 #include "core/Glib.h"
 #include "core/Limits.h"
 #include "core/Numbers.h"
+#include "core/Text.h"
 #include "core/Xml.h"
 
 namespace bridge {
@@ -15,9 +16,12 @@ SoapAnswer readFault(pugi::xml_node fault)
     answer.kind = SoapAnswer::Kind::Fault;
     const pugi::xml_node error = childElement(childElement(fault, "detail"), "UPnPError");
     answer.faultCode = parseAs<int32_t>(elementText(childElement(error, "errorCode"))).value_or(0);
-    answer.faultText = elementText(childElement(error, "errorDescription"));
+    const auto text = [](pugi::xml_node parent, std::string_view name) {
+        return shortened(elementText(childElement(parent, name)), limits::errorTextBytes);
+    };
+    answer.faultText = text(error, "errorDescription");
     if (answer.faultText.empty())
-        answer.faultText = elementText(childElement(fault, "faultstring"));
+        answer.faultText = text(fault, "faultstring");
     return answer;
 }
 
@@ -67,7 +71,7 @@ SoapAnswer parseSoapAnswer(std::string body, const std::string &action)
     answer.kind = SoapAnswer::Kind::Result;
     for (const pugi::xml_node value : response.children()) {
         const std::string_view name = localName(value.name());
-        if (!name.empty())
+        if (!name.empty() && answer.values.size() < limits::outputs)
             answer.values.emplace(name, rawElementText(value));
     }
     return answer;

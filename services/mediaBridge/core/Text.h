@@ -6,6 +6,11 @@
 
 namespace bridge {
 
+inline bool isValidUtf8(std::string_view text)
+{
+    return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
 /// `text` with at most `maxBytes` bytes and as valid UTF-8; "…" at the end shows that more was
 /// there.
 inline std::string shortened(std::string_view text, size_t maxBytes)
@@ -20,9 +25,8 @@ inline std::string shortened(std::string_view text, size_t maxBytes)
         text = text.substr(0, end);
     }
     const auto size = static_cast<gssize>(text.size());
-    const bool isValid = g_utf8_validate(text.data(), size, nullptr) != FALSE;
     std::string valid =
-        isValid ? std::string(text) : takeString(g_utf8_make_valid(text.data(), size));
+        isValidUtf8(text) ? std::string(text) : takeString(g_utf8_make_valid(text.data(), size));
     return isLong ? valid.append(more) : valid;
 }
 

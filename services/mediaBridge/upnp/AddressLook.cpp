@@ -3,7 +3,6 @@
 #include "Log.h"
 #include "core/Limits.h"
 #include "core/Numbers.h"
-#include "upnp/DescriptionLook.h"
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
@@ -163,20 +162,31 @@ void AddressLook::askForDescriptions()
             ++m_underWay;
             m_session->get(url, limits::descriptionBytes, descriptionMs,
                 [weak = weak_from_this(), host, url](HttpReply reply) {
-                    if (const auto self = weak.lock()) {
-                        self->described(host, url, std::move(reply));
-                        self->oneEnded();
-                    }
+                    if (const auto self = weak.lock())
+                        self->answered(host, url, std::move(reply));
                 });
         }
     }
 }
 
-void AddressLook::described(const Host &host, const std::string &url, HttpReply reply)
+void AddressLook::answered(const Host &host, const std::string &url, HttpReply answer)
 {
-    DescriptionReading reading;
-    if (reply.status == 200)
-        reading = readDescription(std::move(reply.body), {}, url);
+    const auto done = [weak = weak_from_this(), host, url](
+                          const HttpReply &reply, const DescriptionReading &reading) {
+        if (const auto self = weak.lock()) {
+            self->described(host, url, reply, reading);
+            self->oneEnded();
+        }
+    };
+    if (answer.status == 200)
+        readDescription(std::move(answer), {}, url, done);
+    else
+        done(answer, {});
+}
+
+void AddressLook::described(const Host &host, const std::string &url, const HttpReply &reply,
+    const DescriptionReading &reading)
+{
     if (reading.description) {
         heard(reading.description->udn, {m_source, url, host.rank}, descriptionAge);
         return;

@@ -2,8 +2,7 @@
 
 #include "core/ServerAddress.h"
 #include "core/Timer.h"
-#include "upnp/Discovery.h"
-#include "upnp/HttpSession.h"
+#include "upnp/DescriptionLook.h"
 
 #include <map>
 #include <memory>
@@ -50,7 +49,9 @@ private:
     void search(size_t round);
     void answeredSearch(std::string_view packet, const std::string &sender);
     void askForDescriptions();
-    void described(const Host &host, const std::string &url, HttpReply reply);
+    void answered(const Host &host, const std::string &url, HttpReply answer);
+    void described(const Host &host, const std::string &url, const HttpReply &reply,
+        const DescriptionReading &reading);
     void heard(const std::string &udn, const Route &route, unsigned maxAge);
     void failed(Reached reached, std::string problem);
     void oneEnded();

@@ -1,6 +1,8 @@
 #include "upnp/DescriptionLook.h"
 
+#include "core/Background.h"
 #include "core/Limits.h"
+#include "upnp/HttpUrl.h"
 
 namespace bridge {
 
@@ -22,6 +24,23 @@ std::string whatIsWrong(const HttpReply &reply, const std::string &withDocument)
     if (reply.status != 200)
         return "gives no description, but the HTTP status " + std::to_string(reply.status);
     return withDocument;
+}
+
+void readDescription(HttpReply reply, const std::string &udn, const std::string &location,
+    std::function<void(const HttpReply &, DescriptionReading)> done)
+{
+    struct Work
+    {
+        HttpReply reply;
+        DescriptionReading reading;
+    };
+    const auto work = std::make_shared<Work>(Work{std::move(reply), {}});
+    background::read(
+        hostOf(location), work->reply.body.size(),
+        [work, udn, location] {
+            work->reading = readDescription(std::move(work->reply.body), udn, location);
+        },
+        [work, done = std::move(done)] { done(work->reply, std::move(work->reading)); });
 }
 
 DescriptionLook::DescriptionLook(std::string udn, std::vector<Route> routes, Done done)
@@ -53,14 +72,25 @@ void DescriptionLook::askNext()
     m_patience.start(patienceMs, [this] { askNext(); });
 }
 
-void DescriptionLook::answered(const Route &route, HttpReply reply)
+void DescriptionLook::answered(const Route &route, HttpReply answer)
+{
+    if (answer.status != 200) {
+        described(route, answer, {});
+        return;
+    }
+    readDescription(std::move(answer), m_udn, route.location,
+        [weak = weak_from_this(), route](const HttpReply &reply, DescriptionReading reading) {
+            if (const auto self = weak.lock())
+                self->described(route, reply, std::move(reading));
+        });
+}
+
+void DescriptionLook::described(
+    const Route &route, const HttpReply &reply, DescriptionReading reading)
 {
     if (!m_done)
         return;
     --m_underWay;
-    DescriptionReading reading;
-    if (reply.status == 200)
-        reading = readDescription(std::move(reply.body), m_udn, route.location);
     m_result.description = std::move(reading.description);
     if (m_result.description) {
         m_result.route = route;

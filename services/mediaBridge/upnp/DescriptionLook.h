@@ -29,6 +29,11 @@ struct LookResult
 /// document.
 std::string whatIsWrong(const HttpReply &reply, const std::string &withDocument);
 
+/// Reads a description as `readDescription` does, a long one in the background. `done` is called
+/// from the main loop, with the reply without its body.
+void readDescription(HttpReply reply, const std::string &udn, const std::string &location,
+    std::function<void(const HttpReply &, DescriptionReading)> done);
+
 /// Looks for the description of one server, at its routes in their order. The next route is asked
 /// where one fails, and also where one is silent for some time; the first description counts.
 class DescriptionLook : public std::enable_shared_from_this<DescriptionLook>
@@ -47,7 +52,8 @@ public:
 
 private:
     void askNext();
-    void answered(const Route &route, HttpReply reply);
+    void answered(const Route &route, HttpReply answer);
+    void described(const Route &route, const HttpReply &reply, DescriptionReading reading);
     void finish();
 
     /// Its own: it has to go on where calls hold all connections of the server's.

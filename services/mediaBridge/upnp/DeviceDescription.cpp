@@ -43,13 +43,15 @@ void readTexts(DeviceDescription &description, pugi::xml_node device)
 void readIcon(DeviceDescription &description, pugi::xml_node device)
 {
     int32_t widest = -1;
+    std::string url;
     for (const pugi::xml_node icon : childElement(device, "iconList").children()) {
         const int32_t width = parseAs<int32_t>(childText(icon, "width")).value_or(0);
         if (width <= widest)
             continue;
         widest = width;
-        description.iconUrl = absoluteUrl(childText(icon, "url"), description.baseUrl);
+        url = childText(icon, "url");
     }
+    description.iconUrl = absoluteUrl(url, description.baseUrl);
 }
 
 /// "urn:schemas-upnp-org:service:ContentDirectory:" and a version.

@@ -1,6 +1,7 @@
 #include "upnp/Listing.h"
 
 #include "Log.h"
+#include "core/Later.h"
 #include "core/Limits.h"
 #include "core/Numbers.h"
 
@@ -14,7 +15,7 @@ namespace {
 constexpr auto listTimeout = std::chrono::seconds(20);
 constexpr uint32_t smallestPage = 20;
 constexpr auto pageGoal = std::chrono::seconds(1);
-constexpr size_t sliceObjects = 20;
+constexpr int64_t sliceUs = 1'000;
 
 bool isOfKind(const MediaObject &object, ListKind kind)
 {
@@ -175,7 +176,7 @@ bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
 void Listing::parsePage()
 {
     const bool isSmall = m_reading->didl.size() <= limits::documentAtOnce;
-    readDidl(std::move(m_reading->didl), m_reading->asked,
+    m_server->readDidl(std::move(m_reading->didl), m_reading->asked,
         [self = shared_from_this(), isSmall](std::optional<DidlList> list) {
             if (self->m_done)
                 self->gotObjects(std::move(list), isSmall);
@@ -210,7 +211,7 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
     if (isSmall)
         readSlice();
     else
-        m_nextSlice.start(0, [self = shared_from_this()] { self->readSlice(); });
+        readNextSlice();
 }
 
 /// The number that the server gave may be wrong; the objects that came are what counts.
@@ -252,17 +253,24 @@ void Listing::leaveOutKnown(std::vector<MediaObject> &objects)
     m_idsBefore = std::move(ids);
 }
 
+void Listing::readNextSlice()
+{
+    later([self = shared_from_this()] { self->readSlice(); }, m_server->host());
+}
+
 void Listing::readSlice()
 {
-    const size_t end = std::min(m_objects.size(), m_nextObject + sliceObjects);
-    while (m_done && m_nextObject < end)
-        readObject(m_objects[m_nextObject++]);
+    const int64_t end = g_get_monotonic_time() + sliceUs;
+    do {
+        if (m_nextObject < m_objects.size())
+            readObject(m_objects[m_nextObject++]);
+    } while (m_done && m_nextObject < m_objects.size() && g_get_monotonic_time() < end);
     if (!m_done)
         return;
     if (m_rowCount > 0)
         tellTotal();
     if (m_nextObject < m_objects.size()) {
-        m_nextSlice.start(0, [self = shared_from_this()] { self->readSlice(); });
+        readNextSlice();
         return;
     }
     m_objects.clear();

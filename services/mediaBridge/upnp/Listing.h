@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/Didl.h"
-#include "core/Timer.h"
 #include "upnp/MediaServer.h"
 
 #include <chrono>
@@ -90,6 +89,7 @@ private:
     void gotObjects(std::optional<DidlList> list, bool isSmall);
     void checkCount(const DidlList &list);
     void leaveOutKnown(std::vector<MediaObject> &objects);
+    void readNextSlice();
     void readSlice();
     void readObject(const MediaObject &object);
     void tellTotal();
@@ -135,7 +135,6 @@ private:
     std::optional<Page> m_reading;
     std::vector<MediaObject> m_objects;
     size_t m_nextObject = 0;
-    Timer m_nextSlice;
 };
 
 } // namespace bridge

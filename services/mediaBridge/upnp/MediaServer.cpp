@@ -4,6 +4,7 @@
 #include "core/Limits.h"
 #include "core/ObjectAddress.h"
 #include "core/SearchCriteria.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 
@@ -25,6 +26,7 @@ std::string faultSentence(const SoapAnswer &answer)
 
 MediaServer::MediaServer(DeviceDescription description, std::shared_ptr<HttpSession> session)
     : m_description(std::move(description))
+    , m_host(hostOf(m_description.location))
     , m_context{serverPathFromUdn(m_description.udn), m_description.baseUrl}
     , m_session(std::move(session))
 {
@@ -91,14 +93,10 @@ void MediaServer::received(const ActionCall &call, HttpReply http, const ActionC
             self->onUnreachable();
         done(std::move(reply));
     };
-    if (work->http.body.size() > limits::documentAtOnce
-        && work->http.outcome == HttpOutcome::Answered) {
-        background::run(read, finish);
-        return;
-    }
     if (work->http.outcome == HttpOutcome::Answered)
-        read();
-    finish();
+        background::read(m_host, work->http.body.size(), read, finish);
+    else
+        finish();
 }
 
 Failure MediaServer::failureOf(
@@ -148,16 +146,18 @@ void MediaServer::readObject(const std::string &objectId, const PropertySet &wan
         }
     };
     call({"Browse", arguments, caller, answerTimeoutMs, limits::answerBytes(1)},
-        [done, gotList](ActionReply reply) {
+        [self = shared_from_this(), done, gotList](ActionReply reply) {
             if (reply.isError())
                 done(reply.failure, {});
             else
-                readDidl(std::move(reply.answer.values["Result"]), 1, gotList);
+                self->readDidl(std::move(reply.answer.values["Result"]), 1,
+                    [gotList, place = std::move(reply.place)](
+                        const std::optional<DidlList> &list) { gotList(list); });
         });
 }
 
-void readDidl(
-    std::string didl, size_t maxObjects, std::function<void(std::optional<DidlList>)> done)
+void MediaServer::readDidl(
+    std::string didl, size_t maxObjects, std::function<void(std::optional<DidlList>)> done) const
 {
     if (didl.size() <= limits::documentAtOnce) {
         done(parseDidl(std::move(didl), maxObjects));
@@ -170,7 +170,7 @@ void readDidl(
     };
     const auto work = std::make_shared<Work>(Work{std::move(didl), {}});
     background::run(
-        [work, maxObjects] { work->list = parseDidl(std::move(work->didl), maxObjects); },
+        m_host, [work, maxObjects] { work->list = parseDidl(std::move(work->didl), maxObjects); },
         [work, done = std::move(done)] { done(std::move(work->list)); });
 }
 

@@ -51,6 +51,8 @@ public:
     MediaServer(DeviceDescription description, std::shared_ptr<HttpSession> session);
 
     const DeviceDescription &description() const { return m_description; }
+    /// The machine; those of one share the time that is spent on their answers.
+    const std::string &host() const { return m_host; }
     /// D-Bus path and URL base, for mapping its objects.
     const ServerContext &context() const { return m_context; }
 
@@ -72,6 +74,11 @@ public:
     void readObject(const std::string &objectId, const PropertySet &wanted, const Caller &caller,
         ObjectCallback done);
 
+    /// What parseDidl makes of `didl`; a long one is read in the background. `done` may be called
+    /// from inside this call.
+    void readDidl(std::string didl, size_t maxObjects,
+        std::function<void(std::optional<DidlList>)> done) const;
+
     /// Called with each call that found nobody listening.
     std::function<void()> onUnreachable;
 
@@ -87,6 +94,7 @@ private:
         std::optional<std::vector<std::string>> MediaServer::*member);
 
     DeviceDescription m_description;
+    std::string m_host;
     ServerContext m_context;
     std::shared_ptr<HttpSession> m_session;
     std::optional<std::vector<std::string>> m_searchCaps;
@@ -94,10 +102,5 @@ private:
 };
 
 using MediaServerPtr = std::shared_ptr<MediaServer>;
-
-/// What parseDidl makes of `didl`; a long one is read in the background. `done` may be called from
-/// inside this call.
-void readDidl(
-    std::string didl, size_t maxObjects, std::function<void(std::optional<DidlList>)> done);
 
 } // namespace bridge
