@@ -103,10 +103,13 @@ int serve(const Options &options, GMainLoop *loop)
     return status;
 }
 
-/// The thread that reads long documents gets no heap of its own, which would never shrink.
-void keepOneHeap()
+/// The thread that reads long documents gets no heap of its own, which would never shrink, and what
+/// is long never lies in the heap, where it would leave holes.
+void keepHeapSmall()
 {
+    constexpr int longBytes = 256 << 10;
     mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MMAP_THRESHOLD, longBytes);
 }
 
 int run(int argc, char **argv)
@@ -122,7 +125,7 @@ int run(int argc, char **argv)
     setLogLevel(options.logLevel);
     captureLibraryLog();
     watchLoop();
-    keepOneHeap();
+    keepHeapSmall();
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
     g_unix_signal_add(SIGTERM, quit, loop);
     g_unix_signal_add(SIGINT, quit, loop);

@@ -79,7 +79,8 @@ std::string BusService::connect(const std::string &where)
         return "Can't reach the D-Bus \"" + where + "\": " + error.message
             + ". Start a bus (dbus-run-session does) or name one with --bus.";
     dbus_connection_set_exit_on_disconnect(m_connection.get(), FALSE);
-    m_messageBytes = isSystemBus(where) ? limits::systemMessageBytes : limits::messageBytes;
+    m_isShared = isSystemBus(where);
+    m_messageBytes = m_isShared ? limits::systemMessageBytes : limits::messageBytes;
     // Whoever has no room for one more descriptor loses the whole connection.
     dbus_connection_set_max_received_unix_fds(m_connection.get(), limits::descriptorsOnBus);
     dbus_connection_add_filter(
@@ -99,7 +100,8 @@ std::string BusService::connect(const std::string &where)
 
 std::string BusService::ownName(bool replace)
 {
-    const unsigned flags = DBUS_NAME_FLAG_ALLOW_REPLACEMENT | DBUS_NAME_FLAG_DO_NOT_QUEUE
+    const unsigned flags = DBUS_NAME_FLAG_DO_NOT_QUEUE
+        | (m_isShared ? 0 : DBUS_NAME_FLAG_ALLOW_REPLACEMENT)
         | (replace ? DBUS_NAME_FLAG_REPLACE_EXISTING : 0);
     BusError error;
     const int result =
@@ -164,8 +166,17 @@ void BusService::receiveCall(const BusCallPtr &call)
 void BusService::handleWaiting()
 {
     constexpr int64_t longestUs = 3'000;
-    const int64_t end = g_get_monotonic_time() + longestUs;
+    constexpr int64_t shortUs = 1'000;
+    constexpr unsigned unsentPauseMs = 5;
+    // Whoever has few calls may still be behind those who have many.
+    const bool isBehind =
+        dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS;
+    const int64_t end = g_get_monotonic_time() + (isBehind ? shortUs : longestUs);
     while (!m_waiting.isEmpty()) {
+        if (unsentBytes() > limits::unsentBytes) {
+            m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });
+            return;
+        }
         const BusCallPtr call = m_waiting.pop();
         if (!call->isAnswered())
             onCall(call);
@@ -209,9 +220,11 @@ void BusService::purge(Calls &calls)
 void BusService::clientLeft(const std::string &name)
 {
     if (const auto calls = m_calls.find(name); calls != m_calls.end()) {
-        for (const auto &known : calls->second.known) {
-            later([known] {
-                if (const BusCallPtr call = known.lock())
+        const auto &known = calls->second.known;
+        // Those that wait first: else each that ends would make way for one that ends, too.
+        for (auto it = known.rbegin(); it != known.rend(); ++it) {
+            later([weak = *it] {
+                if (const BusCallPtr call = weak.lock())
                     call->drop();
             });
         }
@@ -219,6 +232,7 @@ void BusService::clientLeft(const std::string &name)
         m_calls.erase(calls);
     }
     releaseClient(name);
+    giveBackSpareMemorySoon();
 }
 
 void BusService::releaseClient(const std::string &sender)
@@ -236,15 +250,16 @@ void BusService::emitManagerSignal(const char *name, const std::string &path)
 
 void BusService::cancelCalls(const std::string &path, const std::string &sender)
 {
-    std::vector<std::weak_ptr<BusCall>> meant;
     for (const auto &[client, calls] : m_calls) {
-        if (sender.empty() || client == sender)
-            meant.insert(meant.end(), calls.known.begin(), calls.known.end());
-    }
-    for (const auto &known : meant) {
-        const BusCallPtr call = known.lock();
-        if (call && isWithin(call->path(), path))
-            call->cancel();
+        if (!sender.empty() && client != sender)
+            continue;
+        for (auto it = calls.known.rbegin(); it != calls.known.rend(); ++it) {
+            later([weak = *it, path] {
+                const BusCallPtr call = weak.lock();
+                if (call && isWithin(call->path(), path))
+                    call->cancel();
+            });
+        }
     }
 }
 

@@ -23,8 +23,10 @@ public:
     /// `where` is "session", "system" or a D-Bus address. Gives a sentence on failure, else
     /// nothing.
     std::string connect(const std::string &where);
+    /// Whether programs of other users are on the bus.
+    bool isShared() const { return m_isShared; }
     /// Takes the name, from a running service only with `replace`. Failure as above. Calls are
-    /// answered from then on.
+    /// answered from then on. Another may replace it in turn, but not on a shared bus.
     std::string ownName(bool replace);
     /// Bytes of answers that the bus hasn't taken yet.
     size_t unsentBytes() const;
@@ -70,6 +72,7 @@ private:
 
     std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
     std::unique_ptr<BusLoop> m_loop;
+    bool m_isShared = false;
     size_t m_messageBytes = 0;
     /// Unique names of those who have made a call and didn't release the service since.
     std::set<std::string> m_clients;

@@ -3,6 +3,8 @@
 #include "core/Limits.h"
 #include "core/ObjectAddress.h"
 
+#include <numeric>
+
 namespace bridge {
 
 namespace {
@@ -11,6 +13,31 @@ namespace {
 constexpr unsigned deadlineMs = 20'000;
 // Paths that aren't the server's take no time of its own.
 constexpr size_t sliceObjects = 50;
+
+/// Bytes of the paths of all that are under way.
+size_t allPathBytes = 0;
+
+size_t bytesOf(const std::vector<std::string> &paths)
+{
+    return std::accumulate(paths.begin(), paths.end(), size_t{0},
+        [](size_t sum, const std::string &path) { return sum + sizeof path + path.size(); });
+}
+
+/// The failure's name is empty where there is room for so many.
+Failure checkRoom(size_t bytes)
+{
+    const auto mebibytes = [](size_t most) {
+        return std::to_string(most >> 20) + " MiB";
+    };
+    if (bytes > limits::pathsOfOneCall)
+        return {errors::invalidArgs,
+            "BrowseObjects takes " + mebibytes(limits::pathsOfOneCall)
+                + " of paths at most. Ask for fewer objects at a time."};
+    if (allPathBytes + bytes > limits::pathsOfAll)
+        return {errors::limitsExceeded,
+            "Too many objects are asked for at once. Try again when the other calls are answered."};
+    return {};
+}
 
 /// Property map of an object that could not be read.
 PropertyMap errorRow(const std::string &path, const Failure &failure)
@@ -24,6 +51,11 @@ PropertyMap errorRow(const std::string &path, const Failure &failure)
 void ObjectsReader::start(BusService &bus, const BusCallPtr &call, const MediaServerPtr &server,
     std::vector<std::string> paths, const PropertySet &wanted)
 {
+    const Failure refusal = checkRoom(bytesOf(paths));
+    if (!refusal.name.empty()) {
+        call->fail(refusal);
+        return;
+    }
     const std::shared_ptr<ObjectsReader> reader(
         new ObjectsReader(bus, call, server, std::move(paths), wanted));
     // Holds the reader until it is over.
@@ -38,12 +70,19 @@ void ObjectsReader::start(BusService &bus, const BusCallPtr &call, const MediaSe
 
 ObjectsReader::ObjectsReader(BusService &bus, const BusCallPtr &call, const MediaServerPtr &server,
     std::vector<std::string> paths, const PropertySet &wanted)
-    : m_call(call)
+    : m_pathBytes(bytesOf(paths))
+    , m_call(call)
     , m_server(server)
     , m_paths(std::move(paths))
     , m_wanted(wanted)
     , m_answer(bus, call, wanted, server->context())
 {
+    allPathBytes += m_pathBytes;
+}
+
+ObjectsReader::~ObjectsReader()
+{
+    allPathBytes -= m_pathBytes;
 }
 
 void ObjectsReader::readMore()

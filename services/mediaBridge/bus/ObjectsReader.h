@@ -15,6 +15,10 @@ public:
     static void start(BusService &bus, const BusCallPtr &call, const MediaServerPtr &server,
         std::vector<std::string> paths, const PropertySet &wanted);
 
+    ~ObjectsReader();
+    ObjectsReader(const ObjectsReader &) = delete;
+    ObjectsReader &operator=(const ObjectsReader &) = delete;
+
 private:
     ObjectsReader(BusService &bus, const BusCallPtr &call, const MediaServerPtr &server,
         std::vector<std::string> paths, const PropertySet &wanted);
@@ -23,6 +27,7 @@ private:
     void got(size_t index, PropertyMap row);
     void end(const Failure &failure);
 
+    size_t m_pathBytes;
     BusCallPtr m_call;
     MediaServerPtr m_server;
     std::vector<std::string> m_paths;

@@ -17,7 +17,9 @@ inline constexpr size_t messageBytes = size_t{60} << 20;
 /// Bytes of all answers that are being written or wait for the bus. Only answers above `smallBytes`
 /// are refused for it.
 inline constexpr size_t answersBytes = size_t{80} << 20;
-inline constexpr size_t smallBytes = size_t{1} << 20;
+inline constexpr size_t smallBytes = size_t{256} << 10;
+/// Bytes of answers that wait for the bus, above which no other call is looked at.
+inline constexpr size_t unsentBytes = size_t{8} << 20;
 /// An error's text, in bytes: a long sentence that quotes a server's name and its reason.
 inline constexpr size_t errorTextBytes = 1024;
 /// The object path of a call: an encoded UDN and the hex of an object id of 4 KiB.
@@ -28,6 +30,9 @@ inline constexpr size_t filterNames = 256;
 inline constexpr size_t queryBytes = 4 << 10;
 /// Objects of one BrowseObjects: what a server answers one by one within 20 seconds.
 inline constexpr size_t objectsPerCall = 5'000;
+/// Bytes of their paths, of one call and of all that are under way. A path has some 100 to 300.
+inline constexpr size_t pathsOfOneCall = size_t{2} << 20;
+inline constexpr size_t pathsOfAll = size_t{32} << 20;
 /// Unanswered calls of one client; fewer while there are very many in all.
 inline constexpr size_t callsPerClient = 5'000;
 inline constexpr size_t callsOfAll = 10'000;
@@ -51,6 +56,14 @@ inline constexpr int packetsInOneTurn = 16;
 /// Addresses of the machine that are listened on, and those at which one server is heard.
 inline constexpr size_t ownAddresses = 64;
 inline constexpr size_t addressesOfOneServer = 8;
+/// Of these, how many one machine may have named that were never seen to be right: whoever names
+/// silent ones is not to keep the right one out.
+inline constexpr std::ptrdiff_t guessesOfOneHost = 2;
+/// Announcements of unknown servers that are looked at in a hundredth of a second, and those of one
+/// machine, and machines, that wait for it.
+inline constexpr unsigned newcomersAtOnce = 4;
+inline constexpr size_t newcomersOfOneHost = 128;
+inline constexpr size_t newcomersHosts = 1024;
 /// Senders of broken announcements that the log names.
 inline constexpr size_t strangersNamed = 64;
 /// Servers in all and of one host; those that don't answer give way to others.
@@ -71,7 +84,9 @@ inline constexpr unsigned keptConnectionSeconds = 5;
 /// Answers such as "102 Processing" before the real one.
 inline constexpr unsigned interimAnswers = 8;
 /// Bytes of all answers that are being received; the longest ends where they are more.
-inline constexpr size_t bodiesBytes = size_t{48} << 20;
+inline constexpr size_t bodiesBytes = size_t{24} << 20;
+/// Bytes of all long answers that came and aren't worked off; beyond it no others are received.
+inline constexpr size_t backlogBytes = size_t{16} << 20;
 /// Bytes of a device description; real ones have 2 to 10 KiB.
 inline constexpr size_t descriptionBytes = size_t{1} << 20;
 /// Bytes of an answer that holds no objects, such as what a server can search.
@@ -108,6 +123,8 @@ inline constexpr size_t tags(size_t objects)
     constexpr size_t most = 400'000;
     return objects < (most - fixed) / perObject ? fixed + objects * perObject : most;
 }
+/// Attributes of a document, for each of these tags; every equals sign counts, those in URLs, too.
+inline constexpr size_t attributesOfTag = 2;
 /// Resources of one object, and artists, and classes that may be created in it.
 inline constexpr size_t repeated = 64;
 /// Objects of one listing that are left out since they are malformed themselves.

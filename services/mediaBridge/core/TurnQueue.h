@@ -15,6 +15,11 @@ class TurnQueue
 public:
     bool isEmpty() const { return m_waiting.empty(); }
     void push(const std::string &whose, T item) { m_waiting[whose].push_back(std::move(item)); }
+    /// Before what waits for the same.
+    void pushFirst(const std::string &whose, T item)
+    {
+        m_waiting[whose].push_front(std::move(item));
+    }
     /// The oldest of whose turn it is. Not to be called where it is empty.
     T pop()
     {

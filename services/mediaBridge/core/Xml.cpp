@@ -1,5 +1,7 @@
 #include "core/Xml.h"
 
+#include "core/Limits.h"
+
 #include <algorithm>
 #include <cstring>
 #include <glib.h>
@@ -30,11 +32,13 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
-void cutBehind(std::string &text, size_t maxTags)
+/// Ends the text where there would be more of this character than so many.
+void cutBehind(std::string &text, char character, size_t most)
 {
     size_t position = 0;
-    for (size_t tags = 0; (position = text.find('<', position)) != std::string::npos; ++position) {
-        if (++tags > maxTags) {
+    for (size_t count = 0; (position = text.find(character, position)) != std::string::npos;
+         ++position) {
+        if (++count > most) {
             text.resize(position);
             return;
         }
@@ -99,7 +103,8 @@ XmlDocument::XmlDocument(std::string text, size_t maxTags)
     // The parser takes a NUL for the end.
     if (std::memchr(m_text.data(), 0, m_text.size()))
         m_text.erase(std::remove(m_text.begin(), m_text.end(), '\0'), m_text.end());
-    cutBehind(m_text, maxTags);
+    cutBehind(m_text, '<', maxTags);
+    cutBehind(m_text, '=', std::max(maxTags, maxTags * limits::attributesOfTag));
     escapeStrayBrackets(m_text);
     const auto result = m_document.load_buffer_inplace(m_text.data(), m_text.size());
     m_isWhole = result;
@@ -134,6 +139,9 @@ pugi::xml_node childElement(pugi::xml_node parent, std::string_view name)
 
 std::string rawElementText(pugi::xml_node element)
 {
+    const pugi::xml_node first = element.first_child();
+    if (isText(first) && !first.next_sibling())
+        return first.value();
     std::string text;
     for (const pugi::xml_node child : element.children()) {
         if (isText(child))

@@ -12,7 +12,8 @@ namespace bridge {
 class XmlDocument
 {
 public:
-    /// With more than `maxTags` tags it is as if the text ended there.
+    /// With more than `maxTags` tags it is as if the text ended there, and so it is with too many
+    /// attributes.
     explicit XmlDocument(std::string text, size_t maxTags = std::string::npos);
 
     /// The outermost element; empty where there is none.

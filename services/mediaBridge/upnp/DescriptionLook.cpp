@@ -4,6 +4,8 @@
 #include "core/Limits.h"
 #include "upnp/HttpUrl.h"
 
+#include <algorithm>
+
 namespace bridge {
 
 namespace {
@@ -55,6 +57,20 @@ DescriptionLook::~DescriptionLook()
     m_session->abort();
 }
 
+void DescriptionLook::add(const Route &route)
+{
+    // Whoever names ever more places is not to take the room of the right one.
+    const std::string host = hostOf(route.location);
+    const auto ofHost = std::count_if(m_routes.begin(), m_routes.end(),
+        [&](const Route &known) { return hostOf(known.location) == host; });
+    if (!m_done || ofHost >= limits::guessesOfOneHost
+        || m_routes.size() >= limits::addressesOfOneServer)
+        return;
+    m_routes.push_back(route);
+    if (!m_patience.isRunning())
+        askNext();
+}
+
 void DescriptionLook::askNext()
 {
     if (m_next >= m_routes.size()) {
@@ -98,6 +114,7 @@ void DescriptionLook::described(
         return;
     }
     m_result.problem = route.location + ' ' + whatIsWrong(reply, reading.problem) + '.';
+    m_result.isReplaced = reading.isDevice && (m_result.failed.empty() || m_result.isReplaced);
     m_result.failed.push_back(route);
     m_result.sawRefusal = m_result.sawRefusal || reply.outcome != HttpOutcome::TimedOut;
     askNext();

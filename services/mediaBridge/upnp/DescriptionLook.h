@@ -23,6 +23,8 @@ struct LookResult
     std::string problem;
     /// Of the failed, some refused or gave something else; the others were silent.
     bool sawRefusal = false;
+    /// At all of them there is another device now.
+    bool isReplaced = false;
 };
 
 /// Why a description's place gave none, to go on after its URL; `withDocument` where it gave some
@@ -49,6 +51,8 @@ public:
 
     /// `done` is called once, from the main loop.
     void start() { askNext(); }
+    /// One that was heard of only now.
+    void add(const Route &route);
 
 private:
     void askNext();

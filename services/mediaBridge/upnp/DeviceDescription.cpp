@@ -145,7 +145,8 @@ DescriptionReading readDescription(
     const XmlDocument document(std::move(body), limits::tags(0));
     const pugi::xml_node device = findDevice(document, udn);
     if (!device)
-        return {{}, udn.empty() ? "is no description of a device" : "doesn't describe " + udn};
+        return {{}, udn.empty() ? "is no description of a device" : "doesn't describe " + udn,
+            bool(findDevice(document, {}))};
     DeviceDescription description;
     description.udn = childText(device, "UDN");
     description.location = location;

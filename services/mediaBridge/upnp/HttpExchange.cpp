@@ -1,8 +1,10 @@
 #include "upnp/HttpExchange.h"
 
+#include "core/Backlog.h"
 #include "core/Later.h"
 #include "core/Limits.h"
 #include "core/SpareMemory.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,7 +14,8 @@ namespace bridge {
 namespace {
 
 constexpr size_t firstChunkSize = size_t{16} << 10;
-constexpr size_t largestChunkSize = size_t{256} << 10;
+// Many may come in one turn.
+constexpr size_t largestChunkSize = size_t{64} << 10;
 
 /// Exchanges whose answer is being read.
 std::vector<HttpExchange *> &readers()
@@ -118,16 +121,47 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
         self->fail(error);
         return;
     }
+    self->m_host = hostOf(self->m_request.url);
+    // Growing, a long one would be copied over and over.
+    const auto length = static_cast<size_t>(soup_message_headers_get_content_length(
+        soup_message_get_response_headers(self->m_message.get())));
+    self->m_reply.body.reserve(std::min(length, self->m_request.maxBytes));
     readers().push_back(self.get());
     self->readOn();
 }
 
 void HttpExchange::readOn()
 {
+    m_isPaused = !isStopped() && m_reply.body.size() > limits::documentAtOnce
+        && Backlog::instance().isFull();
+    if (m_isPaused) {
+        Backlog::instance().wait(m_host, [self = shared_from_this()] {
+            if (!self->isStopped())
+                self->readOnInTurn();
+        });
+        return;
+    }
     // Most answers are small, and many may be under way; the few big ones grow their own way.
     const size_t chunkSize = std::clamp(m_reply.body.size(), firstChunkSize, largestChunkSize);
     g_input_stream_read_bytes_async(m_stream.get(), chunkSize, G_PRIORITY_DEFAULT,
         m_cancellable.get(), &HttpExchange::gotBytes, keep(shared_from_this()));
+}
+
+/// Long answers of many servers may come faster than they are read.
+void HttpExchange::readOnInTurn()
+{
+    // One that was stopped ends with its reading.
+    if (m_reply.body.size() <= limits::documentAtOnce || isStopped()) {
+        readOn();
+        return;
+    }
+    m_isPaused = true;
+    later(
+        [self = shared_from_this()] {
+            if (!self->isStopped())
+                self->readOn();
+        },
+        m_host);
 }
 
 void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
@@ -150,7 +184,7 @@ void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
         self->finish(HttpOutcome::Answered, {});
     } else {
         self->makeRoom();
-        self->readOn();
+        self->readOnInTurn();
     }
 }
 
@@ -183,9 +217,9 @@ void HttpExchange::stop(HttpOutcome outcome, std::string problem)
     m_stopOutcome = outcome;
     m_stopProblem = std::move(problem);
     g_cancellable_cancel(m_cancellable.get());
-    if (m_session)
+    if (m_session && !m_isPaused)
         return;
-    // Not sent yet, so that nothing else ends it.
+    // Nothing is under way that could end it.
     later([self = shared_from_this()] {
         self->finish(self->m_stopOutcome, std::move(self->m_stopProblem));
     });
@@ -226,6 +260,9 @@ void HttpExchange::finish(HttpOutcome outcome, std::string problem)
     m_reply.outcome = outcome;
     if (outcome != HttpOutcome::Answered)
         m_reply.body = {};
+    const size_t size = m_reply.body.size();
+    if (size > limits::documentAtOnce)
+        m_reply.place = Backlog::instance().hold(size, std::move(m_reply.place));
     m_reply.problem = std::move(problem);
     const HttpCallback done = std::exchange(m_done, nullptr);
     done(std::move(m_reply));

@@ -19,6 +19,8 @@ enum class HttpOutcome {
     TooLarge,
     TimedOut,
     Cancelled,
+    /// The server is somewhere else; the request is to be made there.
+    Moved,
 };
 
 struct HttpReply
@@ -48,6 +50,9 @@ struct HttpRequest
     size_t maxBytes = 0;
     unsigned timeoutMs = 0;
     Caller caller;
+    /// Goes on with what has begun: comes before the caller's other requests, so that a thousand
+    /// lists are read one after the other and don't all take memory at once.
+    bool goesOn = false;
 };
 
 /// One request from its sending to the end of its answer. Keeps itself alive meanwhile.
@@ -80,6 +85,7 @@ private:
     static void gotInterimAnswer(SoupMessage *, HttpExchange *self);
     static void answered(GObject *, GAsyncResult *result, gpointer self);
     void readOn();
+    void readOnInTurn();
     static void gotBytes(GObject *, GAsyncResult *result, gpointer self);
     void append(GBytes *bytes);
     void makeRoom();
@@ -95,8 +101,12 @@ private:
     Ref<SoupSession> m_session;
     Ref<SoupMessage> m_message;
     Ref<GInputStream> m_stream;
+    /// Of the request's URL.
+    std::string m_host;
     bool m_isSecondTry = false;
     unsigned m_interimAnswers = 0;
+    /// Nothing is under way: it goes on in its turn, or when others' answers have been read.
+    bool m_isPaused = false;
     /// What `stop` was called with.
     HttpOutcome m_stopOutcome = HttpOutcome::Cancelled;
     std::string m_stopProblem;

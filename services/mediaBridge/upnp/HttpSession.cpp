@@ -9,6 +9,9 @@ namespace bridge {
 namespace {
 
 constexpr int64_t usPerMs = 1000;
+// Longer than a page of rows should take.
+constexpr unsigned silenceMs = 1'200;
+constexpr int64_t longestUs = 3'000;
 
 } // namespace
 
@@ -32,7 +35,7 @@ HttpSession::HttpSession()
 void HttpSession::get(
     const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done)
 {
-    send({url, {}, {}, maxBytes, timeoutMs, {}}, std::move(done));
+    send({url, {}, {}, maxBytes, timeoutMs, {}, false}, std::move(done));
 }
 
 void HttpSession::send(HttpRequest request, HttpCallback done)
@@ -49,30 +52,51 @@ void HttpSession::send(HttpRequest request, HttpCallback done)
         });
     *self = exchange.get();
     setDeadline(*self, exchange->startedAt() + exchange->request().timeoutMs * usPerMs);
+    if (m_exchanges.size() == 1)
+        watchSilence();
     exchange->watchCaller();
     if (!isUrl)
         exchange->stop(
             HttpOutcome::Unreachable, "\"" + exchange->request().url + "\" is not a URL.");
-    m_waiting.push(exchange->request().caller.name, exchange);
+    const std::string &caller = exchange->request().caller.name;
+    if (exchange->request().goesOn)
+        m_waiting.pushFirst(caller, exchange);
+    else
+        m_waiting.push(caller, exchange);
     sendWaiting();
 }
 
 void HttpSession::finished(HttpExchange *exchange, const HttpReply &reply)
 {
-    if (reply.outcome == HttpOutcome::Answered)
+    // What the bridge itself asks, a server may answer that hangs over everything else.
+    const bool isAnswer =
+        reply.outcome == HttpOutcome::Answered && !exchange->request().caller.name.empty();
+    if (isAnswer) {
         m_lastAnswer = g_get_monotonic_time();
+        m_silence.stop();
+    }
     const auto known = m_exchanges.find(exchange);
     m_deadlines.erase({known->second, exchange});
     m_exchanges.erase(known);
+    if (m_exchanges.empty())
+        m_silence.stop();
+    else if (isAnswer)
+        watchSilence();
 }
 
-void HttpSession::abort()
+void HttpSession::watchSilence()
+{
+    if (onSilent && !m_silence.isRunning())
+        m_silence.start(silenceMs, [this] { onSilent(); });
+}
+
+void HttpSession::abort(HttpOutcome outcome)
 {
     std::vector<ExchangePtr> all;
     for (const auto &[exchange, due] : m_exchanges)
         all.push_back(exchange->shared_from_this());
     for (const ExchangePtr &exchange : all)
-        exchange->stop(HttpOutcome::Cancelled);
+        exchange->stop(outcome);
     soup_session_abort(m_soup.get());
 }
 
@@ -131,7 +155,9 @@ void HttpSession::startDeadlineTimer()
 void HttpSession::checkDeadlines()
 {
     const int64_t now = g_get_monotonic_time();
-    while (!m_deadlines.empty() && m_deadlines.begin()->first <= now) {
+    // Thousands may have come at one time.
+    while (!m_deadlines.empty() && m_deadlines.begin()->first <= now
+        && g_get_monotonic_time() < now + longestUs) {
         HttpExchange *const exchange = m_deadlines.begin()->second;
         const int64_t rest = patience(*exchange);
         if (rest <= 0)

@@ -20,13 +20,17 @@ public:
     static std::shared_ptr<HttpSession> create();
 
     /// `done` is called once, from the main loop, never from inside this call. The time-out counts
-    /// from the server's last answer to any request of this session, and is at most 5/3 of
-    /// `timeoutMs` in all.
+    /// from the server's last answer to any client's request of this session, and is at most 5/3
+    /// of `timeoutMs` in all.
     void send(HttpRequest request, HttpCallback done);
     /// A GET of the bridge's own.
     void get(const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done);
-    /// Cancels everything.
-    void abort();
+    /// Ends everything with this outcome.
+    void abort(HttpOutcome outcome = HttpOutcome::Cancelled);
+
+    /// Some request has waited for more than a second, and no client's was answered meanwhile.
+    /// Called once until the next answer.
+    std::function<void()> onSilent;
 
 private:
     using ExchangePtr = std::shared_ptr<HttpExchange>;
@@ -40,6 +44,7 @@ private:
     void setDeadline(HttpExchange *exchange, int64_t due);
     void startDeadlineTimer();
     void checkDeadlines();
+    void watchSilence();
     int64_t patience(const HttpExchange &exchange) const;
     void finished(HttpExchange *exchange, const HttpReply &reply);
 
@@ -54,6 +59,7 @@ private:
     std::set<Deadline> m_deadlines;
     Timer m_deadlineTimer;
     int64_t m_timerDue = 0;
+    Timer m_silence;
 };
 
 } // namespace bridge

@@ -11,12 +11,16 @@ std::optional<HttpUrl> parseHttpUrl(const std::string &text)
 {
     char *host = nullptr;
     char *scheme = nullptr;
-    if (g_uri_split(text.c_str(), G_URI_FLAGS_NONE, &scheme, nullptr, &host, nullptr, nullptr,
+    int port = -1;
+    if (g_uri_split(text.c_str(), G_URI_FLAGS_NONE, &scheme, nullptr, &host, &port, nullptr,
             nullptr, nullptr, nullptr)
         == FALSE)
         return std::nullopt;
     const std::string protocol = takeString(scheme);
-    HttpUrl url{takeString(host)};
+    HttpUrl url;
+    url.host = takeString(host);
+    if (port >= 0)
+        url.port = port;
     if (g_ascii_strcasecmp(protocol.c_str(), "http") != 0 || url.host.empty())
         return std::nullopt;
     const bool hasScope = url.host.find('%') != std::string::npos;

@@ -10,6 +10,7 @@ struct HttpUrl
 {
     /// A numeric address without brackets and scope, in its shortest form, or a name.
     std::string host;
+    int port = 80;
     bool isNumeric = false;
     bool isLoopback = false;
     bool isIPv6LinkLocal = false;

@@ -2,14 +2,16 @@
 
 #include "core/Limits.h"
 
+#include <algorithm>
+
 namespace bridge {
 
-void LookQueue::wait(const std::string &host, std::weak_ptr<void> owner, Start start)
+void LookQueue::wait(std::vector<std::string> hosts, std::weak_ptr<void> owner, Start start)
 {
     m_waiting.remove_if([](const Waiting &waiting) { return waiting.owner.expired(); });
     if (m_hosts.size() > limits::hostsLookedAt)
         forgetIdleHosts();
-    m_waiting.push_front({host, std::move(owner), std::move(start)});
+    m_waiting.push_front({std::move(hosts), std::move(owner), std::move(start)});
     startWaiting();
 }
 
@@ -19,15 +21,26 @@ void LookQueue::forgetIdleHosts()
         it = it->second.underWay == 0 ? m_hosts.erase(it) : std::next(it);
 }
 
+const std::string &LookQueue::bestHost(const Waiting &waiting)
+{
+    return *std::min_element(waiting.hosts.begin(), waiting.hosts.end(),
+        [this](const std::string &a, const std::string &b) {
+            return m_hosts[a].started < m_hosts[b].started;
+        });
+}
+
 std::list<LookQueue::Waiting>::iterator LookQueue::next()
 {
     auto best = m_waiting.end();
+    unsigned fewest = 0;
     for (auto it = m_waiting.begin(); it != m_waiting.end(); ++it) {
-        const Host &host = m_hosts[it->host];
+        const Host &host = m_hosts[bestHost(*it)];
         if (host.underWay >= limits::looksAtOneHost)
             continue;
-        if (best == m_waiting.end() || host.started < m_hosts[best->host].started)
+        if (best == m_waiting.end() || host.started < fewest) {
             best = it;
+            fewest = host.started;
+        }
     }
     return best;
 }
@@ -37,7 +50,7 @@ void LookQueue::startWaiting()
     if (m_isStarting)
         return;
     m_isStarting = true;
-    while (m_underWay < limits::looks) {
+    while (m_underWay < m_most) {
         const auto it = next();
         if (it == m_waiting.end())
             break;
@@ -46,10 +59,11 @@ void LookQueue::startWaiting()
         const auto owner = waiting.owner.lock();
         if (!owner)
             continue;
+        const std::string host = bestHost(waiting);
         ++m_underWay;
-        ++m_hosts[waiting.host].underWay;
-        ++m_hosts[waiting.host].started;
-        waiting.start(Place(nullptr, [this, host = waiting.host](void *) { giveBack(host); }));
+        ++m_hosts[host].underWay;
+        ++m_hosts[host].started;
+        waiting.start(Place(nullptr, [this, host](void *) { giveBack(host); }));
     }
     m_isStarting = false;
 }

@@ -5,27 +5,35 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace bridge {
 
-/// Lets few looks at unknown servers be under way at a time, in all and at one host, so that
-/// whoever announces thousands of servers takes neither descriptors nor time from those in use.
-/// Hosts that had fewer looks come first, of these the one that was heard last. Owned by one
-/// registry; must outlive every place it gave.
+/// Lets few looks at servers be under way at a time, in all and at one host, so that whoever
+/// announces thousands of servers takes neither descriptors nor time from those in use. Hosts that
+/// had fewer looks come first, of these the one that was heard last. Owned by one registry; must
+/// outlive every place it gave.
 class LookQueue
 {
 public:
+    /// So many at a time.
+    explicit LookQueue(size_t most)
+        : m_most(most)
+    {
+    }
+
     /// A place, which is given back when the last copy goes.
     using Place = std::shared_ptr<void>;
     using Start = std::function<void(Place)>;
 
-    /// Calls `start` when there is a place, perhaps at once; not at all where `owner` has gone.
-    void wait(const std::string &host, std::weak_ptr<void> owner, Start start);
+    /// Calls `start` when there is a place, perhaps at once; not at all where `owner` has gone. Of
+    /// several hosts, the look counts for the one that had the fewest.
+    void wait(std::vector<std::string> hosts, std::weak_ptr<void> owner, Start start);
 
 private:
     struct Waiting
     {
-        std::string host;
+        std::vector<std::string> hosts;
         std::weak_ptr<void> owner;
         Start start;
     };
@@ -36,13 +44,15 @@ private:
     };
 
     void forgetIdleHosts();
+    const std::string &bestHost(const Waiting &waiting);
     std::list<Waiting>::iterator next();
     void startWaiting();
     void giveBack(const std::string &host);
 
     std::list<Waiting> m_waiting;
     std::map<std::string, Host> m_hosts;
-    unsigned m_underWay = 0;
+    size_t m_most;
+    size_t m_underWay = 0;
     bool m_isStarting = false;
 };
 

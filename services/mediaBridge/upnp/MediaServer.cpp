@@ -63,16 +63,30 @@ void MediaServer::inheritCapabilities(const MediaServer &earlier)
 
 void MediaServer::call(const ActionCall &call, ActionCallback done)
 {
+    if (m_there) {
+        m_there->call(call, std::move(done));
+        return;
+    }
     const std::string &type = m_description.serviceType;
     m_session->send({m_description.controlUrl, '"' + type + '#' + call.action + '"',
                         soapEnvelope(type, call.action, call.arguments), call.maxBytes,
-                        call.timeoutMs, call.caller},
+                        call.timeoutMs, call.caller, call.goesOn},
         [self = shared_from_this(), call, done = std::move(done)](
             HttpReply http) { self->received(call, std::move(http), done); });
 }
 
+void MediaServer::moveTo(std::shared_ptr<MediaServer> there)
+{
+    m_there = std::move(there);
+    m_session->abort(HttpOutcome::Moved);
+}
+
 void MediaServer::received(const ActionCall &call, HttpReply http, const ActionCallback &done)
 {
+    if (http.outcome == HttpOutcome::Moved) {
+        m_there->call(call, done);
+        return;
+    }
     struct Work
     {
         HttpReply http;
@@ -106,6 +120,7 @@ Failure MediaServer::failureOf(
     const std::string server = "the media server \"" + m_description.friendlyName + "\"";
     switch (reply.outcome) {
     case HttpOutcome::Cancelled:
+    case HttpOutcome::Moved:
         return {errors::cancelled, "Operation cancelled."};
     case HttpOutcome::TimedOut:
         return {errors::operationFailed,

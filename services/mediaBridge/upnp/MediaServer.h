@@ -37,6 +37,8 @@ struct ActionCall
     unsigned timeoutMs = 0;
     /// The longest answer that is taken.
     size_t maxBytes = 0;
+    /// See HttpRequest.
+    bool goesOn = false;
 };
 
 using ActionCallback = std::function<void(ActionReply)>;
@@ -79,6 +81,10 @@ public:
     void readDidl(std::string didl, size_t maxObjects,
         std::function<void(std::optional<DidlList>)> done) const;
 
+    /// The same server is elsewhere: what is under way here is asked for there, and so is whatever
+    /// is still asked of this one.
+    void moveTo(std::shared_ptr<MediaServer> there);
+
     /// Called with each call that found nobody listening.
     std::function<void()> onUnreachable;
 
@@ -97,6 +103,7 @@ private:
     std::string m_host;
     ServerContext m_context;
     std::shared_ptr<HttpSession> m_session;
+    std::shared_ptr<MediaServer> m_there;
     std::optional<std::vector<std::string>> m_searchCaps;
     std::optional<std::vector<std::string>> m_sortCaps;
 };

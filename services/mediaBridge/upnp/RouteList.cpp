@@ -1,6 +1,7 @@
 #include "upnp/RouteList.h"
 
 #include "core/Limits.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 #include <tuple>
@@ -49,26 +50,43 @@ RouteList::Heard RouteList::hear(const Route &route, int64_t expires, bool isTru
         known->isDoubted = false;
         return Heard::Known;
     }
-    if (!makeRoom())
-        return Heard::Known;
     Entry entry;
     static_cast<Route &>(entry) = route;
+    entry.host = hostOf(route.location);
+    if (!makeRoom(entry.host))
+        return Heard::Known;
     entry.expires = expires;
     entry.isTrusted = isTrusted;
     m_routes.push_back(std::move(entry));
     return Heard::New;
 }
 
-/// The oldest that anybody might have announced goes first.
-bool RouteList::makeRoom()
+/// The oldest that was never seen to be right goes first: of the same machine where that has named
+/// some already, else one that anybody might have announced.
+bool RouteList::makeRoom(const std::string &host)
 {
-    if (m_routes.size() < limits::addressesOfOneServer)
+    const auto oldest = [this](auto condition) {
+        return std::find_if(m_routes.begin(), m_routes.end(),
+            [&](const Entry &route) { return !route.isConfirmed && condition(route); });
+    };
+    const auto isOfHost = [&](const Entry &route) {
+        return route.host == host;
+    };
+    const auto guesses = std::count_if(m_routes.begin(), m_routes.end(),
+        [&](const Entry &route) { return !route.isConfirmed && isOfHost(route); });
+    auto leaving = m_routes.end();
+    if (guesses >= limits::guessesOfOneHost) {
+        leaving = oldest(isOfHost);
+    } else if (m_routes.size() < limits::addressesOfOneServer) {
         return true;
-    const auto stranger = std::find_if(
-        m_routes.begin(), m_routes.end(), [](const Entry &route) { return !route.isTrusted; });
-    if (stranger == m_routes.end())
+    } else {
+        leaving = oldest([](const Entry &route) { return !route.isTrusted; });
+        if (leaving == m_routes.end())
+            leaving = oldest([](const Entry &) { return true; });
+    }
+    if (leaving == m_routes.end())
         return false;
-    m_routes.erase(stranger);
+    m_routes.erase(leaving);
     return true;
 }
 
@@ -76,7 +94,7 @@ void RouteList::confirm(const Route &route)
 {
     const auto known = find(route);
     if (known != m_routes.end())
-        known->isTrusted = true;
+        known->isTrusted = known->isConfirmed = true;
 }
 
 void RouteList::doubt(unsigned listener)
@@ -145,6 +163,14 @@ std::vector<Route> RouteList::inOrder() const
             routes.push_back(entry);
     }
     return routes;
+}
+
+std::vector<std::string> RouteList::hosts() const
+{
+    std::vector<std::string> hosts;
+    for (const Entry &route : m_routes)
+        hosts.push_back(route.host);
+    return hosts;
 }
 
 bool RouteList::isOnlyRemembered() const

@@ -5,14 +5,16 @@
 namespace bridge {
 
 /// The ways to one server, in the order in which they are to be tried: those it has always had
-/// before those that anybody might have announced since, then by rank. Eight at most.
+/// before those that anybody might have announced since, then by rank. Eight at most, and few of
+/// one machine that were never seen to be right.
 class RouteList
 {
 public:
     enum class Heard { Known, New };
 
     /// A route was announced, and is believed until `expires` (microseconds of the monotonic
-    /// clock). `isTrusted`: there is no other that it could take over from. A ninth is ignored.
+    /// clock). `isTrusted`: there is no other that it could take over from. A ninth takes the place
+    /// of the oldest that was never seen to be right, or is ignored.
     Heard hear(const Route &route, int64_t expires, bool isTrusted);
     /// The description was there, so the route counts as one the server has always had.
     void confirm(const Route &route);
@@ -31,6 +33,8 @@ public:
 
     bool isEmpty() const { return m_routes.empty(); }
     std::vector<Route> inOrder() const;
+    /// The machines that they lead to.
+    std::vector<std::string> hosts() const;
     /// It was announced at the remembered place in an earlier run only.
     bool isOnlyRemembered() const;
     /// The first source's number where there are routes of named addresses only.
@@ -42,12 +46,15 @@ private:
     struct Entry : Route
     {
         int64_t expires = 0;
+        std::string host;
         bool isTrusted = false;
+        /// The description was there.
+        bool isConfirmed = false;
         bool isDoubted = false;
     };
     std::vector<Entry>::iterator find(const Route &route);
     std::vector<Entry>::const_iterator find(const Route &route) const;
-    bool makeRoom();
+    bool makeRoom(const std::string &host);
 
     std::vector<Entry> m_routes;
 };

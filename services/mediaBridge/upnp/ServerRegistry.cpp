@@ -46,10 +46,13 @@ size_t serversThatFit()
 ServerRegistry::ServerRegistry(std::vector<std::string> interfaces, std::string memory)
     : m_maxServers(serversThatFit())
     , m_memory(std::move(memory))
+    , m_newcomers([this](const Newcomers::Announcement &newcomer) {
+        heard(newcomer.udn, newcomer.route, newcomer.maxAge);
+    })
     , m_discovery(std::move(interfaces))
 {
     m_discovery.onHeard = [this](const std::string &udn, const Route &route, unsigned maxAge) {
-        heard(udn, route, maxAge);
+        announced(udn, route, maxAge);
     };
     m_discovery.onGoodbye = [this](const std::string &udn, unsigned listener) {
         const auto tracker = m_trackers.find(serverPathFromUdn(udn));
@@ -210,6 +213,14 @@ std::vector<std::string> ServerRegistry::absent() const
     return sentences;
 }
 
+void ServerRegistry::announced(const std::string &udn, const Route &route, unsigned maxAge)
+{
+    if (m_trackers.count(serverPathFromUdn(udn)) == 0)
+        m_newcomers.add({udn, route, maxAge});
+    else
+        heard(udn, route, maxAge);
+}
+
 bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned maxAge)
 {
     const std::string path = serverPathFromUdn(udn);
@@ -259,7 +270,7 @@ std::shared_ptr<ServerTracker> ServerRegistry::newTracker(
     const std::string &udn, const std::string &path, const std::string &host)
 {
     auto tracker = std::make_shared<ServerTracker>(
-        udn, host, m_queue, [this](const std::shared_ptr<MediaServer> &server, bool isThere) {
+        udn, host, m_queues, [this](const std::shared_ptr<MediaServer> &server, bool isThere) {
             const DeviceDescription &description = server->description();
             logInfo((isThere ? "found \"" : "lost \"")
                 + description.friendlyName.substr(0, longestNameInLog) + "\" "
@@ -268,6 +279,9 @@ std::shared_ptr<ServerTracker> ServerRegistry::newTracker(
         });
     tracker->onFailed = [this, path](const std::string &problem) {
         failed(path, problem);
+    };
+    tracker->onMissed = [this] {
+        m_discovery.rescan();
     };
     tracker->onForgettable = [this, path] {
         m_trackers.erase(path);
@@ -282,6 +296,11 @@ void ServerRegistry::changed(const std::shared_ptr<MediaServer> &server, bool is
     m_named.changed(path, isThere);
     if (!isThere)
         return;
+    // One program at a time has the port: it may be the other's successor.
+    for (const auto &[otherPath, tracker] : m_trackers) {
+        if (tracker->isAtPlaceOf(*server))
+            tracker->look();
+    }
     remember(*m_trackers.at(path));
     m_awaited.erase(path);
     m_absent.erase(path);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "upnp/NamedServers.h"
+#include "upnp/Newcomers.h"
 #include "upnp/ServerMemory.h"
 #include "upnp/ServerTracker.h"
 
@@ -50,6 +51,7 @@ public:
     std::vector<std::string> absent() const;
 
 private:
+    void announced(const std::string &udn, const Route &route, unsigned maxAge);
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
     std::string troubleOf(const ServerTracker &tracker) const;
     void connectNamed();
@@ -62,7 +64,7 @@ private:
     std::shared_ptr<ServerTracker> newTracker(
         const std::string &udn, const std::string &path, const std::string &host);
 
-    LookQueue m_queue;
+    ServerTracker::Queues m_queues;
     /// By the server's D-Bus path.
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
     size_t m_maxServers;
@@ -78,6 +80,7 @@ private:
     bool m_isRecalling = false;
     bool m_hasMissed = false;
     NamedServers m_named;
+    Newcomers m_newcomers;
     Discovery m_discovery;
 };
 

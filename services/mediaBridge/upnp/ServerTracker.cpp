@@ -1,6 +1,7 @@
 #include "upnp/ServerTracker.h"
 
 #include "Log.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 
@@ -10,7 +11,7 @@ namespace {
 
 constexpr int64_t microsecondsInMs = 1000;
 // Long enough for a client that was just told of a server to read its properties.
-constexpr unsigned settleMs = 1'000;
+constexpr unsigned usualSettleMs = 1'000;
 // The same where the server itself said goodbye.
 constexpr unsigned goodbyeSettleMs = 300;
 // For so long after it was announced, a server may still turn out to have a better route.
@@ -52,12 +53,20 @@ int64_t msSince(int64_t since)
 
 } // namespace
 
-ServerTracker::ServerTracker(std::string udn, std::string host, LookQueue &queue, Announce announce)
+ServerTracker::ServerTracker(std::string udn, std::string host, Queues &queues, Announce announce)
     : m_udn(std::move(udn))
     , m_host(std::move(host))
-    , m_queue(queue)
+    , m_queues(queues)
     , m_announce(std::move(announce))
 {
+}
+
+/// Whoever is silent may be elsewhere, or another may be in its place.
+void ServerTracker::missed()
+{
+    look();
+    if (onMissed)
+        onMissed();
 }
 
 ServerTracker::~ServerTracker()
@@ -73,6 +82,8 @@ void ServerTracker::heard(const Route &route, unsigned maxAge)
     watchExpiry();
     const bool isBetter = m_routes.inOrder().front().location == route.location;
     const bool isMove = isNew && (isBetter || !isSettling);
+    if (isNew && m_look)
+        m_look->add(route);
     if (isMove || !m_isAnnounced || m_withdrawal.isRunning())
         look();
 }
@@ -89,7 +100,7 @@ void ServerTracker::listenerGone(unsigned listener)
     m_routes.drop(listener);
     watchExpiry();
     if (m_routes.isEmpty())
-        goneForNow();
+        goneForNow(usualSettleMs);
     else
         look();
 }
@@ -121,12 +132,9 @@ void ServerTracker::look()
         return;
     }
     m_next.stop();
-    if (m_isAnnounced) {
-        lookAt(nullptr);
-        return;
-    }
     m_isWaiting = true;
-    m_queue.wait(m_host, weak_from_this(), [this](LookQueue::Place place) {
+    LookQueue &queue = m_isAnnounced ? m_queues.listed : m_queues.strangers;
+    queue.wait(m_routes.hosts(), weak_from_this(), [this](LookQueue::Place place) {
         m_isWaiting = false;
         lookAt(std::move(place));
     });
@@ -152,7 +160,16 @@ void ServerTracker::looked(LookResult result)
 {
     const auto ended = std::exchange(m_look, nullptr);
     if (!result.description) {
-        fail(result.sawRefusal || m_routes.areAllDoubted(), std::move(result.problem));
+        const bool isGone = result.sawRefusal || m_routes.areAllDoubted();
+        // Only where it was itself: whoever is announced at another's place is asked ever more
+        // seldom.
+        const bool isReplaced = result.isReplaced && !isStranger();
+        for (const Route &route : isReplaced ? result.failed : std::vector<Route>())
+            m_routes.drop(route);
+        fail(isReplaced  ? Failed::Replaced
+                : isGone ? Failed::Gone
+                         : Failed::Silent,
+            std::move(result.problem));
         return;
     }
     // Where it has moved, what was silent is out of date, too.
@@ -165,7 +182,10 @@ void ServerTracker::looked(LookResult result)
 
 void ServerTracker::readCapabilities(DeviceDescription description)
 {
-    m_candidate = std::make_shared<MediaServer>(std::move(description), m_session);
+    const bool isElsewhere =
+        m_isAnnounced && description.controlUrl != m_server->description().controlUrl;
+    m_candidateSession = isElsewhere ? HttpSession::create() : m_session;
+    m_candidate = std::make_shared<MediaServer>(std::move(description), m_candidateSession);
     const auto isDeaf = std::make_shared<bool>(false);
     m_candidate->onUnreachable = [isDeaf] {
         *isDeaf = true;
@@ -175,7 +195,7 @@ void ServerTracker::readCapabilities(DeviceDescription description)
         if (!self)
             return;
         if (*isDeaf) {
-            self->fail(true,
+            self->fail(Failed::Gone,
                 "Nobody listens at " + self->m_candidate->description().controlUrl
                     + ", the address for calls of \""
                     + self->m_candidate->description().friendlyName + "\".");
@@ -188,12 +208,12 @@ void ServerTracker::readCapabilities(DeviceDescription description)
 void ServerTracker::accept()
 {
     if (m_routes.isEmpty()) {
-        fail(true, m_candidate->description().location + " is no longer announced.");
+        fail(Failed::Gone, m_candidate->description().location + " is no longer announced.");
         return;
     }
     m_candidate->onUnreachable = [weak = weak_from_this()] {
         if (const auto self = weak.lock())
-            self->look();
+            self->missed();
     };
     m_withdrawal.stop();
     m_routes.confirm(m_candidateRoute);
@@ -201,6 +221,11 @@ void ServerTracker::accept()
         m_candidate->inheritCapabilities(*m_server);
     if (m_isAnnounced && !looksTheSame(*m_candidate, *m_server))
         withdraw();
+    if (m_candidateSession != m_session) {
+        m_server->moveTo(m_candidate);
+        m_session = m_candidateSession;
+    }
+    m_session->onSilent = m_candidate->onUnreachable;
     m_server = std::move(m_candidate);
     if (!m_isAnnounced) {
         m_isAnnounced = true;
@@ -227,8 +252,9 @@ void ServerTracker::succeed()
 }
 
 /// A server that only takes too long is kept: it may be busy or stopped for a while.
-void ServerTracker::fail(bool isGone, std::string problem)
+void ServerTracker::fail(Failed how, std::string problem)
 {
+    const bool isGone = how != Failed::Silent;
     m_candidate = nullptr;
     logDebug(problem);
     m_problem = std::move(problem);
@@ -236,7 +262,7 @@ void ServerTracker::fail(bool isGone, std::string problem)
     if (isGone)
         m_routes.dropDoubted();
     if (isGone || isHopeless())
-        goneForNow();
+        goneForNow(how == Failed::Replaced ? 0 : usualSettleMs);
     if (isStranger()) {
         // Closes what connections it still has.
         m_session->abort();
@@ -257,13 +283,13 @@ void ServerTracker::finish()
         look();
 }
 
-void ServerTracker::goneForNow()
+void ServerTracker::goneForNow(unsigned settleMs)
 {
-    if (m_withdrawal.isRunning())
+    if (m_withdrawal.isRunning() && settleMs != 0)
         return;
     const int64_t sinceGoodbyeMs = m_goodbyeAt == 0 ? settleMs : msSince(m_goodbyeAt);
     const int64_t waitMs = sinceGoodbyeMs < settleMs ? goodbyeSettleMs - sinceGoodbyeMs : settleMs;
-    const int64_t restMs = std::max({waitMs, settleMs - msSince(m_announcedAt), int64_t{0}});
+    const int64_t restMs = std::max({waitMs, usualSettleMs - msSince(m_announcedAt), int64_t{0}});
     m_withdrawal.start(static_cast<unsigned>(restMs), [weak = weak_from_this()] {
         // Held, since forgetting it takes it out of the list it is in.
         const auto self = weak.lock();
@@ -276,6 +302,15 @@ void ServerTracker::forgetIfNothingIsLeft()
 {
     if (!m_isAnnounced && (m_routes.isEmpty() || isHopeless()) && onForgettable)
         onForgettable();
+}
+
+bool ServerTracker::isAtPlaceOf(const MediaServer &other) const
+{
+    if (!m_isAnnounced || m_server.get() == &other)
+        return false;
+    const auto own = parseHttpUrl(m_server->description().location);
+    const auto its = parseHttpUrl(other.description().location);
+    return own && its && own->host == its->host && own->port == its->port;
 }
 
 bool ServerTracker::isHopeless() const

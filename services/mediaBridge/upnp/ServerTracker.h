@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Limits.h"
 #include "upnp/DescriptionLook.h"
 #include "upnp/LookQueue.h"
 #include "upnp/MediaServer.h"
@@ -17,8 +18,14 @@ public:
     /// Tells clients that a server is there, or no longer.
     using Announce = std::function<void(const std::shared_ptr<MediaServer> &, bool isThere)>;
 
-    /// `queue` must outlive it.
-    ServerTracker(std::string udn, std::string host, LookQueue &queue, Announce announce);
+    /// Where looks wait: those at servers in the list don't wait for the others.
+    struct Queues
+    {
+        LookQueue listed{limits::servers};
+        LookQueue strangers{limits::looks};
+    };
+    /// `queues` must outlive it.
+    ServerTracker(std::string udn, std::string host, Queues &queues, Announce announce);
     /// Ends what is still asked of the server.
     ~ServerTracker();
     ServerTracker(const ServerTracker &) = delete;
@@ -38,6 +45,8 @@ public:
     const std::string &udn() const { return m_udn; }
     /// Who was the first to announce it.
     const std::string &host() const { return m_host; }
+    /// In the list, and its description is at the same port of the same machine.
+    bool isAtPlaceOf(const MediaServer &other) const;
     /// There is a way to it that nobody has taken back.
     bool hasRoute() const { return !m_routes.isEmpty(); }
     /// See RouteList.
@@ -49,6 +58,8 @@ public:
     unsigned failures() const { return m_failures; }
     /// Why the last look brought nothing, in a sentence; empty where it did.
     const std::string &problem() const { return m_problem; }
+    /// It hasn't answered for a while, or nobody listens where it was.
+    std::function<void()> onMissed;
     /// A look brought nothing.
     std::function<void(const std::string &problem)> onFailed;
     /// Called when nothing is left to track; may delete the tracker's last owner.
@@ -61,9 +72,11 @@ private:
     void readCapabilities(DeviceDescription description);
     void accept();
     void succeed();
-    void fail(bool isGone, std::string problem);
+    enum class Failed { Silent, Gone, Replaced };
+    void fail(Failed how, std::string problem);
     void finish();
-    void goneForNow();
+    void goneForNow(unsigned settleMs);
+    void missed();
     void forgetIfNothingIsLeft();
     bool isHopeless() const;
     void lookLater(unsigned ms);
@@ -71,7 +84,7 @@ private:
 
     std::string m_udn;
     std::string m_host;
-    LookQueue &m_queue;
+    Queues &m_queues;
     Announce m_announce;
     std::shared_ptr<HttpSession> m_session = HttpSession::create();
     RouteList m_routes;
@@ -84,6 +97,7 @@ private:
     bool m_isWaiting = false;
     std::shared_ptr<DescriptionLook> m_look;
     std::shared_ptr<MediaServer> m_candidate;
+    std::shared_ptr<HttpSession> m_candidateSession;
     Route m_candidateRoute;
     LookQueue::Place m_place;
     bool m_mustLookAgain = false;
