@@ -107,6 +107,7 @@ void MediaService::runListing(const BusCallPtr &call, const Target &target, List
 {
     const auto answer =
         std::make_shared<ListAnswer>(m_bus, call, request.wanted, target.server->context());
+    request.tellsTotal = target.listed.withTotal;
     const bool tellsChildCount = request.action == "Browse" && request.kind == ListKind::All;
     const auto listing = Listing::start(
         target.server, std::move(request), call->caller(),

@@ -73,7 +73,7 @@ void readUpdateId(const std::shared_ptr<MediaServer> &server, const BusCallPtr &
     server->call(
         {"GetSystemUpdateID", {}, call->caller(), updateIdTimeoutMs, limits::capabilityBytes},
         [done = std::move(done)](const ActionReply &reply) {
-            done(reply.isError() ? std::nullopt : parseAs<uint32_t>(reply.answer.value("Id")));
+            done(reply.isError() ? std::nullopt : parseCount(reply.answer.value("Id")));
         });
 }
 
@@ -82,6 +82,7 @@ void countChildren(const BusCallPtr &call, const MediaServerPtr &server, const s
     ListRequest first;
     first.containerId = id;
     first.max = 1;
+    first.tellsTotal = true;
     ListRequest all = first;
     all.max = 0;
     const auto answer = [call](const ListEnd &end) {

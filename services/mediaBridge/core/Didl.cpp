@@ -97,7 +97,8 @@ void readObjectAttributes(MediaObject &object, pugi::xml_node element)
 {
     for (const pugi::xml_attribute attribute : element.attributes()) {
         const std::string_view name = localName(attribute.name());
-        std::string value = shortOrNothing(attributeText(attribute), limits::idBytes);
+        // An id is whatever the server makes of it, control characters, too.
+        std::string value = shortOrNothing(attribute.value(), limits::idBytes);
         if (name == "id")
             object.id = std::move(value);
         else if (name == "parentID")
@@ -109,7 +110,7 @@ void readObjectAttributes(MediaObject &object, pugi::xml_node element)
         else if (name == "searchable")
             object.searchable = parseBool(value);
         else if (name == "childCount")
-            object.childCount = parseAs<uint32_t>(value);
+            object.childCount = parseCount(value);
         else if (name == "dlnaManaged")
             object.dlnaManaged = static_cast<uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
     }

@@ -1,5 +1,6 @@
 #include "core/Numbers.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace bridge {
@@ -50,6 +51,15 @@ std::optional<int64_t> parseNumber(std::string_view text, int64_t max)
     if (error != std::errc() || value < 0 || value > max)
         return std::nullopt;
     return value;
+}
+
+std::optional<uint32_t> parseCount(std::string_view text)
+{
+    constexpr const char *space = " \t\r\n";
+    const size_t start = std::min(text.find_first_not_of(space), text.size());
+    const auto number = wholeNumber(text.substr(start, text.find_last_not_of(space) + 1 - start));
+    const bool fits = number && *number <= std::numeric_limits<uint32_t>::max();
+    return fits ? std::optional(static_cast<uint32_t>(*number)) : std::nullopt;
 }
 
 std::optional<int64_t> parseDuration(std::string_view text)

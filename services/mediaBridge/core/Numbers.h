@@ -12,7 +12,10 @@ namespace bridge {
 std::optional<int64_t> parseNumber(
     std::string_view text, int64_t max = std::numeric_limits<int64_t>::max());
 
-/// The same, for a value that travels in `T`.
+/// A count: digits and nothing else but white space around them. "2,000" is none.
+std::optional<uint32_t> parseCount(std::string_view text);
+
+/// The same as parseNumber, for a value that travels in `T`.
 template<typename T>
 std::optional<T> parseAs(std::string_view text)
 {

@@ -15,6 +15,8 @@ namespace {
 constexpr auto listTimeout = std::chrono::seconds(20);
 constexpr uint32_t smallestPage = 20;
 constexpr auto pageGoal = std::chrono::seconds(1);
+// From here on, servers write -1.
+constexpr uint32_t noCount = 0x7fffffff;
 constexpr int64_t sliceUs = 1'000;
 
 bool isOfKind(const MediaObject &object, ListKind kind)
@@ -99,7 +101,7 @@ void Listing::requestPage()
     m_isRequesting = true;
     m_pageStart = std::chrono::steady_clock::now();
     m_server->call({m_request.action, arguments(m_position, count), m_caller, timeoutMs,
-                       limits::answerBytes(count)},
+                       limits::answerBytes(count), m_rowCount > 0 || m_reading || m_waiting},
         [self = shared_from_this(), position = m_position, count, round = m_round](
             ActionReply reply) {
             self->m_isRequesting = false;
@@ -128,9 +130,9 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
         failUnreadable();
         return;
     }
-    const auto total = parseAs<uint32_t>(reply.answer.value("TotalMatches")).value_or(0);
-    const auto returned = parseAs<uint32_t>(reply.answer.value("NumberReturned")).value_or(0);
-    m_total = std::max(m_total, total);
+    const auto total = parseCount(reply.answer.value("TotalMatches")).value_or(0);
+    const auto returned = parseCount(reply.answer.value("NumberReturned")).value_or(0);
+    m_total = std::max(m_total, total < noCount ? total : 0);
     m_waiting = Page{position, asked, std::min(returned, asked),
         std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
@@ -199,7 +201,14 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
     if (isRepeated)
         logWarning("\"" + m_server->description().friendlyName
             + "\" sends the same page again and again; the list ends with its first");
-    if ((list->objects.empty() && !isSkipped) || isRepeated) {
+    if (isRepeated) {
+        // What is under way would be the same.
+        ++m_round;
+        m_waiting.reset();
+        m_position = m_reading->position;
+    }
+    const bool isEmpty = list->objects.empty() && !isSkipped;
+    if (isEmpty || isRepeated || isOnlyItself(list->objects)) {
         m_isAtEnd = true;
         list->objects.clear();
     } else if (!isSkipped) {
@@ -278,12 +287,17 @@ void Listing::readSlice()
     proceed();
 }
 
+/// Asked for the children of an item, some servers give the item itself.
+bool Listing::isOnlyItself(const std::vector<MediaObject> &objects) const
+{
+    return m_request.action == "Browse" && m_total <= 1 && objects.size() == 1
+        && !objects.front().isContainer && objects.front().id == m_request.containerId;
+}
+
 void Listing::readObject(const MediaObject &object)
 {
-    // Asked for the children of an item, some servers give the item itself.
-    const bool isItself = m_request.action == "Browse" && object.id == m_request.containerId;
     const bool isEnough = m_request.max > 0 && m_rowCount >= m_request.max;
-    if (isItself || isEnough || !isOfKind(object, m_request.kind))
+    if (isEnough || !isOfKind(object, m_request.kind))
         return;
     if (m_toSkip > 0) {
         --m_toSkip;
@@ -322,12 +336,30 @@ void Listing::failLate()
             + std::to_string(m_rowCount) + " objects so far). Ask for fewer objects at a time."});
 }
 
+bool Listing::isShort() const
+{
+    const bool mayBeSeen = m_request.tellsTotal || (m_request.max > 0 && m_rowCount > 0);
+    return (m_lost > 0 || (m_isAtEnd && m_position < m_total)) && !mayBeSeen;
+}
+
+void Listing::failShort()
+{
+    fail({errors::operationFailed,
+        m_request.action + " operation failed: \"" + m_server->description().friendlyName
+            + "\" counts " + std::to_string(m_total) + " objects here, but only "
+            + std::to_string(m_rowCount) + " came. Ask for a range to get those."});
+}
+
 void Listing::finish()
 {
     // Clients look elsewhere for what a search can't give, but only where it fails.
-    const bool isShort = m_request.action == "Search" && m_request.offset == 0 && m_total > 0;
-    if (m_rowCount == 0 && (m_lost > 0 || isShort)) {
+    const bool isNothing = m_request.action == "Search" && m_request.offset == 0 && m_total > 0;
+    if (m_rowCount == 0 && (m_lost > 0 || isNothing)) {
         failUnreadable();
+        return;
+    }
+    if (isShort()) {
+        failShort();
         return;
     }
     const uint32_t seen = m_rowCount > 0 ? m_request.offset + m_rowCount + m_lost : 0;

@@ -27,6 +27,8 @@ struct ListRequest
     uint32_t offset = 0;
     /// How many at most; 0 for all.
     uint32_t max = 0;
+    /// Whoever asks is told the server's own count, and sees where fewer came.
+    bool tellsTotal = false;
 };
 
 /// How a listing ended.
@@ -45,7 +47,9 @@ struct ListEnd
 /// The next page is under way while one is being read; it is as big as the server can make it in
 /// about a second, and read in slices, so that nobody else waits. Ends when the range is complete,
 /// when the server says that there is no more, or with an empty page; a total of 0 is taken for
-/// "unknown". Main thread only.
+/// "unknown". Where fewer came than the server counts, a listing of everything fails, and so does a
+/// range that is left without a row; one with rows is for whoever asks for its rest. Main thread
+/// only.
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
@@ -83,6 +87,7 @@ private:
     void requestPage();
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);
     void adaptPageSize();
+    bool isOnlyItself(const std::vector<MediaObject> &objects) const;
     bool isEndOfUnknown(const ActionReply &reply) const;
     bool retrySmaller(const ActionReply &reply, uint32_t position);
     void parsePage();
@@ -96,6 +101,8 @@ private:
     void fail(Failure failure);
     void failUnreadable();
     void failLate();
+    bool isShort() const;
+    void failShort();
     void finish();
     void end(const ListEnd &result);
     SoapArguments arguments(uint32_t position, uint32_t count) const;
