@@ -35,6 +35,7 @@ inline constexpr char unknownProperty[] = "com.intel.dleyna.UnknownProperty";
 inline constexpr char unknownInterface[] = "com.intel.dleyna.UnknownInterface";
 inline constexpr char unknownMethod[] = "org.freedesktop.DBus.Error.UnknownMethod";
 inline constexpr char invalidArgs[] = "org.freedesktop.DBus.Error.InvalidArgs";
+inline constexpr char accessDenied[] = "org.freedesktop.DBus.Error.AccessDenied";
 inline constexpr char limitsExceeded[] = "org.freedesktop.DBus.Error.LimitsExceeded";
 inline constexpr char propertyReadOnly[] = "org.freedesktop.DBus.Error.PropertyReadOnly";
 /// A server that was named by its address couldn't be reached; only our bridge looks for one.

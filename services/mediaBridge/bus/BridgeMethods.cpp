@@ -32,6 +32,11 @@ void MediaService::forgetServer(const BusCallPtr &call, const Target &)
 
 void MediaService::stop(const BusCallPtr &call, const Target &)
 {
+    if (m_bus.isShared()) {
+        call->fail(
+            {errors::accessDenied, "On a system bus the bridge is ended by whoever started it."});
+        return;
+    }
     call->reply();
     onStop();
 }
