@@ -183,6 +183,17 @@ void tst_BridgeServers::aServerThatVanishesAndReturnsElsewhereIsFoundAgain()
     QCOMPARE(server->start(), QString());
     QTRY_COMPARE_WITH_TIMEOUT(rowsOf(udn), 10, 10000);
     QCOMPARE(bridge->servers(), QStringList{serverPath(udn)});
+
+    // It falls silent, and says that it is elsewhere: calls that wait for it go there.
+    server->behaviour.hang = QStringList{"Browse", "description"};
+    Call call = bridge->startListing(objectPath(udn, folder), 0, 0);
+    QTRY_VERIFY(server->held() > 0);
+    const auto elsewhere = newServer(udn);
+    QCOMPARE(elsewhere->start(), QString());
+    const Answer answer = call.wait();
+    QCOMPARE(answer.rows().size(), 10);
+    QVERIFY2(answer.milliseconds < 6000, qPrintable(QString::number(answer.milliseconds)));
+    server->vanish();
 }
 
 void tst_BridgeServers::onlyWhatWasAnnouncedIsLost()

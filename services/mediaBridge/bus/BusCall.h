@@ -30,6 +30,8 @@ public:
     /// These two only until the arguments are let go.
     std::string signature() const { return dbus_message_get_signature(m_message.get()); }
     Arguments arguments() const { return Arguments(m_message.get()); }
+    /// Whether they were: it is being worked on.
+    bool hasBegun() const { return !m_message; }
     /// They may hold megabytes and file descriptors, and the call may wait for long.
     void letArgumentsGo() { m_message.reset(); }
     /// Cancelled with the call; for the work that is done for it.

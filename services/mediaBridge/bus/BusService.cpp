@@ -167,7 +167,7 @@ void BusService::handleWaiting()
 {
     constexpr int64_t longestUs = 3'000;
     constexpr int64_t shortUs = 1'000;
-    constexpr unsigned unsentPauseMs = 5;
+    constexpr unsigned unsentPauseMs = 1;
     // Whoever has few calls may still be behind those who have many.
     const bool isBehind =
         dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS;
@@ -254,9 +254,13 @@ void BusService::cancelCalls(const std::string &path, const std::string &sender)
         if (!sender.empty() && client != sender)
             continue;
         for (auto it = calls.known.rbegin(); it != calls.known.rend(); ++it) {
-            later([weak = *it, path] {
-                const BusCallPtr call = weak.lock();
-                if (call && isWithin(call->path(), path))
+            const BusCallPtr known = it->lock();
+            // What was let go of has its answer, and what waits for its turn has done nothing yet.
+            if (!known || known->isAnswered() || !known->hasBegun()
+                || !isWithin(known->path(), path))
+                continue;
+            later([weak = *it] {
+                if (const BusCallPtr call = weak.lock())
                     call->cancel();
             });
         }

@@ -19,7 +19,9 @@ inline constexpr size_t messageBytes = size_t{60} << 20;
 inline constexpr size_t answersBytes = size_t{80} << 20;
 inline constexpr size_t smallBytes = size_t{256} << 10;
 /// Bytes of answers that wait for the bus, above which no other call is looked at.
-inline constexpr size_t unsentBytes = size_t{8} << 20;
+/// They are sent in the order they were written: those of one client's thousand calls come before
+/// another's.
+inline constexpr size_t unsentBytes = size_t{256} << 10;
 /// An error's text, in bytes: a long sentence that quotes a server's name and its reason.
 inline constexpr size_t errorTextBytes = 1024;
 /// The object path of a call: an encoded UDN and the hex of an object id of 4 KiB.
