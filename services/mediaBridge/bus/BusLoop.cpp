@@ -24,7 +24,7 @@ bool hasMore(int descriptor)
 /// client's thousand calls are before the others'; here, clients take turns.
 gboolean watchIsReady(int descriptor, GIOCondition condition, gpointer watch)
 {
-    constexpr int mostReads = 8;
+    constexpr int mostReads = 4;
     unsigned ready = 0;
     for (const Flag &flag : flags)
         ready |= (condition & flag.condition) != 0 ? flag.watchFlag : 0;

@@ -110,7 +110,7 @@ void read(
         run(whose, std::move(work), std::move(then));
         return;
     }
-    later(
+    soon(
         [work = std::move(work), then = std::move(then)] {
             work();
             then();

@@ -12,7 +12,7 @@ namespace background {
 /// `work` runs in the thread and must share nothing with the main loop; `then` runs in the main
 /// loop afterwards. `whose` as for `later`. Main thread only.
 void run(const std::string &whose, std::function<void()> work, std::function<void()> then);
-/// The same for a document of so many bytes; a short one is read in the main loop, as `later` does.
+/// The same for a document of so many bytes; a short one is read in the main loop, as `soon` does.
 void read(
     const std::string &whose, size_t bytes, std::function<void()> work, std::function<void()> then);
 /// Ends the thread with the piece that it works on; what waits is dropped. For the program's end.

@@ -13,6 +13,9 @@ struct Queue
 {
     TurnQueue<std::function<void()>> waiting;
     Timer turn;
+    /// What was done at once, and since when that is counted.
+    int64_t doneUs = 0;
+    int64_t since = 0;
 };
 
 Queue &queue()
@@ -41,6 +44,22 @@ void later(std::function<void()> work, const std::string &whose)
     queue().waiting.push(whose, std::move(work));
     if (!queue().turn.isRunning())
         queue().turn.start(0, &workOn);
+}
+
+void soon(const std::function<void()> &work, const std::string &whose)
+{
+    Queue &all = queue();
+    const int64_t start = g_get_monotonic_time();
+    if (start - all.since > 2 * longestUs) {
+        all.since = start;
+        all.doneUs = 0;
+    }
+    if (!all.waiting.isEmpty() || all.doneUs > longestUs) {
+        later(work, whose);
+        return;
+    }
+    work();
+    all.doneUs += g_get_monotonic_time() - start;
 }
 
 } // namespace bridge

@@ -10,5 +10,7 @@ namespace bridge {
 /// for the same `whose` (a machine on the network; empty for the bridge itself) keeps its order,
 /// and those who wait take turns. Main thread only.
 void later(std::function<void()> work, const std::string &whose = {});
+/// The same, but at once, from inside this call, where nothing waits and little was done so lately.
+void soon(const std::function<void()> &work, const std::string &whose);
 
 } // namespace bridge
