@@ -1,7 +1,9 @@
-// A worker's life: how long it takes to make one, when its server shows, how long its longest turn
-// of the event loop is while a big answer is made, and how many messages a listing takes.
+// A worker's life: when its server shows, how long its longest turn of the event loop is while a
+// big answer is made, and how many messages a listing takes. Times are told over others of the same
+// run.
 
 #include "Figures.h"
+#include "FloorClient.h"
 #include "PluginClient.h"
 #include "Processes.h"
 #include "ServiceCounters.h"
@@ -17,6 +19,8 @@ namespace {
 
 constexpr int starts = 200;
 constexpr int listings = 12;
+constexpr int playlists = 5;
+constexpr int slices = 60;
 constexpr int bigListing = 10000;
 constexpr int manyTracks = 1000;
 
@@ -48,40 +52,58 @@ double longestTurnToIdle()
     return longest;
 }
 
-struct Start
+/// `what`, in seconds, over what it is compared with.
+void reportOver(const char *figure, double what, double base)
 {
-    double created;
-    double visible;
-};
+    figures::report(figure, what / base);
+    figures::report((QByteArray(figure) + ", ms").constData(), what * 1e3);
+}
 
-/// One start of a worker, on a bus whose connection is there.
-Start startWorker()
+/// Of the answer to the worker's last question about its server until the server's row is there.
+double timeToShow()
 {
     QHash<QString, QVariant> config{{CMWorker::Prefix_(), QStringLiteral("upnp")}};
-    const double start = now();
     const std::unique_ptr<CMSyncWorker> sync(
         static_cast<CMSyncWorker *>(worker_create("upnpClient", &config)));
-    const double created = now() - start;
-
     double shown = 0;
     QObject::connect(sync->worker(), &CMAbstractWorker::rowsChanged, [&shown] { shown = now(); });
     turnUntil([&shown] { return shown > 0; });
-    return {created, shown - ServiceCounters::read().lastProperty};
+    return shown - ServiceCounters::read().lastProperty;
 }
 
-void measureStarts()
+/// Over one property read by the floor, there and back.
+void measureStarts(const FastBus &bus)
 {
-    const double first = startWorker().created;
-    QVector<double> created;
-    QVector<double> visible;
+    FloorClient floor(bus.address().toStdString());
+    const std::string object = objectPath(QStringLiteral("rows1")).toStdString();
+    QVector<double> shown;
+    QVector<double> reads;
     for (int i = 0; i < starts; ++i) {
-        const Start start = startWorker();
-        created.append(start.created * 1e3);
-        visible.append(start.visible * 1e3);
+        shown.append(timeToShow());
+        const double start = now();
+        floor.readProperties(object, 1);
+        reads.append(now() - start);
     }
-    figures::report("start first ms", first * 1e3);
-    figures::report("start ms", figures::median(created));
-    figures::report("server visible ms", figures::median(visible));
+    reportOver("server visible", figures::median(shown), figures::median(reads));
+}
+
+/// Whatever else the machine does only adds.
+double least(const QVector<double> &seconds)
+{
+    return *std::min_element(seconds.begin(), seconds.end());
+}
+
+/// What the worker's thread takes to list a hundred rows, in seconds: a slice of every long work is
+/// about as much.
+double slice(PluginClient &plugin)
+{
+    QVector<double> times;
+    for (int i = 0; i < slices; ++i) {
+        const double start = figures::threadTime();
+        plugin.list(QStringLiteral("rows100"), 100, OrkaRoles::all());
+        times.append(figures::threadTime() - start);
+    }
+    return least(times);
 }
 
 void measureTurns(PluginClient &plugin)
@@ -92,14 +114,13 @@ void measureTurns(PluginClient &plugin)
     for (const CMReply<OrkaRowsRoles> &reply : qAsConst(replies)) {
         plugin.worker().getRowsRequest({plugin.path(QStringLiteral("rows%1").arg(bigListing)), 0,
             bigListing - 1, -1, OrkaRoles::all(), reply});
-        longest.append(turnUntil([&reply] { return reply.isFinished(); }) * 1e3);
+        longest.append(turnUntil([&reply] { return reply.isFinished(); }));
     }
-    figures::report("longest turn ms", figures::median(longest));
-    figures::report("longest turn worst ms", *std::max_element(longest.begin(), longest.end()));
+    reportOver("longest turn", least(longest), slice(plugin));
 }
 
 /// Of a playlist's preparation, to the end of what it leaves to clean up.
-void measurePlaylist(PluginClient &plugin, const char *figure, const QVariantList &paths)
+double playlistTurn(PluginClient &plugin, const QVariantList &paths)
 {
     const CMReply<QVariant> reply;
     const CMPath prepare(plugin.path({}).prefix(), OrkaPlayListPrepareItems());
@@ -107,7 +128,15 @@ void measurePlaylist(PluginClient &plugin, const char *figure, const QVariantLis
     plugin.worker().setDataRequest({prepare, paths, reply});
     const double first = figures::threadTime() - start;
     const double later = turnUntil([&reply] { return reply.isFinished(); });
-    figures::report(figure, std::max({first, later, longestTurnToIdle()}) * 1e3);
+    return std::max({first, later, longestTurnToIdle()});
+}
+
+void measurePlaylist(PluginClient &plugin, const char *figure, const QVariantList &paths)
+{
+    QVector<double> longest;
+    for (int i = 0; i < playlists; ++i)
+        longest.append(playlistTurn(plugin, paths));
+    reportOver(figure, least(longest), slice(plugin));
 }
 
 void measurePlaylists(PluginClient &plugin)
@@ -118,9 +147,9 @@ void measurePlaylists(PluginClient &plugin)
         path.addParam(QStringLiteral("itemType"), QStringLiteral("track"));
         tracks.append(path.toEncoded());
     }
-    measurePlaylist(plugin, "longest turn of tracks ms", tracks);
+    measurePlaylist(plugin, "longest turn of tracks", tracks);
     // A folder with nothing but sub-containers, as many as are read of one.
-    measurePlaylist(plugin, "longest turn of a walk ms",
+    measurePlaylist(plugin, "longest turn of a walk",
         {plugin.path(QStringLiteral("wide%1").arg(bigListing)).toEncoded()});
 }
 
@@ -140,7 +169,7 @@ int main(int argc, char **argv)
     const FastBus bus;
     prepareProcess();
     orkaOpenDBusConnection(bus.address());
-    measureStarts();
+    measureStarts(bus);
     PluginClient plugin(bus.address());
     measurePlaylists(plugin);
     measureTurns(plugin);

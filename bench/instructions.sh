@@ -16,16 +16,39 @@ counted() {
     echo $((total / objects))
 }
 
+# figure NAME VALUE
 figure() {
     printf '{"name": "%s", "value": %s}\n' "$1" "$2"
 }
 
-floor=$(counted floor)
-rows=$(counted rows)
-figure "floor instructions" "$floor"
-figure "instructions a row" "$rows"
-figure "one row instructions" "$(counted rows 1)"
-figure "instructions over the floor" "$(awk "BEGIN { print $rows / $floor }")"
-figure "mapping instructions" "$(counted mapping)"
-figure "screen mapping instructions" "$(counted screen-mapping)"
-figure "screen row instructions" "$(counted screen-rows)"
+# count NAME WORK [OBJECTS]
+count() {
+    local value
+    value=$(counted "${@:2}")
+    figure "$1" "$value"
+}
+
+# over_floor NAME WORK OBJECTS: the work's count over the floor's for as many.
+over_floor() {
+    local value floor
+    value=$(counted "$2" "$3")
+    floor=$(counted floor "$3")
+    figure "$1" "$(awk "BEGIN { print $value / $floor }")"
+}
+
+count "floor instructions" floor
+count "instructions a row" rows
+count "screen row instructions" screen-rows
+count "one row instructions" rows 1
+count "mapping instructions" mapping
+count "screen mapping instructions" screen-mapping
+count "map mapping instructions" map-mapping
+count "playlist item instructions" items
+count "path from service instructions" from-service 10000
+count "path to service instructions" to-service 10000
+count "call instructions" calls 100
+count "first start instructions" starts 1
+count "start instructions" starts 100
+over_floor "instructions over the floor" rows 1000
+over_floor "one row over the floor" rows 1
+over_floor "one screen row over the floor" screen-rows 1

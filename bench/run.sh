@@ -18,15 +18,11 @@ measure() {
     "$@" >>"$lines"
 }
 
-work_figures() {
-    "$programs/bm_work" --benchmark_format=json --benchmark_min_time=0.5 |
-        jq -c '.benchmarks[] | {name, value: (1e6 / .items_per_second)}'
-}
-
-# Where no network may be made for the media server, the chain is left out and the table says so.
-chain_figures() {
+# Where no network may be made for a media server, this is left out and the table says so.
+# in_world SCRIPT
+in_world() {
     WORLD_REFUSED_STATUS=0 ORKA_BUILD=$(dirname "$programs") \
-        "$here/../world/enter-world.sh" "$here/chain.sh" "$programs"
+        "$here/../world/enter-world.sh" "$here/$1" "$programs"
 }
 
 print_table() {
@@ -73,10 +69,10 @@ case ${2:-} in
 "")
     measure "rows and properties beside the floor" "$programs/bm_listing"
     measure "instructions" "$here/instructions.sh" "$programs"
-    measure "mapping, paths, calls" work_figures
     measure "start, turns, messages" "$programs/bm_worker"
     measure "memory" "$programs/bm_memory"
-    measure "the whole chain" chain_figures
+    measure "the whole chain" in_world chain.sh
+    measure "commands" in_world commands.sh
     measure "growth" "$programs/bm_growth" "$programs/growth.svg"
     measure "side by side" "$here/side-by-side.sh" "$programs"
     save >"$programs/figures.json"

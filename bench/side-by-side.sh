@@ -29,13 +29,13 @@ orka=$(dirname "$programs")/host/orka
 if [ -x "$orka" ]; then
     "$programs/bm_process" "orka rows" $runs "$orka" --bus session --media-service session \
         --plugin "$(dirname "$programs")/modules/upnpClient/liborka_cb_upnpClient.so" --json \
-        rows "upnp:/uuid:fast-0/$container" --first 0 --last 999
+        rows "upnp:/uuid:fast0000-0000/$container" --first 0 --last 999
 fi
 "$programs/bm_process" "Python on GDBus" $runs /usr/bin/python3 "$here/gdbus-client.py" \
-    "/com/intel/dLeynaServer/server/uuid_3a66617374_2d0000/$container" 1000
+    "/com/intel/dLeynaServer/server/uuid_3afast0000_2d0000/$container" 1000
 # Lists the server's own container, which holds 1,000 tracks too; its elapsed time includes a second's delay.
 if command -v grl-launch-0.3 >/dev/null; then
     export GRL_PLUGIN_LIST=grl-dleyna
     "$programs/bm_process" "grilo, after a second" $runs grl-launch-0.3 --count 1000 --keys title,artist,album,url \
-        browse grl-dleyna-uuid:fast-0
+        browse grl-dleyna-uuid:fast0000-0000
 fi

@@ -2,6 +2,8 @@
 
 #include "DBusBarrier.h"
 #include "NetworkInfo.h"
+#include "Target.h"
+#include "core/ObjectAddress.h"
 #include "dleyna.h"
 
 #include <QDBusVariant>
@@ -27,11 +29,6 @@ constexpr int patienceMilliseconds = 60000;
     std::exit(3);
 }
 
-QString elementOf(const QString &container)
-{
-    return QString::fromLatin1(container.toLatin1().toHex());
-}
-
 int serverRows(CMUPnPWorker &worker)
 {
     const CMReply<OrkaRowsRoles> reply;
@@ -53,9 +50,8 @@ void prepareProcess()
 
 QString objectPath(const QString &container, int server)
 {
-    return QStringLiteral("/com/intel/dLeynaServer/server/uuid_3a66617374_2d%1/%2")
-        .arg(server, 4, 10, QLatin1Char('0'))
-        .arg(elementOf(container));
+    return QString::fromStdString(
+        bridge::objectPath(serverPath(unsigned(server)), container.toStdString()));
 }
 
 PluginClient::PluginClient(const QString &busAddress, int servers)
@@ -85,8 +81,9 @@ QStringList PluginClient::screenRoles()
 
 CMPath PluginClient::path(const QString &container, int server) const
 {
-    CMPath path(
-        m_sync->prefix(), QStringLiteral("/uuid:fast-%1/%2").arg(server).arg(elementOf(container)));
+    const QString id = objectPath(container, server).section(QLatin1Char('/'), -1);
+    CMPath path(m_sync->prefix(),
+        QLatin1Char('/') + QString::fromStdString(udnOf(unsigned(server))) + QLatin1Char('/') + id);
     path.addParam(QStringLiteral("itemType"), QStringLiteral("container"));
     return path;
 }

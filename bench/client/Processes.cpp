@@ -41,3 +41,8 @@ FastBus::FastBus(int servers)
     qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLatin1());
     m_service.startAndReadLine(QStringLiteral(BENCH_FAST_SERVICE), {QString::number(servers)});
 }
+
+void FastBus::setAnswering(bool isAnswering) const
+{
+    ::kill(pid_t(m_service.processId()), isAnswering ? SIGCONT : SIGSTOP);
+}

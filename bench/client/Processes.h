@@ -26,6 +26,8 @@ public:
     explicit FastBus(int servers = 1);
 
     const QString &address() const { return m_address; }
+    /// Whether the service answers; calls wait for it where not.
+    void setAnswering(bool isAnswering) const;
 
 private:
     Child m_daemon;

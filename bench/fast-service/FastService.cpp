@@ -1,9 +1,14 @@
 #include "FastService.h"
 
+#include "MediaServiceNames.h"
+#include "Rows.h"
+
 #include <algorithm>
 #include <cstring>
 #include <ctime>
 #include <vector>
+
+using bridge::Message;
 
 namespace {
 
@@ -14,59 +19,10 @@ std::uint64_t monotonicNanoseconds()
     return std::uint64_t(now.tv_sec) * 1000000000 + std::uint64_t(now.tv_nsec);
 }
 
-Message replyTo(DBusMessage *call)
-{
-    return Message(dbus_message_new_method_return(call));
-}
-
-template<typename AppendValue>
-Message variantReply(DBusMessage *call, const char *signature, AppendValue appendValue)
-{
-    Message reply = replyTo(call);
-    DBusMessageIter body;
-    DBusMessageIter variant;
-    dbus_message_iter_init_append(reply.get(), &body);
-    dbus_message_iter_open_container(&body, DBUS_TYPE_VARIANT, signature, &variant);
-    appendValue(&variant);
-    dbus_message_iter_close_container(&body, &variant);
-    return reply;
-}
-
-Message textProperty(DBusMessage *call, const std::string &value)
-{
-    const char *plain = value.c_str();
-    return variantReply(call, "s", [&plain](DBusMessageIter *variant) {
-        dbus_message_iter_append_basic(variant, DBUS_TYPE_STRING, &plain);
-    });
-}
-
-Message numberProperty(DBusMessage *call, dbus_uint32_t value)
-{
-    return variantReply(call, "u", [&value](DBusMessageIter *variant) {
-        dbus_message_iter_append_basic(variant, DBUS_TYPE_UINT32, &value);
-    });
-}
-
-Message searchCapsProperty(DBusMessage *call)
-{
-    return variantReply(call, "as", [](DBusMessageIter *variant) {
-        DBusMessageIter list;
-        dbus_message_iter_open_container(variant, DBUS_TYPE_ARRAY, "s", &list);
-        for (const char *name : {"DisplayName", "Artist", "Album", "Type", "Genre"})
-            dbus_message_iter_append_basic(&list, DBUS_TYPE_STRING, &name);
-        dbus_message_iter_close_container(variant, &list);
-    });
-}
-
 Message wrongArguments(DBusMessage *call)
 {
     return Message(dbus_message_new_error(
         call, DBUS_ERROR_INVALID_ARGS, "The arguments don't have the types of this method."));
-}
-
-std::string numbered(const char *text, unsigned number)
-{
-    return text + std::to_string(number);
 }
 
 /// How many of `all` children a window holds; 0 asks for all.
@@ -117,7 +73,7 @@ Message FastService::answer(DBusMessage *call)
         return answerGet(call);
     if (member == "GetAll")
         return answerGetAll(call);
-    return member == "GetServers" ? answerServers(call) : Message();
+    return member == "GetServers" ? answerServers() : Message();
 }
 
 Message FastService::answerList(DBusMessage *call)
@@ -127,12 +83,12 @@ Message FastService::answerList(DBusMessage *call)
     if (!dbus_message_get_args(
             call, nullptr, DBUS_TYPE_UINT32, &offset, DBUS_TYPE_UINT32, &max, DBUS_TYPE_INVALID))
         return wrongArguments(call);
-    const ObjectPath path(dbus_message_get_path(call));
-    if (path.kind == ObjectPath::Deep)
-        return m_replies.chainLink(path);
-    if (path.kind == ObjectPath::Wide)
-        return m_replies.containers(path);
-    return m_replies.children(windowSize(path.number, offset, max));
+    const Target target(dbus_message_get_path(call));
+    if (target.kind == Target::Deep)
+        return m_replies.chainLink(target);
+    if (target.kind == Target::Wide)
+        return m_replies.containers(target);
+    return m_replies.children(windowSize(target.number, offset, max));
 }
 
 Message FastService::answerSearch(DBusMessage *call)
@@ -143,11 +99,11 @@ Message FastService::answerSearch(DBusMessage *call)
     if (!dbus_message_get_args(call, nullptr, DBUS_TYPE_STRING, &query, DBUS_TYPE_UINT32, &offset,
             DBUS_TYPE_UINT32, &max, DBUS_TYPE_INVALID))
         return wrongArguments(call);
-    const ObjectPath path(dbus_message_get_path(call));
-    if (path.kind != ObjectPath::Rows)
+    const Target target(dbus_message_get_path(call));
+    if (target.kind != Target::Rows)
         return Message(dbus_message_new_error(
-            call, "com.intel.dleyna.OperationFailed", "This is walked, not searched."));
-    return m_replies.found(windowSize(path.number, offset, max));
+            call, mediaService::errors::operationFailed, "This is walked, not searched."));
+    return m_replies.found(windowSize(target.number, offset, max));
 }
 
 Message FastService::answerGet(DBusMessage *call)
@@ -157,46 +113,38 @@ Message FastService::answerGet(DBusMessage *call)
     if (!dbus_message_get_args(call, nullptr, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING,
             &property, DBUS_TYPE_INVALID))
         return wrongArguments(call);
-    const ObjectPath path(dbus_message_get_path(call));
-    const unsigned server = serverNumber(path.server);
+    const Target target(dbus_message_get_path(call));
     if (std::strcmp(property, "ChildCount") == 0)
-        return numberProperty(call, path.kind == ObjectPath::Deep ? 2 : path.number);
+        return Replies::variant(uint32_t(target.kind == Target::Deep ? 2 : target.number));
     m_lastProperty = monotonicNanoseconds();
-    if (std::strcmp(property, "SearchCaps") == 0)
-        return searchCapsProperty(call);
-    const bool isUdn = std::strcmp(property, "UDN") == 0;
-    return textProperty(call, numbered(isUdn ? "uuid:fast-" : "Fast media server ", server));
+    for (const auto &[name, value] : rows::server(serverNumber(target.server))) {
+        if (name == property)
+            return Replies::variant(value);
+    }
+    return Message();
 }
 
 Message FastService::answerGetAll(DBusMessage *call)
 {
     const std::string path = dbus_message_get_path(call);
-    const ObjectPath parsed(path);
-    if (parsed.isServer)
-        return m_replies.server(path);
-    const bool isTrack = parsed.number == 20;
-    return isTrack ? m_replies.track() : m_replies.container(path);
+    const Target target(path);
+    if (target.isServer)
+        return Replies::value(rows::server(serverNumber(target.server)));
+    const bool isTrack = target.number == 20;
+    return Replies::value(isTrack ? rows::track(0) : rows::container(path));
 }
 
-Message FastService::answerServers(DBusMessage *call)
+Message FastService::answerServers()
 {
-    Message reply = replyTo(call);
-    DBusMessageIter body;
-    DBusMessageIter list;
-    dbus_message_iter_init_append(reply.get(), &body);
-    dbus_message_iter_open_container(&body, DBUS_TYPE_ARRAY, "o", &list);
-    for (unsigned i = 0; i < m_servers; ++i) {
-        const std::string path = serverPath(i);
-        const char *plain = path.c_str();
-        dbus_message_iter_append_basic(&list, DBUS_TYPE_OBJECT_PATH, &plain);
-    }
-    dbus_message_iter_close_container(&body, &list);
-    return reply;
+    std::vector<bridge::ObjectPath> paths;
+    for (unsigned i = 0; i < m_servers; ++i)
+        paths.push_back({serverPath(i)});
+    return Replies::value(paths);
 }
 
 Message FastService::answerCounters(DBusMessage *call)
 {
-    Message reply = replyTo(call);
+    Message reply(dbus_message_new_method_return(call));
     dbus_message_append_args(reply.get(), DBUS_TYPE_UINT32, &m_calls, DBUS_TYPE_UINT64,
         &m_lastProperty, DBUS_TYPE_INVALID);
     m_calls = 0;

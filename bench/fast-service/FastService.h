@@ -16,14 +16,14 @@ public:
 
 private:
     void handle(DBusMessage *call);
-    Message answer(DBusMessage *call);
-    Message answerList(DBusMessage *call);
-    Message answerSearch(DBusMessage *call);
-    Message answerGet(DBusMessage *call);
-    Message answerGetAll(DBusMessage *call);
-    Message answerServers(DBusMessage *call);
-    Message answerCounters(DBusMessage *call);
-    void send(DBusMessage *call, Message reply);
+    bridge::Message answer(DBusMessage *call);
+    bridge::Message answerList(DBusMessage *call);
+    bridge::Message answerSearch(DBusMessage *call);
+    bridge::Message answerGet(DBusMessage *call);
+    bridge::Message answerGetAll(DBusMessage *call);
+    bridge::Message answerServers();
+    bridge::Message answerCounters(DBusMessage *call);
+    void send(DBusMessage *call, bridge::Message reply);
 
     DBusConnection *m_connection;
     unsigned m_servers;

@@ -2,6 +2,10 @@
 
 #include "Rows.h"
 
+using bridge::Message;
+using bridge::MessageWriter;
+using bridge::PropertyMap;
+
 namespace {
 
 Message emptyReply()
@@ -9,89 +13,53 @@ Message emptyReply()
     return Message(dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN));
 }
 
-template<typename AppendMaps>
-Message listReply(AppendMaps appendMaps)
-{
-    Message reply = emptyReply();
-    DBusMessageIter body;
-    DBusMessageIter list;
-    dbus_message_iter_init_append(reply.get(), &body);
-    dbus_message_iter_open_container(&body, DBUS_TYPE_ARRAY, "a{sv}", &list);
-    appendMaps(&list);
-    dbus_message_iter_close_container(&body, &list);
-    return reply;
-}
-
-template<typename AppendMap>
-Message mapReply(AppendMap appendMap)
-{
-    Message reply = emptyReply();
-    DBusMessageIter body;
-    dbus_message_iter_init_append(reply.get(), &body);
-    appendMap(&body);
-    return reply;
-}
-
-Message tracks(unsigned count)
-{
-    return listReply([count](DBusMessageIter *list) {
-        for (unsigned i = 0; i < count; ++i)
-            rows::appendTrack(list, i);
-    });
-}
-
 } // namespace
+
+Message Replies::value(const bridge::Value &value)
+{
+    Message reply = emptyReply();
+    MessageWriter(reply.get()).add(value);
+    return reply;
+}
+
+Message Replies::variant(const bridge::Value &value)
+{
+    Message reply = emptyReply();
+    MessageWriter(reply.get()).addVariant(value);
+    return reply;
+}
 
 Message Replies::children(unsigned count)
 {
     Message &kept = m_children[count];
-    if (!kept)
-        kept = tracks(count);
+    if (!kept) {
+        std::vector<PropertyMap> tracks;
+        for (unsigned i = 0; i < count; ++i)
+            tracks.push_back(rows::track(i));
+        kept = value(tracks);
+    }
     return Message(dbus_message_copy(kept.get()));
 }
 
-Message Replies::chainLink(const ObjectPath &path)
+Message Replies::chainLink(const Target &target)
 {
-    return listReply([&path](DBusMessageIter *list) {
-        rows::appendTrack(list, path.number);
-        if (path.number > 1) {
-            const std::string next = path.sibling("deep" + std::to_string(path.number - 1));
-            rows::appendContainer(list, next.c_str());
-        }
-    });
+    std::vector<PropertyMap> link{rows::track(target.number)};
+    if (target.number > 1)
+        link.push_back(rows::container(target.sibling("deep" + std::to_string(target.number - 1))));
+    return value(link);
 }
 
-Message Replies::containers(const ObjectPath &path)
+Message Replies::containers(const Target &target)
 {
-    return listReply([&path](DBusMessageIter *list) {
-        for (unsigned i = 0; i < path.number; ++i)
-            rows::appendContainer(list, path.sibling("deep1 " + std::to_string(i)).c_str());
-    });
+    std::vector<PropertyMap> containers;
+    for (unsigned i = 0; i < target.number; ++i)
+        containers.push_back(rows::container(target.sibling("deep1 " + std::to_string(i))));
+    return value(containers);
 }
 
 Message Replies::found(unsigned count)
 {
     Message reply = children(count);
-    DBusMessageIter body;
-    const dbus_uint32_t total = count;
-    dbus_message_iter_init_append(reply.get(), &body);
-    dbus_message_iter_append_basic(&body, DBUS_TYPE_UINT32, &total);
+    MessageWriter(reply.get()).add(uint32_t(count));
     return reply;
-}
-
-Message Replies::track()
-{
-    return mapReply([](DBusMessageIter *body) { rows::appendTrack(body, 0); });
-}
-
-Message Replies::server(const std::string &path)
-{
-    return mapReply([&path](DBusMessageIter *body) {
-        rows::appendServer(body, path.c_str(), serverNumber(path));
-    });
-}
-
-Message Replies::container(const std::string &path)
-{
-    return mapReply([&path](DBusMessageIter *body) { rows::appendContainer(body, path.c_str()); });
 }

@@ -1,30 +1,27 @@
 #pragma once
 
-#include "Message.h"
-#include "ObjectPath.h"
+#include "Target.h"
+#include "bus/Message.h"
 
 #include <map>
 
-/// Bodies of replies, written when they are first asked for and copied from then on, so that an
-/// answer costs the service no more than the memory it moves.
+/// Bodies of long replies, written when they are first asked for and copied from then on, so that
+/// an answer costs the service no more than the memory it moves.
 class Replies
 {
 public:
     /// ListChildren of `count` tracks.
-    Message children(unsigned count);
+    bridge::Message children(unsigned count);
     /// ListChildren of a container in a chain: one track and, but at the end, the next container.
-    Message chainLink(const ObjectPath &path);
+    static bridge::Message chainLink(const Target &target);
     /// ListChildren of a container of containers.
-    Message containers(const ObjectPath &path);
+    static bridge::Message containers(const Target &target);
     /// SearchObjectsEx with `count` tracks found.
-    Message found(unsigned count);
-    /// GetAll of a track.
-    Message track();
-    /// GetAll of a server.
-    Message server(const std::string &path);
-    /// GetAll of a container.
-    Message container(const std::string &path);
+    bridge::Message found(unsigned count);
+    /// Anything else.
+    static bridge::Message value(const bridge::Value &value);
+    static bridge::Message variant(const bridge::Value &value);
 
 private:
-    std::map<unsigned, Message> m_children;
+    std::map<unsigned, bridge::Message> m_children;
 };

@@ -1,18 +1,17 @@
 #pragma once
 
-#include <dbus/dbus.h>
+#include "core/Value.h"
 
-/// The media objects that the fast service shows: tracks with all 17 properties that the plug-in
-/// asks for, about 780 bytes each on the bus, twelve to an album.
+/// The media objects that the fast service shows.
 namespace rows {
 
-/// Appends track `number` (from 0) as one a{sv}.
-void appendTrack(DBusMessageIter *parent, unsigned number);
+/// Track `number`, from 0, with all 17 properties that the plug-in asks for: about 780 bytes on the
+/// bus, twelve to an album.
+bridge::PropertyMap track(unsigned number);
 
-/// Appends a container as one a{sv}; `path` is its object path.
-void appendContainer(DBusMessageIter *parent, const char *path);
+bridge::PropertyMap container(const std::string &path);
 
-/// Appends what a server tells of itself as one a{sv}; `number` counts from 0.
-void appendServer(DBusMessageIter *parent, const char *path, unsigned number);
+/// What server `number`, from 0, tells of itself.
+bridge::PropertyMap server(unsigned number);
 
 } // namespace rows

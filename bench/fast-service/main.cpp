@@ -2,6 +2,7 @@
 // on standard output when it owns the name, and ends with the bus.
 
 #include "FastService.h"
+#include "MediaServiceNames.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,7 +24,7 @@ int main(int argc, char **argv)
     }
     dbus_connection_set_exit_on_disconnect(connection, FALSE);
     const int owner = dbus_bus_request_name(
-        connection, "com.intel.dleyna-server", DBUS_NAME_FLAG_DO_NOT_QUEUE, &error);
+        connection, mediaService::busName, DBUS_NAME_FLAG_DO_NOT_QUEUE, &error);
     if (owner != DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
         std::fputs("Another media service runs on this bus; use a bus of its own.\n", stderr);
         return 3;

@@ -1,12 +1,12 @@
 #include "FloorClient.h"
 
+#include "MediaServiceNames.h"
+
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
 
 namespace {
-
-const char service[] = "com.intel.dleyna-server";
 
 const char *const filter[] = {"Type", "TypeEx", "MIMEType", "DisplayName", "Artist", "Album",
     "AlbumArtURL", "URLs", "Creator", "Genre", "Path", "Date", "TrackNumber", "Duration", "Bitrate",
@@ -15,7 +15,7 @@ const char *const filter[] = {"Type", "TypeEx", "MIMEType", "DisplayName", "Arti
 DBusMessage *listChildren(const std::string &path, dbus_uint32_t offset, dbus_uint32_t max)
 {
     DBusMessage *call = dbus_message_new_method_call(
-        service, path.c_str(), "org.gnome.UPnP.MediaContainer2", "ListChildren");
+        mediaService::busName, path.c_str(), mediaService::interfaces::container, "ListChildren");
     const char *const *names = filter;
     dbus_message_append_args(call, DBUS_TYPE_UINT32, &offset, DBUS_TYPE_UINT32, &max,
         DBUS_TYPE_ARRAY, DBUS_TYPE_STRING, &names, int(sizeof filter / sizeof *filter),
@@ -25,9 +25,9 @@ DBusMessage *listChildren(const std::string &path, dbus_uint32_t offset, dbus_ui
 
 DBusMessage *getChildCount(const std::string &path)
 {
-    DBusMessage *call =
-        dbus_message_new_method_call(service, path.c_str(), DBUS_INTERFACE_PROPERTIES, "Get");
-    const char *interface = "org.gnome.UPnP.MediaObject2";
+    DBusMessage *call = dbus_message_new_method_call(
+        mediaService::busName, path.c_str(), DBUS_INTERFACE_PROPERTIES, "Get");
+    const char *interface = mediaService::interfaces::object;
     const char *property = "ChildCount";
     dbus_message_append_args(
         call, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property, DBUS_TYPE_INVALID);
