@@ -42,8 +42,8 @@ Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
     : m_session(session)
     , m_kinds(kinds)
     , m_take(std::move(take))
-    , m_known(session.options().timeout)
     , m_progress(std::make_unique<Progress>(QStringLiteral("Collecting")))
+    , m_known(session.options().timeout)
 {
 }
 
