@@ -177,15 +177,22 @@ void BusService::handleWaiting()
             m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });
             return;
         }
-        const BusCallPtr call = m_waiting.pop();
-        if (!call->isAnswered())
-            onCall(call);
-        call->letArgumentsGo();
+        handle(m_waiting.pop());
         if (g_get_monotonic_time() > end) {
             m_nextTurn.start(0, [this] { handleWaiting(); });
             return;
         }
     }
+}
+
+void BusService::handle(const BusCallPtr &call)
+{
+    if (!call->isAnswered())
+        onCall(call);
+    call->letArgumentsGo();
+    const auto calls = m_calls.find(call->sender());
+    if (!call->isAnswered() && calls != m_calls.end())
+        calls->second.begun.push_back(call);
 }
 
 /// Whether the client may have one more call under way.
@@ -208,11 +215,15 @@ bool BusService::keepCall(const BusCallPtr &call)
 
 void BusService::purge(Calls &calls)
 {
+    const auto removeExpired = [](std::vector<std::weak_ptr<BusCall>> &all) {
+        all.erase(
+            std::remove_if(all.begin(), all.end(), [](const auto &call) { return call.expired(); }),
+            all.end());
+    };
     auto &known = calls.known;
     const size_t before = known.size();
-    known.erase(
-        std::remove_if(known.begin(), known.end(), [](const auto &call) { return call.expired(); }),
-        known.end());
+    removeExpired(known);
+    removeExpired(calls.begun);
     m_callCount -= before - known.size();
     calls.purgeAt = std::max<size_t>(64, 2 * known.size());
 }
@@ -250,20 +261,22 @@ void BusService::emitManagerSignal(const char *name, const std::string &path)
 
 void BusService::cancelCalls(const std::string &path, const std::string &sender)
 {
-    for (const auto &[client, calls] : m_calls) {
+    for (auto &[client, calls] : m_calls) {
         if (!sender.empty() && client != sender)
             continue;
-        for (auto it = calls.known.rbegin(); it != calls.known.rend(); ++it) {
-            const BusCallPtr known = it->lock();
-            // What was let go of has its answer, and what waits for its turn has done nothing yet.
-            if (!known || known->isAnswered() || !known->hasBegun()
-                || !isWithin(known->path(), path))
-                continue;
-            later([weak = *it] {
+        // Each is looked at by one Cancel, or a flood of them would look at all others each time.
+        const auto others = std::stable_partition(
+            calls.begun.begin(), calls.begun.end(), [&path](const auto &weak) {
+                const BusCallPtr call = weak.lock();
+                return call && !call->isAnswered() && !isWithin(call->path(), path);
+            });
+        for (auto it = calls.begun.end(); it != others;) {
+            later([weak = *--it] {
                 if (const BusCallPtr call = weak.lock())
                     call->cancel();
             });
         }
+        calls.begun.erase(others, calls.begun.end());
     }
 }
 

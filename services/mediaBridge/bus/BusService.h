@@ -61,12 +61,16 @@ private:
         std::vector<std::weak_ptr<BusCall>> known;
         /// How many there may be before the answered ones are taken out.
         size_t purgeAt = 64;
+        /// Those of them that were handled and have no answer yet, nor were cancelled; some may
+        /// have ended since.
+        std::vector<std::weak_ptr<BusCall>> begun;
     };
 
     bool receive(DBusMessage *message);
     void receiveCall(const BusCallPtr &call);
     bool keepCall(const BusCallPtr &call);
     void purge(Calls &calls);
+    void handle(const BusCallPtr &call);
     void clientLeft(const std::string &name);
     void handleWaiting();
 
