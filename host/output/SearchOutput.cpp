@@ -66,17 +66,23 @@ void SearchOutput::writeNamesakes() const
 {
     Table table({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("in")}, {2, 1});
     int told = 0;
+    bool isWhole = true;
     for (const auto &[title, found] : m_byTitle) {
-        for (int i = 0; found.size() > 1 && i < found.size() && told < mostNamesakes; ++i) {
+        for (int i = 0; isWhole && found.size() > 1 && i < found.size() && told < mostNamesakes;
+             ++i) {
             const QString folder = m_folderOf(found.at(i).path);
-            if (folder.isNull())
-                return; // whoever is asked doesn't say
-            table.add({QString::number(found.at(i).number), title, folder});
-            ++told;
+            isWhole = !folder.isNull();
+            if (isWhole)
+                table.add({QString::number(found.at(i).number), title, folder});
+            told += isWhole ? 1 : 0;
         }
     }
     if (told > 0) {
         writeLine(QStringLiteral("Titles that are there more than once"));
         table.write();
+    }
+    if (!isWhole) {
+        tell(QStringLiteral("Some titles are there more than once, and the media server doesn't "
+                            "say in which folders."));
     }
 }
