@@ -49,30 +49,32 @@ bool KnownFiles::isSame(const File &a, const File &b)
 {
     if (!a.page || !b.page || a.page->folder.base() == b.page->folder.base())
         return false;
-    const qint64 size = sizeOf(a);
-    return size > 0 && size == sizeOf(b);
+    const QString origin = originOf(a);
+    return !origin.isEmpty() && origin == originOf(b);
 }
 
-qint64 KnownFiles::sizeOf(const File &file)
+QString KnownFiles::originOf(const File &file)
 {
     if (!file.page->asked)
-        askSizes(file.page.get());
-    return file.page->sizes.value(file.object);
+        askOrigins(file.page.get());
+    return file.page->origins.value(file.object);
 }
 
-void KnownFiles::askSizes(Page *page)
+void KnownFiles::askOrigins(Page *page)
 {
     page->asked = true;
     const QString folder = serviceObject(page->folder);
     if (folder.isEmpty())
         return;
     const QString path = QStringLiteral("Path");
-    const QString size = QStringLiteral("Size");
-    const ServiceAnswer answer =
-        ServiceCalls(m_limit).children(folder, uint(page->first), uint(page->rows), {path, size});
+    const QString refPath = QStringLiteral("RefPath");
+    const ServiceAnswer answer = ServiceCalls(m_limit).children(
+        folder, uint(page->first), uint(page->rows), {path, refPath});
     for (const QVariantMap &child : childrenOf(answer)) {
         const QString object = child.value(path).value<QDBusObjectPath>().path();
-        page->sizes.insert(object.section(QLatin1Char('/'), -1), child.value(size).toLongLong());
+        const QString origin = child.value(refPath).value<QDBusObjectPath>().path();
+        page->origins.insert(
+            object.section(QLatin1Char('/'), -1), origin.isEmpty() ? object : origin);
     }
 }
 
