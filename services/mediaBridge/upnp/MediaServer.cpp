@@ -63,8 +63,8 @@ void MediaServer::inheritCapabilities(const MediaServer &earlier)
 
 void MediaServer::call(const ActionCall &call, ActionCallback done)
 {
-    if (m_there) {
-        m_there->call(call, std::move(done));
+    if (m_newer) {
+        m_newer->call(call, std::move(done));
         return;
     }
     const std::string &type = m_description.serviceType;
@@ -75,16 +75,19 @@ void MediaServer::call(const ActionCall &call, ActionCallback done)
             HttpReply http) { self->received(call, std::move(http), done); });
 }
 
-void MediaServer::moveTo(std::shared_ptr<MediaServer> there)
+void MediaServer::giveWayTo(std::shared_ptr<MediaServer> newer)
 {
-    m_there = std::move(there);
-    m_session->abort(HttpOutcome::Moved);
+    m_newer = std::move(newer);
+    // Earlier ones at this address have calls in the session, too, and have given way to this one.
+    if (m_newer->m_session != m_session)
+        m_session->abort(HttpOutcome::Moved);
 }
 
 void MediaServer::received(const ActionCall &call, HttpReply http, const ActionCallback &done)
 {
-    if (http.outcome == HttpOutcome::Moved) {
-        m_there->call(call, done);
+    // One that was looked at and not taken has nobody to give its calls to.
+    if (http.outcome == HttpOutcome::Moved && m_newer) {
+        m_newer->call(call, done);
         return;
     }
     struct Work

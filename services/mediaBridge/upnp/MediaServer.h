@@ -81,9 +81,9 @@ public:
     void readDidl(std::string didl, size_t maxObjects,
         std::function<void(std::optional<DidlList>)> done) const;
 
-    /// The same server is elsewhere: what is under way here is asked for there, and so is whatever
-    /// is still asked of this one.
-    void moveTo(std::shared_ptr<MediaServer> there);
+    /// `newer` is what the same server has become: it gets whatever is still asked of this one, and
+    /// where it is elsewhere, what is under way here, too.
+    void giveWayTo(std::shared_ptr<MediaServer> newer);
 
     /// Called with each call that found nobody listening.
     std::function<void()> onUnreachable;
@@ -103,7 +103,7 @@ private:
     std::string m_host;
     ServerContext m_context;
     std::shared_ptr<HttpSession> m_session;
-    std::shared_ptr<MediaServer> m_there;
+    std::shared_ptr<MediaServer> m_newer;
     std::optional<std::vector<std::string>> m_searchCaps;
     std::optional<std::vector<std::string>> m_sortCaps;
 };

@@ -221,10 +221,9 @@ void ServerTracker::accept()
         m_candidate->inheritCapabilities(*m_server);
     if (m_isAnnounced && !looksTheSame(*m_candidate, *m_server))
         withdraw();
-    if (m_candidateSession != m_session) {
-        m_server->moveTo(m_candidate);
-        m_session = m_candidateSession;
-    }
+    if (m_server)
+        m_server->giveWayTo(m_candidate);
+    m_session = m_candidateSession;
     m_session->onSilent = m_candidate->onUnreachable;
     m_server = std::move(m_candidate);
     if (!m_isAnnounced) {
