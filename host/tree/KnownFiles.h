@@ -10,9 +10,10 @@
 #include <chrono>
 #include <memory>
 
-/// Tells files that have been met before. Some media servers give a file one address in every
-/// folder that they make up, by artist or by year: of tracks in different folders that look the
-/// same, the media service is asked which object they are references to, a page of rows at a time.
+/// Tells files that have been met before: by their address, and where a media server makes an
+/// address for each object, in every folder that it makes up by artist or by year, by what tracks
+/// in different folders have in common. Of those that look the same the media service is asked for
+/// the sizes, a page of rows at a time.
 class KnownFiles
 {
 public:
@@ -23,16 +24,15 @@ public:
         int first = 0;
         int rows = 0;
         bool asked = false;
-        /// The object that each is a reference to (ContentDirectory's refID), or itself, by the
-        /// last part of the objects' paths.
-        QHash<QString, QString> origins = {};
+        /// In bytes, by the last part of the objects' paths.
+        QHash<QString, qint64> sizes = {};
     };
 
     /// The media service has `limit` for an answer.
     explicit KnownFiles(std::chrono::milliseconds limit);
 
     /// Whether the item with this path, from a page or named by itself (null), is a new one; it is
-    /// known from now on. Where the media service doesn't say it is new.
+    /// known from now on. Where sizes can't be had it is new.
     bool add(const OrkaPlayListItem &item, const CMPath &path, const std::shared_ptr<Page> &page);
 
 private:
@@ -43,8 +43,8 @@ private:
     };
 
     bool isSame(const File &a, const File &b);
-    QString originOf(const File &file);
-    void askOrigins(Page *page);
+    qint64 sizeOf(const File &file);
+    void askSizes(Page *page);
     QString serviceObject(const CMPath &folder);
 
     const std::chrono::milliseconds m_limit;

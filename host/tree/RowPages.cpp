@@ -113,7 +113,9 @@ bool RowPages::next(Rows *page)
     const qint64 took = m_request->milliseconds;
     m_size->took(came, took < 0 ? m_request->clock.elapsed() : took);
     m_request.reset();
-    m_count = page->rowsCount;
+    // A folder that has become smaller since its first page isn't whole.
+    m_count = std::max(m_count, page->rowsCount);
+    page->rowsCount = m_count;
     m_next += std::min(came, asked);
     const bool more = m_count > 0 ? m_next < m_count : came == asked;
     leaveOutKnown(page, more && came < asked);
