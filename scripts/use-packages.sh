@@ -11,14 +11,14 @@ system=$1
 
 # in_session COMMAND…: with a session bus of its own, on which programs are started as they are asked for.
 in_session() {
-    chroot "$system" env -i PATH=/usr/bin:/bin LC_ALL=C.UTF-8 HOME=/root dbus-run-session -- "$@"
+    timeout 60 chroot "$system" env -i PATH=/usr/bin:/bin LC_ALL=C.UTF-8 HOME=/root dbus-run-session -- "$@"
 }
 
 # expect WHAT WORDS COMMAND…: it succeeds and says these words, a pattern.
 expect() {
     local what=$1 words=$2 said
     shift 2
-    said=$(timeout 60 "$@" 2>&1) && grep -qE "$words" <<<"$said" || {
+    said=$("$@" 2>&1) && grep -qE "$words" <<<"$said" || {
         printf 'FAIL  %s: "%s" is wanted, this was said:\n%s\n' "$what" "$words" "$said" >&2
         exit 1
     }
