@@ -66,6 +66,8 @@ inline constexpr std::ptrdiff_t guessesOfOneHost = 2;
 inline constexpr unsigned newcomersAtOnce = 4;
 inline constexpr size_t newcomersOfOneHost = 128;
 inline constexpr size_t newcomersHosts = 1024;
+/// In all: what waits is taken within five seconds, and those behind it are announced again.
+inline constexpr size_t newcomers = 2'048;
 /// Senders of broken announcements that the log names.
 inline constexpr size_t strangersNamed = 64;
 /// Servers in all and of one host; those that don't answer give way to others.

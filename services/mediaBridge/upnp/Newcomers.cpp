@@ -9,11 +9,13 @@ void Newcomers::add(Announcement announcement)
 {
     const std::string host = hostOf(announcement.route.location);
     const auto known = m_waiting.find(host);
-    if (known == m_waiting.end() ? m_waiting.size() >= limits::newcomersHosts
-                                 : known->second.size() >= limits::newcomersOfOneHost)
+    if (m_count >= limits::newcomers
+        || (known == m_waiting.end() ? m_waiting.size() >= limits::newcomersHosts
+                                     : known->second.size() >= limits::newcomersOfOneHost))
         return;
     const std::string udn = announcement.udn;
-    m_waiting[host][udn] = std::move(announcement);
+    const bool isNew = m_waiting[host].insert_or_assign(udn, std::move(announcement)).second;
+    m_count += isNew ? 1 : 0;
     if (!m_next.isRunning())
         takeSome();
 }
@@ -28,6 +30,7 @@ void Newcomers::takeSome()
         m_lastHost = host->first;
         const Announcement next = std::move(host->second.begin()->second);
         host->second.erase(host->second.begin());
+        --m_count;
         if (host->second.empty())
             m_waiting.erase(host);
         m_take(next);

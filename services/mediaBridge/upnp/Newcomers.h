@@ -26,8 +26,8 @@ public:
     {
     }
 
-    /// `take` may be called from inside this call. Of a machine that has announced too many,
-    /// the newest is dropped: it will be announced again.
+    /// `take` may be called from inside this call. Where a machine, or all of them, have
+    /// announced too many, the newest is dropped: it will be announced again.
     void add(Announcement announcement);
 
 private:
@@ -36,6 +36,7 @@ private:
     Take m_take;
     /// By machine, then by UDN.
     std::map<std::string, std::map<std::string, Announcement>> m_waiting;
+    size_t m_count = 0;
     std::string m_lastHost;
     Timer m_next;
 };
