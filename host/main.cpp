@@ -13,14 +13,17 @@
 #include "tree/NearestTitles.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QTextCodec>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
 #include <sstream>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -81,8 +84,11 @@ int report(const Failure &failure, bool json)
     return failure.status();
 }
 
-/// Once more where the media service left before anything was printed: it may have been stopped or
-/// have crashed at just that moment.
+/// What a service that is replaced may need until the next one is on the bus.
+constexpr int replacementMilliseconds = 1'000;
+
+/// Again where the media service left before anything was printed: it may have been stopped, have
+/// crashed or be replaced at just that moment.
 int runWithAnyService(Command &command, const GlobalOptions &options)
 {
     std::optional<Failure> first;
@@ -93,12 +99,17 @@ int runWithAnyService(Command &command, const GlobalOptions &options)
             throw;
         first = failure;
     }
-    try {
-        return command.run(options);
-    } catch (const Failure &second) {
-        if (second.status() == Missing)
-            throw Failure(*first); // which is why there is none
-        throw;
+    const QDeadlineTimer deadline(replacementMilliseconds);
+    for (;;) {
+        try {
+            return command.run(options);
+        } catch (const Failure &second) {
+            if (second.status() != Missing)
+                throw;
+            if (deadline.hasExpired())
+                throw Failure(*first); // which is why there is none
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
 }
 

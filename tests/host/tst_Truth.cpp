@@ -117,7 +117,7 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
                 look->stop();
                 s.vanish();
                 s.forgetRules();
-                s.comeBack();
+                QTimer::singleShot(200, &s, [&s] { s.comeBack(); });
             });
             look->start(1);
         },
