@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """run.py TREE RESULTS [REGEX]: applies each fault of faults.txt, whose id matches, to the checkout TREE alone, builds and
-runs the tests that are expected to notice it, then, where none does, those of the named folders; writes caught or
-survived to RESULTS and restores the source. Status 1 where a fault survived or fits no longer.
+runs the tests that are expected to notice it, then, where none does, those of the named folders; adds caught or
+survived to RESULTS, what failing tests printed to RESULTS.log, and restores the source. A fault that RESULTS names is
+passed over, so a run goes on where it ended. Status 1 where a fault survived or fits no longer.
 run.py TREE: only says which no longer fit.
 A line of the list: id ¦ file ¦ old ¦ new ¦ regex of tests ¦ folders."""
 import os, re, subprocess, sys, time
@@ -27,8 +28,10 @@ def survives(tests, folder):
     if built.returncode:
         return "doesn't build: " + " ".join(re.findall(r"error: .*", built.stdout)[:1])
     ran = output_of("ctest", "--test-dir", f"{build}/tests/{folder}", "--timeout", "60", "--stop-on-failure", "-LE", "build",
-        *(["-R", f"^({tests})$"] if tests else []))
+        "--output-on-failure", *(["-R", f"^({tests})$"] if tests else []))
     if ran.returncode:
+        with open(results + ".log", "a") as log:
+            log.write(f"==== {fault[0]} {fault[2]!r}\n{ran.stdout}")
         failed = re.findall(r"\d+ - (\w+) \((\w+)", ran.stdout)
         return "caught " + " ".join(f"{test}({why})" for test, why in failed) if failed else "broken " + ran.stdout[-300:]
 
@@ -49,10 +52,11 @@ def outcome(path, old, new, tests, folders):
 os.nice(5)
 if results:
     configure()
+told_before = set(re.findall(r"^\w+", open(results).read(), re.M)) if os.path.exists(results) else set()
 bad = 0
 for line in open(os.path.dirname(os.path.abspath(__file__)) + "/faults.txt").readlines():
     name, *fault = (part.strip(" \n").replace("\\n", "\n") for part in line.split("¦"))
-    if only.search(name):
+    if only.search(name) and name not in told_before:
         start, told = time.time(), outcome(*fault)
         bad += not told.startswith("caught")
         if told == "stale":
