@@ -1,8 +1,8 @@
 #pragma once
 
-/// The media service's names on the bus, for the bridge and the benchmarks. The plug-in, which is
-/// built alone, has its own; the tests write them down once more, so that a typing error here
-/// doesn't find its twin there.
+/// The media service's names on the bus, for the bridge, the host and the benchmarks. The plug-in,
+/// which is built alone, has its own; the tests write them down once more, so that a typing error
+/// here doesn't find its twin there.
 namespace mediaService {
 
 inline constexpr char busName[] = "com.intel.dleyna-server";

@@ -1,5 +1,6 @@
 #include "chain/NamedServers.h"
 
+#include "MediaServiceNames.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
 
@@ -14,7 +15,7 @@ namespace {
 
 QString problemOf(const QString &address, const QDBusError &error)
 {
-    if (error.name().startsWith(QLatin1String("org.orka.MediaBridge1.Error.")))
+    if (error.name() == QLatin1String(mediaService::errors::notReached))
         return safeText(error.message());
     const bool noReply = error.type() == QDBusError::NoReply || error.type() == QDBusError::Timeout;
     return noReply

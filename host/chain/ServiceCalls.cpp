@@ -11,9 +11,11 @@
 
 namespace {
 
-const QString deviceInterface = QStringLiteral("com.intel.dLeynaServer.MediaDevice");
-const QString containerInterface = QStringLiteral("org.gnome.UPnP.MediaContainer2");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+namespace interfaces = mediaService::interfaces;
+
+const QString deviceInterface = QLatin1String(interfaces::device);
+const QString containerInterface = QLatin1String(interfaces::container);
+const QString propertiesInterface = QLatin1String(interfaces::properties);
 
 /// As the object path of a server ends since dLeyna 0.6; before, it was a number.
 QString escaped(const QString &udn)
@@ -38,15 +40,15 @@ ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
 
 QDBusMessage ServiceCalls::managerCall(const QString &method)
 {
-    return QDBusMessage::createMethodCall(ServiceStarter::busName(), managerPath(),
-        QStringLiteral("com.intel.dLeynaServer.Manager"), method);
+    return QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), managerPath(), QLatin1String(interfaces::manager), method);
 }
 
 QDBusMessage ServiceCalls::bridgeCall(const QString &method, const QString &argument)
 {
     QDBusMessage call = managerCall(method);
     call = QDBusMessage::createMethodCall(
-        call.service(), call.path(), QStringLiteral("org.orka.MediaBridge1"), method);
+        call.service(), call.path(), QLatin1String(interfaces::bridge), method);
     if (!argument.isNull())
         call.setArguments({argument});
     return call;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MediaServiceNames.h"
+
 #include <QDBusMessage>
 #include <QString>
 #include <QStringList>
@@ -29,7 +31,7 @@ public:
     explicit ServiceCalls(std::chrono::milliseconds limit);
 
     /// The object of the service itself.
-    static QString managerPath() { return QStringLiteral("/com/intel/dLeynaServer"); }
+    static QString managerPath() { return QLatin1String(mediaService::managerPath); }
 
     /// A call of its manager, which lists the servers and announces them.
     static QDBusMessage managerCall(const QString &method);

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "GlobalOptions.h"
+#include "MediaServiceNames.h"
 #include "chain/BridgeProcess.h"
 #include "chain/BusDaemon.h"
 #include "chain/NamedServers.h"
@@ -29,7 +30,7 @@ public:
     explicit ServiceStarter(const GlobalOptions &options);
     ~ServiceStarter() override;
 
-    static QString busName() { return QStringLiteral("com.intel.dleyna-server"); }
+    static QString busName() { return QLatin1String(mediaService::busName); }
 
     /// "session bus", "the private bus …": for people.
     const QString &busDescription() const { return m_busDescription; }
