@@ -13,17 +13,8 @@ namespace {
 
 // Below the 25 s after which a D-Bus caller gives up.
 constexpr auto listTimeout = std::chrono::seconds(20);
-constexpr uint32_t smallestPage = 20;
-constexpr auto pageGoal = std::chrono::seconds(1);
 // From here on, servers write -1.
 constexpr uint32_t noCount = 0x7fffffff;
-constexpr int64_t sliceUs = 1'000;
-
-bool isOfKind(const MediaObject &object, ListKind kind)
-{
-    return kind == ListKind::All || object.isContainer == (kind == ListKind::Containers);
-}
-
 } // namespace
 
 Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller,
@@ -31,15 +22,11 @@ Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, Calle
     : m_server(std::move(server))
     , m_request(std::move(request))
     , m_caller(std::move(caller))
-    , m_sink(std::move(sink))
     , m_done(std::move(done))
     , m_deadline(std::chrono::steady_clock::now() + listTimeout)
+    , m_position(m_request.isFiltered() ? 0 : m_request.offset)
+    , m_reader(m_request, m_server->description().friendlyName, std::move(sink))
 {
-    // Positions of a filtered listing count what is left, so they can't be left to the server.
-    if (m_request.kind == ListKind::All)
-        m_position = m_request.offset;
-    else
-        m_toSkip = m_request.offset;
 }
 
 std::shared_ptr<Listing> Listing::start(std::shared_ptr<MediaServer> server, ListRequest request,
@@ -54,7 +41,7 @@ std::shared_ptr<Listing> Listing::start(std::shared_ptr<MediaServer> server, Lis
 void Listing::whenTotalIsKnown(TotalCallback callback)
 {
     m_totalCallbacks.push_back(std::move(callback));
-    if (!m_done || m_rowCount > 0)
+    if (!m_done || m_reader.rowCount() > 0)
         tellTotal();
 }
 
@@ -83,15 +70,15 @@ bool Listing::wantsMore() const
         return false;
     if (m_request.max == 0)
         return true;
-    if (m_request.kind == ListKind::All)
+    if (!m_request.isFiltered())
         return m_position - m_request.offset < m_request.max;
-    return m_rowCount < m_request.max;
+    return m_reader.rowCount() < m_request.max;
 }
 
 void Listing::requestPage()
 {
-    uint32_t count = m_pageSize;
-    if (m_request.max > 0 && m_request.kind == ListKind::All)
+    uint32_t count = m_pageSize.objects();
+    if (m_request.max > 0 && !m_request.isFiltered())
         count = std::min(count, m_request.max - (m_position - m_request.offset));
     const unsigned timeoutMs = std::min(remainingMs(), MediaServer::answerTimeoutMs);
     if (timeoutMs == 0) {
@@ -100,8 +87,9 @@ void Listing::requestPage()
     }
     m_isRequesting = true;
     m_pageStart = std::chrono::steady_clock::now();
-    m_server->call({m_request.action, arguments(m_position, count), m_caller, timeoutMs,
-                       limits::answerBytes(count), m_rowCount > 0 || m_reading || m_waiting},
+    m_server->call(
+        {m_request.action, arguments(m_position, count), m_caller, timeoutMs,
+            limits::answerBytes(count), m_reader.rowCount() > 0 || m_reading || m_waiting},
         [self = shared_from_this(), position = m_position, count, round = m_round](
             ActionReply reply) {
             self->m_isRequesting = false;
@@ -136,30 +124,15 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     m_waiting = Page{position, asked, std::min(returned, asked),
         std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
-    adaptPageSize();
-}
-
-/// Big pages are the fastest, but some servers take 10 ms an object, and go on with a page that
-/// nobody waits for any more before they look at the next call.
-void Listing::adaptPageSize()
-{
-    if (m_waiting->returned < smallestPage)
-        return;
-    const size_t bytesOfRow = m_waiting->didl.size() / m_waiting->returned + 1;
-    const auto took = std::chrono::steady_clock::now() - m_pageStart;
-    const auto fitting = m_waiting->returned * pageGoal / std::max(took, decltype(took)(1));
-    // Escaped on its way, a row may be twice as long, and the next ones may be longer.
-    const size_t allowed = limits::answerBytes(m_largestPage) / 4 / bytesOfRow + smallestPage;
-    const int64_t largest =
-        std::min<int64_t>(std::min(2 * m_pageSize, m_largestPage), static_cast<int64_t>(allowed));
-    m_pageSize = static_cast<uint32_t>(std::clamp<int64_t>(fitting, smallestPage, largest));
+    m_pageSize.follow(m_waiting->returned, m_waiting->didl.size(),
+        std::chrono::steady_clock::now() - m_pageStart);
 }
 
 /// Past the end of a list whose length they don't know, some servers call the position invalid.
 bool Listing::isEndOfUnknown(const ActionReply &reply) const
 {
     constexpr int invalidArguments = 402;
-    return m_total == 0 && !m_lastFirstId.empty() && reply.answer.faultCode == invalidArguments;
+    return m_total == 0 && m_reader.hasSeenObjects() && reply.answer.faultCode == invalidArguments;
 }
 
 /// A server that breaks down over a big page may well manage a small one.
@@ -167,11 +140,11 @@ bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
 {
     const bool mayHelp =
         reply.outcome == HttpOutcome::Broken || reply.outcome == HttpOutcome::TooLarge;
-    if (!mayHelp || m_pageSize <= smallestPage)
+    if (!mayHelp || !m_pageSize.shrink())
         return false;
-    m_pageSize = m_largestPage = std::max(m_pageSize / 5, smallestPage);
     m_position = position;
-    logInfo(reply.failure.text + "; asking for " + std::to_string(m_pageSize) + " at a time");
+    logInfo(
+        reply.failure.text + "; asking for " + std::to_string(m_pageSize.objects()) + " at a time");
     return true;
 }
 
@@ -187,79 +160,22 @@ void Listing::parsePage()
 
 void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 {
-    // The first page with objects that aren't there is no empty list.
-    const bool lacksAll = m_lastFirstId.empty() && m_rowCount == 0 && m_reading->returned > 0;
-    const bool isNothing = !list || (list->objects.empty() && (lacksAll || !list->isWhole));
-    if (isNothing && !(list && list->endsAtFault && m_lost < limits::lostObjects)) {
+    const auto content = m_reader.take(std::move(list), m_reading->returned, m_total);
+    if (content.isUnreadable) {
         failUnreadable();
         return;
     }
-    const bool isSkipped = isNothing;
-    checkCount(*list);
-    const bool isRepeated = !list->objects.empty() && !list->objects.front().id.empty()
-        && list->objects.front().id == m_lastFirstId;
-    if (isRepeated)
-        logWarning("\"" + m_server->description().friendlyName
-            + "\" sends the same page again and again; the list ends with its first");
-    if (isRepeated) {
-        // What is under way would be the same.
+    m_isAtEnd = m_isAtEnd || content.isLast;
+    if (content.count != m_reading->returned) {
+        // What is under way begins at the wrong place.
         ++m_round;
         m_waiting.reset();
-        m_position = m_reading->position;
+        m_position = m_reading->position + content.count;
     }
-    const bool isEmpty = list->objects.empty() && !isSkipped;
-    if (isEmpty || isRepeated || isOnlyItself(list->objects)) {
-        m_isAtEnd = true;
-        list->objects.clear();
-    } else if (!isSkipped) {
-        m_lastFirstId = list->objects.front().id;
-        leaveOutKnown(list->objects);
-    }
-    m_objects = std::move(list->objects);
-    m_nextObject = 0;
     if (isSmall)
         readSlice();
     else
         readNextSlice();
-}
-
-/// The number that the server gave may be wrong; the objects that came are what counts.
-void Listing::checkCount(const DidlList &list)
-{
-    auto count = static_cast<uint32_t>(list.objects.size());
-    if (!list.isWhole) {
-        logWarning("\"" + m_server->description().friendlyName
-            + "\" sends a malformed list; going on behind what could be read of it");
-    }
-    if (count == 0 && list.endsAtFault) {
-        // The first of what was asked for is malformed itself, and would be again.
-        ++count;
-        ++m_lost;
-    }
-    m_cameShort = count < m_reading->returned;
-    if (count == m_reading->returned)
-        return;
-    ++m_round;
-    m_waiting.reset();
-    m_position = m_reading->position + count;
-}
-
-/// Where fewer came than the server counted, it may have left some out on the way. Then what comes
-/// next begins with objects that were there already.
-void Listing::leaveOutKnown(std::vector<MediaObject> &objects)
-{
-    const auto isNew = [this](const MediaObject &object) {
-        return m_idsBefore.count(object.id) == 0;
-    };
-    const auto firstNew = std::find_if(objects.begin(), objects.end(), isNew);
-    std::set<std::string> ids;
-    for (auto object = objects.begin(); m_cameShort && object != objects.end(); ++object) {
-        if (!object->id.empty())
-            ids.insert(object->id);
-    }
-    m_lost += static_cast<uint32_t>(firstNew - objects.begin());
-    objects.erase(objects.begin(), firstNew);
-    m_idsBefore = std::move(ids);
 }
 
 void Listing::readNextSlice()
@@ -269,44 +185,19 @@ void Listing::readNextSlice()
 
 void Listing::readSlice()
 {
-    const int64_t end = g_get_monotonic_time() + sliceUs;
-    do {
-        if (m_nextObject < m_objects.size())
-            readObject(m_objects[m_nextObject++]);
-    } while (m_done && m_nextObject < m_objects.size() && g_get_monotonic_time() < end);
-    if (!m_done)
+    Failure refusal = m_reader.readSlice();
+    if (!refusal.name.empty()) {
+        fail(std::move(refusal));
         return;
-    if (m_rowCount > 0)
+    }
+    if (m_reader.rowCount() > 0)
         tellTotal();
-    if (m_nextObject < m_objects.size()) {
+    if (!m_reader.isAtEndOfPage()) {
         readNextSlice();
         return;
     }
-    m_objects.clear();
     m_reading.reset();
     proceed();
-}
-
-/// Asked for the children of an item, some servers give the item itself.
-bool Listing::isOnlyItself(const std::vector<MediaObject> &objects) const
-{
-    return m_request.action == "Browse" && m_total <= 1 && objects.size() == 1
-        && !objects.front().isContainer && objects.front().id == m_request.containerId;
-}
-
-void Listing::readObject(const MediaObject &object)
-{
-    const bool isEnough = m_request.max > 0 && m_rowCount >= m_request.max;
-    if (isEnough || !isOfKind(object, m_request.kind))
-        return;
-    if (m_toSkip > 0) {
-        --m_toSkip;
-        return;
-    }
-    ++m_rowCount;
-    Failure refusal = m_sink(object);
-    if (!refusal.name.empty())
-        fail(std::move(refusal));
 }
 
 void Listing::tellTotal()
@@ -333,13 +224,14 @@ void Listing::failLate()
 {
     fail({errors::operationFailed,
         m_request.action + " operation failed: The list was not complete after 20 seconds ("
-            + std::to_string(m_rowCount) + " objects so far). Ask for fewer objects at a time."});
+            + std::to_string(m_reader.rowCount())
+            + " objects so far). Ask for fewer objects at a time."});
 }
 
 bool Listing::isShort() const
 {
-    const bool mayBeSeen = m_request.tellsTotal || (m_request.max > 0 && m_rowCount > 0);
-    return (m_lost > 0 || (m_isAtEnd && m_position < m_total)) && !mayBeSeen;
+    const bool mayBeSeen = m_request.tellsTotal || (m_request.max > 0 && m_reader.rowCount() > 0);
+    return (m_reader.lostCount() > 0 || (m_isAtEnd && m_position < m_total)) && !mayBeSeen;
 }
 
 void Listing::failShort()
@@ -347,14 +239,14 @@ void Listing::failShort()
     fail({errors::operationFailed,
         m_request.action + " operation failed: \"" + m_server->description().friendlyName
             + "\" counts " + std::to_string(m_total) + " objects here, but only "
-            + std::to_string(m_rowCount) + " came. Ask for a range to get those."});
+            + std::to_string(m_reader.rowCount()) + " came. Ask for a range to get those."});
 }
 
 void Listing::finish()
 {
     // Clients look elsewhere for what a search can't give, but only where it fails.
     const bool isNothing = m_request.action == "Search" && m_request.offset == 0 && m_total > 0;
-    if (m_rowCount == 0 && (m_lost > 0 || isNothing)) {
+    if (m_reader.rowCount() == 0 && (m_reader.lostCount() > 0 || isNothing)) {
         failUnreadable();
         return;
     }
@@ -362,8 +254,9 @@ void Listing::finish()
         failShort();
         return;
     }
-    const uint32_t seen = m_rowCount > 0 ? m_request.offset + m_rowCount + m_lost : 0;
-    end({{}, m_rowCount, std::max(m_total, seen), m_total > 0});
+    const uint32_t seen =
+        m_reader.rowCount() > 0 ? m_request.offset + m_reader.rowCount() + m_reader.lostCount() : 0;
+    end({{}, m_reader.rowCount(), std::max(m_total, seen), m_total > 0});
 }
 
 void Listing::end(const ListEnd &result)

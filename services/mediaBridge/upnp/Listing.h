@@ -1,35 +1,13 @@
 #pragma once
 
-#include "core/Didl.h"
+#include "upnp/ListRequest.h"
 #include "upnp/MediaServer.h"
+#include "upnp/PageReader.h"
+#include "upnp/PageSize.h"
 
 #include <chrono>
-#include <set>
 
 namespace bridge {
-
-/// Which objects of a container a listing gives.
-enum class ListKind { All, Containers, Items };
-
-/// What to list: the children of a container, or what is found below it.
-struct ListRequest
-{
-    /// "Browse" or "Search".
-    std::string action = "Browse";
-    std::string containerId;
-    /// Of a search, ready to travel.
-    std::string criteria;
-    /// Ready to travel; empty for the server's own order.
-    std::string sort;
-    PropertySet wanted;
-    ListKind kind = ListKind::All;
-    /// First object to give, from 0.
-    uint32_t offset = 0;
-    /// How many at most; 0 for all.
-    uint32_t max = 0;
-    /// Whoever asks is told the server's own count, and sees where fewer came.
-    bool tellsTotal = false;
-};
 
 /// How a listing ended.
 struct ListEnd
@@ -53,8 +31,6 @@ struct ListEnd
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
-    /// Takes each object in the server's order; a failure's name that isn't empty ends the listing.
-    using RowSink = std::function<Failure(const MediaObject &)>;
     using Done = std::function<void(const ListEnd &)>;
     using TotalCallback = std::function<void(std::optional<uint32_t>)>;
 
@@ -86,17 +62,12 @@ private:
     bool wantsMore() const;
     void requestPage();
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);
-    void adaptPageSize();
-    bool isOnlyItself(const std::vector<MediaObject> &objects) const;
     bool isEndOfUnknown(const ActionReply &reply) const;
     bool retrySmaller(const ActionReply &reply, uint32_t position);
     void parsePage();
     void gotObjects(std::optional<DidlList> list, bool isSmall);
-    void checkCount(const DidlList &list);
-    void leaveOutKnown(std::vector<MediaObject> &objects);
     void readNextSlice();
     void readSlice();
-    void readObject(const MediaObject &object);
     void tellTotal();
     void fail(Failure failure);
     void failUnreadable();
@@ -111,37 +82,23 @@ private:
     std::shared_ptr<MediaServer> m_server;
     ListRequest m_request;
     Caller m_caller;
-    RowSink m_sink;
     Done m_done;
     std::vector<TotalCallback> m_totalCallbacks;
     std::optional<Failure> m_silence;
     std::chrono::steady_clock::time_point m_deadline;
 
     uint32_t m_position = 0;
-    /// Small at first, so that reading begins early.
-    uint32_t m_pageSize = 200;
-    uint32_t m_largestPage = 1000;
+    PageSize m_pageSize;
     std::chrono::steady_clock::time_point m_pageStart;
     uint32_t m_total = 0;
-    /// Matching rows to leave out before the first one given, where the server can't do it.
-    uint32_t m_toSkip = 0;
-    uint32_t m_rowCount = 0;
-    /// Objects that the server counts and that it leaves out, or sends malformed.
-    uint32_t m_lost = 0;
-    /// The last page had fewer objects than the server said.
-    bool m_cameShort = false;
-    /// Of that page.
-    std::set<std::string> m_idsBefore;
     /// Raised when the pages under way turn out to start at the wrong place.
     unsigned m_round = 0;
     bool m_isRequesting = false;
     bool m_isAtEnd = false;
-    std::string m_lastFirstId;
     /// Came, and waits for the one that is being read.
     std::optional<Page> m_waiting;
     std::optional<Page> m_reading;
-    std::vector<MediaObject> m_objects;
-    size_t m_nextObject = 0;
+    PageReader m_reader;
 };
 
 } // namespace bridge

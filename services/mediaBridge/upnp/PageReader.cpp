@@ -1,0 +1,132 @@
+#include "upnp/PageReader.h"
+
+#include "Log.h"
+#include "core/Limits.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace bridge {
+
+namespace {
+
+constexpr auto slice = std::chrono::milliseconds(1);
+
+bool isOfKind(const MediaObject &object, ListKind kind)
+{
+    return kind == ListKind::All || object.isContainer == (kind == ListKind::Containers);
+}
+
+} // namespace
+
+PageReader::PageReader(const ListRequest &request, std::string serverName, RowSink sink)
+    : m_request(request)
+    , m_serverName(std::move(serverName))
+    , m_sink(std::move(sink))
+    , m_toSkip(request.isFiltered() ? request.offset : 0)
+{
+}
+
+PageReader::Content PageReader::take(
+    std::optional<DidlList> list, uint32_t returned, uint32_t total)
+{
+    // The first page with objects that aren't there is no empty list.
+    const bool lacksAll = !hasSeenObjects() && m_rowCount == 0 && returned > 0;
+    const bool isNothing = !list || (list->objects.empty() && (lacksAll || !list->isWhole));
+    const bool isSkipped = isNothing && list && list->endsAtFault && m_lost < limits::lostObjects;
+    if (isNothing && !isSkipped)
+        return {true, true, 0};
+    Content content{false, false, countOf(*list, returned)};
+    std::vector<MediaObject> &objects = list->objects;
+    if (isRepeated(objects)) {
+        logWarning("\"" + m_serverName
+            + "\" sends the same page again and again; the list ends with its first");
+        content = {false, true, 0};
+    } else if ((objects.empty() && !isSkipped) || isOnlyItself(objects, total)) {
+        content.isLast = true;
+    } else if (!isSkipped) {
+        m_lastFirstId = objects.front().id;
+        leaveOutKnown(objects);
+    }
+    if (content.isLast)
+        objects.clear();
+    m_objects = std::move(objects);
+    m_nextObject = 0;
+    return content;
+}
+
+/// The number that the server gave may be wrong; the objects that came are what counts.
+uint32_t PageReader::countOf(const DidlList &list, uint32_t returned)
+{
+    auto count = static_cast<uint32_t>(list.objects.size());
+    if (!list.isWhole) {
+        logWarning("\"" + m_serverName
+            + "\" sends a malformed list; going on behind what could be read of it");
+    }
+    if (count == 0 && list.endsAtFault) {
+        // The first of what was asked for is malformed itself, and would be again.
+        ++count;
+        ++m_lost;
+    }
+    m_cameShort = count < returned;
+    return count;
+}
+
+bool PageReader::isRepeated(const std::vector<MediaObject> &objects) const
+{
+    return !objects.empty() && !objects.front().id.empty() && objects.front().id == m_lastFirstId;
+}
+
+/// Asked for the children of an item, some servers give the item itself.
+bool PageReader::isOnlyItself(const std::vector<MediaObject> &objects, uint32_t total) const
+{
+    return m_request.action == "Browse" && total <= 1 && objects.size() == 1
+        && !objects.front().isContainer && objects.front().id == m_request.containerId;
+}
+
+/// Where fewer came than the server counted, it may have left some out on the way. Then what comes
+/// next begins with objects that were there already.
+void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
+{
+    const auto isNew = [this](const MediaObject &object) {
+        return m_idsBefore.count(object.id) == 0;
+    };
+    const auto firstNew = std::find_if(objects.begin(), objects.end(), isNew);
+    std::set<std::string> ids;
+    for (auto object = objects.begin(); m_cameShort && object != objects.end(); ++object) {
+        if (!object->id.empty())
+            ids.insert(object->id);
+    }
+    m_lost += static_cast<uint32_t>(firstNew - objects.begin());
+    objects.erase(objects.begin(), firstNew);
+    m_idsBefore = std::move(ids);
+}
+
+Failure PageReader::readSlice()
+{
+    const auto end = std::chrono::steady_clock::now() + slice;
+    Failure refusal;
+    while (!isAtEndOfPage() && refusal.name.empty()) {
+        refusal = readObject(m_objects[m_nextObject++]);
+        if (std::chrono::steady_clock::now() >= end)
+            break;
+    }
+    if (isAtEndOfPage())
+        m_objects.clear();
+    return refusal;
+}
+
+Failure PageReader::readObject(const MediaObject &object)
+{
+    const bool isEnough = m_request.max > 0 && m_rowCount >= m_request.max;
+    if (isEnough || !isOfKind(object, m_request.kind))
+        return {};
+    if (m_toSkip > 0) {
+        --m_toSkip;
+        return {};
+    }
+    ++m_rowCount;
+    return m_sink(object);
+}
+
+} // namespace bridge
