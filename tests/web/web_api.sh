@@ -73,7 +73,7 @@ exec 7<"$WORLD_DIR/serve.out"
 for ((i = 0; i < 1000; ++i)); do
     exec {idle}<>"/dev/tcp/127.0.0.1/${URL##*:}"
 done
-check "a thousand idle connections" 200 "$(status_of -m 5 "$URL/")"
+check "a thousand idle connections" 200 "$(status_of -m 30 "$URL/")"
 
 # The media service is started again where it ends, and the page's program goes on.
 stop_bridge() {
