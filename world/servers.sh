@@ -141,8 +141,8 @@ rygel_has_indexed() {
 
 # gerbera_container HOST OBJECT TITLE: id and child count of a container, by its title.
 gerbera_container() {
-    browse "$1" 49152 /upnp/control/cds "$2" 2>/dev/null | sed 's/&lt;container/\n&/g' | grep -F "title&gt;$3&lt;" |
-        sed -n 's/.* id=&quot;\([0-9]*\)&quot;.*childCount=&quot;\([0-9]*\)&quot;.*/\1 \2/p'
+    browse "$1" 49152 /upnp/control/cds "$2" 2>/dev/null | tr -d '\n' | sed 's/&lt;container/\n&/g' |
+        grep -F "title&gt;$3&lt;" | sed -n 's/.* id=&quot;\([0-9]*\)&quot;.*childCount=&quot;\([0-9]*\)&quot;.*/\1 \2/p'
 }
 
 # gerbera_has_indexed NAME COUNT: its database is locked while it runs, so its own listing tells.
