@@ -7,6 +7,8 @@
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
+#include <map>
+#include <string_view>
 #include <vector>
 
 namespace bridge {
@@ -196,18 +198,26 @@ void HttpExchange::append(GBytes *bytes)
         m_reply.body.append(data, size);
 }
 
-/// Where all answers together take too much, the longest has to end.
+/// Where all answers together take too much, one has to end: the longest of the machine whose
+/// answers take most. Many short ones of its servers are no less than another's long one.
 void HttpExchange::makeRoom()
 {
+    const auto size = [](const HttpExchange *reader) {
+        return reader->m_reply.body.size();
+    };
     size_t sum = 0;
-    HttpExchange *longest = this;
-    for (HttpExchange *reader : readers()) {
-        sum += reader->m_reply.body.size();
-        if (reader->m_reply.body.size() > longest->m_reply.body.size())
-            longest = reader;
-    }
-    if (sum > limits::bodiesBytes)
-        longest->stop(HttpOutcome::TooLarge, "too many long answers come at once");
+    for (const HttpExchange *reader : readers())
+        sum += size(reader);
+    if (sum <= limits::bodiesBytes)
+        return;
+    std::map<std::string_view, size_t> ofHost;
+    for (const HttpExchange *reader : readers())
+        ofHost[reader->m_host] += size(reader);
+    const auto isLess = [&](const HttpExchange *a, const HttpExchange *b) {
+        return std::pair(ofHost[a->m_host], size(a)) < std::pair(ofHost[b->m_host], size(b));
+    };
+    (*std::max_element(readers().begin(), readers().end(), isLess))
+        ->stop(HttpOutcome::TooLarge, "too many long answers come at once");
 }
 
 void HttpExchange::stop(HttpOutcome outcome, std::string problem)

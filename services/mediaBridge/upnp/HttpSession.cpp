@@ -1,5 +1,6 @@
 #include "upnp/HttpSession.h"
 
+#include "core/Later.h"
 #include "core/Limits.h"
 
 #include <algorithm>
@@ -11,7 +12,17 @@ namespace {
 constexpr int64_t usPerMs = 1000;
 // Longer than a page of rows should take.
 constexpr unsigned silenceMs = 1'200;
-constexpr int64_t longestUs = 3'000;
+
+/// Requests of all sessions that are under way.
+unsigned underWayOfAll = 0;
+
+/// Sessions that could have more of them.
+std::deque<std::weak_ptr<HttpSession>> &hungry()
+{
+    // Answers that are let go at the program's end come here.
+    static auto &sessions = *new std::deque<std::weak_ptr<HttpSession>>;
+    return sessions;
+}
 
 } // namespace
 
@@ -102,16 +113,28 @@ void HttpSession::abort(HttpOutcome outcome)
 
 void HttpSession::sendWaiting()
 {
-    while (m_underWay < limits::requestsPerServer) {
+    while (mayBegin()) {
         const ExchangePtr next = takeNext();
         if (!next)
             return;
         ++m_underWay;
+        ++underWayOfAll;
         next->send(m_soup.get(), std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
+            --underWayOfAll;
             if (const auto self = weak.lock())
                 self->placeIsFree();
+            serveHungry();
         }));
     }
+    waitForTurn();
+}
+
+/// Every server has one request under way, whatever happens at the others.
+bool HttpSession::mayBegin() const
+{
+    const bool isOneMore =
+        m_underWay < limits::requestsPerServer && underWayOfAll < limits::requestsOfAll;
+    return m_underWay == 0 || isOneMore;
 }
 
 /// The oldest request of the caller whose turn it is, of those that nobody stopped.
@@ -127,8 +150,30 @@ HttpSession::ExchangePtr HttpSession::takeNext()
 
 void HttpSession::placeIsFree()
 {
-    --m_underWay;
-    sendWaiting();
+    if (--m_underWay == 0)
+        sendWaiting();
+    else
+        waitForTurn();
+}
+
+void HttpSession::waitForTurn()
+{
+    if (m_waiting.isEmpty() || m_underWay >= limits::requestsPerServer || m_isHungry)
+        return;
+    m_isHungry = true;
+    hungry().push_back(weak_from_this());
+}
+
+void HttpSession::serveHungry()
+{
+    while (underWayOfAll < limits::requestsOfAll && !hungry().empty()) {
+        const auto session = hungry().front().lock();
+        hungry().pop_front();
+        if (!session)
+            continue;
+        session->m_isHungry = false;
+        session->sendWaiting();
+    }
 }
 
 void HttpSession::setDeadline(HttpExchange *exchange, int64_t due)
@@ -137,7 +182,7 @@ void HttpSession::setDeadline(HttpExchange *exchange, int64_t due)
     if (!isNew)
         m_deadlines.erase({std::exchange(known->second, due), exchange});
     m_deadlines.insert({due, exchange});
-    if (!m_deadlineTimer.isRunning() || due < m_timerDue)
+    if (due < m_timerDue)
         startDeadlineTimer();
 }
 
@@ -146,25 +191,38 @@ void HttpSession::startDeadlineTimer()
     m_timerDue = m_deadlines.begin()->first;
     const int64_t ms = (m_timerDue - g_get_monotonic_time()) / usPerMs + 1;
     m_deadlineTimer.start(static_cast<unsigned>(std::max<int64_t>(ms, 0)), [this] {
-        checkDeadlines();
-        if (!m_deadlines.empty())
-            startDeadlineTimer();
+        m_timerDue = 0;
+        checkDeadlinesLater();
     });
 }
 
-void HttpSession::checkDeadlines()
+/// Thousands may have come at one time, and as many servers may be silent.
+void HttpSession::checkDeadlinesLater()
+{
+    later([weak = weak_from_this()] {
+        if (const auto self = weak.lock())
+            self->checkFirstDeadline();
+    });
+}
+
+void HttpSession::checkFirstDeadline()
 {
     const int64_t now = g_get_monotonic_time();
-    // Thousands may have come at one time.
-    while (!m_deadlines.empty() && m_deadlines.begin()->first <= now
-        && g_get_monotonic_time() < now + longestUs) {
-        HttpExchange *const exchange = m_deadlines.begin()->second;
-        const int64_t rest = patience(*exchange);
-        if (rest <= 0)
-            exchange->stop(HttpOutcome::TimedOut);
-        // Looked at again where it doesn't end soon.
-        setDeadline(exchange, now + std::max(rest, 100 * usPerMs));
+    if (m_deadlines.empty()) {
+        m_timerDue = noTimer;
+        return;
     }
+    if (m_deadlines.begin()->first > now) {
+        startDeadlineTimer();
+        return;
+    }
+    HttpExchange *const exchange = m_deadlines.begin()->second;
+    const int64_t rest = patience(*exchange);
+    if (rest <= 0)
+        exchange->stop(HttpOutcome::TimedOut);
+    // Looked at again where it doesn't end soon.
+    setDeadline(exchange, now + std::max(rest, 100 * usPerMs));
+    checkDeadlinesLater();
 }
 
 /// A server that answers others is busy, not hanging: what waits its turn gets more time.

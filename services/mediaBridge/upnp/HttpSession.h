@@ -4,6 +4,7 @@
 #include "core/TurnQueue.h"
 #include "upnp/HttpExchange.h"
 
+#include <limits>
 #include <map>
 #include <set>
 
@@ -11,7 +12,8 @@ namespace bridge {
 
 /// All requests to one server. It has connections of its own, so that a server which hangs can't
 /// use up another's; they are kept for a few seconds. A few requests are under way at once. The
-/// rest wait here, and callers take turns, so that nobody waits for another's thousand calls;
+/// rest wait here, and callers take turns, so that nobody waits for another's thousand calls; while
+/// very many are under way at all servers, it is one at a time here, and sessions take turns;
 /// requests whose caller left are dropped. Redirects aren't followed, answers aren't unpacked.
 /// Main thread only.
 class HttpSession : public std::enable_shared_from_this<HttpSession>
@@ -36,14 +38,19 @@ private:
     using ExchangePtr = std::shared_ptr<HttpExchange>;
     /// When an exchange is looked at for its time-out, in microseconds of the monotonic clock.
     using Deadline = std::pair<int64_t, HttpExchange *>;
+    static constexpr int64_t noTimer = std::numeric_limits<int64_t>::max();
 
     HttpSession();
+    static void serveHungry();
     void sendWaiting();
+    bool mayBegin() const;
     ExchangePtr takeNext();
     void placeIsFree();
+    void waitForTurn();
     void setDeadline(HttpExchange *exchange, int64_t due);
     void startDeadlineTimer();
-    void checkDeadlines();
+    void checkDeadlinesLater();
+    void checkFirstDeadline();
     void watchSilence();
     int64_t patience(const HttpExchange &exchange) const;
     void finished(HttpExchange *exchange, const HttpReply &reply);
@@ -52,13 +59,16 @@ private:
     /// By the caller's name.
     TurnQueue<ExchangePtr> m_waiting;
     unsigned m_underWay = 0;
+    /// It has requests that wait until fewer are under way elsewhere.
+    bool m_isHungry = false;
     int64_t m_lastAnswer = 0;
     /// Everything that has not ended.
     std::map<HttpExchange *, int64_t> m_exchanges;
     /// One timer for all of them: the main loop looks at every timer in every turn.
     std::set<Deadline> m_deadlines;
     Timer m_deadlineTimer;
-    int64_t m_timerDue = 0;
+    /// When the deadlines are looked at next; 0 while they are.
+    int64_t m_timerDue = noTimer;
     Timer m_silence;
 };
 
