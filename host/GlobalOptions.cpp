@@ -84,9 +84,9 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
     addSeconds(app, "--linger", options.linger,
         "How long a bridge that was started stays without a client\n"
         "(600); 0: it ends with the command");
-    addSeconds(
-        app, "--wait", options.wait, "For a media server to show up (5)", &options.waitIsNamed);
-    addSeconds(app, "--timeout", options.timeout, "For an answer (30)");
+    addSeconds(app, "--wait", options.wait, "How long a media server may take to show up (5)",
+        &options.waitIsNamed);
+    addSeconds(app, "--timeout", options.timeout, "How long an answer may take (30)");
     app.add_flag("--json", options.json, "Print one JSON document on standard output");
     addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");
     app.add_flag("-v,--verbose", options.verbosity,

@@ -141,7 +141,8 @@ void GatherOptions::declare(CLI::App &parser)
 {
     parser
         .add_option("--kind", kinds,
-            "What is taken of folders and servers: audio (the\ndefault), video, image or all; more "
+            "What to take from folders and servers: audio (the\ndefault), video, image or all; "
+            "more "
             "than one with commas")
         ->type_name("KIND")
         ->delimiter(',')

@@ -11,8 +11,8 @@ public:
         : Command(app, "serve", "A page to look at, in a browser", "orka serve --open")
     {
         addText("--listen", m_options.listen,
-            "IP address to listen at (127.0.0.1); at another than\nloopback over HTTPS and for who "
-            "has the token that is\nprinted (0.0.0.0: for the whole network)",
+            "IP address to listen on (127.0.0.1); beyond loopback over\nHTTPS, and only for those "
+            "who have the printed token\n(0.0.0.0: for the whole network)",
             "ADDRESS");
         m_portOption =
             parser()

@@ -124,7 +124,7 @@ public:
             "service's own leaving and coming back are told, too:\n"
             "{\"event\":\"service left\"|\"service back\"}");
         addText("--add", m_add, "Look at this address from now on, in every command", "ADDRESS");
-        addText("--forget", m_forget, "No longer", "ADDRESS");
+        addText("--forget", m_forget, "No longer look at this address", "ADDRESS");
     }
 
     int run(const GlobalOptions &options) override
