@@ -18,8 +18,8 @@ export function check(what, condition, detail = '') {
   if (!condition) ++failures;
   console.log(`${condition ? 'ok   ' : 'FAIL '} ${what}${condition || !detail ? '' : `: ${detail}`}`);
 }
-/** Until it is true, ten seconds at most. */
-export async function until(what, test, limit = 10000) {
+/** Until it is true, as long as a busy machine may need. */
+export async function until(what, test, limit = 30000) {
   const end = Date.now() + limit;
   let value = false;
   while (!value && Date.now() < end) {
