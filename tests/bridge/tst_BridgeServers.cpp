@@ -41,6 +41,7 @@ private Q_SLOTS:
 
     void serversThatHangDelayOnlyThemselves();
     void slowServersAreAskedForSmallPages();
+    void slowServersAreAwaited();
     void droppedConnectionsLoseNoServer();
     void aServerOnSeveralAddressesIsOne();
     void aKilledServerIsLostAndFoundAgain();
@@ -114,6 +115,29 @@ void tst_BridgeServers::slowServersAreAskedForSmallPages()
     server->behaviour.delayPerRow = 0;
     QCOMPARE(rowsOf(server->udn()), 2000);
     QCOMPARE(largestPage(), 1000);
+}
+
+/// Every answer takes longer than a look has: it is listed, and its abilities follow.
+void tst_BridgeServers::slowServersAreAwaited()
+{
+    QTRY_VERIFY(bridge->get(names::managerPath, names::bridge, "AwaitedServers")
+                    .value()
+                    .toStringList()
+                    .isEmpty());
+    const auto server = newServer();
+    server->behaviour.delay = 4200;
+    QCOMPARE(server->start(), QString());
+    QTRY_VERIFY(bridge->get(names::managerPath, names::bridge, "AwaitedServers")
+                    .value()
+                    .toStringList()
+                    .join("")
+                    .contains("10.77.0.1 has announced itself"));
+    const QString path = bridge->waitForServer(server->udn());
+    const Answer caps = bridge->get(path, names::device, "SearchCaps");
+    QCOMPARE(caps.error, "com.intel.dleyna.UnknownProperty");
+    QVERIFY2(caps.milliseconds < 500, qPrintable(QString::number(caps.milliseconds)));
+    QTRY_COMPARE_WITH_TIMEOUT(foundCount(path), 2, 10000);
+    QVERIFY(bridge->get(path, names::device, "SearchCaps").ok());
 }
 
 void tst_BridgeServers::droppedConnectionsLoseNoServer()

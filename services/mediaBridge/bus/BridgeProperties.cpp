@@ -44,6 +44,11 @@ Value absentServers(const ServerRegistry &registry)
     return registry.absent();
 }
 
+Value awaitedServers(const ServerRegistry &registry)
+{
+    return registry.awaited();
+}
+
 } // namespace
 
 const std::vector<BridgeProperty> &bridgeProperties()
@@ -55,6 +60,7 @@ const std::vector<BridgeProperty> &bridgeProperties()
         {"Listening", "as", &listening},
         {"Troubles", "as", &troubles},
         {"AbsentServers", "as", &absentServers},
+        {"AwaitedServers", "as", &awaitedServers},
     };
     return table;
 }

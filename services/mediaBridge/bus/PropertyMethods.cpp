@@ -66,14 +66,17 @@ void replyValue(BusCall &call, const std::string &name, const Value &value)
         call.replyVariant(value);
 }
 
-/// Calls back with the server's update id, or with nothing where it has none.
+/// Calls back with the server's update id, or with nothing where it has none or, as the failure
+/// says, doesn't answer.
 void readUpdateId(const std::shared_ptr<MediaServer> &server, const BusCallPtr &call,
-    std::function<void(std::optional<uint32_t>)> done)
+    std::function<void(std::optional<uint32_t>, const Failure &silence)> done)
 {
     server->call(
         {"GetSystemUpdateID", {}, call->caller(), updateIdTimeoutMs, limits::capabilityBytes},
         [done = std::move(done)](const ActionReply &reply) {
-            done(reply.isError() ? std::nullopt : parseCount(reply.answer.value("Id")));
+            const bool isAnswer = reply.outcome == HttpOutcome::Answered;
+            done(reply.isError() ? std::nullopt : parseCount(reply.answer.value("Id")),
+                isAnswer ? Failure() : reply.failure);
         });
 }
 
@@ -172,19 +175,15 @@ void MediaService::getDeviceProperty(
         return;
     }
     if (!property->read) {
-        readUpdateId(server, call, [call](std::optional<uint32_t> id) {
-            replyValue(*call, systemUpdateId, id ? Value(*id) : Value());
+        readUpdateId(server, call, [call](std::optional<uint32_t> id, const Failure &silence) {
+            if (silence.name.empty())
+                replyValue(*call, systemUpdateId, id ? Value(*id) : Value());
+            else
+                call->fail(silence);
         });
         return;
     }
-    const Value value = property->read(*server);
-    const bool mayBeUnread = property->signature == std::string_view("as");
-    if (!value.isNone() || !mayBeUnread) {
-        replyValue(*call, name, value);
-        return;
-    }
-    server->readCapabilities(
-        [server, call, property] { replyValue(*call, property->name, property->read(*server)); });
+    replyValue(*call, name, property->read(*server));
 }
 
 void MediaService::getObjectProperty(const BusCallPtr &call, const Target &target,
@@ -255,12 +254,13 @@ void MediaService::getAll(const BusCallPtr &call, const Target &target)
 
 void MediaService::getAllOfDevice(const BusCallPtr &call, const Target &target)
 {
-    readUpdateId(target.server, call, [call, server = target.server](std::optional<uint32_t> id) {
-        PropertyMap map = devicePropertyMap(*server);
-        if (id)
-            map.emplace_back(systemUpdateId, *id);
-        call->reply(map);
-    });
+    readUpdateId(target.server, call,
+        [call, server = target.server](std::optional<uint32_t> id, const Failure &) {
+            PropertyMap map = devicePropertyMap(*server);
+            if (id)
+                map.emplace_back(systemUpdateId, *id);
+            call->reply(map);
+        });
 }
 
 void MediaService::getAllOfObject(

@@ -10,7 +10,6 @@ namespace bridge {
 
 namespace {
 
-constexpr unsigned timeoutMs = 4'000;
 // A server that has moved is to be found within a second, and a busy one is not to be left for
 // whoever announces himself in its name.
 constexpr unsigned patienceMs = 600;
@@ -45,9 +44,11 @@ void readDescription(HttpReply reply, const std::string &udn, const std::string 
         [work, done = std::move(done)] { done(work->reply, std::move(work->reading)); });
 }
 
-DescriptionLook::DescriptionLook(std::string udn, std::vector<Route> routes, Done done)
+DescriptionLook::DescriptionLook(
+    std::string udn, std::vector<Route> routes, unsigned timeoutMs, Done done)
     : m_udn(std::move(udn))
     , m_routes(std::move(routes))
+    , m_timeoutMs(timeoutMs)
     , m_done(std::move(done))
 {
 }
@@ -80,7 +81,7 @@ void DescriptionLook::askNext()
     }
     const Route &route = m_routes[m_next++];
     ++m_underWay;
-    m_session->get(route.location, limits::descriptionBytes, timeoutMs,
+    m_session->get(route.location, limits::descriptionBytes, m_timeoutMs,
         [weak = weak_from_this(), route](HttpReply reply) {
             if (const auto self = weak.lock())
                 self->answered(route, std::move(reply));

@@ -43,7 +43,8 @@ class DescriptionLook : public std::enable_shared_from_this<DescriptionLook>
 public:
     using Done = std::function<void(LookResult)>;
 
-    DescriptionLook(std::string udn, std::vector<Route> routes, Done done);
+    /// Each route has `timeoutMs`.
+    DescriptionLook(std::string udn, std::vector<Route> routes, unsigned timeoutMs, Done done);
     /// Ends what is under way, without calling back.
     ~DescriptionLook();
     DescriptionLook(const DescriptionLook &) = delete;
@@ -64,6 +65,7 @@ private:
     std::shared_ptr<HttpSession> m_session = HttpSession::create();
     std::string m_udn;
     std::vector<Route> m_routes;
+    unsigned m_timeoutMs;
     Done m_done;
     size_t m_next = 0;
     size_t m_underWay = 0;

@@ -21,6 +21,8 @@ constexpr unsigned roundsBeforeWarning = 10;
 // Packets get lost, and a switch may take half a minute before it lets any through. After that,
 // asking now and then keeps servers whose announcements were lost from expiring.
 constexpr unsigned searchGapsMs[] = {0, 400, 600, 500, 500, 1'000, 4'000, 10'000, 20'000, 300'000};
+// The first searches of a new address have been answered, and descriptions read.
+constexpr int64_t searchTakesUs = 2'000'000;
 // However often clients ask for a search.
 constexpr int64_t searchPauseMs = 250;
 
@@ -80,8 +82,10 @@ void Discovery::reconcile()
     m_deaf.clear();
     for (const LocalAddress &address : *addresses)
         isComplete = add(address) && isComplete;
-    if (m_listeners.size() > before)
+    if (m_listeners.size() > before) {
+        m_addedAt = g_get_monotonic_time();
         rescan();
+    }
     m_failedRounds = isComplete ? 0 : m_failedRounds + 1;
     if (!isComplete)
         m_compare.start(retryMs, [this] { reconcile(); });
@@ -149,6 +153,12 @@ void Discovery::received(unsigned id, const SsdpMessage &message, const std::str
             + message.location + "), which isn't asked.";
         logWarning(sentence);
     }
+}
+
+bool Discovery::isSearching() const
+{
+    const bool isNew = m_addedAt != 0 && g_get_monotonic_time() - m_addedAt < searchTakesUs;
+    return isNew || m_change.isRunning();
 }
 
 bool Discovery::isAtLoopback() const

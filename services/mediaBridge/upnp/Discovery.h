@@ -52,6 +52,8 @@ public:
     /// Searches again on every address.
     void rescan();
 
+    /// An address has come so lately that servers may not have answered the search there yet.
+    bool isSearching() const;
     /// There is no other network than the machine's own.
     bool isAtLoopback() const;
     /// Where media servers can be heard: "10.0.0.2 on eth0".
@@ -82,6 +84,8 @@ private:
     Timer m_compare;
     Timer m_search;
     int64_t m_searched = 0;
+    /// When the last address came.
+    int64_t m_addedAt = 0;
 };
 
 } // namespace bridge

@@ -49,8 +49,14 @@ void HttpSession::get(
     send({url, {}, {}, maxBytes, timeoutMs, {}, false}, std::move(done));
 }
 
+bool HttpSession::isResting(unsigned ms) const
+{
+    return m_exchanges.empty() && g_get_monotonic_time() - m_lastRequest >= ms * usPerMs;
+}
+
 void HttpSession::send(HttpRequest request, HttpCallback done)
 {
+    m_lastRequest = g_get_monotonic_time();
     const bool isUrl =
         g_uri_is_valid(request.url.c_str(), static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr)
         != FALSE;

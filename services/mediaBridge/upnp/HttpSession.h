@@ -30,6 +30,9 @@ public:
     /// Ends everything with this outcome.
     void abort(HttpOutcome outcome = HttpOutcome::Cancelled);
 
+    /// Nothing is asked, and nothing was in the last `ms` milliseconds.
+    bool isResting(unsigned ms) const;
+
     /// Some request has waited for more than a second, and no client's was answered meanwhile.
     /// Called once until the next answer.
     std::function<void()> onSilent;
@@ -62,6 +65,7 @@ private:
     /// It has requests that wait until fewer are under way elsewhere.
     bool m_isHungry = false;
     int64_t m_lastAnswer = 0;
+    int64_t m_lastRequest = 0;
     /// Everything that has not ended.
     std::map<HttpExchange *, int64_t> m_exchanges;
     /// One timer for all of them: the main loop looks at every timer in every turn.

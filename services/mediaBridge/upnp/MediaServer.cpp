@@ -12,8 +12,6 @@ namespace bridge {
 
 namespace {
 
-constexpr unsigned capabilityTimeoutMs = 2'000;
-
 std::string faultSentence(const SoapAnswer &answer)
 {
     std::string text = answer.faultText.empty() ? "the server refused" : answer.faultText;
@@ -32,18 +30,19 @@ MediaServer::MediaServer(DeviceDescription description, std::shared_ptr<HttpSess
 {
 }
 
-void MediaServer::readCapabilities(std::function<void()> done)
+void MediaServer::readCapabilities(unsigned timeoutMs, std::function<void()> done)
 {
     // The two answers share the last reference to `done`'s guard; the later one calls it.
     const std::shared_ptr<void> both(nullptr, [done = std::move(done)](void *) { done(); });
-    readCapability("GetSearchCapabilities", "SearchCaps", both, &MediaServer::m_searchCaps);
-    readCapability("GetSortCapabilities", "SortCaps", both, &MediaServer::m_sortCaps);
+    readCapability(
+        "GetSearchCapabilities", "SearchCaps", timeoutMs, both, &MediaServer::m_searchCaps);
+    readCapability("GetSortCapabilities", "SortCaps", timeoutMs, both, &MediaServer::m_sortCaps);
 }
 
-void MediaServer::readCapability(const char *action, const char *output,
+void MediaServer::readCapability(const char *action, const char *output, unsigned timeoutMs,
     const std::shared_ptr<void> &both, std::optional<std::vector<std::string>> MediaServer::*member)
 {
-    call({action, {}, {}, capabilityTimeoutMs, limits::capabilityBytes},
+    call({action, {}, {}, timeoutMs, limits::capabilityBytes},
         [self = shared_from_this(), both, output, member](const ActionReply &reply) {
             if (reply.isError())
                 return;

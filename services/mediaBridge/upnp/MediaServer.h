@@ -62,9 +62,9 @@ public:
     const std::optional<std::vector<std::string>> &searchCaps() const { return m_searchCaps; }
     const std::optional<std::vector<std::string>> &sortCaps() const { return m_sortCaps; }
 
-    /// Reads both lists of capabilities, waiting two seconds at most for a server that doesn't
-    /// answer. `done` is called once, whether or not they could be read.
-    void readCapabilities(std::function<void()> done);
+    /// Reads both lists of capabilities, waiting `timeoutMs` for a server that doesn't answer.
+    /// `done` is called once, whether or not they could be read.
+    void readCapabilities(unsigned timeoutMs, std::function<void()> done);
 
     /// Takes what could not be read from an earlier look at the same server.
     void inheritCapabilities(const MediaServer &earlier);
@@ -96,7 +96,8 @@ private:
     void received(const ActionCall &call, HttpReply http, const ActionCallback &done);
     Failure failureOf(
         const ActionCall &call, const HttpReply &reply, const SoapAnswer &answer) const;
-    void readCapability(const char *action, const char *output, const std::shared_ptr<void> &both,
+    void readCapability(const char *action, const char *output, unsigned timeoutMs,
+        const std::shared_ptr<void> &both,
         std::optional<std::vector<std::string>> MediaServer::*member);
 
     DeviceDescription m_description;

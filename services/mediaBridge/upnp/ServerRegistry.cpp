@@ -202,12 +202,36 @@ std::vector<std::string> ServerRegistry::troubles() const
 std::vector<std::string> ServerRegistry::absent() const
 {
     std::vector<std::string> sentences;
-    for (const auto &[path, sentence] : m_absent)
-        sentences.push_back(sentence);
+    for (const auto &[path, sentence] : m_absent) {
+        const auto tracker = m_trackers.find(path);
+        if (tracker == m_trackers.end() || !tracker->second->isAwaited())
+            sentences.push_back(sentence);
+    }
     for (const auto &[path, tracker] : m_trackers) {
         const bool isKnown = tracker->announced() || m_absent.count(path) > 0;
         if (!isKnown && !tracker->namedSource() && !tracker->problem().empty())
             sentences.push_back(tracker->problem());
+    }
+    sentences.resize(std::min(sentences.size(), limits::troubles));
+    return sentences;
+}
+
+std::vector<std::string> ServerRegistry::awaited() const
+{
+    std::vector<std::string> sentences;
+    if (m_discovery.isSearching())
+        sentences.emplace_back("The network has just come up or changed, and media servers are "
+                               "still being searched for.");
+    std::map<std::string, unsigned> perHost;
+    for (const auto &[path, tracker] : m_trackers)
+        perHost[tracker->host()] += tracker->isAwaited() ? 1 : 0;
+    for (const auto &[host, count] : perHost) {
+        if (count == 1)
+            sentences.push_back("A media server at " + host
+                + " has announced itself and not described itself yet.");
+        else if (count > 1)
+            sentences.push_back(std::to_string(count) + " media servers at " + host
+                + " have announced themselves and not described themselves yet.");
     }
     sentences.resize(std::min(sentences.size(), limits::troubles));
     return sentences;

@@ -49,6 +49,8 @@ public:
     /// A sentence for each server that announces itself and can't be read, or that was there in an
     /// earlier run and hasn't answered in this one. Not for those that are named.
     std::vector<std::string> absent() const;
+    /// Why the list of servers may be about to become longer, in sentences.
+    std::vector<std::string> awaited() const;
 
 private:
     void announced(const std::string &udn, const Route &route, unsigned maxAge);

@@ -28,16 +28,18 @@ constexpr unsigned slowRetryMs = 10'000;
 constexpr unsigned longestBackOffMs = 60'000;
 constexpr unsigned strangersRetries = 10;
 
+// A description is waited for so long, and longer where it may come: of a server that was just
+// heard for the first time, or that has always taken its time. The others don't wait for that.
+constexpr unsigned usualPatienceMs = 4'000;
+constexpr unsigned longestPatienceMs = 20'000;
+constexpr unsigned patientLooks = 3;
+
+constexpr unsigned firstCapabilityMs = 2'000;
 constexpr unsigned capabilityRetryMs = 5'000;
-constexpr unsigned maxCapabilityRetries = 5;
+// Between two calls of a client that reads a list.
+constexpr unsigned callPauseMs = 1'000;
 // After a goodbye, for a server that closes its port a little later.
 constexpr unsigned firstDoubtMs = 100;
-
-bool looksTheSame(const MediaServer &a, const MediaServer &b)
-{
-    return a.description().friendlyName == b.description().friendlyName
-        && a.searchCaps() == b.searchCaps();
-}
 
 unsigned doubled(unsigned firstMs, unsigned times)
 {
@@ -74,8 +76,23 @@ ServerTracker::~ServerTracker()
     m_session->abort();
 }
 
+bool ServerTracker::isAwaited() const
+{
+    return !m_isAnnounced && isLooking() && m_failures == 0 && !m_routes.isOnlyRemembered();
+}
+
+unsigned ServerTracker::patienceMs() const
+{
+    if (isStranger())
+        return m_failures < patientLooks ? longestPatienceMs : usualPatienceMs;
+    return static_cast<unsigned>(
+        std::clamp<int64_t>(3 * m_descriptionMs, usualPatienceMs, longestPatienceMs));
+}
+
 void ServerTracker::heard(const Route &route, unsigned maxAge)
 {
+    if (!m_isAnnounced && !isStranger())
+        m_failures = 0; // it is back
     const bool isSettling = !m_isAnnounced || msSince(m_announcedAt) < routesSettleMs;
     const int64_t expires = g_get_monotonic_time() + int64_t{maxAge} * G_USEC_PER_SEC;
     const bool isNew = m_routes.hear(route, expires, isSettling) == RouteList::Heard::New;
@@ -148,8 +165,10 @@ void ServerTracker::lookLater(unsigned ms)
 void ServerTracker::lookAt(LookQueue::Place place)
 {
     m_place = std::move(place);
+    m_placeTime.start(usualPatienceMs, [this] { m_place = nullptr; });
+    m_lookedAt = g_get_monotonic_time();
     m_look = std::make_shared<DescriptionLook>(
-        m_udn, m_routes.inOrder(), [weak = weak_from_this()](LookResult result) {
+        m_udn, m_routes.inOrder(), patienceMs(), [weak = weak_from_this()](LookResult result) {
             if (const auto self = weak.lock())
                 self->looked(std::move(result));
         });
@@ -172,6 +191,7 @@ void ServerTracker::looked(LookResult result)
             std::move(result.problem));
         return;
     }
+    m_descriptionMs = msSince(m_lookedAt);
     // Where it has moved, what was silent is out of date, too.
     const bool hasMoved = !m_routes.isTrusted(result.route);
     for (const Route &route : hasMoved ? result.asked : result.failed)
@@ -190,7 +210,7 @@ void ServerTracker::readCapabilities(DeviceDescription description)
     m_candidate->onUnreachable = [isDeaf] {
         *isDeaf = true;
     };
-    m_candidate->readCapabilities([weak = weak_from_this(), isDeaf] {
+    m_candidate->readCapabilities(firstCapabilityMs, [weak = weak_from_this(), isDeaf] {
         const auto self = weak.lock();
         if (!self)
             return;
@@ -219,7 +239,9 @@ void ServerTracker::accept()
     m_routes.confirm(m_candidateRoute);
     if (m_isAnnounced)
         m_candidate->inheritCapabilities(*m_server);
-    if (m_isAnnounced && !looksTheSame(*m_candidate, *m_server))
+    const bool hasOtherCaps = m_server && m_candidate->searchCaps() != m_server->searchCaps();
+    if (m_isAnnounced
+        && m_candidate->description().friendlyName != m_server->description().friendlyName)
         withdraw();
     if (m_server)
         m_server->giveWayTo(m_candidate);
@@ -230,6 +252,8 @@ void ServerTracker::accept()
         m_isAnnounced = true;
         m_announcedAt = g_get_monotonic_time();
         m_announce(m_server, true);
+    } else if (hasOtherCaps) {
+        announceAgain();
     }
     succeed();
 }
@@ -240,14 +264,47 @@ void ServerTracker::succeed()
     m_problem.clear();
     if (m_routes.isDoubted(m_candidateRoute)) {
         lookLater(doubled(firstDoubtMs, m_looksInDoubt++));
-    } else if (!m_server->searchCaps() && m_capabilityRetries < maxCapabilityRetries) {
-        // Too busy to say what it can search; clients hear of the answer as of a change.
-        ++m_capabilityRetries;
-        lookLater(capabilityRetryMs);
     } else {
         m_looksInDoubt = 0;
     }
+    if (!m_server->searchCaps() && !m_isLearning && !m_learn.isRunning())
+        learnCapabilities();
     finish();
+}
+
+/// Of a server that was too busy to say what it can search. It is listed meanwhile.
+void ServerTracker::learnCapabilities()
+{
+    m_isLearning = true;
+    m_server->readCapabilities(
+        MediaServer::answerTimeoutMs, [weak = weak_from_this(), asked = m_server] {
+            const auto self = weak.lock();
+            if (!self)
+                return;
+            self->m_isLearning = false;
+            self->m_server->inheritCapabilities(*asked);
+            if (self->m_server->searchCaps())
+                self->announceAgain();
+            else if (self->m_isAnnounced)
+                self->m_learn.start(doubled(capabilityRetryMs, self->m_capabilityRetries++),
+                    [tracker = self.get()] { tracker->learnCapabilities(); });
+        });
+}
+
+/// Clients hear of the abilities as of a change, which ends their calls: while none is under way.
+void ServerTracker::announceAgain()
+{
+    if (!m_isAnnounced)
+        return;
+    if (!m_session->isResting(callPauseMs)) {
+        m_learn.start(callPauseMs, [this] { announceAgain(); });
+        return;
+    }
+    m_capabilityRetries = 0;
+    withdraw();
+    m_isAnnounced = true;
+    m_announcedAt = g_get_monotonic_time();
+    m_announce(m_server, true);
 }
 
 /// A server that only takes too long is kept: it may be busy or stopped for a while.
@@ -277,6 +334,7 @@ void ServerTracker::fail(Failed how, std::string problem)
 void ServerTracker::finish()
 {
     m_finishedAt = g_get_monotonic_time();
+    m_placeTime.stop();
     const LookQueue::Place place = std::move(m_place);
     if (std::exchange(m_mustLookAgain, false))
         look();

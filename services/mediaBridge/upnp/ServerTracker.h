@@ -54,6 +54,8 @@ public:
     std::optional<unsigned> namedSource() const { return m_routes.namedSource(); }
     /// It has never been in the list.
     bool isStranger() const { return !m_server; }
+    /// It has announced itself, and its description is asked for: nothing is known of it yet.
+    bool isAwaited() const;
     /// Looks in a row that found nothing.
     unsigned failures() const { return m_failures; }
     /// Why the last look brought nothing, in a sentence; empty where it did.
@@ -72,6 +74,9 @@ private:
     void readCapabilities(DeviceDescription description);
     void accept();
     void succeed();
+    void learnCapabilities();
+    void announceAgain();
+    unsigned patienceMs() const;
     enum class Failed { Silent, Gone, Replaced };
     void fail(Failed how, std::string problem);
     void finish();
@@ -100,6 +105,10 @@ private:
     std::shared_ptr<HttpSession> m_candidateSession;
     Route m_candidateRoute;
     LookQueue::Place m_place;
+    Timer m_placeTime;
+    int64_t m_lookedAt = 0;
+    /// What the last description took.
+    int64_t m_descriptionMs = 0;
     bool m_mustLookAgain = false;
     int64_t m_finishedAt = 0;
 
@@ -107,6 +116,8 @@ private:
     std::string m_problem;
     unsigned m_looksInDoubt = 0;
     unsigned m_capabilityRetries = 0;
+    bool m_isLearning = false;
+    Timer m_learn;
     Timer m_withdrawal;
     Timer m_next;
     Timer m_expiry;
