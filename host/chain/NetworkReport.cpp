@@ -16,7 +16,8 @@ NetworkReport NetworkReport::read()
         if (!place.endsWith(QLatin1String(" on lo")))
             report.listening.append(place);
     }
-    report.absent = bridge.value(QStringLiteral("AbsentServers")).toStringList();
+    report.absent = bridge.value(QStringLiteral("AwaitedServers")).toStringList()
+        + bridge.value(QStringLiteral("AbsentServers")).toStringList();
     for (const QString &trouble : bridge.value(QStringLiteral("Troubles")).toStringList()) {
         if (!report.absent.contains(trouble))
             report.troubles.append(trouble);

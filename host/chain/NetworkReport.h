@@ -9,7 +9,8 @@ struct NetworkReport
     bool isTold = false;
     /// Addresses that others can reach.
     QStringList listening;
-    /// A sentence each; those about servers that should be there and aren't are `absent`.
+    /// A sentence each; those about servers that should be there and aren't, or
+    /// aren't yet, are `absent`.
     QStringList troubles;
     QStringList absent;
 

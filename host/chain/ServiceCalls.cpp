@@ -14,6 +14,7 @@ namespace {
 namespace interfaces = mediaService::interfaces;
 
 const QString deviceInterface = QLatin1String(interfaces::device);
+const QString bridgeInterface = QLatin1String(interfaces::bridge);
 const QString containerInterface = QLatin1String(interfaces::container);
 const QString propertiesInterface = QLatin1String(interfaces::properties);
 
@@ -47,8 +48,7 @@ QDBusMessage ServiceCalls::managerCall(const QString &method)
 QDBusMessage ServiceCalls::bridgeCall(const QString &method, const QString &argument)
 {
     QDBusMessage call = managerCall(method);
-    call = QDBusMessage::createMethodCall(
-        call.service(), call.path(), QLatin1String(interfaces::bridge), method);
+    call = QDBusMessage::createMethodCall(call.service(), call.path(), bridgeInterface, method);
     if (!argument.isNull())
         call.setArguments({argument});
     return call;
@@ -85,14 +85,35 @@ ServiceAnswer ServiceCalls::servers() const
     return send(managerCall(QStringLiteral("GetServers")));
 }
 
+QDBusMessage ServiceCalls::propertyCall(const QString &server, const QString &name)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), server, propertiesInterface, QStringLiteral("Get"));
+    call.setArguments({deviceInterface, name});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::property(const QString &server, const QString &name) const
 {
-    return call(server, propertiesInterface, QStringLiteral("Get"), {deviceInterface, name});
+    return send(propertyCall(server, name));
+}
+
+bool ServiceCalls::isSearchUnknown(const QString &server) const
+{
+    return property(server, QStringLiteral("SearchCaps"))
+        .errorName.endsWith(QLatin1String(".UnknownProperty"));
 }
 
 ServiceAnswer ServiceCalls::everything(const QString &object) const
 {
     return call(object, propertiesInterface, QStringLiteral("GetAll"), {QString()});
+}
+
+QStringList ServiceCalls::awaitedServers() const
+{
+    return valueOf(call(managerPath(), propertiesInterface, QStringLiteral("Get"),
+                       {bridgeInterface, QStringLiteral("AwaitedServers")}))
+        .toStringList();
 }
 
 QDBusMessage ServiceCalls::childCall(const QString &container, uint position)

@@ -42,7 +42,12 @@ public:
 
     /// The object paths of its media servers.
     ServiceAnswer servers() const;
+    /// What only our bridge tells: why the list may be about to become longer, in sentences.
+    QStringList awaitedServers() const;
     /// A property of a media server.
+    static QDBusMessage propertyCall(const QString &server, const QString &name);
+    /// Whether a media server hasn't said what it can search.
+    bool isSearchUnknown(const QString &server) const;
     ServiceAnswer property(const QString &server, const QString &name) const;
     /// All that is known of any object.
     ServiceAnswer everything(const QString &object) const;

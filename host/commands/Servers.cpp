@@ -4,6 +4,7 @@
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
+#include "chain/SignsOfLife.h"
 #include "chain/Wait.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
@@ -25,6 +26,8 @@ namespace {
 constexpr std::chrono::milliseconds questionLimit(1000);
 /// So often a service that left is started again, and a server that was missed looked for.
 constexpr std::chrono::milliseconds lookEvery(1000);
+/// So often those that are listed are asked whether they are still there.
+constexpr int turnsOfAQuestion = 5;
 
 /// Says which servers came and went since it was last asked.
 class Arrivals
@@ -176,6 +179,7 @@ private:
 
     static int list(Session &session, ServerList &servers)
     {
+        SignsOfLife signs(session.mediaService().servers().paths());
         ServerTable table;
         if (session.options().json) {
             servers.settle();
@@ -194,9 +198,25 @@ private:
         const bool isCutOff = isEmpty && report.isCutOff();
         if (isCutOff || (isEmpty && problems.isEmpty() && !session.options().json))
             tell(noServersSentence(report));
-        for (const QString &problem : problems + report.absent)
+        for (const QString &problem :
+            problems + report.absent + searchUnknown(session, servers) + signs.problems())
             tell(problem);
         return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
+    }
+
+    static QStringList searchUnknown(const Session &session, ServerList &servers)
+    {
+        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
+        const QStringList objects = session.mediaService().servers().paths();
+        QStringList sentences;
+        for (const OrkaRoles &server : servers.servers()) {
+            if (server.search().isEmpty()
+                && service.isSearchUnknown(service.objectOf(server.path().base(), objects)))
+                sentences.append(QStringLiteral("The media server %1 has not said yet what it can "
+                                                "search.")
+                                     .arg(quoted(server.title().toString())));
+        }
+        return sentences;
     }
 
     static QString leftOut(const Session &session, const QString &server)
@@ -213,11 +233,14 @@ private:
     static int watch(Session &session, ServerList &servers)
     {
         Arrivals arrivals(session.options().json);
+        std::unique_ptr<SignsOfLife> signs; // whose answers the media service draws on
         // Tells of an error alone: that nobody reads any more.
         QSocketNotifier reader(STDOUT_FILENO, QSocketNotifier::Exception);
         QObject::connect(
             &reader, &QSocketNotifier::activated, &reader, [&] { reader.setEnabled(false); });
-        for (;;) {
+        for (int turn = 0;; ++turn) {
+            if (turn % turnsOfAQuestion == 0)
+                signs = std::make_unique<SignsOfLife>(session.mediaService().servers().paths());
             if (!reader.isEnabled())
                 writeLine(QString()); // ends us now, as the next event would
             ServiceStarter &service = session.mediaService();

@@ -155,7 +155,15 @@ bool ServerList::isComplete()
     return (!service.paths().isEmpty() || mayBeEmpty()) && service.isSettled()
         && !m_session.mediaService().namedServers().isPending()
         && std::all_of(lacking.begin(), lacking.end(),
-            [this](const QString &path) { return m_unreadable.contains(path); });
+            [this](const QString &path) { return m_unreadable.contains(path); })
+        && !isAwaiting();
+}
+
+/// The bridge has heard of a server that it can't list yet.
+bool ServerList::isAwaiting() const
+{
+    return m_session.mediaService().isBridge()
+        && !ServiceCalls(questionLimit).awaitedServers().isEmpty();
 }
 
 QStringList ServerList::missing()

@@ -62,6 +62,7 @@ signals:
 private:
     void noteChange();
     bool isComplete();
+    bool isAwaiting() const;
     bool mayBeEmpty() const;
     bool isReadable(const QString &server);
     std::chrono::milliseconds remaining() const;

@@ -143,6 +143,19 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
             s.answer({"SearchObjectsEx"}, QVariantList{propertyMaps({}), 0U});
         },
         "queue --quick Den", 1, "A device gets nothing there");
+    const QString den = FakeTree::serverPath("uuid:1");
+    row(
+        "listed and dead",
+        [=](auto &s) {
+            s.fail({"Get", den, "SystemUpdateID"}, "Could not connect to it: Connection refused");
+        },
+        "servers", 0, "\"Den\" is listed, but can't be reached: Could not connect to it");
+    row(
+        "search unknown",
+        [=](auto &s) {
+            s.fail({"Get", den, "SearchCaps"}, "none", "com.intel.dleyna.UnknownProperty");
+        },
+        "search Den --title x", 1, "\"Den\" has not said yet what it can search");
     row(
         "no such rows", [](auto &) {}, "rows upnp:/uuid:1 --first 5 --last 2", 2, "no rows from 5");
     row(
@@ -158,7 +171,7 @@ void tst_Truth::failuresSayWhatIsTheMatter()
     fault(*m_service);
     const auto orka = run(arguments);
     const int status = orka->status();
-    const QByteArray text = status == 0 ? orka->output() : orka->errors();
+    const QByteArray text = orka->errors() + (status == 0 ? orka->output() : QByteArray());
     QVERIFY2(text.contains(said.toUtf8()), orka->errors() + orka->output());
     QTEST(status, "status");
 }

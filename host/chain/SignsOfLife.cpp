@@ -1,0 +1,71 @@
+#include "chain/SignsOfLife.h"
+
+#include "chain/Diagnosis.h"
+#include "chain/ServiceCalls.h"
+#include "chain/Wait.h"
+#include "output/SafeText.h"
+
+#include <api/core/orka.h>
+
+#include <algorithm>
+
+namespace {
+
+using Milliseconds = std::chrono::milliseconds;
+
+constexpr Milliseconds answerLimit(2'000);
+constexpr Milliseconds questionLimit(1'000);
+
+QString problemOf(const QString &server, const Diagnosis &diagnosis)
+{
+    const QVariant name =
+        valueOf(ServiceCalls(questionLimit).property(server, QStringLiteral("FriendlyName")));
+    const QString title = quoted(name.isValid() ? name.toString() : server);
+    return diagnosis.verdict == Diagnosis::Refused
+        ? QStringLiteral("The media server %1 is listed, but can't be reached: %2.")
+              .arg(title, safeText(diagnosis.text))
+        : QStringLiteral("The media server %1 is listed, but does not answer. It may be busy, "
+                         "asleep or switched off.")
+              .arg(title);
+}
+
+} // namespace
+
+SignsOfLife::SignsOfLife(const QStringList &servers)
+{
+    for (const QString &server : servers) {
+        const QDBusMessage call =
+            ServiceCalls::propertyCall(server, QStringLiteral("SystemUpdateID"));
+        m_questions.push_back({server,
+            std::make_unique<QDBusPendingCallWatcher>(orkaDBusConnection().asyncCall(call))});
+    }
+}
+
+QStringList SignsOfLife::problems()
+{
+    const auto isDone = [](const Question &question) {
+        return question.call->isFinished();
+    };
+    const auto waited =
+        std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - m_asked);
+    Wait wait(std::max(answerLimit - waited, Milliseconds(0)),
+        QStringLiteral("Asking the media servers"));
+    for (const Question &question : m_questions)
+        QObject::connect(
+            question.call.get(), &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
+    wait.until([&] { return std::all_of(m_questions.begin(), m_questions.end(), isDone); });
+    QStringList sentences;
+    for (const Question &question : m_questions) {
+        if (!isDone(question)) {
+            sentences.append(problemOf(question.server, {Diagnosis::ServerSilent}));
+            continue;
+        }
+        // A server without the number answers, too.
+        const QDBusError error = question.call->error();
+        const bool isAlive =
+            !error.isValid() || error.name().endsWith(QLatin1String(".UnknownProperty"));
+        if (!isAlive)
+            sentences.append(problemOf(question.server, diagnosisOf(error.message())));
+    }
+    return sentences;
+}
