@@ -46,13 +46,8 @@ void BusCall::fail(const Failure &failure)
 {
     if (m_isAnswered)
         return;
-    // The text may hold what a server or a client said, which may be anything and of any length.
-    const std::string text = shortened(failure.text, limits::errorTextBytes);
-    logDebug(m_member + " " + m_path + ": " + text);
-    Message answer = addressed(DBUS_MESSAGE_TYPE_ERROR);
-    dbus_message_set_error_name(answer.get(), failure.name.c_str());
-    MessageWriter(answer.get()).add(text);
-    post(std::move(answer));
+    logDebug(m_member + " " + m_path + ": " + shortened(failure.text, limits::errorTextBytes));
+    post(newError(m_sender, m_serial, failure));
 }
 
 void BusCall::cancel()
@@ -69,7 +64,7 @@ void BusCall::drop()
 
 Message BusCall::newAnswer() const
 {
-    return addressed(DBUS_MESSAGE_TYPE_METHOD_RETURN);
+    return bridge::newAnswer(DBUS_MESSAGE_TYPE_METHOD_RETURN, m_sender, m_serial);
 }
 
 void BusCall::send(Message answer, size_t bytes)
@@ -80,20 +75,29 @@ void BusCall::send(Message answer, size_t bytes)
         post(std::move(answer));
 }
 
-Message BusCall::addressed(int type) const
-{
-    Message answer(dbus_message_new(type));
-    dbus_message_set_no_reply(answer.get(), TRUE);
-    dbus_message_set_reply_serial(answer.get(), m_serial);
-    if (!m_sender.empty())
-        dbus_message_set_destination(answer.get(), m_sender.c_str());
-    return answer;
-}
-
 void BusCall::post(Message answer)
 {
     if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
         dbus_connection_send(m_connection, answer.get(), nullptr);
+}
+
+Message newAnswer(int type, const std::string &caller, dbus_uint32_t serial)
+{
+    Message answer(dbus_message_new(type));
+    dbus_message_set_no_reply(answer.get(), TRUE);
+    dbus_message_set_reply_serial(answer.get(), serial);
+    if (!caller.empty())
+        dbus_message_set_destination(answer.get(), caller.c_str());
+    return answer;
+}
+
+Message newError(const std::string &caller, dbus_uint32_t serial, const Failure &failure)
+{
+    Message error = newAnswer(DBUS_MESSAGE_TYPE_ERROR, caller, serial);
+    dbus_message_set_error_name(error.get(), failure.name.c_str());
+    // The text may hold what a server or a client said, which may be anything and of any length.
+    MessageWriter(error.get()).add(shortened(failure.text, limits::errorTextBytes));
+    return error;
 }
 
 Failure tooLargeForBus(size_t maxBytes)

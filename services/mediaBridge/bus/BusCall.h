@@ -53,10 +53,10 @@ public:
     Message newAnswer() const;
     void send(Message answer, size_t bytes);
     size_t maxBytes() const { return m_maxBytes; }
+    /// Goes with it.
+    void keep(std::shared_ptr<void> token) { m_token = std::move(token); }
 
 private:
-    /// An answer without its kind: who gets it and to which call.
-    Message addressed(int type) const;
     void post(Message answer);
 
     DBusConnection *m_connection;
@@ -68,11 +68,17 @@ private:
     dbus_uint32_t m_serial;
     bool m_wantsAnswer;
     size_t m_maxBytes;
+    std::shared_ptr<void> m_token;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     bool m_isAnswered = false;
 };
 
 using BusCallPtr = std::shared_ptr<BusCall>;
+
+/// An answer without its kind: who gets it and to which of his calls.
+Message newAnswer(int type, const std::string &caller, dbus_uint32_t serial);
+/// The error that says this.
+Message newError(const std::string &caller, dbus_uint32_t serial, const Failure &failure);
 
 /// That a call would need, or was given, more than one D-Bus message holds.
 Failure tooLargeForBus(size_t maxBytes);

@@ -8,6 +8,7 @@
 #include "core/SpareMemory.h"
 
 #include <algorithm>
+#include <sys/socket.h>
 
 namespace bridge {
 
@@ -33,6 +34,14 @@ DBusConnection *openConnection(const std::string &where, DBusError &error)
     dbus_connection_close(connection);
     dbus_connection_unref(connection);
     return nullptr;
+}
+
+/// What is in it comes before everything else that is sent.
+void limitSendBuffer(DBusConnection *connection)
+{
+    int socket = -1;
+    if (dbus_connection_get_socket(connection, &socket) != FALSE)
+        setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &limits::sentBytes, sizeof limits::sentBytes);
 }
 
 /// The system bus takes smaller messages, also where it is named by its address.
@@ -94,6 +103,7 @@ std::string BusService::connect(const std::string &where)
     // Whoever leaves the bus.
     dbus_bus_add_match(m_connection.get(),
         "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''", nullptr);
+    limitSendBuffer(m_connection.get());
     m_loop = std::make_unique<BusLoop>(m_connection.get());
     return {};
 }
@@ -125,7 +135,7 @@ bool BusService::receive(DBusMessage *message)
         if (path.size() > limits::pathBytes || !isOurPath(path)
             || dbus_message_has_interface(message, DBUS_INTERFACE_PEER))
             return false;
-        receiveCall(std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes));
+        receiveCall(message);
         return true;
     }
     // Anybody may send us a signal of this name; only the bus's own counts.
@@ -140,19 +150,26 @@ bool BusService::receive(DBusMessage *message)
     return false;
 }
 
-void BusService::receiveCall(const BusCallPtr &call)
+void BusService::receiveCall(DBusMessage *message)
 {
+    const std::string sender = textOrEmpty(dbus_message_get_sender(message));
     const bool isFirst = m_clients.empty();
-    if (!call->sender().empty() && m_clients.insert(call->sender()).second && isFirst
-        && onFirstClient)
+    if (!sender.empty() && m_clients.insert(sender).second && isFirst && onFirstClient)
         onFirstClient();
     giveBackSpareMemorySoon();
-    if (!keepCall(call)) {
-        call->fail({errors::limitsExceeded,
-            "Too many calls at once: wait for the answers of those that are under way."});
-        return;
+    Calls &calls = m_calls[sender];
+    if (mayCall(calls)) {
+        const auto call = std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes);
+        keepCall(calls, call);
+        m_waiting.push(sender, call);
+    } else if (dbus_message_get_no_reply(message) == FALSE) {
+        m_refused.push(sender, {sender, dbus_message_get_serial(message)});
     }
-    m_waiting.push(call->sender(), call);
+    handleSoon();
+}
+
+void BusService::handleSoon()
+{
     if (m_nextTurn.isRunning())
         return;
     // Others may have called, too, or the caller may have left.
@@ -172,16 +189,31 @@ void BusService::handleWaiting()
     const bool isBehind =
         dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS;
     const int64_t end = g_get_monotonic_time() + (isBehind ? shortUs : longestUs);
-    while (!m_waiting.isEmpty()) {
+    while (!m_waiting.isEmpty() || !m_refused.isEmpty()) {
         if (unsentBytes() > limits::unsentBytes) {
             m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });
             return;
         }
-        handle(m_waiting.pop());
+        if (!m_waiting.isEmpty())
+            handle(m_waiting.pop());
+        refuseSome();
         if (g_get_monotonic_time() > end) {
             m_nextTurn.start(0, [this] { handleWaiting(); });
             return;
         }
+    }
+}
+
+/// Answers are sent in the order they were written; those of a flood aren't to come before others'.
+void BusService::refuseSome()
+{
+    constexpr int some = 8;
+    for (int i = 0; i < some && !m_refused.isEmpty(); ++i) {
+        const Refused refused = m_refused.pop();
+        const Message error = newError(refused.sender, refused.serial,
+            {errors::limitsExceeded,
+                "Too many calls at once: wait for the answers of those that are under way."});
+        dbus_connection_send(m_connection.get(), error.get(), nullptr);
     }
 }
 
@@ -196,36 +228,28 @@ void BusService::handle(const BusCallPtr &call)
 }
 
 /// Whether the client may have one more call under way.
-bool BusService::keepCall(const BusCallPtr &call)
+bool BusService::mayCall(const Calls &calls) const
 {
-    Calls &calls = m_calls[call->sender()];
-    if (calls.known.size() >= calls.purgeAt)
-        purge(calls);
-    const size_t most =
-        m_callCount < limits::callsOfAll ? limits::callsPerClient : limits::callsPerClientInNeed;
-    if (calls.known.size() >= most) {
-        purge(calls);
-        if (calls.known.size() >= most)
-            return false;
-    }
-    calls.known.push_back(call);
-    ++m_callCount;
-    return true;
+    const bool areMany = *m_callCount >= limits::callsOfAll;
+    return *calls.count < (areMany ? limits::callsPerClientInNeed : limits::callsPerClient);
 }
 
-void BusService::purge(Calls &calls)
+void BusService::keepCall(Calls &calls, const BusCallPtr &call)
 {
-    const auto removeExpired = [](std::vector<std::weak_ptr<BusCall>> &all) {
-        all.erase(
-            std::remove_if(all.begin(), all.end(), [](const auto &call) { return call.expired(); }),
-            all.end());
-    };
-    auto &known = calls.known;
-    const size_t before = known.size();
-    removeExpired(known);
-    removeExpired(calls.begun);
-    m_callCount -= before - known.size();
-    calls.purgeAt = std::max<size_t>(64, 2 * known.size());
+    if (calls.known.size() >= calls.purgeAt) {
+        for (auto *all : {&calls.known, &calls.begun})
+            all->erase(std::remove_if(all->begin(), all->end(),
+                           [](const auto &known) { return known.expired(); }),
+                all->end());
+        calls.purgeAt = std::max<size_t>(64, 2 * calls.known.size());
+    }
+    calls.known.push_back(call);
+    ++*calls.count;
+    ++*m_callCount;
+    call->keep(std::shared_ptr<void>(nullptr, [of = calls.count, all = m_callCount](void *) {
+        --*of;
+        --*all;
+    }));
 }
 
 void BusService::clientLeft(const std::string &name)
@@ -239,9 +263,9 @@ void BusService::clientLeft(const std::string &name)
                     call->drop();
             });
         }
-        m_callCount -= calls->second.known.size();
         m_calls.erase(calls);
     }
+    m_refused.drop(name);
     releaseClient(name);
     giveBackSpareMemorySoon();
 }
@@ -265,18 +289,21 @@ void BusService::cancelCalls(const std::string &path, const std::string &sender)
         if (!sender.empty() && client != sender)
             continue;
         // Each is looked at by one Cancel, or a flood of them would look at all others each time.
-        const auto others = std::stable_partition(
-            calls.begun.begin(), calls.begun.end(), [&path](const auto &weak) {
-                const BusCallPtr call = weak.lock();
-                return call && !call->isAnswered() && !isWithin(call->path(), path);
-            });
-        for (auto it = calls.begun.end(); it != others;) {
-            later([weak = *--it] {
+        std::vector<std::weak_ptr<BusCall>> meant;
+        std::vector<std::weak_ptr<BusCall>> others;
+        for (auto &known : calls.begun) {
+            const BusCallPtr call = known.lock();
+            if (call && !call->isAnswered())
+                (isWithin(call->path(), path) ? meant : others).push_back(std::move(known));
+        }
+        calls.begun = std::move(others);
+        // Those that wait first: else each that ends would make way for one that ends, too.
+        for (auto it = meant.rbegin(); it != meant.rend(); ++it) {
+            later([weak = std::move(*it)] {
                 if (const BusCallPtr call = weak.lock())
                     call->cancel();
             });
         }
-        calls.begun.erase(others, calls.begun.end());
     }
 }
 

@@ -55,22 +55,33 @@ private:
         void operator()(DBusConnection *connection) const;
     };
 
-    /// Calls of one client that may still be unanswered.
+    /// Calls of one client.
     struct Calls
     {
+        /// How many are unanswered.
+        std::shared_ptr<size_t> count = std::make_shared<size_t>(0);
+        /// These, and some that have ended since.
         std::vector<std::weak_ptr<BusCall>> known;
-        /// How many there may be before the answered ones are taken out.
+        /// How many there may be before those are taken out.
         size_t purgeAt = 64;
         /// Those of them that were handled and have no answer yet, nor were cancelled; some may
         /// have ended since.
         std::vector<std::weak_ptr<BusCall>> begun;
     };
+    /// A call that the client may not make now.
+    struct Refused
+    {
+        std::string sender;
+        dbus_uint32_t serial = 0;
+    };
 
     bool receive(DBusMessage *message);
-    void receiveCall(const BusCallPtr &call);
-    bool keepCall(const BusCallPtr &call);
-    void purge(Calls &calls);
+    void receiveCall(DBusMessage *message);
+    bool mayCall(const Calls &calls) const;
+    void keepCall(Calls &calls, const BusCallPtr &call);
+    void handleSoon();
     void handle(const BusCallPtr &call);
+    void refuseSome();
     void clientLeft(const std::string &name);
     void handleWaiting();
 
@@ -82,9 +93,10 @@ private:
     std::set<std::string> m_clients;
     /// By the caller's unique name.
     std::map<std::string, Calls> m_calls;
-    size_t m_callCount = 0;
+    std::shared_ptr<size_t> m_callCount = std::make_shared<size_t>(0);
     /// Calls that were not looked at yet, by the caller's unique name.
     TurnQueue<BusCallPtr> m_waiting;
+    TurnQueue<Refused> m_refused;
     Timer m_nextTurn;
 };
 

@@ -21,7 +21,9 @@ inline constexpr size_t smallBytes = size_t{256} << 10;
 /// Bytes of answers that wait for the bus, above which no other call is looked at.
 /// They are sent in the order they were written: those of one client's thousand calls come before
 /// another's.
-inline constexpr size_t unsentBytes = size_t{256} << 10;
+inline constexpr size_t unsentBytes = size_t{32} << 10;
+/// Bytes of answers that the kernel holds until the bus reads them, 16 KiB at a time.
+inline constexpr int sentBytes = 32 << 10;
 /// An error's text, in bytes: a long sentence that quotes a server's name and its reason.
 inline constexpr size_t errorTextBytes = 1024;
 /// The object path of a call: an encoded UDN and the hex of an object id of 4 KiB.

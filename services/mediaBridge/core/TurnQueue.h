@@ -20,6 +20,7 @@ public:
     {
         m_waiting[whose].push_front(std::move(item));
     }
+    void drop(const std::string &whose) { m_waiting.erase(whose); }
     /// The oldest of whose turn it is. Not to be called where it is empty.
     T pop()
     {
