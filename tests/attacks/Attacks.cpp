@@ -123,7 +123,7 @@ void serveDecently(const std::string &request, const Send &send)
         return request.find(what) != std::string::npos;
     };
     if (request.compare(0, 4, "GET ") == 0)
-        send(httpAnswer(description(udn)));
+        send(httpAnswer(description(hostileUdn)));
     else if (asks("#GetSearchCapabilities"))
         send(httpAnswer(soapResult("GetSearchCapabilities", "<SearchCaps/>")));
     else if (asks("#GetSortCapabilities"))
@@ -139,7 +139,7 @@ std::vector<Attack> attacks()
     };
     const auto named = [](const std::string &more) {
         return [more] {
-            return httpAnswer(description(udn, more));
+            return httpAnswer(description(hostileUdn, more));
         };
     };
     const std::string ok = "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\n";

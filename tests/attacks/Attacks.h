@@ -7,7 +7,7 @@
 struct DBusConnection;
 
 /// UDN of the hostile server.
-const std::string udn = "uuid:a77acc00-0000-0000-0000-000000000001";
+const std::string hostileUdn = "uuid:a77acc00-0000-0000-0000-000000000001";
 
 /// One way to attack. A part that is missing is done as a decent server or client does it.
 struct Attack

@@ -160,10 +160,10 @@ qint64 attackBeside(
             serveDecently(request, send);
     });
     for (int i = 0; i < attack.devices; ++i)
-        server.announce(i == 0 ? udn : udn + std::to_string(i));
+        server.announce(i == 0 ? hostileUdn : hostileUdn + std::to_string(i));
     if (attack.call && attack.devices > 0)
-        bridge.waitForServer(QString::fromStdString(udn));
-    HostileClient client(attack, bridge.address(), serverPath(QString::fromStdString(udn)));
+        bridge.waitForServer(QString::fromStdString(hostileUdn));
+    HostileClient client(attack, bridge.address(), serverPath(QString::fromStdString(hostileUdn)));
     qint64 most = 0;
     for (double done = 0; done < seconds; done += 0.25) {
         timeListings(bridge, folder, 0.25, to.during, to.bus);

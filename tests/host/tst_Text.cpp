@@ -98,8 +98,8 @@ void tst_Text::rangesOfRows()
             {"5", wrongUse}, {"-5", wrongUse}, {"5-", wrongUse}, {"5-4", wrongUse},
             {"1-2-3", wrongUse}, {"0-2147483647", wrongUse}, {"0x1-0x2", wrongUse}});
     const auto sample = [](const QString &text) {
-        const SampleRange sample = parseSampleRange(text);
-        return QStringLiteral("%1: %2").arg(sample.toString()).arg(sample.positions());
+        const SampleRange range = parseSampleRange(text);
+        return QStringLiteral("%1: %2").arg(range.toString()).arg(range.positions());
     };
     check(sample,
         {{"0,9999,100", "0,9999,100: 100"}, {"0,100,10", "0,100,10: 11"}, {"5,5,9", "5,5,9: 1"},

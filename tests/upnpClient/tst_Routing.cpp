@@ -142,7 +142,7 @@ void tst_Routing::setDataGoesWhereItsPathSays()
 void tst_Routing::offersTheContextMenuOfWhatCanBePlayed()
 {
     World w;
-    for (const QString &type : {"track", "container", "server"}) {
+    for (const QString type : {"track", "container", "server"}) {
         const QString node = QString(contextOfTrack).replace("track", type);
         const auto rows = w.settled(w.askRows(node, 0, 0, {"path", "icon", "title"}));
         const OrkaRowsRoles menu = rows.value();
