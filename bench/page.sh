@@ -30,6 +30,6 @@ start_minidlna nas "$WORLD_DIR/music" Big
 wait_indexed nas 1000
 on_page -- "Big/Music/All Music" rows pages slow
 
-python3 "$WORLD_ROOT/tests/web/art_server.py" 10.77.0.1 9000 "$WORLD_DIR/art.log" &
-within 30 curl -fso /dev/null http://10.77.0.1:9000/fine
+node "$here/pictures.mjs" 10.77.0.1 9000 &
+within 30 curl -fso /dev/null http://10.77.0.1:9000/art/1
 on_page --plugin "$ORKA_BUILD/tests/web/liborka_test_page_worker.so" -- Big "scroll=${1:-30}"
