@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# page.sh [SECONDS]: measures the program behind the page, over a MiniDLNA with 1,000 tracks, then over a worker with
+# page.sh PROGRAMS [SECONDS]: measures the program behind the page, over a MiniDLNA with 1,000 tracks, then over a worker with
 # 100,000 rows and covers, which 50 clients scroll through for so long (30 s); run by enter-world.sh in a world of its own.
+# Node.js plays the clients; where there is none, nothing is measured.
 set -euo pipefail
 # shellcheck source=world/world.sh
 . "$WORLD_ROOT/world/world.sh"
 here=$WORLD_ROOT/bench
+command -v node >/dev/null || exit 0
 export HOME=$WORLD_DIR XDG_CACHE_HOME=$WORLD_DIR/cache ORKA_TEST_ART=http://10.77.0.1:9000
 
 # on_page GLOBAL-OPTIONS… -- PLACE KIND…: measures these kinds there, over a program of its own.
@@ -32,4 +34,4 @@ on_page -- "Big/Music/All Music" rows pages slow
 
 node "$here/pictures.mjs" 10.77.0.1 9000 &
 within 30 curl -fso /dev/null http://10.77.0.1:9000/art/1
-on_page --plugin "$ORKA_BUILD/tests/web/liborka_test_page_worker.so" -- Big "scroll=${1:-30}"
+on_page --plugin "$1/libbench_page_worker.so" -- Big "scroll=${2:-30}"

@@ -32,7 +32,7 @@ print_table() {
         ["what", "target", "measured", "of target", "", "unit"],
         ($targets[0][] | $measured[.name] as $value |
             if $value == null then [.what, .target, "-", "-", "not measured", .unit]
-            else [.what, .target, ($value | rounded), ($value / .target | rounded),
+            else [.what, .target, ($value | rounded), (if .target == 0 then "-" else $value / .target | rounded end),
                 (if $value <= .target then "pass" else "short" end), .unit] end) | @tsv' |
         column -t -s "$(printf '\t')"
 }
@@ -73,6 +73,7 @@ case ${2:-} in
     measure "memory" "$programs/bm_memory"
     measure "the whole chain" in_world chain.sh
     measure "commands" in_world commands.sh
+    measure "the page" in_world page.sh
     measure "growth" "$programs/bm_growth" "$programs/growth.svg"
     measure "side by side" "$here/side-by-side.sh" "$programs"
     save >"$programs/figures.json"
