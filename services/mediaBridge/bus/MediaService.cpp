@@ -1,5 +1,6 @@
 #include "bus/MediaService.h"
 
+#include "core/Limits.h"
 #include "core/ObjectAddress.h"
 
 #include <algorithm>
@@ -57,8 +58,16 @@ void MediaService::start()
 
 void MediaService::answerWaiting()
 {
-    for (const BusCallPtr &call : std::exchange(m_waitingForServers, {}))
-        answerGetServers(call);
+    constexpr int some = 16;
+    constexpr unsigned pauseMs = 1;
+    auto &waiting = m_waitingForServers;
+    for (int i = 0; i < some && !waiting.empty() && m_bus.unsentBytes() <= limits::unsentBytes;
+         ++i) {
+        answerGetServers(waiting.front());
+        waiting.pop_front();
+    }
+    if (!waiting.empty())
+        m_nextAnswers.start(pauseMs, [this] { answerWaiting(); });
 }
 
 void MediaService::serverChanged(const MediaServer &server, bool isThere)

@@ -6,6 +6,8 @@
 #include "upnp/Listing.h"
 #include "upnp/ServerRegistry.h"
 
+#include <deque>
+
 namespace bridge {
 
 /// Answers every call: finds the object, checks that it has the method and that the arguments fit,
@@ -95,9 +97,10 @@ private:
 
     BusService &m_bus;
     ServerRegistry &m_registry;
-    std::vector<BusCallPtr> m_waitingForServers;
+    std::deque<BusCallPtr> m_waitingForServers;
     ListingsUnderWay m_listings;
     Timer m_firstSearch;
+    Timer m_nextAnswers;
 };
 
 } // namespace bridge

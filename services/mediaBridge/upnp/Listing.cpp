@@ -203,8 +203,11 @@ void Listing::readSlice()
 void Listing::tellTotal()
 {
     const auto total = m_total > 0 ? std::optional<uint32_t>(m_total) : std::nullopt;
-    for (const TotalCallback &callback : std::exchange(m_totalCallbacks, {}))
-        callback(total);
+    // Thousands may have asked, and may ask how it ended.
+    for (TotalCallback &callback : std::exchange(m_totalCallbacks, {}))
+        later([self = shared_from_this(), callback = std::move(callback), total] {
+            callback(total);
+        });
 }
 
 void Listing::fail(Failure failure)

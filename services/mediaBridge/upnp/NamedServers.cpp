@@ -1,6 +1,7 @@
 #include "upnp/NamedServers.h"
 
 #include "Log.h"
+#include "core/Later.h"
 #include "core/Limits.h"
 #include "core/ObjectAddress.h"
 #include "upnp/HttpUrl.h"
@@ -20,8 +21,8 @@ constexpr unsigned patienceMs = 20'000;
 void answer(
     std::vector<NamedServers::Reached> &waiting, const std::string &path, const Failure &failure)
 {
-    for (const auto &reached : std::exchange(waiting, {}))
-        reached(path, failure);
+    for (auto &reached : std::exchange(waiting, {}))
+        later([reached = std::move(reached), path, failure] { reached(path, failure); });
 }
 
 } // namespace
