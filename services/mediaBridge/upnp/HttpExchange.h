@@ -53,6 +53,8 @@ struct HttpRequest
     /// Goes on with what has begun: comes before the caller's other requests, so that a thousand
     /// lists are read one after the other and don't all take memory at once.
     bool goesOn = false;
+    /// When it ends at the latest, in microseconds of the monotonic clock.
+    int64_t latest = 0;
 };
 
 /// One request from its sending to the end of its answer. Keeps itself alive meanwhile.

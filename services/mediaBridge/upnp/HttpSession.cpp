@@ -43,10 +43,15 @@ HttpSession::HttpSession()
     soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_CONTENT_DECODER);
 }
 
+int64_t HttpSession::latestEnd(unsigned timeoutMs)
+{
+    return g_get_monotonic_time() + timeoutMs * usPerMs * 5 / 3;
+}
+
 void HttpSession::get(
     const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done)
 {
-    send({url, {}, {}, maxBytes, timeoutMs, {}, false}, std::move(done));
+    send({url, {}, {}, maxBytes, timeoutMs, {}, false, latestEnd(timeoutMs)}, std::move(done));
 }
 
 bool HttpSession::isResting(unsigned ms) const
@@ -68,7 +73,7 @@ void HttpSession::send(HttpRequest request, HttpCallback done)
             done(std::move(reply));
         });
     *self = exchange.get();
-    setDeadline(*self, exchange->startedAt() + exchange->request().timeoutMs * usPerMs);
+    setDeadline(*self, exchange->startedAt() + patience(*exchange));
     if (m_exchanges.size() == 1)
         watchSilence();
     exchange->watchCaller();
@@ -237,8 +242,7 @@ int64_t HttpSession::patience(const HttpExchange &exchange) const
     const int64_t limit = exchange.request().timeoutMs * usPerMs;
     const int64_t now = g_get_monotonic_time();
     const int64_t silent = now - std::max(exchange.startedAt(), m_lastAnswer);
-    const int64_t total = now - exchange.startedAt();
-    return std::min(limit - silent, limit * 5 / 3 - total);
+    return std::min(limit - silent, exchange.request().latest - now);
 }
 
 } // namespace bridge

@@ -22,9 +22,10 @@ public:
     static std::shared_ptr<HttpSession> create();
 
     /// `done` is called once, from the main loop, never from inside this call. The time-out counts
-    /// from the server's last answer to any client's request of this session, and is at most 5/3
-    /// of `timeoutMs` in all.
+    /// from the server's last answer to any client's request of this session.
     void send(HttpRequest request, HttpCallback done);
+    /// For a request that begins now, the end that leaves a busy server some time.
+    static int64_t latestEnd(unsigned timeoutMs);
     /// A GET of the bridge's own.
     void get(const std::string &url, size_t maxBytes, unsigned timeoutMs, HttpCallback done);
     /// Ends everything with this outcome.

@@ -12,7 +12,7 @@ namespace bridge {
 namespace {
 
 // Below the 25 s after which a D-Bus caller gives up.
-constexpr auto listTimeout = std::chrono::seconds(20);
+constexpr int64_t longestUs = 20'000'000;
 // From here on, servers write -1.
 constexpr uint32_t noCount = 0x7fffffff;
 } // namespace
@@ -23,7 +23,7 @@ Listing::Listing(std::shared_ptr<MediaServer> server, ListRequest request, Calle
     , m_request(std::move(request))
     , m_caller(std::move(caller))
     , m_done(std::move(done))
-    , m_deadline(std::chrono::steady_clock::now() + listTimeout)
+    , m_deadline(g_get_monotonic_time() + longestUs)
     , m_position(m_request.isFiltered() ? 0 : m_request.offset)
     , m_reader(m_request, m_server->description().friendlyName, std::move(sink))
 {
@@ -87,9 +87,9 @@ void Listing::requestPage()
     }
     m_isRequesting = true;
     m_pageStart = std::chrono::steady_clock::now();
-    m_server->call(
-        {m_request.action, arguments(m_position, count), m_caller, timeoutMs,
-            limits::answerBytes(count), m_reader.rowCount() > 0 || m_reading || m_waiting},
+    m_server->call({m_request.action, arguments(m_position, count), m_caller, timeoutMs,
+                       limits::answerBytes(count),
+                       m_reader.rowCount() > 0 || m_reading || m_waiting, m_deadline},
         [self = shared_from_this(), position = m_position, count, round = m_round](
             ActionReply reply) {
             self->m_isRequesting = false;
@@ -287,9 +287,7 @@ SoapArguments Listing::arguments(uint32_t position, uint32_t count) const
 
 unsigned Listing::remainingMs() const
 {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        m_deadline - std::chrono::steady_clock::now());
-    return static_cast<unsigned>(std::max<int64_t>(left.count(), 0));
+    return static_cast<unsigned>(std::max(m_deadline - g_get_monotonic_time(), int64_t{0}) / 1000);
 }
 
 } // namespace bridge

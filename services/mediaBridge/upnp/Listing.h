@@ -85,7 +85,8 @@ private:
     Done m_done;
     std::vector<TotalCallback> m_totalCallbacks;
     std::optional<Failure> m_silence;
-    std::chrono::steady_clock::time_point m_deadline;
+    /// In microseconds of the monotonic clock.
+    int64_t m_deadline;
 
     uint32_t m_position = 0;
     PageSize m_pageSize;

@@ -60,16 +60,18 @@ void MediaServer::inheritCapabilities(const MediaServer &earlier)
         m_sortCaps = earlier.m_sortCaps;
 }
 
-void MediaServer::call(const ActionCall &call, ActionCallback done)
+void MediaServer::call(ActionCall call, ActionCallback done)
 {
     if (m_newer) {
-        m_newer->call(call, std::move(done));
+        m_newer->call(std::move(call), std::move(done));
         return;
     }
+    // No new time begins where it moves on with its server.
+    call.latest = std::min(call.latest, HttpSession::latestEnd(call.timeoutMs));
     const std::string &type = m_description.serviceType;
     m_session->send({m_description.controlUrl, '"' + type + '#' + call.action + '"',
                         soapEnvelope(type, call.action, call.arguments), call.maxBytes,
-                        call.timeoutMs, call.caller, call.goesOn},
+                        call.timeoutMs, call.caller, call.goesOn, call.latest},
         [self = shared_from_this(), call, done = std::move(done)](
             HttpReply http) { self->received(call, std::move(http), done); });
 }

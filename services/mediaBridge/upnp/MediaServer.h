@@ -10,6 +10,7 @@
 #include "upnp/HttpSession.h"
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -39,6 +40,7 @@ struct ActionCall
     size_t maxBytes = 0;
     /// See HttpRequest.
     bool goesOn = false;
+    int64_t latest = std::numeric_limits<int64_t>::max();
 };
 
 using ActionCallback = std::function<void(ActionReply)>;
@@ -70,7 +72,7 @@ public:
     void inheritCapabilities(const MediaServer &earlier);
 
     /// Calls an action; `done` is called once, from the main loop.
-    void call(const ActionCall &call, ActionCallback done);
+    void call(ActionCall call, ActionCallback done);
 
     /// Reads one object with what `wanted` needs.
     void readObject(const std::string &objectId, const PropertySet &wanted, const Caller &caller,
