@@ -17,6 +17,7 @@ namespace bridge {
 namespace {
 
 constexpr unsigned saveAfterMs = 1'000;
+constexpr unsigned saveAgainMs = 60'000;
 /// Rather than with every announcement.
 constexpr int64_t sameFor = 3'600;
 
@@ -142,7 +143,7 @@ void ServerMemory::saveSoon()
 {
     m_isChanged = !m_file.empty();
     if (m_isChanged && !m_save.isRunning())
-        m_save.start(saveAfterMs, [this] { save(); });
+        m_save.start(m_problem.empty() ? saveAfterMs : saveAgainMs, [this] { save(); });
 }
 
 /// Keeps what others have written meanwhile.
@@ -159,10 +160,16 @@ void ServerMemory::save()
             servers.push_back(std::move(server));
     }
     const int problem = replaceFile(m_file, printServers(std::move(servers)));
-    if (problem == 0)
+    if (problem == 0) {
         m_forgotten.clear(); // the file no longer has them
-    if (problem != 0)
-        logInfo("servers can't be remembered in " + m_file + ": " + strerror(problem));
+        m_problem.clear();
+        return;
+    }
+    const std::string sentence = "Media servers can't be remembered in " + m_file + " ("
+        + strerror(problem) + "): one that is off at the next start won't be missed.";
+    if (std::exchange(m_problem, sentence) != sentence)
+        logWarning(sentence);
+    saveSoon();
 }
 
 } // namespace bridge

@@ -27,6 +27,8 @@ public:
     void seen(RememberedServer server);
     /// It isn't where it was.
     void missed(const std::string &udn);
+    /// Why it can't be written, in a sentence; empty where it can.
+    const std::string &problem() const { return m_problem; }
     /// What was found by this named address only is dropped.
     void forget(const std::string &address);
 
@@ -41,6 +43,7 @@ private:
     std::map<std::string, RememberedServer> m_servers;
     std::set<std::string> m_forgotten;
     bool m_isChanged = false;
+    std::string m_problem;
     Timer m_save;
 };
 

@@ -188,6 +188,8 @@ std::vector<std::string> ServerRegistry::troubles() const
     std::vector<std::string> sentences = m_named.troubles();
     for (std::string &sentence : m_discovery.troubles())
         sentences.push_back(std::move(sentence));
+    if (!m_memory.problem().empty())
+        sentences.push_back(m_memory.problem());
     for (const auto &[path, tracker] : m_trackers) {
         const std::string sentence = troubleOf(*tracker);
         const bool isNew = !sentence.empty()
