@@ -1,6 +1,7 @@
 #include "web/QueueWalk.h"
 
 #include "tree/PlayableRow.h"
+#include "tree/ServerList.h"
 #include "web/NodeApi.h"
 
 namespace {
@@ -78,10 +79,23 @@ void QueueWalk::readFolder(const Work &folder)
             } else {
                 m_isShort = true;
                 m_error = error;
-                // A refusal is the folder's own; a server that is silent would be so again.
-                if (m_clock.elapsed() - start > longestRefusal)
-                    m_work.clear();
+                if (m_clock.elapsed() - start > longestRefusal) {
+                    askServer(folder.row.path());
+                    return;
+                }
             }
+            step();
+        });
+}
+
+/// Behind a folder that is silent: its server may be, too, and would be so again.
+void QueueWalk::askServer(const CMPath &path)
+{
+    const CMPath server(path.prefix(), ServerList::serverBase(path));
+    m_chain.rows(
+        server, 0, 0, {OrkaRoles::Path()}, [this](const CMError &error, const OrkaRowsRoles &) {
+            if (error.isError())
+                m_work.clear();
             step();
         });
 }

@@ -30,6 +30,7 @@ private:
     void step();
     void readTrack(const CMPath &path);
     void readFolder(const Work &folder);
+    void askServer(const CMPath &path);
     void take(const Work &folder, const OrkaRowsRoles &answer);
     void add(const OrkaRoles &track);
     void finish(const CMError &error, bool isComplete);
