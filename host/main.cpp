@@ -20,6 +20,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <sstream>
@@ -139,12 +140,26 @@ void occupyStandardDescriptors()
     close(descriptor);
 }
 
+/// Throws Failure where an argument isn't text that a place or a search could be made of.
+void requireText(const char *argument)
+{
+    QTextCodec::ConverterState state;
+    QTextCodec::codecForName("UTF-8")->toUnicode(argument, int(std::strlen(argument)), &state);
+    if (state.invalidChars > 0 || state.remainingChars > 0) {
+        throw wrongUsage(QStringLiteral("The argument %1 is not in UTF-8, as every text of this "
+                                        "program is. Set the terminal or the script to UTF-8.")
+                             .arg(quoted(QString::fromUtf8(argument))));
+    }
+}
+
 /// The arguments in reverse, as the parser wants them.
 std::vector<std::string> argumentsOf(int argc, char **argv)
 {
     std::vector<std::string> arguments;
-    for (int i = argc - 1; i > 0; --i)
+    for (int i = argc - 1; i > 0; --i) {
+        requireText(argv[i]);
         arguments.push_back(protectBrackets(argv[i]));
+    }
     return arguments;
 }
 

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr std::chrono::seconds startLimit(10);
+constexpr std::chrono::milliseconds leastStartTime(1'000);
 /// A bridge of an older program takes no longer to end.
 constexpr std::chrono::milliseconds endLimit(3'000);
 constexpr int lookEvery = 10; // milliseconds
@@ -48,6 +49,13 @@ QString tookTooLong(std::chrono::milliseconds limit)
     return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000);
 }
 
+/// However short the time for an answer is, a bus and a service need theirs.
+GlobalOptions withTimeToStart(GlobalOptions options)
+{
+    options.timeout = std::max(options.timeout, leastStartTime);
+    return options;
+}
+
 /// Whether the service was a bridge of ours that an older program had left; it has been ended.
 bool endedOutdated(const Bus &bus, const GlobalOptions &options)
 {
@@ -66,7 +74,7 @@ bool endedOutdated(const Bus &bus, const GlobalOptions &options)
 } // namespace
 
 ServiceStarter::ServiceStarter(const GlobalOptions &options)
-    : m_options(options)
+    : m_options(withTimeToStart(options))
 {
     begin();
 }

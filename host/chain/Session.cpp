@@ -110,7 +110,9 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     m_refused = inTime && reply.error().isError();
     if (!inTime) {
         m_mediaService->requireSignOfLife();
-        throw noAnswer(nameOf(path), m_options.timeout);
+        throw noAnswer(
+            path.base().isEmpty() ? QStringLiteral("the list of media servers") : nameOf(path),
+            m_options.timeout);
     }
 }
 

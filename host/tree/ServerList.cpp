@@ -18,6 +18,8 @@ using Milliseconds = std::chrono::milliseconds;
 constexpr Milliseconds stillFor(1000);
 /// A worker that has been told of a server reads its properties for so long.
 constexpr Milliseconds readingTime(150);
+/// Those that the media service lists aren't waited for: a worker reads them meanwhile.
+constexpr Milliseconds leastWait(300);
 constexpr Milliseconds questionLimit(300);
 constexpr int lookEvery = 50; // milliseconds
 /// A server that no worker ever lists isn't worth more.
@@ -93,7 +95,8 @@ bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit
 
 Milliseconds ServerList::remaining() const
 {
-    const Milliseconds left = m_session.options().wait - Milliseconds(m_clock.elapsed());
+    const Milliseconds limit = std::max(m_session.options().wait, leastWait);
+    const Milliseconds left = limit - Milliseconds(m_clock.elapsed());
     return std::max(left, Milliseconds(0));
 }
 
