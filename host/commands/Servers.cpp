@@ -110,7 +110,8 @@ public:
     bool isEmpty() const { return m_printed.isEmpty(); }
 
 private:
-    Table m_table{{QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}, {0}};
+    Table m_table{
+        {QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}, {2, 0}};
     QStringList m_printed;
 };
 

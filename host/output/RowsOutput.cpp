@@ -52,7 +52,7 @@ RowsOutput::RowsOutput(bool json, const CMPath &path, int first, int step, bool 
     , m_first(first)
     , m_step(step)
     , m_isLong(isLong)
-    , m_table(heading(isLong), isLong ? QVector<int>{6, 4, 3, 2} : QVector<int>{4, 3, 2})
+    , m_table(heading(isLong), isLong ? QVector<int>{10, 6, 4, 3, 2} : QVector<int>{4, 3, 2})
 {
 }
 

@@ -112,6 +112,7 @@ void Table::measure()
         return;
     int tooWide =
         std::accumulate(m_widths.begin(), m_widths.end(), 2 * m_widths.size()) - m_columns;
+    m_spare = qMax(0, -tooWide);
     for (const int column : qAsConst(m_leastUseful)) {
         const int less = qBound(0, tooWide, qMax(0, m_widths[column] - narrowestColumn));
         m_widths[column] -= less;
@@ -122,12 +123,16 @@ void Table::measure()
 QString Table::textOf(const Line &line) const
 {
     QString text;
+    int spare = m_spare;
     for (int i = 0; i < line.cells.size(); ++i) {
         const QString &cell = line.cells.at(i);
+        const int width = m_widths.at(i);
+        const int more = qBound(0, displayWidth(cell) - width, spare);
+        spare -= more;
         text += padded(m_leastUseful.contains(i) && m_columns > 0
-                        ? shortenedInTheMiddle(cell, m_widths.at(i))
+                        ? shortenedInTheMiddle(cell, width + more)
                         : cell,
-                    m_widths.at(i))
+                    width)
             + QStringLiteral("  ");
     }
     return QStringLiteral("  ") + Terminal::styled(text.trimmed(), line.style) + QLatin1Char('\n');

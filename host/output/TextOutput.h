@@ -41,6 +41,8 @@ private:
     /// Empty until lines have been written.
     QVector<int> m_widths;
     int m_least = 0;
+    /// What the first lines leave of the terminal's width.
+    int m_spare = 0;
     /// The terminal's; 0 for none.
     int m_columns;
 };
