@@ -129,11 +129,19 @@ ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
     return send(childCall(container, position));
 }
 
+QDBusMessage ServiceCalls::searchCall(
+    const QString &container, const QString &query, uint most, const QStringList &properties)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(ServiceStarter::busName(), container,
+        containerInterface, QStringLiteral("SearchObjectsEx"));
+    call.setArguments({query, 0U, most, properties, QString()});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::search(
     const QString &container, const QString &query, uint most, const QStringList &properties) const
 {
-    return call(container, containerInterface, QStringLiteral("SearchObjectsEx"),
-        {query, 0U, most, properties, QString()});
+    return send(searchCall(container, query, most, properties));
 }
 
 ServiceAnswer ServiceCalls::children(

@@ -59,6 +59,8 @@ public:
         const QString &container, uint first, uint count, const QStringList &properties) const;
     /// At most `most` of the objects below a container that a query of the service's describes, and
     /// how many there are.
+    static QDBusMessage searchCall(
+        const QString &container, const QString &query, uint most, const QStringList &properties);
     ServiceAnswer search(const QString &container, const QString &query, uint most,
         const QStringList &properties) const;
     ServiceAnswer childCount(const QString &container) const;

@@ -3,6 +3,8 @@
 #include "Failure.h"
 #include "output/Output.h"
 #include "output/RowsOutput.h"
+#include "tree/ContentWatch.h"
+#include "tree/PageSize.h"
 #include "tree/RowSource.h"
 
 void writeAnswer(
@@ -34,8 +36,8 @@ int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 
 } // namespace
 
-int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source, int first,
-    int step, bool isLong)
+int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source,
+    const ContentWatch &watch, int first, int step, bool isLong)
 {
     RowsOutput output(options.json, path, first, step, isLong);
     Rows page;
@@ -51,6 +53,10 @@ int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &sou
         return endIncomplete(&output, source.lacking(),
             QStringLiteral("The media server counts them and doesn't give them."));
     }
+    // A page is from one moment.
+    const QString change = output.rowsCount() > PageSize::first ? watch.change() : QString();
+    if (!change.isEmpty())
+        return endIncomplete(&output, 0, change);
     output.end();
     return Answered;
 }

@@ -4,6 +4,7 @@
 #include "tree/RowsReader.h"
 
 class CMPath;
+class ContentWatch;
 class RowSource;
 
 /// That a list isn't whole: how many of its rows are missing, and why.
@@ -18,5 +19,6 @@ void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRol
 /// Writes rows as they come, each page at once. Returns the status: where the rows end early it is
 /// AnsweredWithError, and standard error says what is missing and why. Throws Failure where nothing
 /// came at all.
-int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source, int first,
-    int step = 1, bool isLong = false);
+/// `watch` began before the first page.
+int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source,
+    const ContentWatch &watch, int first, int step = 1, bool isLong = false);

@@ -5,6 +5,7 @@
 #include "output/Output.h"
 #include "output/TreeOutput.h"
 #include "tree/ArrangedRows.h"
+#include "tree/ContentWatch.h"
 #include "tree/NodeKind.h"
 #include "tree/PlaceResolver.h"
 #include "tree/RowPages.h"
@@ -18,6 +19,7 @@
 namespace {
 
 constexpr int mostProblems = 10;
+constexpr int usualDepth = 3;
 
 class Ls : public Command
 {
@@ -81,21 +83,35 @@ private:
         QHash<int, int> tracks;
         if (m_key == SortKey::Track)
             tracks = trackNumbers(session, path, range);
+        const ContentWatch watch(session, path);
         RowPages pages(session, path, range, OrkaRoles::all());
         ArrangedRows rows(
             pages, range.first, m_key, kinds, [&](int row) { return tracks.value(row); });
-        return writeRowsOf(session.options(), path, rows, range.first, 1, m_isLong);
+        return writeRowsOf(session.options(), path, rows, watch, range.first, 1, m_isLong);
     }
 
     int writeTree(Session &session, const CMPath &path) const
     {
         TreeOutput output(session.options().json, path);
         QStringList problems;
-        TreeWalk(
-            session, m_depth, [&](const OrkaRoles &row, int depth) { output.add(row, depth); },
-            [&](const QString &problem) { problems.append(problem); })
-            .walk(path);
+        const ContentWatch watch(session, path);
+        TreeWalk tree(
+            session, m_depth == 0 ? usualDepth : m_depth,
+            [&](const OrkaRoles &row, int depth) { output.add(row, depth); },
+            [&](const QString &problem) { problems.append(problem); });
+        tree.walk(path);
+        const QString change = watch.change();
+        if (!change.isEmpty())
+            problems.append(change);
         output.end(problems);
+        if (m_depth == 0 && tree.unopened() > 0) {
+            tell(QStringLiteral("The tree ends at level %1, with %2 that %3 not opened. --depth "
+                                "shows more levels.")
+                     .arg(QString::number(usualDepth),
+                         tree.unopened() == 1 ? QStringLiteral("a folder")
+                                              : QStringLiteral("%1 folders").arg(tree.unopened()),
+                         tree.unopened() == 1 ? QStringLiteral("was") : QStringLiteral("were")));
+        }
         if (problems.isEmpty())
             return Answered;
         tell(QStringLiteral("The tree is incomplete:\n  %1")
@@ -109,7 +125,7 @@ private:
     std::vector<std::string> m_kinds;
     bool m_isLong = false;
     bool m_recursive = false;
-    int m_depth = 3;
+    int m_depth = 0; // as usual
 };
 
 class Info : public Command
@@ -196,8 +212,9 @@ public:
         Session session(options);
         const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
         // A worker counts the rows of a sample from its start.
+        const ContentWatch watch(session, folder);
         SamplePages pages(session, folder, sample, range.isOpen() ? range.last : range.last + 1);
-        return writeRowsOf(options, pages.path(), pages, sample.start, sample.step);
+        return writeRowsOf(options, pages.path(), pages, watch, sample.start, sample.step);
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
+#include "chain/Wait.h"
 #include "output/Output.h"
 #include "tree/Gathering.h"
 #include "tree/NodeKind.h"
@@ -9,7 +10,10 @@
 
 #include <api/core/orka.h>
 
+#include <QDBusPendingCallWatcher>
+
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -18,6 +22,8 @@ using Take = std::function<void(const OrkaPlayListItem &)>;
 constexpr int reasonsTold = 10;
 /// What a search for a folder's tracks brings at most.
 constexpr int quickMost = 100;
+/// Once a worker has its answer, so should the others have theirs.
+constexpr std::chrono::milliseconds afterTheWorkers(1'000);
 
 Gathering::Kinds kindsOf(const std::vector<std::string> &names)
 {
@@ -42,6 +48,7 @@ QVector<Failure> gatherWhole(Session &session, const GatherOptions &options,
     Gathering gathering(session, kindsOf(options.kinds), take);
     for (int i = 0; i < paths.size(); ++i)
         gathering.add(paths.at(i), places.at(i).text);
+    gathering.finish();
     if (gathering.items() > 0)
         return gathering.failures();
     if (!gathering.failures().isEmpty()) {
@@ -80,25 +87,49 @@ void requireNothingIn(Session &session, const QVector<Place> &places, const QVec
         throw gathering.failures().first();
 }
 
-/// That a media server's search gives fewer tracks than it counts, of which a worker says nothing.
-QVector<Failure> shortSearches(Session &session, const QVector<CMPath> &paths)
+/// A search for a folder's tracks, beside the worker's own, of whose shortcomings it says nothing.
+struct QuickSearch
+{
+    QString folder;
+    std::unique_ptr<QDBusPendingCallWatcher> call;
+};
+
+std::vector<QuickSearch> startSearches(Session &session, const QVector<CMPath> &paths)
 {
     const ServiceCalls service(session.options().timeout);
     const QStringList servers = session.mediaService().servers().paths();
-    QVector<Failure> failures;
+    std::vector<QuickSearch> searches;
     for (const CMPath &path : paths) {
         const QString folder = service.objectOf(path.base(), servers);
         if (folder.isEmpty() || path.param(QStringLiteral("itemType")) == QLatin1String("track"))
             continue;
-        const ServiceAnswer answer = service.search(folder,
+        const QDBusMessage call = ServiceCalls::searchCall(folder,
             QStringLiteral("(Type derivedfrom \"audio\")"), quickMost, {QStringLiteral("Path")});
-        const int counted = std::min(answer.values.value(1).toInt(), quickMost);
+        searches.push_back({session.nameOf(path),
+            std::make_unique<QDBusPendingCallWatcher>(orkaDBusConnection().asyncCall(call))});
+    }
+    return searches;
+}
+
+/// That a search gives fewer tracks than it counts. `areAllGood` becomes false where one fails:
+/// then a worker goes through the folders.
+QVector<Failure> shortSearches(const std::vector<QuickSearch> &searches, bool *areAllGood)
+{
+    QVector<Failure> failures;
+    for (const QuickSearch &search : searches) {
+        Wait wait(afterTheWorkers);
+        QObject::connect(search.call.get(), &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
+        const bool isGood =
+            wait.until([&] { return search.call->isFinished(); }) && !search.call->isError();
+        *areAllGood = *areAllGood && isGood;
+        const ServiceAnswer answer{isGood, {}, {}, search.call->reply().arguments()};
+        const int counted = isGood ? std::min(answer.values.value(1).toInt(), quickMost) : 0;
         const int came = childrenOf(answer).size();
-        if (answer.isGood() && came < counted) {
+        if (came < counted) {
             failures.append(Failure(AnsweredWithError, QStringLiteral("incomplete"),
                 QStringLiteral(
                     "The media server's search counts %1 more tracks in %2 than it gives.")
-                    .arg(QString::number(counted - came), session.nameOf(path))));
+                    .arg(QString::number(counted - came), search.folder)));
         }
     }
     return failures;
@@ -116,6 +147,7 @@ QVector<Failure> gatherQuick(
     // A worker tries one way after the other, and waits for each.
     for (const CMPath &path : qAsConst(playable))
         session.requireSignOfLifeOf(path);
+    const std::vector<QuickSearch> searches = startSearches(session, playable);
     const QVariantList items =
         session.set(session.path(OrkaPlayListPrepareItems()), encoded, QStringLiteral("Collecting"))
             .toList();
@@ -126,13 +158,16 @@ QVector<Failure> gatherQuick(
     }
     for (const QVariant &item : items)
         take(OrkaPlayListItem(OrkaHash::fromVariant(item)));
-    if (mayBeCut(playable, items.size())) {
+    bool areSearched = true;
+    const QVector<Failure> failures = shortSearches(searches, &areSearched);
+    if (!areSearched || mayBeCut(playable, items.size())) {
         tell(QStringLiteral("This quick list may be cut: a device asks for %1 tracks of each "
-                            "folder, and of folders that can't be searched for the last one alone. "
-                            "Without --quick it is complete.")
+                            "folder; of folders that can't be searched it goes through the last "
+                            "one alone, and leaves out what doesn't answer. Without --quick it is "
+                            "complete.")
                  .arg(quickMost));
     }
-    return shortSearches(session, playable);
+    return failures;
 }
 
 } // namespace

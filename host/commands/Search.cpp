@@ -6,6 +6,8 @@
 #include "output/Output.h"
 #include "output/SafeText.h"
 #include "output/SearchOutput.h"
+#include "tree/ContentWatch.h"
+#include "tree/PageSize.h"
 #include "tree/PlaceResolver.h"
 #include "tree/RowPages.h"
 #include "tree/RowRange.h"
@@ -71,12 +73,13 @@ public:
         Session session(options);
         const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
         const CMPath results = enterText(session, folder);
+        const ContentWatch watch(session, folder);
         RowPages pages(session, results, range, OrkaRoles::all());
         if (options.json)
-            return writeRowsOf(options, results, pages, range.first);
+            return writeRowsOf(options, results, pages, watch, range.first);
         SearchOutput output(
             range.first, [&session](const CMPath &path) { return folderOf(session, path); });
-        const QString trouble = write(pages, &output);
+        QString trouble = write(pages, &output);
         if (output.rows() == 0 && output.rowsCount() == 0 && range.first == 0) {
             writeLine(
                 QStringLiteral("Nothing in %1 has %2 with %3 in it.")
@@ -84,6 +87,8 @@ public:
             return Answered;
         }
         output.end();
+        if (trouble.isEmpty() && output.rowsCount() > PageSize::first)
+            trouble = watch.change();
         if (trouble.isEmpty() && pages.lacking() == 0)
             return Answered;
         tell(incompleteSentence(pages.lacking(), output.rowsCount(),

@@ -3,6 +3,7 @@
 #include "chain/Session.h"
 #include "output/Progress.h"
 #include "output/SafeText.h"
+#include "tree/ContentWatch.h"
 #include "tree/Place.h"
 #include "tree/RowPages.h"
 #include "tree/ServerList.h"
@@ -13,6 +14,8 @@ namespace {
 
 /// Nobody nests folders like this; a server that invents them does.
 constexpr std::size_t deepest = 500;
+constexpr int mostNamed = 5;
+constexpr int longestTitle = 100;
 
 Failure incomplete(const QString &sentence)
 {
@@ -52,16 +55,43 @@ Gathering::~Gathering() = default;
 void Gathering::add(const CMPath &path, const QString &name)
 {
     m_session.setName(path, name);
-    if (isSearch(path) || path.base() == ServerList::serverBase(path)) {
-        walk(path, name);
-        return;
-    }
-    const OrkaRoles node = readNode(path);
-    if (node.type() == OrkaRolesType::Container) {
+    std::shared_ptr<ContentWatch> &watch = m_watches[ServerList::serverBase(path)];
+    if (!watch)
+        watch = std::make_shared<ContentWatch>(m_session, path);
+    const bool isFolder = isSearch(path) || path.base() == ServerList::serverBase(path);
+    const OrkaRoles node = isFolder ? OrkaRoles() : readNode(path);
+    if (isFolder || node.type() == OrkaRolesType::Container) {
         walk(path, name);
     } else if (!node.isEmpty()) {
         takeItem(node, nullptr);
     }
+    tellWithoutAddress(name);
+}
+
+void Gathering::finish()
+{
+    for (auto watch = m_watches.cbegin(); watch != m_watches.cend(); ++watch) {
+        const QString change = m_silent.contains(watch.key()) ? QString() : watch.value()->change();
+        if (!change.isEmpty())
+            m_failures.append(incomplete(change));
+    }
+}
+
+void Gathering::tellWithoutAddress(const QString &place)
+{
+    const int count = m_withoutAddress.size();
+    if (count == 0)
+        return;
+    QStringList named;
+    for (const QString &title : m_withoutAddress.mid(0, mostNamed))
+        named.append(quoted(shortened(title, longestTitle)));
+    if (count > mostNamed)
+        named.append(QStringLiteral("%1 more").arg(count - mostNamed));
+    m_failures.append(incomplete(
+        QStringLiteral("The media server gives no address for %1 of what is "
+                       "in %2, so nobody can play it: %3.")
+            .arg(QString::number(count), quoted(place), named.join(QStringLiteral(", ")))));
+    m_withoutAddress.clear();
 }
 
 /// Empty where it can't be read.
@@ -141,7 +171,8 @@ void Gathering::takeRow(const OrkaRoles &row)
     if (row.type() == OrkaRolesType::Container) {
         const QString title = titleInPlace(row.title().toString());
         const QString &parent = m_folders.back()->name;
-        push(row.path(), parent.isEmpty() ? title : parent + QLatin1Char('/') + title);
+        const bool isTop = parent.isEmpty() || parent == QLatin1String("/");
+        push(row.path(), isTop ? title : parent + QLatin1Char('/') + title);
     } else if (row.type() == OrkaRolesType::Search) {
         return; // a way to search, nothing that plays
     } else if (m_kinds.contains(int(playableKind(row)))) {
@@ -159,8 +190,15 @@ void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles:
             item = prepared(row);
     } catch (const Failure &failure) {
         fail(row.path(), failure);
+        return;
     }
-    if (item.url().isEmpty() || !m_known.add(item, row.path(), page))
+    if (item.url().isEmpty()) {
+        const QString title = row.title().toString();
+        if (!m_withoutAddress.contains(title))
+            m_withoutAddress.append(title);
+        return;
+    }
+    if (!m_known.add(item, row.path(), page))
         return;
     ++m_items;
     m_take(item);

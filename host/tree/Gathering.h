@@ -15,6 +15,7 @@
 #include <memory>
 #include <vector>
 
+class ContentWatch;
 class Progress;
 class Session;
 
@@ -37,6 +38,8 @@ public:
     /// people call it. Throws InterruptedBySignal on Ctrl-C, and Failure where an item can't be
     /// taken.
     void add(const CMPath &path, const QString &name);
+    /// After the last node: looks whether what was read has changed meanwhile.
+    void finish();
 
     int items() const { return m_items; }
     /// Rows of kinds that aren't wanted.
@@ -54,6 +57,7 @@ private:
     void push(const CMPath &path, const QString &name);
     void takeRow(const OrkaRoles &row);
     void takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page);
+    void tellWithoutAddress(const QString &place);
     OrkaPlayListItem prepared(const OrkaRoles &row);
     void fail(const CMPath &path, const Failure &failure);
     void tellProgress();
@@ -66,9 +70,13 @@ private:
     QHash<QString, std::shared_ptr<PageSize>> m_pageSizes;
     QSet<QString> m_visited;
     KnownFiles m_known;
+    /// By the base of their server's path.
+    QHash<QString, std::shared_ptr<ContentWatch>> m_watches;
     /// Bases of servers that don't answer.
     QSet<QString> m_silent;
     QVector<Failure> m_failures;
+    /// Titles of what can't be played, each once.
+    QStringList m_withoutAddress;
     int m_items = 0;
     int m_otherKinds = 0;
     int m_foldersRead = 0;

@@ -30,6 +30,7 @@ void TreeWalk::walk(const CMPath &path, int depth)
             for (const OrkaRoles &row : qAsConst(page.rows)) {
                 m_take(row, depth);
                 const bool isFolder = row.type() == OrkaRolesType::Container;
+                m_unopened += isFolder && depth + 1 == m_depth ? 1 : 0;
                 if (isFolder && depth + 1 < m_depth && !m_way.contains(row.path().base())) {
                     m_session.setName(row.path(), row.title().toString());
                     walk(row.path(), depth + 1);

@@ -16,6 +16,8 @@ public:
     TreeWalk(Session &session, int depth, Take take, Fail fail);
     /// Throws Failure where nothing of the node itself can be read.
     void walk(const CMPath &path);
+    /// Folders of the last level, which weren't opened.
+    int unopened() const { return m_unopened; }
 
 private:
     void walk(const CMPath &path, int depth);
@@ -25,6 +27,7 @@ private:
     const Take m_take;
     const Fail m_fail;
     bool m_isSilent = false;
+    int m_unopened = 0;
     /// Of the folders on the way down: one that holds itself would have no end.
     QStringList m_way;
 };
