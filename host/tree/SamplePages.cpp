@@ -56,14 +56,15 @@ Rows SamplePages::ask(int rows)
     return readRowsAtOnce(m_session, path, {0, rows - 1}, OrkaRoles::all());
 }
 
-/// The worker says how many rows there are between the sample's ends.
+/// How many rows a sample has, the worker says without regard to where the folder ends.
 Rows SamplePages::first()
 {
     Rows page = ask(1);
     m_rowsCount = page.rowsCount;
-    const int span = m_sample.end - m_sample.start + 1;
-    const bool isCounted = m_rowsCount > 0 && m_rowsCount < span;
-    const int last = isCounted ? m_rowsCount - 1 : m_sample.end;
+    m_total =
+        readRowsAtOnce(m_session, m_folder, {m_sample.start, m_sample.start}, {OrkaRoles::Path()})
+            .rowsCount;
+    const int last = m_total > 0 ? std::min(m_total - 1, m_sample.end) : m_sample.end;
     const int positions = (last - m_sample.start) / m_sample.step + 1;
     m_wanted = page.rows.isEmpty() ? 0 : std::clamp(positions, 1, m_wanted);
     if (m_wanted > 1 && m_sample.step <= denseStep) {

@@ -13,7 +13,7 @@ public:
     SamplePages(Session &session, const CMPath &folder, const SampleRange &sample, int most);
 
     bool next(Rows *page) override;
-    int lacking() const override { return m_rowsCount > 0 ? m_wanted - m_came : 0; }
+    int lacking() const override { return m_total > 0 ? m_wanted - m_came : 0; }
 
     /// Of the folder, with the sample in its parameters.
     CMPath path() const { return pathFrom(m_sample.start); }
@@ -33,6 +33,8 @@ private:
     /// Known with the first row.
     int m_wanted = 1;
     int m_rowsCount = 0;
+    /// Of the folder; 0 or less where its server can't know.
+    int m_total = 0;
     int m_came = 0;
     std::unique_ptr<RowPages> m_dense;
 };

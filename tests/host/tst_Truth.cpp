@@ -285,8 +285,8 @@ void tst_Truth::samplesAreTheWorkersOwn()
     const QString many = m_service->tree.addContainer(server, "n", "Many");
     for (int i = 0; i < 130; ++i)
         m_service->tree.addTrack(many, QByteArray::number(i), QString::number(i));
-    for (const QString sample :
-        {"0,129,1", "3,999,1", "3,90,7", "0,500,20", "129,129,1", "4,9,100"}) {
+    for (const QString sample : {"0,129,1", "3,999,1", "3,90,7", "0,500,20", "129,129,1", "4,9,100",
+             "100,200,1", "60,180,40"}) {
         const QString path = "upnp:/uuid:1/6e?sample=" + QString(sample).replace(',', "%2C");
         const auto all = run({"--json", "rows", path, "--last", "200"});
         const auto own = run({"--json", "sample", "upnp:/uuid:1/6e", sample});
