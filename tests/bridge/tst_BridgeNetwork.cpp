@@ -137,6 +137,17 @@ void tst_BridgeNetwork::goodbyesAreBelievedWhenTheServerIsGone()
     QTRY_COMPARE(bridge->lost(), QStringList{path});
     QVERIFY2(since.elapsed() < 700, qPrintable(QString::number(since.elapsed())));
     QCOMPARE(bridge->found(), QStringList{path});
+
+    // One that still answers at first.
+    const QString udn = newUdn();
+    auto late = std::make_unique<Stranger>();
+    late->describe(udn, "/control");
+    late->announce(udn);
+    QVERIFY(!bridge->waitForServer(udn).isEmpty());
+    late->say("byebye", udn);
+    QTest::qWait(400);
+    late.reset();
+    QTRY_COMPARE_WITH_TIMEOUT(bridge->lost(), (QStringList{path, serverPath(udn)}), 3000);
 }
 
 void tst_BridgeNetwork::aServerThatMovesIsFollowed()
