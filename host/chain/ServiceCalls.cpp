@@ -98,12 +98,6 @@ ServiceAnswer ServiceCalls::property(const QString &server, const QString &name)
     return send(propertyCall(server, name));
 }
 
-bool ServiceCalls::isSearchUnknown(const QString &server) const
-{
-    return property(server, QStringLiteral("SearchCaps"))
-        .errorName.endsWith(QLatin1String(".UnknownProperty"));
-}
-
 ServiceAnswer ServiceCalls::everything(const QString &object) const
 {
     return call(object, propertiesInterface, QStringLiteral("GetAll"), {QString()});

@@ -46,8 +46,6 @@ public:
     QStringList awaitedServers() const;
     /// A property of a media server.
     static QDBusMessage propertyCall(const QString &server, const QString &name);
-    /// Whether a media server hasn't said what it can search.
-    bool isSearchUnknown(const QString &server) const;
     ServiceAnswer property(const QString &server, const QString &name) const;
     /// All that is known of any object.
     ServiceAnswer everything(const QString &object) const;

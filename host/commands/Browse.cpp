@@ -11,6 +11,7 @@
 #include "tree/RowPages.h"
 #include "tree/RowRange.h"
 #include "tree/SamplePages.h"
+#include "tree/SearchKinds.h"
 #include "tree/TrackNumbers.h"
 #include "tree/TreeWalk.h"
 
@@ -168,8 +169,13 @@ public:
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place);
         const CMPath menu = m_context ? contextMenu(session, path) : searchMenu(path);
-        writeAnswer(options, menu, readRows(session, menu, {}, OrkaRoles::all()), 0);
-        return Answered;
+        const Rows rows = readRows(session, menu, {}, OrkaRoles::all());
+        writeAnswer(options, menu, rows, 0);
+        const QString unknown =
+            rows.rows.isEmpty() && !m_context ? searchUnknown(session, path) : QString();
+        if (!unknown.isEmpty())
+            tell(unknown);
+        return unknown.isEmpty() ? Answered : AnsweredWithError;
     }
 
 private:

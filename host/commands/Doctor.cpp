@@ -184,6 +184,11 @@ void checkServers(Findings &findings, Session &session)
             continue;
         }
         const QStringList kinds = searchKinds(session, server.path());
+        const QString unknown = kinds.isEmpty() ? searchUnknown(session, server.path()) : QString();
+        if (!unknown.isEmpty()) {
+            findings.add(Findings::Warning, "media server", unknown);
+            continue;
+        }
         findings.add(Findings::Ok, "media server",
             QStringLiteral("%1 %2.").arg(quoted(server.title().toString()),
                 kinds.isEmpty() ? QStringLiteral("can be browsed, not searched")

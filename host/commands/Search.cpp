@@ -12,7 +12,6 @@
 #include "tree/RowPages.h"
 #include "tree/RowRange.h"
 #include "tree/SearchKinds.h"
-#include "tree/ServerList.h"
 
 #include <api/core/OrkaValue.h>
 
@@ -128,21 +127,6 @@ private:
                                       .toString();
     }
 
-    /// Throws Failure where the server hasn't said what it can search: a device takes it for one
-    /// that can't.
-    static void requireKnown(const Session &session, const CMPath &place)
-    {
-        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
-        const QString server = service.objectOf(
-            ServerList::serverBase(place), session.mediaService().servers().paths());
-        if (service.isSearchUnknown(server)) {
-            throw Failure(AnsweredWithError, QStringLiteral("notSearchable"),
-                QStringLiteral("%1 has not said yet what it can search. Try again in some "
-                               "seconds, or browse it with \"orka ls\".")
-                    .arg(session.serverNameOf(place)));
-        }
-    }
-
     /// As a device does it: the text is set on the search entry, which answers where the results
     /// are.
     CMPath enterText(Session &session, const CMPath &place) const
@@ -154,8 +138,12 @@ private:
         }
         const QString kind = m_kinds.first();
         const QStringList kinds = searchKinds(session, place);
-        if (kinds.isEmpty())
-            requireKnown(session, place);
+        const QString unknown = kinds.isEmpty() ? searchUnknown(session, place) : QString();
+        if (!unknown.isEmpty()) {
+            throw Failure(AnsweredWithError, QStringLiteral("notSearchable"),
+                unknown
+                    + QStringLiteral(" Try again in some seconds, or browse it with \"orka ls\"."));
+        }
         if (!kinds.contains(kind))
             throw notSearchable(session.serverNameOf(place), kind, kinds);
         OrkaValue text;

@@ -12,6 +12,7 @@
 #include "output/Output.h"
 #include "output/SafeText.h"
 #include "output/TextOutput.h"
+#include "tree/SearchKinds.h"
 #include "tree/ServerList.h"
 
 #include <api/core/orka.h>
@@ -200,23 +201,19 @@ private:
         if (isCutOff || (isEmpty && problems.isEmpty() && !session.options().json))
             tell(noServersSentence(report));
         for (const QString &problem :
-            problems + report.absent + searchUnknown(session, servers) + signs.problems())
+            problems + report.absent + unknownSearches(session, servers) + signs.problems())
             tell(problem);
         return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
     }
 
-    static QStringList searchUnknown(const Session &session, ServerList &servers)
+    static QStringList unknownSearches(const Session &session, ServerList &servers)
     {
-        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
-        const QStringList objects = session.mediaService().servers().paths();
         QStringList sentences;
         for (const OrkaRoles &server : servers.servers()) {
-            if (server.search().isEmpty()
-                && service.isSearchUnknown(service.objectOf(server.path().base(), objects)))
-                sentences.append(QStringLiteral("The media server %1 has not said yet what it can "
-                                                "search.")
-                                     .arg(quoted(server.title().toString())));
+            if (server.search().isEmpty())
+                sentences.append(searchUnknown(session, server.path()));
         }
+        sentences.removeAll(QString());
         return sentences;
     }
 

@@ -1,7 +1,9 @@
 #include "tree/SearchKinds.h"
 
+#include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "tree/RowsReader.h"
+#include "tree/ServerList.h"
 
 QStringList searchKinds(Session &session, const CMPath &path)
 {
@@ -15,4 +17,15 @@ QStringList searchKinds(Session &session, const CMPath &path)
             kinds.append(row.path().param(key));
     }
     return kinds;
+}
+
+QString searchUnknown(const Session &session, const CMPath &path)
+{
+    const ServiceCalls service(std::chrono::seconds(1));
+    const QString server =
+        service.objectOf(ServerList::serverBase(path), session.mediaService().servers().paths());
+    const ServiceAnswer caps = service.property(server, QStringLiteral("SearchCaps"));
+    return caps.errorName.endsWith(QLatin1String(".UnknownProperty"))
+        ? QStringLiteral("%1 has not said yet what it can search.").arg(session.serverNameOf(path))
+        : QString();
 }
