@@ -60,12 +60,15 @@ QStringList SignsOfLife::problems()
             sentences.append(problemOf(question.server, {Diagnosis::ServerSilent}));
             continue;
         }
-        // A server without the number answers, too.
         const QDBusError error = question.call->error();
-        const bool isAlive =
-            !error.isValid() || error.name().endsWith(QLatin1String(".UnknownProperty"));
+        const Diagnosis diagnosis =
+            error.isValid() ? diagnosisOf(error.message()) : Diagnosis{Diagnosis::Answers};
+        // A server that refuses the question, or doesn't know the number, answers, too.
+        const bool isAlive = diagnosis.verdict == Diagnosis::Answers
+            || (diagnosis.verdict == Diagnosis::Refused
+                && !diagnosis.text.contains(QLatin1String("connect"), Qt::CaseInsensitive));
         if (!isAlive)
-            sentences.append(problemOf(question.server, diagnosisOf(error.message())));
+            sentences.append(problemOf(question.server, diagnosis));
     }
     return sentences;
 }

@@ -79,7 +79,7 @@ void requireNothingIn(Session &session, const QVector<Place> &places, const QVec
     Gathering gathering(session, kindsOf({"audio"}), [](const OrkaPlayListItem &) {
         throw Failure(AnsweredWithError, QStringLiteral("incomplete"),
             QStringLiteral("A device gets nothing there, though there are tracks: the media "
-                           "server's search doesn't find them. Leave --quick out."));
+                           "server's search doesn't give them. Leave --quick out."));
     });
     for (int i = 0; i < paths.size(); ++i)
         gathering.add(paths.at(i), places.at(i).text);

@@ -14,6 +14,12 @@ namespace {
 constexpr std::chrono::milliseconds questionLimit(1'000);
 const QString updateId = QStringLiteral("SystemUpdateID");
 
+QString locationOf(const QString &server)
+{
+    return valueOf(ServiceCalls(questionLimit).property(server, QStringLiteral("Location")))
+        .toString();
+}
+
 } // namespace
 
 ContentWatch::ContentWatch(const Session &session, const CMPath &path)
@@ -21,13 +27,21 @@ ContentWatch::ContentWatch(const Session &session, const CMPath &path)
         ServiceCalls(questionLimit)
             .objectOf(ServerList::serverBase(path), session.mediaService().servers().paths()))
 {
-    if (!m_server.isEmpty())
-        m_before = std::make_unique<QDBusPendingCallWatcher>(
-            orkaDBusConnection().asyncCall(ServiceCalls::propertyCall(m_server, updateId)));
+    if (m_server.isEmpty())
+        return;
+    m_location = locationOf(m_server);
+    m_before = std::make_unique<QDBusPendingCallWatcher>(
+        orkaDBusConnection().asyncCall(ServiceCalls::propertyCall(m_server, updateId)));
 }
 
 QString ContentWatch::change() const
 {
+    const QString location = m_location.isEmpty() ? QString() : locationOf(m_server);
+    if (!location.isEmpty() && location != m_location) {
+        return QStringLiteral(
+            "The media server has moved to another address while it was read, and "
+            "what came before has the old one. Run the command again.");
+    }
     if (!m_before || !m_before->isFinished() || m_before->isError())
         return {};
     const QVariant before = QDBusPendingReply<QDBusVariant>(*m_before).value().variant();

@@ -9,7 +9,7 @@
 class Session;
 
 /// Tells whether a media server's content has changed while it was read in pieces, by the number
-/// that the server counts its changes with.
+/// that the server counts its changes with, or the server has moved.
 class ContentWatch
 {
 public:
@@ -22,5 +22,6 @@ public:
 
 private:
     QString m_server;
+    QString m_location;
     std::unique_ptr<QDBusPendingCallWatcher> m_before;
 };
