@@ -216,8 +216,10 @@ void HttpExchange::makeRoom()
     const auto isLess = [&](const HttpExchange *a, const HttpExchange *b) {
         return std::pair(ofHost[a->m_host], size(a)) < std::pair(ofHost[b->m_host], size(b));
     };
-    (*std::max_element(readers().begin(), readers().end(), isLess))
-        ->stop(HttpOutcome::TooLarge, "too many long answers come at once");
+    HttpExchange *most = *std::max_element(readers().begin(), readers().end(), isLess);
+    most->stop(HttpOutcome::TooLarge, "too many long answers come at once");
+    // It ends later, and as much may come until then.
+    most->m_reply.body = {};
 }
 
 void HttpExchange::stop(HttpOutcome outcome, std::string problem)
