@@ -12,29 +12,32 @@ Backlog &Backlog::instance()
     return only;
 }
 
-bool Backlog::isFull() const
-{
-    return m_bytes > limits::backlogBytes;
-}
-
-void Backlog::wait(const std::string &whose, std::function<void()> goOn)
+void Backlog::receive(const std::string &whose, std::function<void(Seat)> goOn)
 {
     m_waiting.push(whose, std::move(goOn));
+    serve();
+}
+
+void Backlog::serve()
+{
+    while (m_bytes <= limits::backlogBytes && m_receiving < limits::longAnswersAtOnce
+        && !m_waiting.isEmpty()) {
+        ++m_receiving;
+        const Seat seat(this, [this](void *) {
+            --m_receiving;
+            serve();
+        });
+        later([goOn = m_waiting.pop(), seat] { goOn(seat); });
+    }
 }
 
 std::shared_ptr<void> Backlog::hold(size_t bytes, std::shared_ptr<void> with)
 {
     m_bytes += bytes;
     return {nullptr, [this, bytes, with = std::move(with)](void *) {
-                release(bytes);
+                m_bytes -= bytes;
+                serve();
             }};
-}
-
-void Backlog::release(size_t bytes)
-{
-    m_bytes -= bytes;
-    while (!isFull() && !m_waiting.isEmpty())
-        later(m_waiting.pop());
 }
 
 } // namespace bridge

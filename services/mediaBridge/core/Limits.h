@@ -95,6 +95,11 @@ inline constexpr unsigned interimAnswers = 8;
 /// Bytes of all answers that are being received; where they are more, the longest ends of the host
 /// whose answers have most.
 inline constexpr size_t bodiesBytes = size_t{24} << 20;
+/// Long answers that are received at a time; the bytes with which one keeps its place for so many
+/// milliseconds more, or others have their turn: slow ones are not to hold up all.
+inline constexpr unsigned longAnswersAtOnce = 4;
+inline constexpr unsigned seatMs = 20;
+inline constexpr size_t seatBytes = size_t{256} << 10;
 /// Bytes of all long answers that came and aren't worked off; beyond it no others are received.
 inline constexpr size_t backlogBytes = size_t{16} << 20;
 /// Bytes of a device description; real ones have 2 to 10 KiB.

@@ -1,6 +1,5 @@
 #include "upnp/HttpExchange.h"
 
-#include "core/Backlog.h"
 #include "core/Later.h"
 #include "core/Limits.h"
 #include "core/SpareMemory.h"
@@ -16,7 +15,6 @@ namespace bridge {
 namespace {
 
 constexpr size_t firstChunkSize = size_t{16} << 10;
-// Many may come in one turn.
 constexpr size_t largestChunkSize = size_t{64} << 10;
 
 /// Exchanges whose answer is being read.
@@ -134,36 +132,14 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
 
 void HttpExchange::readOn()
 {
-    m_isPaused = !isStopped() && m_reply.body.size() > limits::documentAtOnce
-        && Backlog::instance().isFull();
-    if (m_isPaused) {
-        Backlog::instance().wait(m_host, [self = shared_from_this()] {
-            if (!self->isStopped())
-                self->readOnInTurn();
-        });
+    if (m_reply.body.size() > limits::documentAtOnce && !m_seat && !isStopped()) {
+        waitForSeat();
         return;
     }
     // Most answers are small, and many may be under way; the few big ones grow their own way.
     const size_t chunkSize = std::clamp(m_reply.body.size(), firstChunkSize, largestChunkSize);
     g_input_stream_read_bytes_async(m_stream.get(), chunkSize, G_PRIORITY_DEFAULT,
         m_cancellable.get(), &HttpExchange::gotBytes, keep(shared_from_this()));
-}
-
-/// Long answers of many servers may come faster than they are read.
-void HttpExchange::readOnInTurn()
-{
-    // One that was stopped ends with its reading.
-    if (m_reply.body.size() <= limits::documentAtOnce || isStopped()) {
-        readOn();
-        return;
-    }
-    m_isPaused = true;
-    later(
-        [self = shared_from_this()] {
-            if (!self->isStopped())
-                self->readOn();
-        },
-        m_host);
 }
 
 void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
@@ -175,27 +151,50 @@ void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
         self->fail(error);
         return;
     }
-    const bool isEnd = g_bytes_get_size(bytes) == 0;
-    self->append(bytes);
+    gsize size = 0;
+    const gconstpointer data = g_bytes_get_data(bytes, &size);
+    self->append(static_cast<const char *>(data), size);
     g_bytes_unref(bytes);
-    if (self->m_reply.body.size() > self->m_request.maxBytes) {
-        self->finish(HttpOutcome::TooLarge,
-            "it is longer than " + std::to_string(self->m_request.maxBytes >> 10) + " KiB");
-    } else if (isEnd) {
-        self->m_reply.status = soup_message_get_status(self->m_message.get());
-        self->finish(HttpOutcome::Answered, {});
-    } else {
-        self->makeRoom();
-        self->readOnInTurn();
-    }
 }
 
-void HttpExchange::append(GBytes *bytes)
+/// Long answers of many servers may come faster than they are read.
+void HttpExchange::waitForSeat()
 {
-    gsize size = 0;
-    const auto *data = static_cast<const char *>(g_bytes_get_data(bytes, &size));
-    if (size > 0)
-        m_reply.body.append(data, size);
+    m_isPaused = true;
+    Backlog::instance().receive(m_host, [self = shared_from_this()](Backlog::Seat seat) {
+        if (self->isStopped())
+            return;
+        self->m_isPaused = false;
+        self->m_seat = std::move(seat);
+        self->keepSeat();
+        self->readOn();
+    });
+}
+
+void HttpExchange::keepSeat()
+{
+    m_seatTimer.start(limits::seatMs, [this, size = m_reply.body.size()] {
+        if (m_reply.body.size() < size + limits::seatBytes)
+            m_seat.reset();
+        else
+            keepSeat();
+    });
+}
+
+/// Nothing is the end.
+void HttpExchange::append(const char *data, size_t size)
+{
+    m_reply.body.append(data, size);
+    if (m_reply.body.size() > m_request.maxBytes) {
+        finish(HttpOutcome::TooLarge,
+            "it is longer than " + std::to_string(m_request.maxBytes >> 10) + " KiB");
+    } else if (size == 0) {
+        m_reply.status = soup_message_get_status(m_message.get());
+        finish(HttpOutcome::Answered, {});
+    } else {
+        makeRoom();
+        readOn();
+    }
 }
 
 /// Where all answers together take too much, one has to end: the longest of the machine whose
@@ -275,6 +274,8 @@ void HttpExchange::finish(HttpOutcome outcome, std::string problem)
     const size_t size = m_reply.body.size();
     if (size > limits::documentAtOnce)
         m_reply.place = Backlog::instance().hold(size, std::move(m_reply.place));
+    m_seatTimer.stop();
+    m_seat.reset();
     m_reply.problem = std::move(problem);
     const HttpCallback done = std::exchange(m_done, nullptr);
     done(std::move(m_reply));

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "core/Backlog.h"
 #include "core/Caller.h"
+#include "core/Timer.h"
 
 #include <functional>
 #include <libsoup/soup.h>
@@ -87,9 +89,10 @@ private:
     static void gotInterimAnswer(SoupMessage *, HttpExchange *self);
     static void answered(GObject *, GAsyncResult *result, gpointer self);
     void readOn();
-    void readOnInTurn();
     static void gotBytes(GObject *, GAsyncResult *result, gpointer self);
-    void append(GBytes *bytes);
+    void waitForSeat();
+    void keepSeat();
+    void append(const char *data, size_t size);
     void makeRoom();
     void fail(GError *error);
     HttpOutcome outcomeOf(const GError *error) const;
@@ -107,8 +110,10 @@ private:
     std::string m_host;
     bool m_isSecondTry = false;
     unsigned m_interimAnswers = 0;
-    /// Nothing is under way: it goes on in its turn, or when others' answers have been read.
+    /// Nothing is under way: it goes on when others' answers have been read.
     bool m_isPaused = false;
+    Backlog::Seat m_seat;
+    Timer m_seatTimer;
     /// What `stop` was called with.
     HttpOutcome m_stopOutcome = HttpOutcome::Cancelled;
     std::string m_stopProblem;
