@@ -13,18 +13,26 @@
 
 namespace {
 
-QString problemOf(const QString &address, const QDBusError &error)
+Failure notSaid(const QString &address)
 {
+    return Failure(NoAnswer, QStringLiteral("noAnswer"),
+        QStringLiteral("The media service has not said in time what is at %1. Try again with a "
+                       "longer --timeout.")
+            .arg(quoted(address)));
+}
+
+Failure problemOf(const QString &address, const QDBusError &error)
+{
+    const QString name = QStringLiteral("notReached");
     if (error.name() == QLatin1String(mediaService::errors::notReached))
-        return safeText(error.message());
+        return Failure(AnsweredWithError, name, safeText(error.message()));
     const bool noReply = error.type() == QDBusError::NoReply || error.type() == QDBusError::Timeout;
-    return noReply
-        ? QStringLiteral("The media service has not said in time what is at %1. Try again with a "
-                         "longer --timeout.")
-              .arg(quoted(address))
-        : QStringLiteral("This media service can't be told to look at %1: %2. The bridge can: "
-                         "--media-service bridge.")
-              .arg(quoted(address), safeText(error.message()));
+    if (noReply)
+        return notSaid(address);
+    return Failure(AnsweredWithError, name,
+        QStringLiteral("This media service can't be told to look at %1: %2. The bridge can: "
+                       "--media-service bridge.")
+            .arg(quoted(address), safeText(error.message())));
 }
 
 } // namespace
@@ -41,13 +49,13 @@ void NamedServers::send(const QString &address, std::chrono::milliseconds limit)
     const QDBusMessage call = ServiceCalls::bridgeCall(QStringLiteral("AddServer"), address);
     auto *watcher =
         new QDBusPendingCallWatcher(orkaDBusConnection().asyncCall(call, int(limit.count())), this);
-    ++m_pending;
+    m_pending.insert(address);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, address, watcher] {
         const QDBusPendingReply<QDBusObjectPath> reply = *watcher;
         watcher->deleteLater();
         if (reply.isError())
             m_problems.insert(address, problemOf(address, reply.error()));
-        --m_pending;
+        m_pending.remove(address);
         emit changed();
     });
 }
@@ -56,8 +64,18 @@ QStringList NamedServers::problems() const
 {
     QStringList sentences;
     for (const QString &address : m_addresses) {
-        if (m_problems.contains(address))
-            sentences.append(m_problems.value(address));
+        const auto problem = m_problems.find(address);
+        if (problem != m_problems.end())
+            sentences.append(problem->sentence());
     }
     return sentences;
+}
+
+void NamedServers::requireFound(const QString &address) const
+{
+    const auto problem = m_problems.find(address);
+    if (problem != m_problems.end())
+        throw Failure(*problem);
+    if (isPending(address))
+        throw notSaid(address);
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Failure.h"
+
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 
 #include <chrono>
@@ -17,9 +20,13 @@ public:
     NamedServers(const QStringList &addresses, std::chrono::milliseconds limit);
 
     /// Whether the media service still looks at one of them.
-    bool isPending() const { return m_pending > 0; }
+    bool isPending() const { return !m_pending.isEmpty(); }
+    bool isPending(const QString &address) const { return m_pending.contains(address); }
     /// A sentence for each address where none was found, so far.
     QStringList problems() const;
+    /// That the media server at the address was found. Throws Failure where it wasn't, or where the
+    /// media service hasn't said so far.
+    void requireFound(const QString &address) const;
 
 signals:
     void changed();
@@ -27,7 +34,7 @@ signals:
 private:
     void send(const QString &address, std::chrono::milliseconds limit);
 
-    int m_pending = 0;
+    QSet<QString> m_pending;
     const QStringList m_addresses;
-    QHash<QString, QString> m_problems;
+    QHash<QString, Failure> m_problems;
 };

@@ -17,6 +17,7 @@
 
 #include <api/core/orka.h>
 
+#include <QDBusError>
 #include <QSocketNotifier>
 #include <QTime>
 
@@ -151,15 +152,25 @@ private:
     {
         KeptAddresses::check(m_add);
         KeptAddresses::add(m_add);
-        options.servers.append(m_add);
-        ServiceStarter service(options);
+        options.servers.prepend(m_add); // the first that is looked at
+        const ServiceStarter service(options);
+        const NamedServers &servers = service.namedServers();
         Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
-        QObject::connect(&service.namedServers(), &NamedServers::changed, &wait, &Wait::wake);
-        wait.until([&] { return !service.namedServers().isPending(); });
-        const QStringList problems = service.namedServers().problems();
-        for (const QString &problem : problems)
-            tell(problem);
-        return problems.isEmpty() ? Answered : AnsweredWithError;
+        QObject::connect(&servers, &NamedServers::changed, &wait, &Wait::wake);
+        wait.until([&] { return !servers.isPending(m_add); });
+        servers.requireFound(m_add);
+        return tellKept(options, m_add, true);
+    }
+
+    static int tellKept(const GlobalOptions &options, const QString &address, bool isKept)
+    {
+        if (options.json) {
+            OrkaHash document;
+            document.setValue(QStringLiteral("address"), address);
+            document.setValue(QStringLiteral("kept"), isKept);
+            writeJson(document);
+        }
+        return Answered;
     }
 
     int forget(const GlobalOptions &options) const
@@ -174,9 +185,18 @@ private:
                                 + safeText(kept.join(QStringLiteral(", ")))));
         }
         const ServiceStarter service(options);
-        Bus(orkaDBusConnection(), std::min(options.timeout, questionLimit))
-            .send(ServiceCalls::bridgeCall(QStringLiteral("ForgetServer"), m_forget));
-        return Answered;
+        const QDBusMessage reply =
+            Bus(orkaDBusConnection(), std::min(options.timeout, questionLimit))
+                .send(ServiceCalls::bridgeCall(QStringLiteral("ForgetServer"), m_forget));
+        // Another service, which says so, has never looked there.
+        if (reply.type() == QDBusMessage::InvalidMessage
+            || QDBusError(reply).type() == QDBusError::NoReply) {
+            throw Failure(NoAnswer, QStringLiteral("noAnswer"),
+                QStringLiteral("The address %1 isn't kept any more, but the media service has not "
+                               "said in time that it no longer looks there. \"orka stop\" ends it.")
+                    .arg(quoted(m_forget)));
+        }
+        return tellKept(options, m_forget, false);
     }
 
     static int list(Session &session, ServerList &servers)
