@@ -32,6 +32,8 @@ struct GlobalOptions
     MediaServiceSource mediaService = MediaServiceSource::Auto;
     /// Addresses of media servers.
     QStringList servers;
+    /// Whether those that the user keeps are looked at, too.
+    bool usesKept = true;
     /// How long a media server may take to show up.
     std::chrono::milliseconds wait = std::chrono::seconds(5);
     /// Whether somebody named that time: then a server may take all of it, else no longer than it

@@ -3,17 +3,18 @@
 #include <QStringList>
 
 /// Addresses of media servers that the user keeps: one a line in $XDG_CONFIG_HOME/orka/servers.
-/// Lines that are empty or begin with # count for nothing, but stay.
+/// Lines that are empty or begin with # count for nothing, but stay, as does what isn't UTF-8.
 namespace KeptAddresses {
 
-/// Throws Failure (wrong usage) for what can't be an address: nothing, spaces, control characters.
+/// Throws Failure (wrong usage) for what can't be an address, and says why.
 void check(const QString &address);
 
-/// None where there is no file. Throws Failure (wrong usage) where it can't be read.
+/// None where there is no file. Throws Failure (wrong usage) where it can't be read, or is longer
+/// than 1 MB.
 QStringList read();
 
-/// Writes it anew, as a whole. False where it was kept before. Throws Failure where it can't be
-/// written.
+/// Writes the file anew, as a whole, one command after another. False where it was kept before.
+/// Throws Failure where it can't be written.
 bool add(const QString &address);
 /// False where it wasn't kept.
 bool forget(const QString &address);

@@ -287,7 +287,9 @@ void ServiceStarter::meet(const QString &owner)
     m_isBridge = bus.describeOwner(owner).startsWith(QLatin1String("orka-media-bridge"));
     m_servers = std::make_unique<ServiceServers>(
         owner, bus.ageOf(owner), m_isBridge ? bridgeSearch : otherSearch);
-    QStringList addresses = m_options.servers + KeptAddresses::read();
+    QStringList addresses = m_options.servers;
+    if (m_options.usesKept)
+        addresses += KeptAddresses::read();
     addresses.removeDuplicates();
     m_namedServers = std::make_unique<NamedServers>(addresses, m_options.timeout);
 }

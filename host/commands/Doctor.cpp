@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "chain/BusLimits.h"
 #include "chain/Diagnosis.h"
+#include "chain/KeptAddresses.h"
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
@@ -231,6 +232,18 @@ void checkPlayer(Findings &findings)
               : QStringLiteral("mpv isn't installed; \"orka play\" needs it, or --player."));
 }
 
+/// False where they can't be read; the others are looked at all the same.
+bool checkKeptAddresses(Findings &findings)
+{
+    try {
+        KeptAddresses::read();
+        return true;
+    } catch (const Failure &failure) {
+        findings.add(Findings::Warning, "kept addresses", failure.sentence());
+        return false;
+    }
+}
+
 /// The part of the chain that is missing, as the failure names it.
 const char *partOf(const Failure &failure)
 {
@@ -249,8 +262,9 @@ public:
     {
     }
 
-    int run(const GlobalOptions &options) override
+    int run(const GlobalOptions &given) override
     {
+        GlobalOptions options = given;
         Findings findings(options.json);
         findings.add(Findings::Ok, "settings",
             options.settings.isEmpty()
@@ -258,6 +272,7 @@ public:
                 : safeText(options.settings.join(QStringLiteral(", "))));
         checkAddresses(findings);
         checkPlayer(findings);
+        options.usesKept = checkKeptAddresses(findings);
         try {
             checkChain(findings, options);
         } catch (const Failure &failure) {
