@@ -107,8 +107,10 @@ void ServerRegistry::askRemembered()
             continue;
         const std::string path = serverPathFromUdn(server.udn);
         m_awaited.insert(path);
-        m_absent[path] = "The media server \"" + shortened(server.name, longestNameInLog)
-            + "\" was there before, at " + hostOf(server.location) + ", but does not answer now.";
+        m_absent[path] = {*url,
+            "The media server \"" + shortened(server.name, longestNameInLog)
+                + "\" was there before, at " + hostOf(server.location)
+                + ", but does not answer now."};
         heard(server.udn, {rememberedSource, server.location, url->rank()}, rememberedAge);
     }
     m_isRecalling = !m_awaited.empty();
@@ -204,10 +206,11 @@ std::vector<std::string> ServerRegistry::troubles() const
 std::vector<std::string> ServerRegistry::absent() const
 {
     std::vector<std::string> sentences;
-    for (const auto &[path, sentence] : m_absent) {
+    for (const auto &[path, server] : m_absent) {
         const auto tracker = m_trackers.find(path);
-        if (tracker == m_trackers.end() || !tracker->second->isAwaited())
-            sentences.push_back(sentence);
+        const bool isAwaited = tracker != m_trackers.end() && tracker->second->isAwaited();
+        if (!isAwaited && !isReplaced(server))
+            sentences.push_back(server.sentence);
     }
     for (const auto &[path, tracker] : m_trackers) {
         const bool isKnown = tracker->announced() || m_absent.count(path) > 0;
@@ -216,6 +219,16 @@ std::vector<std::string> ServerRegistry::absent() const
     }
     sentences.resize(std::min(sentences.size(), limits::troubles));
     return sentences;
+}
+
+/// It was installed anew, say: there is another one in its place.
+bool ServerRegistry::isReplaced(const Absent &server) const
+{
+    return std::any_of(m_trackers.begin(), m_trackers.end(), [&](const auto &entry) {
+        const auto other = entry.second->announced();
+        const auto url = other ? parseHttpUrl(other->description().location) : std::nullopt;
+        return url && url->host == server.location.host && url->port == server.location.port;
+    });
 }
 
 std::vector<std::string> ServerRegistry::awaited() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "upnp/HttpUrl.h"
 #include "upnp/NamedServers.h"
 #include "upnp/Newcomers.h"
 #include "upnp/ServerMemory.h"
@@ -53,6 +54,13 @@ public:
     std::vector<std::string> awaited() const;
 
 private:
+    struct Absent
+    {
+        HttpUrl location;
+        std::string sentence;
+    };
+
+    bool isReplaced(const Absent &server) const;
     void announced(const std::string &udn, const Route &route, unsigned maxAge);
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
     std::string troubleOf(const ServerTracker &tracker) const;
@@ -77,7 +85,7 @@ private:
     /// Paths of remembered servers that haven't answered yet.
     std::set<std::string> m_awaited;
     /// Of remembered servers that haven't been there in this run, by path.
-    std::map<std::string, std::string> m_absent;
+    std::map<std::string, Absent> m_absent;
     /// Some are remembered, and it isn't told yet that they are there.
     bool m_isRecalling = false;
     bool m_hasMissed = false;
