@@ -6,6 +6,7 @@
 #include "output/SafeText.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -141,25 +142,20 @@ void BridgeProcess::isStarted()
 
 void BridgeProcess::fail(const QString &why) const
 {
-    const bool isStarting = m_child || m_lasting;
-    QString reason = !isStarting ? QStringLiteral("an earlier one neither answers nor ends")
-        : hasEnded()             ? QStringLiteral("it ended")
-                                 : why;
+    QString reason = hasEnded() ? QStringLiteral("it ended") : why;
     if (m_child && hasEnded()) {
         reason = m_child->error() == QProcess::FailedToStart
             ? m_child->errorString()
             : QStringLiteral("it ended with status %1").arg(m_child->exitCode());
     }
-    const QByteArray bytes = m_child ? m_child->readAllStandardError()
-        : m_lasting                  ? m_lasting->said()
-                                     : QByteArray();
+    const QByteArray bytes = m_child ? m_child->readAllStandardError() : m_lasting->said();
     const QString said = reasonIn(bytes);
     const QString sentence =
         QStringLiteral("The media service %1 could not be started: %2%3. Try it by hand with "
                        "--help, or name another with --bridge.")
             .arg(quoted(m_program), reason,
                 said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said)));
-    if (isStarting && hasEnded() && said.isEmpty())
+    if (hasEnded() && said.isEmpty())
         throw serviceLeft(sentence);
     throw missing(QStringLiteral("noMediaService"), sentence);
 }
@@ -173,5 +169,6 @@ bool BridgeProcess::isOutdated(uint process, const GlobalOptions &options)
 {
     const QByteArray running = markOf(process);
     const QString program = programOf(options);
-    return !running.isEmpty() && !program.isEmpty() && running != markOf(program);
+    const bool canBeRun = QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
+    return !running.isEmpty() && canBeRun && running != markOf(program);
 }

@@ -22,20 +22,25 @@
 namespace {
 
 constexpr std::chrono::milliseconds endLimit(5'000);
+/// Nothing survives SIGKILL for longer.
+constexpr std::chrono::milliseconds killLimit(2'000);
 constexpr std::chrono::milliseconds answerLimit(1'000);
 constexpr int lookEvery = 10; // milliseconds
 
-void waitUntil(const std::function<bool()> &ended, const QString &program)
+bool endsWithin(std::chrono::milliseconds limit, const std::function<bool()> &ended)
 {
-    Wait wait(endLimit, QStringLiteral("Ending the media service"));
+    Wait wait(limit, QStringLiteral("Ending the media service"));
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
     look.start(lookEvery);
-    if (!wait.until(ended)) {
-        throw Failure(NoAnswer, QStringLiteral("noAnswer"),
-            QStringLiteral("The media service %1 was told to end and doesn't. End the process.")
-                .arg(safeText(program)));
-    }
+    return wait.until(ended);
+}
+
+Failure staysThere(const QString &program)
+{
+    return Failure(NoAnswer, QStringLiteral("noAnswer"),
+        QStringLiteral("The media service %1 was told to end and doesn't. End the process.")
+            .arg(safeText(program)));
 }
 
 bool isRunning(uint process)
@@ -68,8 +73,47 @@ QVector<uint> endOn(const QString &name)
                            "alone. End it as it was started.")
                 .arg(safeText(program)));
     }
-    waitUntil([&] { return bus.owner(service) != owner; }, program);
+    const auto hasEnded = [&] {
+        return bus.owner(service) != owner;
+    };
+    if (endsWithin(endLimit, hasEnded))
+        return processes;
+    // Frozen, it hears nothing else.
+    if (!BridgeProcess::isLasting(process) || kill(pid_t(process), SIGKILL) != 0
+        || !endsWithin(killLimit, hasEnded))
+        throw staysThere(program);
     return processes;
+}
+
+/// Whatever holds the lock: a bus that is frozen can't be asked to end, nor can a command that was
+/// stopped while it started one.
+void killHolders(UsersBus &users)
+{
+    for (const pid_t process : users.holders())
+        kill(process, SIGKILL);
+    if (!endsWithin(killLimit, [&] { return users.take(); }))
+        throw staysThere(QStringLiteral("on your private bus"));
+    users.removeSocket();
+}
+
+void endOnUsersBus(UsersBus &users)
+{
+    // One that is being started is ended when it is there; a command that begins meanwhile may hold
+    // the lock for a service of its own.
+    QVector<uint> processes;
+    const auto hasEnded = [&] {
+        if (processes.isEmpty() && users.isListening())
+            processes = endOn(users.address());
+        return users.take()
+            || (!processes.isEmpty()
+                && std::none_of(processes.begin(), processes.end(), isRunning));
+    };
+    try {
+        if (!endsWithin(endLimit, hasEnded))
+            killHolders(users);
+    } catch (const StuckBus &) {
+        killHolders(users); // which lets go of the thread that is left in it, too
+    }
 }
 
 } // namespace
@@ -82,16 +126,6 @@ bool endRunningServices(const GlobalOptions &options)
     UsersBus users;
     if (users.take())
         return wasThere;
-    // One that is being started is ended when it is there; a command that begins meanwhile may hold
-    // the lock for a service of its own.
-    QVector<uint> processes;
-    const auto hasEnded = [&] {
-        if (processes.isEmpty() && users.isListening())
-            processes = endOn(users.address());
-        return users.take()
-            || (!processes.isEmpty()
-                && std::none_of(processes.begin(), processes.end(), isRunning));
-    };
-    waitUntil(hasEnded, QStringLiteral("on your private bus"));
+    endOnUsersBus(users);
     return true;
 }

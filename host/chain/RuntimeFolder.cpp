@@ -40,13 +40,16 @@ QString RuntimeFolder::make()
 {
     const QString folder = path();
     const QByteArray name = QFile::encodeName(folder);
-    mkdir(name.constData(), 0700); // a failure is seen below
-    const QString problem = problemOf(name);
+    const bool isMade = mkdir(name.constData(), 0700) == 0 || errno == EEXIST;
+    const QString problem = isMade ? problemOf(name) : QString::fromLocal8Bit(std::strerror(errno));
     if (!problem.isEmpty()) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The media service can't be kept in %1: %2. Remove that, or do without "
-                           "with --linger 0.")
-                .arg(quoted(folder), problem));
+            QStringLiteral("The media service can't be kept in %1: %2. %3, or do without with "
+                           "--linger 0.")
+                .arg(quoted(folder), problem,
+                    isMade ? QStringLiteral("Remove that, or set XDG_RUNTIME_DIR to a folder of "
+                                            "your own")
+                           : QStringLiteral("Set XDG_RUNTIME_DIR to a folder of your own")));
     }
     return folder;
 }

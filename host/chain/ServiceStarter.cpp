@@ -22,6 +22,8 @@ constexpr std::chrono::seconds startLimit(10);
 constexpr std::chrono::milliseconds leastStartTime(1'000);
 /// A bridge of an older program takes no longer to end.
 constexpr std::chrono::milliseconds endLimit(3'000);
+/// Of two installed programs that are used at once, neither ends what the other has just started.
+constexpr std::chrono::milliseconds leastAge(3'000);
 constexpr int lookEvery = 10; // milliseconds
 /// A media service that is silent for so long hangs.
 constexpr std::chrono::milliseconds answerLimit(5'000);
@@ -49,6 +51,19 @@ QString tookTooLong(std::chrono::milliseconds limit)
     return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000);
 }
 
+Failure blockedBy(const QVector<pid_t> &processes)
+{
+    QStringList numbers;
+    for (const pid_t process : processes)
+        numbers.append(QString::number(process));
+    return missing(QStringLiteral("noMediaService"),
+        QStringLiteral("The media service could not be started: an earlier one neither answers nor "
+                       "ends%1. \"orka stop\" ends it.")
+            .arg(numbers.isEmpty()
+                    ? QString()
+                    : QStringLiteral(" (process %1)").arg(numbers.join(QStringLiteral(", ")))));
+}
+
 /// However short the time for an answer is, a bus and a service need theirs.
 GlobalOptions withTimeToStart(GlobalOptions options)
 {
@@ -59,8 +74,10 @@ GlobalOptions withTimeToStart(GlobalOptions options)
 /// Whether the service was a bridge of ours that an older program had left; it has been ended.
 bool endedOutdated(const Bus &bus, const GlobalOptions &options)
 {
-    const uint process = bus.processOf(bus.owner(ServiceStarter::busName()));
-    if (!BridgeProcess::isOutdated(process, options) || kill(pid_t(process), SIGTERM) != 0)
+    const QString owner = bus.owner(ServiceStarter::busName());
+    const uint process = bus.processOf(owner);
+    if (!options.mayStartService || !BridgeProcess::isOutdated(process, options)
+        || bus.ageOf(owner) < leastAge || kill(pid_t(process), SIGTERM) != 0)
         return false;
     Wait wait(endLimit);
     QTimer look;
@@ -115,8 +132,8 @@ void ServiceStarter::openBus()
 void ServiceStarter::startPrivately()
 {
     m_bridge = std::make_unique<BridgeProcess>(m_options);
-    if (m_options.serviceStays()) {
-        useUsersBus();
+    if (const auto users = m_options.serviceStays() ? usersBus() : nullptr) {
+        useUsersBus(*users);
     } else {
         requireMayStart();
         startBus();
@@ -146,14 +163,29 @@ void ServiceStarter::startBus()
     }
 }
 
+/// Nothing where the service can't be kept for the next command; that is said.
+std::unique_ptr<UsersBus> ServiceStarter::usersBus() const
+{
+    try {
+        return std::make_unique<UsersBus>();
+    } catch (const Failure &failure) {
+        if (!m_options.mayStartService)
+            throw;
+        tell(failure.sentence());
+        return nullptr;
+    }
+}
+
 /// Whichever command comes first starts it; the others wait for that, or for what is left of an
 /// earlier one to end.
-void ServiceStarter::useUsersBus()
+void ServiceStarter::useUsersBus(UsersBus &users)
 {
-    UsersBus users;
     m_bus = users.address();
     m_busDescription = QStringLiteral("the private bus of this user");
-    orkaOpenDBusConnection(m_bus); // what was open before isn't this one
+    if (users.isListening())
+        openInTime(m_bus, remaining());
+    else
+        orkaOpenDBusConnection(m_bus); // what was open before isn't this one
     bool isStarting = false;
     Wait wait(startTime(), QStringLiteral("Starting the media service"));
     QTimer look;
@@ -169,6 +201,8 @@ void ServiceStarter::useUsersBus()
         }
         return isOnUsersBus(users);
     });
+    if (!inTime && !isStarting)
+        throw blockedBy(users.holders());
     if (!inTime)
         m_bridge->fail(tookTooLong(startTime()));
     m_bridge->isStarted();
@@ -378,9 +412,10 @@ void ServiceStarter::requireSignOfLife() const
 Failure ServiceStarter::silence() const
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("The media service does not answer: %1 has the name %2 on %3. End it, or "
-                       "start it again.")
-            .arg(safeText(program()), busName(), m_busDescription));
+        QStringLiteral("The media service does not answer: %1 has the name %2 on %3. %4")
+            .arg(safeText(program()), busName(), m_busDescription,
+                isLasting() ? QStringLiteral("\"orka stop\" ends it.")
+                            : QStringLiteral("End it, or start it again.")));
 }
 
 void ServiceStarter::requireSameOwner()

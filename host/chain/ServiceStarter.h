@@ -78,7 +78,8 @@ private:
     void startPrivately();
     void requireMayStart() const;
     void startBus();
-    void useUsersBus();
+    std::unique_ptr<UsersBus> usersBus() const;
+    void useUsersBus(UsersBus &users);
     bool isOnUsersBus(const UsersBus &bus);
     bool useServiceOnBus();
     void startBridge();

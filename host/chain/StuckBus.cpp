@@ -8,8 +8,8 @@
 
 StuckBus::StuckBus(const QString &bus)
     : Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("Nothing can be asked: %1 takes the connection but doesn't answer. Restart "
-                       "it, or name another with --bus.")
+        QStringLiteral("Nothing can be asked: %1 takes the connection but doesn't answer. End it "
+                       "(\"orka stop\" ends a private bus of ours), or name another with --bus.")
             .arg(bus))
 {
 }

@@ -4,6 +4,8 @@
 #include "chain/RuntimeFolder.h"
 #include "output/SafeText.h"
 
+#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QUrl>
 
@@ -50,7 +52,14 @@ UsersBus::UsersBus()
     const QString folder = RuntimeFolder::make();
     m_socket = folder + QStringLiteral("/bus");
     m_address = QStringLiteral("unix:path=") + escaped(m_socket);
-    m_lock = openLock(folder + QStringLiteral("/lock"));
+    m_lockFile = folder + QStringLiteral("/lock");
+    if (m_socket.toLocal8Bit().size() >= int(sizeof(sockaddr_un::sun_path))) {
+        throw missing(QStringLiteral("noBus"),
+            QStringLiteral("The name %1 is too long for a socket. Name a shorter folder in "
+                           "XDG_RUNTIME_DIR, or do without with --linger 0.")
+                .arg(quoted(m_socket)));
+    }
+    m_lock = openLock(m_lockFile);
 }
 
 UsersBus::~UsersBus()
@@ -61,6 +70,28 @@ UsersBus::~UsersBus()
 bool UsersBus::take()
 {
     return flock(m_lock, LOCK_EX | LOCK_NB) == 0;
+}
+
+/// The kernel's list of locks names whoever took one, and not those that inherited it.
+QVector<pid_t> UsersBus::holders() const
+{
+    QVector<pid_t> found;
+    const QString self = QString::number(getpid());
+    QDir processes(QStringLiteral("/proc"));
+    for (const QString &process : processes.entryList({QStringLiteral("[1-9]*")}, QDir::Dirs)) {
+        const QString folder = QStringLiteral("/proc/%1/").arg(process);
+        QDirIterator files(folder + QStringLiteral("fd"), QDir::Files | QDir::System);
+        while (process != self && files.hasNext()) {
+            if (QFile::symLinkTarget(files.next()) != m_lockFile)
+                continue;
+            QFile info(folder + QStringLiteral("fdinfo/") + files.fileName());
+            if (info.open(QIODevice::ReadOnly) && info.readAll().contains("lock:")) {
+                found.append(process.toInt());
+                break;
+            }
+        }
+    }
+    return found;
 }
 
 bool UsersBus::isListening() const

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
+#include <QVector>
+
+#include <sys/types.h>
 
 /// The private bus of this user, at a fixed place, for machines without a session bus. One at a
 /// time: whoever starts it hands a lock on to the bus and to the bridge, so that the kernel tells
@@ -22,9 +26,14 @@ public:
     int lock() const { return m_lock; }
     /// Whether something takes connections there.
     bool isListening() const;
+    /// Removes the socket that a bus left which was killed. Only with the lock taken.
+    void removeSocket() const { QFile::remove(m_socket); }
+    /// The processes that hold the lock: the bus and the bridge, or a command that starts them.
+    QVector<pid_t> holders() const;
 
 private:
     QString m_socket;
     QString m_address;
+    QString m_lockFile;
     int m_lock = -1;
 };

@@ -1,9 +1,11 @@
 #include "ShellLine.h"
 #include "chain/Session.h"
+#include "chain/StuckBus.h"
 #include "commands/Command.h"
 #include "output/Output.h"
 #include "tree/PlaceCompletion.h"
 
+#include <cstdlib>
 #include <map>
 
 namespace {
@@ -154,6 +156,8 @@ private:
         try {
             Session session(options);
             return completePlace(session, text);
+        } catch (const StuckBus &) {
+            std::_Exit(0); // a thread is left in it
         } catch (const Failure &) {
             return {};
         }

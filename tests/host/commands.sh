@@ -230,10 +230,16 @@ for name in "$2" dbus-daemon; do
     check "after $name is killed" "0 2 bus lock" "$(private servers >/dev/null && echo $? "$(left)")"
 done
 check "stopped" "0 lock" "$(private stop && left)"
+private servers >/dev/null
+kill -STOP "$(pgrep -f "dbus-daemon.*$WORLD_DIR/run/orka/bus")"
+check_fails "a frozen bus" 4 "takes the connection" private --timeout 1 ls
+check "a frozen bus stands in no shell's way" "" "$(private complete bash 0 'orka ls ')"
+check "a frozen bus is ended" "0 lock" "$(private stop && left)"
 private --linger 2 data upnp:/shelf/big >/dev/null
 check "idle" "yes" "$(within 5 eval '[ "$(left)" = "0 lock" ]' && echo yes)"
 chmod 755 "$WORLD_DIR/run/orka"
-check_fails "a folder that others may use" 3 "other users" private servers
+check "a folder that others may use is not used" "1 0" "$(private servers 2>&1 >"$WORLD_DIR/second" | grep -c "other users") $(pgrep -fc "$WORLD_DIR/run/orka/bus")"
+check "servers are there all the same" "" "$(cmp "$WORLD_DIR/first" "$WORLD_DIR/second")"
 
 orka ls Shelf/Silent 2>"$WORLD_DIR/left" &
 asking=$!
