@@ -57,7 +57,7 @@ int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &sou
     const QString change = output.rowsCount() > PageSize::first ? watch.change() : QString();
     if (!change.isEmpty())
         return endIncomplete(&output, 0, change);
-    output.end();
+    output.end(CMError(), source.ofOtherKinds());
     return Answered;
 }
 

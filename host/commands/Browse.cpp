@@ -33,18 +33,18 @@ public:
         addPlace(m_place)->required(false);
         addRows(m_rows, "First and last row, counted from 0 (all)");
         parser()
-            .add_option(
-                "--sort", m_key, "Read all, then sort by this; titles as your language does")
+            .add_option_function<std::string>(
+                "--sort", [this](const std::string &text) { m_key = sortKeys().at(text); },
+                "Read all, then sort by this; titles as your language\n"
+                "does, what has no date or length last. --rows are those\nof the sorted list")
             ->type_name("title|artist|album|date|track|length")
-            ->transform(CLI::CheckedTransformer(sortKeys()).description(""));
+            ->check(oneOf({"title", "artist", "album", "date", "track", "length"}));
         parser()
-            .add_option("--kind", m_kinds,
-                "Only these: folder, track, video, image, item; more than\n"
-                "one with commas")
-            ->type_name("KIND")
+            .add_option("--kind", m_kinds, "Only these; more than one with commas")
+            ->type_name("folder|track|video|image|item")
             ->delimiter(',')
             ->allow_extra_args(false)
-            ->check(CLI::IsMember({"folder", "track", "video", "image", "item"}).description(""));
+            ->check(oneOf({"folder", "track", "video", "image", "item"}));
         parser().add_flag(
             "-l,--long", m_isLong, "Genre, date, format, bit rate and path of each, too");
         parser().add_flag("-R,--recursive", m_recursive, "A tree of what is below");
@@ -81,13 +81,13 @@ private:
         QSet<QString> kinds;
         for (const std::string &kind : m_kinds)
             kinds.insert(QString::fromStdString(kind));
+        const RowRange read = m_key == SortKey::Given ? range : RowRange();
         QHash<int, int> tracks;
         if (m_key == SortKey::Track)
-            tracks = trackNumbers(session, path, range);
+            tracks = trackNumbers(session, path, read);
         const ContentWatch watch(session, path);
-        RowPages pages(session, path, range, OrkaRoles::all());
-        ArrangedRows rows(
-            pages, range.first, m_key, kinds, [&](int row) { return tracks.value(row); });
+        RowPages pages(session, path, read, OrkaRoles::all());
+        ArrangedRows rows(pages, range, m_key, kinds, [&](int row) { return tracks.value(row); });
         return writeRowsOf(session.options(), path, rows, watch, range.first, 1, m_isLong);
     }
 

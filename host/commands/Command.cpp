@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 Command::Command(CLI::App &app, const char *name, const char *description, const char *example)
     : m_parser(app.add_subcommand(name, description))
 {
@@ -46,6 +48,14 @@ void Command::addPlaces(QStringList &target)
 void Command::addRows(QString &target, const char *help)
 {
     addText("--rows", target, help, "A-B");
+}
+
+std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words)
+{
+    return [words](const std::string &text) {
+        const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
+        return isOne ? std::string() : "is one of " + CLI::detail::join(words, ", ");
+    };
 }
 
 std::vector<CommandPointer> makeCommands(CLI::App &app)

@@ -3,6 +3,7 @@
 #include "GlobalOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -32,6 +33,9 @@ protected:
 private:
     CLI::App *m_parser;
 };
+
+/// For options that take one of a few words: what the parser says of another one.
+std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words);
 
 using CommandPointer = std::unique_ptr<Command>;
 

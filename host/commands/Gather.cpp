@@ -3,6 +3,7 @@
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
+#include "commands/Command.h"
 #include "output/Output.h"
 #include "tree/Gathering.h"
 #include "tree/NodeKind.h"
@@ -176,12 +177,11 @@ void GatherOptions::declare(CLI::App &parser)
 {
     parser
         .add_option("--kind", kinds,
-            "What to take from folders and servers: audio (the\ndefault), video, image or all; "
-            "more "
-            "than one with commas")
-        ->type_name("KIND")
+            "What to take from folders and servers: audio is the\ndefault; more than one with "
+            "commas")
+        ->type_name("audio|video|image|all")
         ->delimiter(',')
-        ->check(CLI::IsMember({"audio", "video", "image", "all"}).description(""));
+        ->check(oneOf({"audio", "video", "image", "all"}));
     parser.add_flag("--quick", quick,
         "One request, as a device asks for a playlist: at most the\nfirst 100 tracks of a folder");
 }

@@ -45,9 +45,9 @@ public:
             "orka queue \"My NAS/Music/Albums/Blue\" --format m3u8 > blue.m3u8")
     {
         parser()
-            .add_option("--format", m_format, "table (the default), json, m3u8 or xspf")
-            ->type_name("FORMAT")
-            ->check(CLI::IsMember({"table", "json", "m3u8", "xspf"}).description(""));
+            .add_option("--format", m_format, "How the playlist is written (table)")
+            ->type_name("table|json|m3u8|xspf")
+            ->check(oneOf({"table", "json", "m3u8", "xspf"}));
     }
 
     int run(const GlobalOptions &options) override

@@ -1,5 +1,6 @@
 #include "chain/RunningServices.h"
 #include "commands/Command.h"
+#include "output/JsonOutput.h"
 #include "output/Output.h"
 
 namespace {
@@ -14,8 +15,14 @@ public:
 
     int run(const GlobalOptions &options) override
     {
-        if (!endRunningServices(options))
+        const bool hasEnded = endRunningServices(options);
+        if (!hasEnded)
             tell(QStringLiteral("No media service is running, so there is nothing to end."));
+        if (options.json) {
+            OrkaHash document;
+            document.setValue(QStringLiteral("ended"), hasEnded);
+            writeJson(document);
+        }
         return 0;
     }
 };

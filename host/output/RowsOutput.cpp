@@ -88,7 +88,7 @@ void RowsOutput::addToTable(const OrkaRoles &row, int number)
     m_table.add(cells, row.type() == OrkaRolesType::Container);
 }
 
-void RowsOutput::end(const CMError &error)
+void RowsOutput::end(const CMError &error, int ofOtherKinds)
 {
     if (m_json) {
         m_document->end(error);
@@ -96,11 +96,13 @@ void RowsOutput::end(const CMError &error)
     }
     if (m_rows > 0)
         m_table.write();
-    writeLine(whatPart());
+    writeLine(whatPart(ofOtherKinds));
 }
 
-QString RowsOutput::whatPart() const
+QString RowsOutput::whatPart(int ofOtherKinds) const
 {
+    if (m_rows == 0 && ofOtherKinds > 0)
+        return QStringLiteral("None of %1 rows is of this kind.").arg(ofOtherKinds);
     if (m_rows == 0) {
         return m_rowsCount == 0
             ? QStringLiteral("There are no rows.")

@@ -17,8 +17,9 @@ public:
     RowsOutput(bool json, const CMPath &path, int first, int step = 1, bool isLong = false);
 
     void add(const Rows &page);
-    /// `error` is why the rows aren't all; none where they are.
-    void end(const CMError &error = CMError());
+    /// `error` is why the rows aren't all; none where they are. `ofOtherKinds` counts those that
+    /// were left out on purpose.
+    void end(const CMError &error = CMError(), int ofOtherKinds = 0);
 
     /// So far.
     int rows() const { return m_rows; }
@@ -26,7 +27,7 @@ public:
 
 private:
     void addToTable(const OrkaRoles &row, int number);
-    QString whatPart() const;
+    QString whatPart(int ofOtherKinds) const;
 
     const bool m_json;
     const CMPath m_path;

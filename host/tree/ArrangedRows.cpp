@@ -6,6 +6,7 @@
 #include <QCollator>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,12 @@ bool isBefore(const Keyed &a, const Keyed &b)
             return order < 0;
     }
     return a.numbers < b.numbers;
+}
+
+/// What isn't known is 0, and comes last.
+long long sortable(long long number)
+{
+    return number == 0 ? std::numeric_limits<long long>::max() : number;
 }
 
 long long lengthOf(const OrkaRoles &row)
@@ -54,10 +61,11 @@ QStringList textsOf(SortKey key, const OrkaRoles &row)
 
 } // namespace
 
-ArrangedRows::ArrangedRows(RowSource &source, int first, SortKey key, const QSet<QString> &kinds,
-    std::function<int(int)> trackOf)
+ArrangedRows::ArrangedRows(RowSource &source, RowRange range, SortKey key,
+    const QSet<QString> &kinds, std::function<int(int)> trackOf)
     : m_source(source)
-    , m_number(first)
+    , m_range(range)
+    , m_number(key == SortKey::Given ? range.first : 0)
     , m_key(key)
     , m_kinds(kinds)
     , m_trackOf(std::move(trackOf))
@@ -77,6 +85,7 @@ bool ArrangedRows::readPage(Rows *page)
         }
         ++m_number;
     }
+    m_ofOtherKinds += all.size() - page->rows.size();
     return true;
 }
 
@@ -105,6 +114,11 @@ bool ArrangedRows::next(Rows *page)
         m_failure = std::current_exception();
     }
     sort(page);
+    if (!page->rows.isEmpty())
+        m_ofOtherKinds = 0; // the range alone may leave none of them
+    const int count = m_range.last - m_range.first + 1;
+    page->rows = page->rows.mid(m_range.first, count);
+    page->numbers = page->numbers.mid(m_range.first, count);
     return true;
 }
 
@@ -121,12 +135,12 @@ void ArrangedRows::sort(Rows *rows) const
         for (const QString &text : textsOf(m_key, entry.row))
             entry.texts.push_back(collator.sortKey(text));
         if (m_key == SortKey::Date)
-            entry.numbers.push_back(
-                entry.row.mediaData().metaData().value(OrkaMetaData::Date()).toLongLong());
+            entry.numbers.push_back(sortable(
+                entry.row.mediaData().metaData().value(OrkaMetaData::Date()).toLongLong()));
         if (m_key == SortKey::Length)
-            entry.numbers.push_back(lengthOf(entry.row));
+            entry.numbers.push_back(sortable(lengthOf(entry.row)));
         if (m_key == SortKey::Track || m_key == SortKey::Album)
-            entry.numbers.push_back(m_trackOf(entry.number));
+            entry.numbers.push_back(sortable(m_trackOf(entry.number)));
         keyed.push_back(entry);
     }
     std::stable_sort(keyed.begin(), keyed.end(), isBefore);

@@ -13,4 +13,6 @@ public:
     virtual bool next(Rows *page) = 0;
     /// Of the rows that there should be, how many didn't come, so far.
     virtual int lacking() const = 0;
+    /// How many were left out, so far, as their kind isn't asked for.
+    virtual int ofOtherKinds() const { return 0; }
 };

@@ -48,6 +48,7 @@ refused 2 "ends before it begins" ls Shelf --rows 5-4
 refused 2 "--wait: is a number of seconds" ls Shelf --wait soon
 refused 2 --wait ls Shelf --wait nan
 refused 2 --media-service ls Shelf --media-service x
+refused 2 "--sort: is one of title, artist" ls Shelf --sort 3
 refused 2 step sample Shelf 0,10,0
 refused 2 --artist search Shelf
 refused 2 --artist search Shelf --artist a --title b
@@ -95,6 +96,8 @@ check "a table" $'  row  kind   title    artist  album  length\n  5    track  Tr
     "$(orka ls upnp:/shelf/big --rows 5-5)"
 check "sorted, by numbers in titles too" "Track 2 Track 3 Track 3 Track 4" \
     "$(titles ls upnp:/shelf/big --sort title | sed -n 3,6p | paste -sd ' ')"
+check "part of the sorted list" "Track 2 Track 3" "$(titles ls upnp:/shelf/big --sort title --rows 2-3 | paste -sd ' ')"
+check "none of a kind" "None of 3 rows is of this kind." "$(orka ls --kind track)"
 check "one kind" "AC/DC|Big|Broken|Silent|漢字" "$(titles ls Shelf --kind folder --sort title | paste -sd '|')"
 check "the servers" "$(titles servers)" "$(titles ls)"
 check "one request" '[{"title":"AC/DC"}]' \
