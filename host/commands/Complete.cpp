@@ -1,27 +1,51 @@
+#include "Failure.h"
 #include "ShellLine.h"
+#include "chain/KeptAddresses.h"
 #include "chain/Session.h"
 #include "chain/StuckBus.h"
 #include "commands/Command.h"
 #include "output/Output.h"
 #include "tree/PlaceCompletion.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
 #include <cstdlib>
-#include <map>
 
 namespace {
 
 /// For all that is asked to complete one word.
 constexpr std::chrono::milliseconds enough(1'000);
 
-/// The values of options that have a few.
-QStringList valuesOf(const std::string &option)
+/// The words among "session|system|ADDRESS", as help shows what an option takes, or the addresses
+/// that are kept.
+QStringList valuesOf(const CLI::Option &option)
 {
-    static const std::map<std::string, const char *> values = {{"--bus", "session system"},
-        {"--media-service", "auto session bridge"}, {"--format", "table json m3u8 xspf"},
-        {"--sort", "title artist album date track length"}};
-    const auto found = values.find(option);
-    return found == values.end() ? QStringList()
-                                 : QString::fromLatin1(found->second).split(QLatin1Char(' '));
+    if (option.check_lname("forget")) {
+        try {
+            return KeptAddresses::read();
+        } catch (const Failure &) {
+            return {};
+        }
+    }
+    static const QRegularExpression word(QStringLiteral("^[a-z0-9]+$"));
+    return QString::fromStdString(option.get_type_name()).split(QLatin1Char('|')).filter(word);
+}
+
+/// "--kind" of "--kind=folder": the words of a line that name an option.
+std::string nameIn(const std::string &word)
+{
+    return word.substr(0, word.find('='));
+}
+
+/// Where the program stands in the line, behind variables that are set for it.
+int programIn(const QStringList &words)
+{
+    static const QRegularExpression variable(QStringLiteral("^[A-Za-z_]\\w*="));
+    int i = 0;
+    while (i + 1 < words.size() && variable.match(words.at(i)).hasMatch())
+        ++i;
+    return i;
 }
 
 /// Null for a word that is no option of these.
@@ -75,12 +99,13 @@ private:
     {
         const CLI::App *command = nullptr;
         const CLI::Option *open = nullptr;
-        for (int i = 1; i + 1 < parsed.words.size(); ++i) {
+        for (int i = programIn(parsed.words) + 1; i + 1 < parsed.words.size(); ++i) {
             const std::string word = parsed.words.at(i).toStdString();
             if (open != nullptr) {
                 open = nullptr; // this is its value
-            } else if (const CLI::Option *option = find(command, word)) {
-                open = option->get_items_expected_min() > 0 ? option : nullptr;
+            } else if (const CLI::Option *option = find(command, nameIn(word))) {
+                const bool hasValue = word.find('=') != std::string::npos;
+                open = option->get_items_expected_min() > 0 && !hasValue ? option : nullptr;
             } else if (command == nullptr) {
                 command = commandCalled(word);
                 if (command == nullptr)
@@ -88,8 +113,11 @@ private:
             }
         }
         const QString &text = parsed.words.last();
+        const int sign = open == nullptr ? text.indexOf(QLatin1Char('=')) : -1;
+        if (sign > 0)
+            open = find(command, nameIn(text.toStdString()));
         if (open != nullptr)
-            return beginningWith(text, valuesOf("--" + open->get_lnames().front()));
+            return values(*open, text, sign + 1);
         if (text.startsWith(QLatin1Char('-')))
             return beginningWith(text, optionNames(command));
         if (command == nullptr)
@@ -136,6 +164,18 @@ private:
         }
         names.removeDuplicates();
         return names;
+    }
+
+    /// Behind what of the text isn't the value that is being written: "--kind=folder,".
+    static QStringList values(const CLI::Option &option, const QString &text, int start)
+    {
+        const QChar delimiter = QLatin1Char(option.get_delimiter());
+        if (!delimiter.isNull())
+            start = std::max(start, text.lastIndexOf(delimiter) + 1);
+        QStringList all;
+        for (const QString &value : valuesOf(option))
+            all.append(text.left(start) + value);
+        return beginningWith(text, all);
     }
 
     static QStringList beginningWith(const QString &text, const QStringList &all)

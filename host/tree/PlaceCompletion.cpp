@@ -1,6 +1,7 @@
 #include "tree/PlaceCompletion.h"
 
 #include "chain/Session.h"
+#include "output/SafeText.h"
 #include "tree/Place.h"
 #include "tree/PlaceResolver.h"
 #include "tree/RowsReader.h"
@@ -25,11 +26,13 @@ int lengthOfParent(const QString &text)
     return length;
 }
 
-bool isOneLine(const QString &title)
+/// A shell shows the line as it is, so a title that turns it around or moves the cursor is left
+/// out.
+bool isPlain(const QString &title)
 {
-    return !title.isEmpty() && std::none_of(title.begin(), title.end(), [](QChar c) {
-        return c.category() == QChar::Other_Control;
-    });
+    const QVector<uint> characters = title.toUcs4();
+    return !title.isEmpty()
+        && std::none_of(characters.begin(), characters.end(), obeyedByTerminals);
 }
 
 } // namespace
@@ -48,7 +51,7 @@ QStringList completePlace(Session &session, const QString &text)
         const bool isFolder = row.type() == OrkaRolesType::Container;
         const QString candidate =
             parent + titleInPlace(title) + (isFolder ? QStringLiteral("/") : QString());
-        if (isOneLine(title) && candidate.startsWith(text) && !places.contains(candidate))
+        if (isPlain(title) && candidate.startsWith(text) && !places.contains(candidate))
             places.append(candidate);
     }
     return places;

@@ -134,6 +134,7 @@ check "quotes stay" '<orka><info><Shelf/AC\/DC/back\slash>' "$(completed "orka i
 check "a backslash" '<orka><info><Shelf/AC\/DC/back\slash>' "$(completed 'orka info Shelf/AC\\/DC/b' 'Shelf/AC\\/DC/b')"
 check "CJK" "<orka><ls><Shelf/漢字/>" "$(completed "orka ls Shelf/漢" "Shelf/漢")"
 check "an option, and its value" "<orka><--media-service><auto>" "$(completed "orka --media-service " "")"
+check "a value behind others" "<A=1><orka><--wait=5><ls><--kind=folder,track>" "$(completed "A=1 orka --wait=5 ls --kind=folder,t" folder,t)"
 
 # configured TEXT: doctor where orka.conf holds it.
 mkdir -p "$WORLD_DIR/config/orka"
