@@ -2,6 +2,7 @@
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
+#include "commands/ServerNotes.h"
 #include "output/Output.h"
 #include "output/TreeOutput.h"
 #include "tree/ArrangedRows.h"
@@ -12,10 +13,13 @@
 #include "tree/RowRange.h"
 #include "tree/SamplePages.h"
 #include "tree/SearchKinds.h"
+#include "tree/ServerList.h"
 #include "tree/TrackNumbers.h"
 #include "tree/TreeWalk.h"
 
+#include <algorithm>
 #include <map>
+#include <optional>
 
 namespace {
 
@@ -66,7 +70,14 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
-        return m_recursive ? writeTree(session, path) : writeRows(session, path, range);
+        std::optional<ServerNotes> notes;
+        if (path == session.root())
+            notes.emplace(session);
+        const int status = m_recursive ? writeTree(session, path) : writeRows(session, path, range);
+        if (!notes)
+            return status;
+        ServerList servers(session);
+        return std::max(status, notes->tell(servers));
     }
 
 private:

@@ -8,6 +8,7 @@
 #include "chain/Wait.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
+#include "commands/ServerNotes.h"
 #include "output/JsonOutput.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
@@ -201,7 +202,7 @@ private:
 
     static int list(Session &session, ServerList &servers)
     {
-        SignsOfLife signs(session.mediaService().servers().paths());
+        ServerNotes notes(session);
         ServerTable table;
         if (session.options().json) {
             servers.settle();
@@ -211,41 +212,7 @@ private:
             servers.settle([&](const ServerList::Servers &now) { table.add(now); });
             table.add(servers.servers());
         }
-        QStringList problems = session.mediaService().namedServers().problems();
-        const QStringList missing = servers.missing();
-        for (const QString &path : missing)
-            problems.append(leftOut(session, path));
-        const NetworkReport report = NetworkReport::read();
-        const bool isEmpty = table.isEmpty() && servers.servers().isEmpty();
-        const bool isCutOff = isEmpty && report.isCutOff();
-        if (isCutOff || (isEmpty && problems.isEmpty() && !session.options().json))
-            tell(noServersSentence(report));
-        for (const QString &problem :
-            problems + report.absent + unknownSearches(session, servers) + signs.problems())
-            tell(problem);
-        return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
-    }
-
-    static QStringList unknownSearches(const Session &session, ServerList &servers)
-    {
-        QStringList sentences;
-        for (const OrkaRoles &server : servers.servers()) {
-            if (server.search().isEmpty())
-                sentences.append(searchUnknown(session, server.path()));
-        }
-        sentences.removeAll(QString());
-        return sentences;
-    }
-
-    static QString leftOut(const Session &session, const QString &server)
-    {
-        const ServiceCalls service(std::min(session.options().timeout, questionLimit));
-        const QString name =
-            valueOf(service.property(server, QStringLiteral("FriendlyName"))).toString();
-        return QStringLiteral("The media server %1 is left out: the media service lists it, but "
-                              "does not tell all about it. It may not answer; try again with a "
-                              "longer --wait.")
-            .arg(quoted(name.isEmpty() ? server : name));
+        return notes.tell(servers);
     }
 
     static int watch(Session &session, ServerList &servers)

@@ -1,0 +1,60 @@
+#include "commands/ServerNotes.h"
+
+#include "chain/NetworkReport.h"
+#include "chain/ServiceCalls.h"
+#include "chain/Session.h"
+#include "output/Output.h"
+#include "output/SafeText.h"
+#include "tree/SearchKinds.h"
+#include "tree/ServerList.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds questionLimit(1000);
+
+QString leftOut(const Session &session, const QString &server)
+{
+    const ServiceCalls service(std::min(session.options().timeout, questionLimit));
+    const QString name =
+        valueOf(service.property(server, QStringLiteral("FriendlyName"))).toString();
+    return QStringLiteral("The media server %1 is left out: the media service lists it, but does "
+                          "not tell all about it. It may not answer; try again with a longer "
+                          "--wait.")
+        .arg(quoted(name.isEmpty() ? server : name));
+}
+
+QStringList unknownSearches(const Session &session, ServerList &servers)
+{
+    QStringList sentences;
+    for (const OrkaRoles &server : servers.servers()) {
+        if (server.search().isEmpty())
+            sentences.append(searchUnknown(session, server.path()));
+    }
+    sentences.removeAll(QString());
+    return sentences;
+}
+
+} // namespace
+
+ServerNotes::ServerNotes(const Session &session)
+    : m_session(session)
+    , m_signs(session.mediaService().servers().paths())
+{
+}
+
+int ServerNotes::tell(ServerList &servers)
+{
+    QStringList problems = m_session.mediaService().namedServers().problems();
+    const QStringList missing = servers.missing();
+    for (const QString &path : missing)
+        problems.append(leftOut(m_session, path));
+    const NetworkReport report = NetworkReport::read();
+    const bool isEmpty = servers.servers().isEmpty();
+    const bool isCutOff = isEmpty && report.isCutOff();
+    if (isCutOff || (isEmpty && problems.isEmpty() && !m_session.options().json))
+        ::tell(noServersSentence(report));
+    for (const QString &problem :
+        problems + report.absent + unknownSearches(m_session, servers) + m_signs.problems())
+        ::tell(problem);
+    return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
+}
