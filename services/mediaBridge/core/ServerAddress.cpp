@@ -54,12 +54,14 @@ bool setHost(ServerAddress &address, std::string host)
 
 std::optional<ServerAddress> parseUrl(const std::string &text)
 {
-    char *scheme = nullptr, *host = nullptr, *path = nullptr, *query = nullptr;
+    char *scheme = nullptr, *user = nullptr, *host = nullptr, *path = nullptr, *query = nullptr;
     int port = 0;
-    const bool isUrl = g_uri_split(text.c_str(), G_URI_FLAGS_ENCODED, &scheme, nullptr, &host,
-                           &port, &path, &query, nullptr, nullptr)
+    const bool isUrl = g_uri_split(text.c_str(), G_URI_FLAGS_ENCODED, &scheme, &user, &host, &port,
+                           &path, &query, nullptr, nullptr)
         != FALSE;
     const std::string protocol = takeString(scheme);
+    const bool hasUser = user != nullptr;
+    g_free(user);
     std::string name = takeString(host);
     ServerAddress address;
     address.path = takeString(path);
@@ -70,7 +72,7 @@ std::optional<ServerAddress> parseUrl(const std::string &text)
     address.port = static_cast<uint16_t>(port > 0 ? port : httpPort);
     if (const size_t percent = name.find("%25"); percent != std::string::npos)
         name.erase(percent + 1, 2);
-    if (!isUrl || g_ascii_strcasecmp(protocol.c_str(), "http") != 0
+    if (!isUrl || hasUser || g_ascii_strcasecmp(protocol.c_str(), "http") != 0
         || !setHost(address, std::move(name)))
         return std::nullopt;
     return address;
@@ -120,10 +122,15 @@ std::optional<ServerAddress> parseServerAddress(const std::string &text)
 
 std::string notAnAddress(const std::string &text)
 {
-    return "\"" + shortened(text, longestQuoted)
-        + "\" is no address: give a host (nas, 10.0.0.2), a host and its port (nas:8200) or the "
-          "URL "
-          "of a description (http://nas:8200/rootDesc.xml).";
+    const std::string what = "\"" + shortened(text, longestQuoted) + "\" is no address: ";
+    const size_t protocol = text.find("://");
+    if (protocol != std::string::npos && g_ascii_strncasecmp(text.c_str(), "http:", 5) != 0)
+        return what + "media servers are asked over http:// alone.";
+    if (protocol != std::string::npos && text.find('@') < text.find('/', protocol + 3))
+        return what + "media servers are asked without a user name; leave it out.";
+    return what
+        + "give a host (nas, 10.0.0.2), a host and its port (nas:8200) or the "
+          "URL of a description (http://nas:8200/rootDesc.xml).";
 }
 
 std::vector<std::string> descriptionUrls(

@@ -26,7 +26,8 @@ struct ServerAddress
     std::string text() const;
 };
 
-/// Nothing where `text` is none: empty, longer than 1,024 bytes, another protocol than "http".
+/// Nothing where `text` is none: empty, longer than 1,024 bytes, another protocol than
+/// "http", with a user name.
 std::optional<ServerAddress> parseServerAddress(const std::string &text);
 
 /// What to say of a text that is none.

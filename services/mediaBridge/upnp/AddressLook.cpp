@@ -194,7 +194,16 @@ void AddressLook::described(const Host &host, const std::string &url, const Http
     Reached reached = reading.isDevice ? Reached::Description : Reached::Service;
     if (reply.outcome != HttpOutcome::Answered)
         reached = reply.outcome == HttpOutcome::TimedOut ? Reached::Nothing : Reached::Machine;
-    failed(reached, url + ' ' + whatIsWrong(reply, reading.problem));
+    failed(reached, named(url, host) + ' ' + whatIsWrong(reply, reading.problem));
+}
+
+/// With its network interface as it was named, not by number.
+std::string AddressLook::named(std::string url, const Host &host) const
+{
+    const size_t scope = url.find("%25");
+    return host.scope == 0 || scope == std::string::npos
+        ? url
+        : url.replace(scope + 3, url.find(']') - scope - 3, m_address.scope);
 }
 
 void AddressLook::heard(const std::string &udn, const Route &route, unsigned maxAge)

@@ -52,6 +52,7 @@ private:
     void answered(const Host &host, const std::string &url, HttpReply answer);
     void described(const Host &host, const std::string &url, const HttpReply &reply,
         const DescriptionReading &reading);
+    std::string named(std::string url, const Host &host) const;
     void heard(const std::string &udn, const Route &route, unsigned maxAge);
     void failed(Reached reached, std::string problem);
     void oneEnded();

@@ -160,7 +160,10 @@ DescriptionReading readDescription(
     if (description.friendlyName.empty())
         description.friendlyName = description.udn;
     if (description.controlUrl.empty() || !isProperUdn(description.udn))
-        return {{}, whatIsWrong(description, device), true};
+        return {{},
+            document.isWhole() ? whatIsWrong(description, device)
+                               : "can't be read: its XML is cut off or broken",
+            true};
     return {std::move(description), {}, true};
 }
 
