@@ -101,6 +101,29 @@ void listMany(DBusConnection *bus, const std::string &server, int count)
         dbus_connection_read_write_dispatch(bus, 10);
 }
 
+void introspectMany(DBusConnection *bus)
+{
+    for (int i = 0; i < 30'000; ++i)
+        send(bus,
+            newCall("/com/intel/dLeynaServer/server", DBUS_INTERFACE_INTROSPECTABLE, "Introspect"));
+    dbus_connection_flush(bus);
+    for (int i = 0; i < 100; ++i)
+        dbus_connection_read_write_dispatch(bus, 10);
+}
+
+/// New names of 1,250 machines, 12,000 a second.
+void announceMany()
+{
+    static unsigned name = 0;
+    for (const unsigned last = name + 1'200; name < last; ++name) {
+        const std::string host =
+            "10.78." + std::to_string(name / 250 % 5) + '.' + std::to_string(1 + name % 250);
+        announce("uuid:" + std::to_string(name), host.c_str(), 9);
+        if (name % 120 == 0)
+            usleep(10000);
+    }
+}
+
 void sendDescriptors(DBusConnection *bus)
 {
     const int descriptor = eventfd(0, EFD_CLOEXEC);
@@ -123,7 +146,7 @@ void serveDecently(const std::string &request, const Send &send)
         return request.find(what) != std::string::npos;
     };
     if (request.compare(0, 4, "GET ") == 0)
-        send(httpAnswer(description(hostileUdn)));
+        send(httpAnswer(description(request.substr(5, request.find(' ', 5) - 5))));
     else if (asks("#GetSearchCapabilities"))
         send(httpAnswer(soapResult("GetSearchCapabilities", "<SearchCaps/>")));
     else if (asks("#GetSortCapabilities"))
@@ -226,6 +249,11 @@ std::vector<Attack> attacks()
         [](DBusConnection *bus, const std::string &server) {
             listOnce(bus, server, 0);
         }});
+    all.push_back({"introspection of 100 servers", {}, {}, 100,
+        [](DBusConnection *bus, const std::string &) { introspectMany(bus); }, false, 1'000});
+    all.push_back({"names of 1,250 machines", {}, {}, 0, [](DBusConnection *, const std::string &) {
+                       announceMany();
+                   }});
     all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
     return all;
 }

@@ -23,6 +23,8 @@ struct Attack
     std::function<void(DBusConnection *bus, const std::string &server)> call = {};
     /// The bus takes nothing while the bridge is to end.
     bool stopsBus = false;
+    /// What a listing may take, in milliseconds, where the calls of this client stand before it.
+    double listingMs = 0;
 };
 
 std::vector<Attack> attacks();

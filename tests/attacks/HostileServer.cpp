@@ -1,6 +1,7 @@
 #include "HostileServer.h"
 
 #include <arpa/inet.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <thread>
@@ -52,16 +53,7 @@ HostileServer::~HostileServer()
 
 void HostileServer::announce(const std::string &udn) const
 {
-    const std::string type = "urn:schemas-upnp-org:device:MediaServer:1";
-    const std::string text = "NOTIFY * HTTP/1.1\r\nHOST: 239.255.255.250:1900\r\nCACHE-CONTROL: "
-                             "max-age=1800\r\nLOCATION: http://10.77.0.1:"
-        + std::to_string(m_port) + "/\r\nNT: " + type + "\r\nNTS: ssdp:alive\r\nUSN: " + udn
-        + "::" + type + "\r\nSERVER: x\r\n\r\n";
-    const int udp = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in own = address("10.77.0.1", 0), all = address("239.255.255.250", 1900);
-    bind(udp, reinterpret_cast<const sockaddr *>(&own), sizeof own);
-    sendto(udp, text.data(), text.size(), 0, reinterpret_cast<const sockaddr *>(&all), sizeof all);
-    close(udp);
+    ::announce(udn, "10.77.0.1", m_port);
 }
 
 void HostileServer::accept()
@@ -105,6 +97,23 @@ void HostileServer::converse(int connection)
     }
     close(connection);
     --m_threads;
+}
+
+void announce(const std::string &udn, const char *host, unsigned short port)
+{
+    const std::string type = "urn:schemas-upnp-org:device:MediaServer:1";
+    const std::string text = "NOTIFY * HTTP/1.1\r\nHOST: 239.255.255.250:1900\r\nCACHE-CONTROL: "
+                             "max-age=1800\r\nLOCATION: http://"
+        + (host + (':' + std::to_string(port))) + '/' + udn + "\r\nNT: " + type
+        + "\r\nNTS: ssdp:alive\r\nUSN: " + udn + "::" + type + "\r\nSERVER: x\r\n\r\n";
+    const int udp = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0), yes = 1;
+    setsockopt(udp, SOL_IP, IP_TRANSPARENT, &yes, sizeof yes);
+    const in_addr lan = address("10.77.0.1", 0).sin_addr;
+    setsockopt(udp, SOL_IP, IP_MULTICAST_IF, &lan, sizeof lan);
+    const sockaddr_in own = address(host, 0), all = address("239.255.255.250", 1900);
+    bind(udp, reinterpret_cast<const sockaddr *>(&own), sizeof own);
+    sendto(udp, text.data(), text.size(), 0, reinterpret_cast<const sockaddr *>(&all), sizeof all);
+    close(udp);
 }
 
 std::string httpAnswer(const std::string &body, const std::string &moreHeaders)

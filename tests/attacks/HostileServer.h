@@ -17,7 +17,7 @@ public:
     /// Closes every connection and leaves without a word.
     ~HostileServer();
 
-    /// Says that a device with this UDN is here.
+    /// Says that a device with this UDN is here; its description stands at its name.
     void announce(const std::string &udn) const;
     int requests() const { return m_requests; }
 
@@ -33,6 +33,8 @@ private:
     std::atomic<int> m_threads{0};
 };
 
+/// Announces a device, also from an address that no interface has.
+void announce(const std::string &udn, const char *host, unsigned short port);
 /// A complete answer.
 std::string httpAnswer(const std::string &body, const std::string &moreHeaders = {});
 /// A description with this in front of the end of its device element.
