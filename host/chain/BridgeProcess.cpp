@@ -1,18 +1,29 @@
 #include "chain/BridgeProcess.h"
 
+#include "chain/Bus.h"
 #include "chain/BusDaemon.h"
 #include "chain/Installation.h"
+#include "chain/ServiceStarter.h"
 #include "chain/UsersBus.h"
+#include "chain/Wait.h"
 #include "output/SafeText.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTimer>
 
+#include <csignal>
 #include <sys/stat.h>
 
 namespace {
+
+/// A bridge of an older program takes no longer to end.
+constexpr std::chrono::milliseconds endLimit(3'000);
+/// Of two installed programs that are used at once, neither ends what the other has just started.
+constexpr std::chrono::milliseconds leastAge(3'000);
+constexpr int lookEvery = 10; // milliseconds
 
 /// In a lasting bridge's environment, before what identifies its program file.
 const QByteArray markName = QByteArrayLiteral("ORKA_BRIDGE_FILE=");
@@ -46,6 +57,14 @@ QByteArray markOf(uint process)
             return entry;
     }
     return QByteArray();
+}
+
+bool isOutdated(uint process, const GlobalOptions &options)
+{
+    const QByteArray running = markOf(process);
+    const QString program = programOf(options);
+    const bool canBeRun = QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
+    return !running.isEmpty() && canBeRun && running != markOf(program);
 }
 
 /// Without what the bus says at each start where it may not open more files; it does without.
@@ -165,10 +184,19 @@ bool BridgeProcess::isLasting(uint process)
     return !markOf(process).isEmpty();
 }
 
-bool BridgeProcess::isOutdated(uint process, const GlobalOptions &options)
+bool BridgeProcess::endedOutdated(const Bus &bus, const GlobalOptions &options)
 {
-    const QByteArray running = markOf(process);
-    const QString program = programOf(options);
-    const bool canBeRun = QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
-    return !running.isEmpty() && canBeRun && running != markOf(program);
+    const QString service = ServiceStarter::busName();
+    const QString owner = bus.owner(service);
+    const uint process = bus.processOf(owner);
+    if (!options.mayStartService || !isOutdated(process, options) || bus.ageOf(owner) < leastAge
+        || kill(pid_t(process), SIGTERM) != 0)
+        return false;
+    Wait wait(endLimit);
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
+    look.start(lookEvery);
+    if (!wait.until([&] { return bus.owner(service).isEmpty(); }))
+        kill(pid_t(process), SIGKILL);
+    return true;
 }

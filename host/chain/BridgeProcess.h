@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class Bus;
 class UsersBus;
 
 /// The bridge's program, and the process that we start of it: one that ends with us, or one that
@@ -37,8 +38,9 @@ public:
 
     /// Whether the process is a bridge that an earlier command left running.
     static bool isLasting(uint process);
-    /// Whether it is one, of another program file than a new one would be.
-    static bool isOutdated(uint process, const GlobalOptions &options);
+    /// Whether the service on the bus was one of another program file than a new one would be; it
+    /// has been ended.
+    static bool endedOutdated(const Bus &bus, const GlobalOptions &options);
 
 signals:
     void ended();

@@ -14,16 +14,10 @@
 #include <QDBusError>
 #include <QTimer>
 
-#include <csignal>
-
 namespace {
 
 constexpr std::chrono::seconds startLimit(10);
 constexpr std::chrono::milliseconds leastStartTime(1'000);
-/// A bridge of an older program takes no longer to end.
-constexpr std::chrono::milliseconds endLimit(3'000);
-/// Of two installed programs that are used at once, neither ends what the other has just started.
-constexpr std::chrono::milliseconds leastAge(3'000);
 constexpr int lookEvery = 10; // milliseconds
 /// A media service that is silent for so long hangs.
 constexpr std::chrono::milliseconds answerLimit(5'000);
@@ -51,41 +45,11 @@ QString tookTooLong(std::chrono::milliseconds limit)
     return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000);
 }
 
-Failure blockedBy(const QVector<pid_t> &processes)
-{
-    QStringList numbers;
-    for (const pid_t process : processes)
-        numbers.append(QString::number(process));
-    return missing(QStringLiteral("noMediaService"),
-        QStringLiteral("The media service could not be started: an earlier one neither answers nor "
-                       "ends%1. \"orka stop\" ends it.")
-            .arg(numbers.isEmpty()
-                    ? QString()
-                    : QStringLiteral(" (process %1)").arg(numbers.join(QStringLiteral(", ")))));
-}
-
 /// However short the time for an answer is, a bus and a service need theirs.
 GlobalOptions withTimeToStart(GlobalOptions options)
 {
     options.timeout = std::max(options.timeout, leastStartTime);
     return options;
-}
-
-/// Whether the service was a bridge of ours that an older program had left; it has been ended.
-bool endedOutdated(const Bus &bus, const GlobalOptions &options)
-{
-    const QString owner = bus.owner(ServiceStarter::busName());
-    const uint process = bus.processOf(owner);
-    if (!options.mayStartService || !BridgeProcess::isOutdated(process, options)
-        || bus.ageOf(owner) < leastAge || kill(pid_t(process), SIGTERM) != 0)
-        return false;
-    Wait wait(endLimit);
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
-    look.start(lookEvery);
-    if (!wait.until([&] { return bus.owner(ServiceStarter::busName()).isEmpty(); }))
-        kill(pid_t(process), SIGKILL);
-    return true;
 }
 
 } // namespace
@@ -202,7 +166,7 @@ void ServiceStarter::useUsersBus(UsersBus &users)
         return isOnUsersBus(users);
     });
     if (!inTime && !isStarting)
-        throw blockedBy(users.holders());
+        throw users.blocked();
     if (!inTime)
         m_bridge->fail(tookTooLong(startTime()));
     m_bridge->isStarted();
@@ -213,7 +177,8 @@ bool ServiceStarter::isOnUsersBus(const UsersBus &users)
     const bool isOpen = orkaDBusConnection().isConnected()
         || (users.isListening() && openInTime(m_bus, remaining()));
     const Bus bus(orkaDBusConnection(), remaining());
-    return isOpen && !bus.owner(busName()).isEmpty() && !endedOutdated(bus, m_options);
+    return isOpen && !bus.owner(busName()).isEmpty()
+        && !BridgeProcess::endedOutdated(bus, m_options);
 }
 
 /// False where the bridge has to do it; throws where it mustn't.
@@ -224,7 +189,7 @@ bool ServiceStarter::useServiceOnBus()
     if (m_options.mediaService == MediaServiceSource::Bridge
         && !BridgeProcess::isLasting(bus.processOf(owner)))
         return false;
-    if (!owner.isEmpty() && !endedOutdated(bus, m_options))
+    if (!owner.isEmpty() && !BridgeProcess::endedOutdated(bus, m_options))
         return true;
     requireMayStart();
     QString why = QStringLiteral("nothing on it owns or can be started as %1").arg(busName());

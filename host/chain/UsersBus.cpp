@@ -94,6 +94,19 @@ QVector<pid_t> UsersBus::holders() const
     return found;
 }
 
+Failure UsersBus::blocked() const
+{
+    QStringList numbers;
+    for (const pid_t process : holders())
+        numbers.append(QString::number(process));
+    return missing(QStringLiteral("noMediaService"),
+        QStringLiteral("The media service could not be started: an earlier one neither answers nor "
+                       "ends%1. \"orka stop\" ends it.")
+            .arg(numbers.isEmpty()
+                    ? QString()
+                    : QStringLiteral(" (process %1)").arg(numbers.join(QStringLiteral(", ")))));
+}
+
 bool UsersBus::isListening() const
 {
     const QByteArray path = QFile::encodeName(m_socket);

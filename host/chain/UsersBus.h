@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Failure.h"
+
 #include <QFile>
 #include <QString>
 #include <QVector>
@@ -28,6 +30,8 @@ public:
     bool isListening() const;
     /// Removes the socket that a bus left which was killed. Only with the lock taken.
     void removeSocket() const { QFile::remove(m_socket); }
+    /// Neither can the lock be taken, nor does whoever has it answer.
+    Failure blocked() const;
     /// The processes that hold the lock: the bus and the bridge, or a command that starts them.
     QVector<pid_t> holders() const;
 
