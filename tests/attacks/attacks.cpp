@@ -133,9 +133,10 @@ struct Figures
     bool areGood(bool isShortRound, double listingMs) const
     {
         const double patience = isShortRound ? 10 : 1;
+        const double enough = isShortRound ? qMax(listingMs, 200.0) : listingMs;
         const double late = qMax(50.0, 3 * bus.last());
-        return isAlive && isQuiet && endMs <= 1000 && newMs <= 10000 && mebibytes <= 150
-            && during.at(0.5) <= qMax(listingMs, patience * 2 * before.at(0.5))
+        return isAlive && isQuiet && endMs <= 1000 && newMs <= (isShortRound ? 20000 : 10000)
+            && mebibytes <= 150 && during.at(0.5) <= qMax(enough, patience * 2 * before.at(0.5))
             && during.at(0.99) <= qMax(listingMs, patience * late)
             && turn <= patience * qMax(20.0, 2 * bus.last());
     }
