@@ -92,7 +92,7 @@ void killHolders(UsersBus &users)
     for (const pid_t process : users.holders())
         kill(process, SIGKILL);
     if (!endsWithin(killLimit, [&] { return users.take(); }))
-        throw staysThere(QStringLiteral("on your private bus"));
+        throw users.blocked();
     users.removeSocket();
 }
 

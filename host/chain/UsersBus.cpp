@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QUrl>
 
 #include <cerrno>
@@ -37,6 +38,15 @@ int openLock(const QString &path)
                 .arg(quoted(path), QString::fromLocal8Bit(std::strerror(error))));
     }
     return lock;
+}
+
+/// A program of ours, or the bus that one starts.
+bool isOurs(const QString &processFolder)
+{
+    const QString program =
+        QFileInfo(QFile::symLinkTarget(processFolder + QStringLiteral("exe"))).fileName();
+    return program.startsWith(QLatin1String("orka"))
+        || program.startsWith(QLatin1String("dbus-daemon"));
 }
 
 /// As it stands in a bus's address.
@@ -81,7 +91,7 @@ QVector<pid_t> UsersBus::holders() const
     for (const QString &process : processes.entryList({QStringLiteral("[1-9]*")}, QDir::Dirs)) {
         const QString folder = QStringLiteral("/proc/%1/").arg(process);
         QDirIterator files(folder + QStringLiteral("fd"), QDir::Files | QDir::System);
-        while (process != self && files.hasNext()) {
+        while (process != self && isOurs(folder) && files.hasNext()) {
             if (QFile::symLinkTarget(files.next()) != m_lockFile)
                 continue;
             QFile info(folder + QStringLiteral("fdinfo/") + files.fileName());
@@ -99,12 +109,15 @@ Failure UsersBus::blocked() const
     QStringList numbers;
     for (const pid_t process : holders())
         numbers.append(QString::number(process));
+    const QString reason = numbers.isEmpty()
+        ? QStringLiteral("a program that isn't ours holds the file %1. End that, or do without "
+                         "with --linger 0.")
+              .arg(quoted(m_lockFile))
+        : QStringLiteral("an earlier one neither answers nor ends (process %1). \"orka stop\" ends "
+                         "it.")
+              .arg(numbers.join(QStringLiteral(", ")));
     return missing(QStringLiteral("noMediaService"),
-        QStringLiteral("The media service could not be started: an earlier one neither answers nor "
-                       "ends%1. \"orka stop\" ends it.")
-            .arg(numbers.isEmpty()
-                    ? QString()
-                    : QStringLiteral(" (process %1)").arg(numbers.join(QStringLiteral(", ")))));
+        QStringLiteral("The media service could not be started: ") + reason);
 }
 
 bool UsersBus::isListening() const

@@ -32,7 +32,7 @@ public:
     void removeSocket() const { QFile::remove(m_socket); }
     /// Neither can the lock be taken, nor does whoever has it answer.
     Failure blocked() const;
-    /// The processes that hold the lock: the bus and the bridge, or a command that starts them.
+    /// Processes of ours that hold the lock: the bus and the bridge, or a command that starts them.
     QVector<pid_t> holders() const;
 
 private:
