@@ -29,6 +29,14 @@ Failure problemOf(const QString &address, const QDBusError &error)
     const bool noReply = error.type() == QDBusError::NoReply || error.type() == QDBusError::Timeout;
     if (noReply)
         return notSaid(address);
+    const bool hasLeft = error.type() == QDBusError::Disconnected
+        || error.type() == QDBusError::ServiceUnknown
+        || error.name().endsWith(QLatin1String(".NameHasNoOwner"));
+    if (hasLeft) {
+        return serviceLeft(QStringLiteral("The media service left before it had looked at %1. Run "
+                                          "the command again.")
+                               .arg(quoted(address)));
+    }
     return Failure(AnsweredWithError, name,
         QStringLiteral("This media service can't be told to look at %1: %2. The bridge can: "
                        "--media-service bridge.")

@@ -16,6 +16,8 @@ namespace {
 
 /// For all that is asked to complete one word.
 constexpr std::chrono::milliseconds enough(1'000);
+/// For servers that are still looked for: who types waits for those that are there only.
+constexpr std::chrono::milliseconds lookingFor(50);
 
 /// The words among "session|system|ADDRESS", as help shows what an option takes, or the addresses
 /// that are kept.
@@ -192,7 +194,7 @@ private:
     {
         options.mayStartService = false;
         options.timeout = std::min(options.timeout, enough);
-        options.wait = std::min(options.wait, enough);
+        options.wait = std::min(options.wait, lookingFor);
         try {
             Session session(options);
             return completePlace(session, text);

@@ -154,11 +154,12 @@ private:
         KeptAddresses::check(m_add);
         KeptAddresses::add(m_add);
         options.servers.prepend(m_add); // the first that is looked at
-        const ServiceStarter service(options);
+        ServiceStarter service(options);
         const NamedServers &servers = service.namedServers();
         Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
         QObject::connect(&servers, &NamedServers::changed, &wait, &Wait::wake);
         wait.until([&] { return !servers.isPending(m_add); });
+        service.requireSameOwner();
         servers.requireFound(m_add);
         return tellKept(options, m_add, true);
     }
