@@ -4,10 +4,12 @@
 #include "chain/Session.h"
 #include "chain/Wait.h"
 #include "commands/Command.h"
+#include "commands/ServerNotes.h"
 #include "output/Output.h"
 #include "tree/Gathering.h"
 #include "tree/NodeKind.h"
 #include "tree/PlaceResolver.h"
+#include "tree/ServerList.h"
 
 #include <api/core/orka.h>
 
@@ -43,6 +45,19 @@ Gathering::Kinds kindsOf(const std::vector<std::string> &names)
     return kinds;
 }
 
+/// Where everything is asked for: the servers that should be in it and aren't.
+QVector<Failure> lackingIn(Session &session, const QVector<CMPath> &paths)
+{
+    QVector<Failure> failures;
+    if (!paths.contains(session.root()))
+        return failures;
+    ServerList servers(session);
+    const QStringList sentences = lackingServers(session, servers);
+    for (const QString &sentence : sentences)
+        failures.append(Failure(AnsweredWithError, QStringLiteral("incomplete"), sentence));
+    return failures;
+}
+
 QVector<Failure> gatherWhole(Session &session, const GatherOptions &options,
     const QVector<Place> &places, const QVector<CMPath> &paths, const Take &take)
 {
@@ -50,12 +65,13 @@ QVector<Failure> gatherWhole(Session &session, const GatherOptions &options,
     for (int i = 0; i < paths.size(); ++i)
         gathering.add(paths.at(i), places.at(i).text);
     gathering.finish();
+    const QVector<Failure> failures = gathering.failures() + lackingIn(session, paths);
     if (gathering.items() > 0)
-        return gathering.failures();
-    if (!gathering.failures().isEmpty()) {
-        for (const Failure &failure : gathering.failures().mid(1, reasonsTold))
+        return failures;
+    if (!failures.isEmpty()) {
+        for (const Failure &failure : failures.mid(1, reasonsTold))
             tell(failure.sentence());
-        throw gathering.failures().first();
+        throw Failure(failures.first());
     }
     if (gathering.otherKinds() > 0) {
         tell(QStringLiteral("There is nothing of this kind, but %1 of others; --kind all takes "

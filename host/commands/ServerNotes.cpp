@@ -36,6 +36,19 @@ QStringList unknownSearches(const Session &session, ServerList &servers)
 
 } // namespace
 
+QStringList lackingServers(const Session &session, ServerList &servers)
+{
+    QStringList problems;
+    const NetworkReport report = NetworkReport::read();
+    if (servers.servers().isEmpty() && report.isCutOff())
+        problems.append(noServersSentence(report));
+    problems += session.mediaService().namedServers().problems();
+    const QStringList missing = servers.missing();
+    for (const QString &path : missing)
+        problems.append(leftOut(session, path));
+    return problems;
+}
+
 ServerNotes::ServerNotes(const Session &session)
     : m_session(session)
     , m_signs(session.mediaService().servers().paths())
@@ -44,17 +57,12 @@ ServerNotes::ServerNotes(const Session &session)
 
 int ServerNotes::tell(ServerList &servers)
 {
-    QStringList problems = m_session.mediaService().namedServers().problems();
-    const QStringList missing = servers.missing();
-    for (const QString &path : missing)
-        problems.append(leftOut(m_session, path));
+    const QStringList lacking = lackingServers(m_session, servers);
     const NetworkReport report = NetworkReport::read();
-    const bool isEmpty = servers.servers().isEmpty();
-    const bool isCutOff = isEmpty && report.isCutOff();
-    if (isCutOff || (isEmpty && problems.isEmpty() && !m_session.options().json))
+    if (servers.servers().isEmpty() && lacking.isEmpty() && !m_session.options().json)
         ::tell(noServersSentence(report));
     for (const QString &problem :
-        problems + report.absent + unknownSearches(m_session, servers) + m_signs.problems())
+        lacking + report.absent + unknownSearches(m_session, servers) + m_signs.problems())
         ::tell(problem);
-    return problems.isEmpty() && !isCutOff ? Answered : AnsweredWithError;
+    return lacking.isEmpty() ? Answered : AnsweredWithError;
 }

@@ -5,6 +5,10 @@
 class ServerList;
 class Session;
 
+/// Sentences about the servers that a list of all lacks: those named that can't be reached, those
+/// of which the media service doesn't tell all; that none can be reached without a network.
+QStringList lackingServers(const Session &session, ServerList &servers);
+
 /// What a list of the media servers doesn't say by itself: who should be in it and isn't, and who
 /// is and can't be reached.
 class ServerNotes
