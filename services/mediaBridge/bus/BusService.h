@@ -96,6 +96,7 @@ private:
     std::shared_ptr<size_t> m_callCount = std::make_shared<size_t>(0);
     /// Calls that were not looked at yet, by the caller's unique name.
     TurnQueue<BusCallPtr> m_waiting;
+    /// As many of a client as the bus lets wait for an answer.
     TurnQueue<Refused> m_refused;
     Timer m_nextTurn;
 };

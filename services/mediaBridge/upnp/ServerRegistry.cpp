@@ -208,8 +208,7 @@ std::vector<std::string> ServerRegistry::absent() const
     std::vector<std::string> sentences;
     for (const auto &[path, server] : m_absent) {
         const auto tracker = m_trackers.find(path);
-        const bool isAwaited = tracker != m_trackers.end() && tracker->second->isAwaited();
-        if (!isAwaited && !isReplaced(server))
+        if (tracker == m_trackers.end() || !tracker->second->isAwaited())
             sentences.push_back(server.sentence);
     }
     for (const auto &[path, tracker] : m_trackers) {
@@ -221,14 +220,15 @@ std::vector<std::string> ServerRegistry::absent() const
     return sentences;
 }
 
-/// It was installed anew, say: there is another one in its place.
-bool ServerRegistry::isReplaced(const Absent &server) const
+/// Whoever had the place before isn't missed: it was installed anew, say.
+void ServerRegistry::forgetAbsentAt(const std::string &location)
 {
-    return std::any_of(m_trackers.begin(), m_trackers.end(), [&](const auto &entry) {
-        const auto other = entry.second->announced();
-        const auto url = other ? parseHttpUrl(other->description().location) : std::nullopt;
-        return url && url->host == server.location.host && url->port == server.location.port;
-    });
+    const auto url = parseHttpUrl(location);
+    for (auto absent = m_absent.begin(); url && absent != m_absent.end();) {
+        const HttpUrl &its = absent->second.location;
+        const bool isThere = its.host == url->host && its.port == url->port;
+        absent = isThere ? m_absent.erase(absent) : std::next(absent);
+    }
 }
 
 std::vector<std::string> ServerRegistry::awaited() const
@@ -343,6 +343,7 @@ void ServerRegistry::changed(const std::shared_ptr<MediaServer> &server, bool is
     remember(*m_trackers.at(path));
     m_awaited.erase(path);
     m_absent.erase(path);
+    forgetAbsentAt(server->description().location);
     const bool areAllThere = m_awaited.empty() && !m_hasMissed && m_named.areAllThere();
     if (m_isRecalling && areAllThere) {
         m_isRecalling = false;

@@ -60,7 +60,7 @@ private:
         std::string sentence;
     };
 
-    bool isReplaced(const Absent &server) const;
+    void forgetAbsentAt(const std::string &location);
     void announced(const std::string &udn, const Route &route, unsigned maxAge);
     bool heard(const std::string &udn, const Route &route, unsigned maxAge);
     std::string troubleOf(const ServerTracker &tracker) const;
