@@ -146,10 +146,7 @@ void ServiceStarter::useUsersBus(UsersBus &users)
 {
     m_bus = users.address();
     m_busDescription = QStringLiteral("the private bus of this user");
-    if (users.isListening())
-        openInTime(m_bus, remaining());
-    else
-        orkaOpenDBusConnection(m_bus); // what was open before isn't this one
+    openInTime(m_bus, remaining()); // what was open before isn't this one
     bool isStarting = false;
     Wait wait(startTime(), QStringLiteral("Starting the media service"));
     QTimer look;

@@ -63,7 +63,7 @@ UsersBus::UsersBus()
     m_socket = folder + QStringLiteral("/bus");
     m_address = QStringLiteral("unix:path=") + escaped(m_socket);
     m_lockFile = folder + QStringLiteral("/lock");
-    if (m_socket.toLocal8Bit().size() >= int(sizeof(sockaddr_un::sun_path))) {
+    if (QFile::encodeName(m_socket).size() >= int(sizeof(sockaddr_un::sun_path))) {
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The name %1 is too long for a socket. Name a shorter folder in "
                            "XDG_RUNTIME_DIR, or do without with --linger 0.")
