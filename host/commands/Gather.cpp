@@ -1,5 +1,6 @@
 #include "commands/Gather.h"
 
+#include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
@@ -52,7 +53,7 @@ QVector<Failure> lackingIn(Session &session, const QVector<CMPath> &paths)
     if (!paths.contains(session.root()))
         return failures;
     ServerList servers(session);
-    const QStringList sentences = lackingServers(session, servers);
+    const QStringList sentences = lackingServers(session, servers, NetworkReport::read());
     for (const QString &sentence : sentences)
         failures.append(Failure(AnsweredWithError, QStringLiteral("incomplete"), sentence));
     return failures;

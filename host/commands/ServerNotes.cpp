@@ -36,10 +36,9 @@ QStringList unknownSearches(const Session &session, ServerList &servers)
 
 } // namespace
 
-QStringList lackingServers(const Session &session, ServerList &servers)
+QStringList lackingServers(const Session &session, ServerList &servers, const NetworkReport &report)
 {
     QStringList problems;
-    const NetworkReport report = NetworkReport::read();
     if (servers.servers().isEmpty() && report.isCutOff())
         problems.append(noServersSentence(report));
     problems += session.mediaService().namedServers().problems();
@@ -57,8 +56,8 @@ ServerNotes::ServerNotes(const Session &session)
 
 int ServerNotes::tell(ServerList &servers)
 {
-    const QStringList lacking = lackingServers(m_session, servers);
     const NetworkReport report = NetworkReport::read();
+    const QStringList lacking = lackingServers(m_session, servers, report);
     if (servers.servers().isEmpty() && lacking.isEmpty() && !m_session.options().json)
         ::tell(noServersSentence(report));
     for (const QString &problem :

@@ -4,10 +4,12 @@
 
 class ServerList;
 class Session;
+struct NetworkReport;
 
 /// Sentences about the servers that a list of all lacks: those named that can't be reached, those
 /// of which the media service doesn't tell all; that none can be reached without a network.
-QStringList lackingServers(const Session &session, ServerList &servers);
+QStringList lackingServers(
+    const Session &session, ServerList &servers, const NetworkReport &report);
 
 /// What a list of the media servers doesn't say by itself: who should be in it and isn't, and who
 /// is and can't be reached.
