@@ -39,3 +39,9 @@ bool Failure::isServiceLeft() const
 {
     return m_error.name() == leftName;
 }
+
+bool Failure::isServiceMissing() const
+{
+    return m_error.name() == QLatin1String("noMediaService")
+        || m_error.name() == QLatin1String("noBus");
+}

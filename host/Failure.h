@@ -31,6 +31,8 @@ public:
     const CMError &error() const { return m_error; }
     /// The media service left while it was asked: another, or one that is started, may answer.
     bool isServiceLeft() const;
+    /// There is no media service, or no bus that one could be on.
+    bool isServiceMissing() const;
 
     const char *what() const noexcept override { return m_what.constData(); }
 

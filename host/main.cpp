@@ -105,7 +105,7 @@ int runWithAnyService(Command &command, const GlobalOptions &options)
         try {
             return command.run(options);
         } catch (const Failure &second) {
-            if (second.status() != Missing)
+            if (!second.isServiceMissing())
                 throw;
             if (deadline.hasExpired())
                 throw Failure(*first); // which is why there is none
