@@ -1,5 +1,6 @@
 #include "Settings.h"
 
+#include "ServerAddress.h"
 #include "output/SafeText.h"
 
 #include <QDir>
@@ -142,7 +143,10 @@ QStringList Settings::list() const
         list.append(origin == m_origins.end()
                 ? QStringLiteral("%1 (command line)").arg(text)
                 : QStringLiteral("%1 %2 (%3)")
-                      .arg(text, origin->second.value, origin->second.place));
+                      .arg(text,
+                          QString::fromStdString(
+                              bridge::withoutPassword(origin->second.value.toStdString())),
+                          origin->second.place));
     }
     return list;
 }

@@ -1,11 +1,11 @@
 #include "chain/KeptAddresses.h"
 
 #include "Failure.h"
+#include "ServerAddress.h"
 #include "chain/Wait.h"
 #include "output/SafeText.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QTimer>
@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr int longestAddress = 1000;
 constexpr int longestFile = 1'000'000;
 /// Others hold the lock for milliseconds.
 constexpr std::chrono::seconds lockLimit(3);
@@ -112,44 +111,18 @@ QString addressIn(const QByteArray &line)
     return text.startsWith(QLatin1Char('#')) ? QString() : text;
 }
 
-/// Why nothing can be looked for there; empty where it can.
-QString whatIsWrong(const QString &address)
-{
-    static const QRegularExpression hostAndPort(
-        QStringLiteral("^(?:\\w[\\w.-]*|\\[[0-9a-f:.]+(?:%(?:25)?[\\w.-]+)?\\])(?::(\\d{1,5}))?$"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
-    static const QRegularExpression ipv6(
-        QStringLiteral("^[0-9a-f.]*:[0-9a-f.]*:[0-9a-f:.]*(%[\\w.-]+)?$"),
-        QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression url(QStringLiteral("^([a-z]+)://([^/?\\s]+)([/?][^\\s]*)?$"),
-        QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch parts = url.match(address);
-    const QString host = parts.hasMatch() ? parts.captured(2) : address;
-    const QRegularExpressionMatch place = hostAndPort.match(host);
-    const bool isPlain = std::none_of(address.begin(), address.end(),
-        [](QChar c) { return c.category() == QChar::Other_Control; });
-    if (isPlain && parts.hasMatch() && parts.captured(1).toLower() != QLatin1String("http"))
-        return QStringLiteral("media servers are asked over http:// alone");
-    if (isPlain && parts.hasMatch() && host.contains(QLatin1Char('@')))
-        return QStringLiteral("media servers are asked without a user name. Leave it out");
-    if (!isPlain || address.size() > longestAddress
-        || !(place.hasMatch() || ipv6.match(address).hasMatch())) {
-        return QStringLiteral("write a host name or IP, host:port, or the URL of a description");
-    }
-    const QString port = place.captured(1);
-    return port.isEmpty() || (port.toInt() > 0 && port.toInt() <= 65535)
-        ? QString()
-        : QStringLiteral("ports go from 1 to 65535");
-}
-
 } // namespace
+
+QString KeptAddresses::shown(const QString &address)
+{
+    return quoted(QString::fromStdString(bridge::withoutPassword(address.toStdString())));
+}
 
 void KeptAddresses::check(const QString &address)
 {
-    const QString why = whatIsWrong(address);
-    if (!why.isEmpty())
-        throw wrongUsage(
-            QStringLiteral("%1 is no address of a media server: %2.").arg(quoted(address), why));
+    std::string problem;
+    if (!bridge::parseServerAddress(address.toStdString(), &problem))
+        throw wrongUsage(QString::fromStdString(problem));
 }
 
 QStringList KeptAddresses::read()

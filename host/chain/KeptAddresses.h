@@ -6,6 +6,9 @@
 /// Lines that are empty or begin with # count for nothing, but stay, as does what isn't UTF-8.
 namespace KeptAddresses {
 
+/// For sentences, between quotation marks; without a password.
+QString shown(const QString &address);
+
 /// Throws Failure (wrong usage) for what can't be an address, and says why.
 void check(const QString &address);
 

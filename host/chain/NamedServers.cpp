@@ -1,6 +1,7 @@
 #include "chain/NamedServers.h"
 
 #include "MediaServiceNames.h"
+#include "chain/KeptAddresses.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
 
@@ -18,7 +19,7 @@ Failure notSaid(const QString &address)
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
         QStringLiteral("The media service has not said in time what is at %1. Try again with a "
                        "longer --timeout.")
-            .arg(quoted(address)));
+            .arg(KeptAddresses::shown(address)));
 }
 
 Failure problemOf(const QString &address, const QDBusError &error)
@@ -35,12 +36,12 @@ Failure problemOf(const QString &address, const QDBusError &error)
     if (hasLeft) {
         return serviceLeft(QStringLiteral("The media service left before it had looked at %1. Run "
                                           "the command again.")
-                               .arg(quoted(address)));
+                               .arg(KeptAddresses::shown(address)));
     }
     return Failure(AnsweredWithError, name,
         QStringLiteral("This media service can't be told to look at %1: %2. The bridge can: "
                        "--media-service bridge.")
-            .arg(quoted(address), safeText(error.message())));
+            .arg(KeptAddresses::shown(address), safeText(error.message())));
 }
 
 } // namespace

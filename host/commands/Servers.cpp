@@ -181,7 +181,7 @@ private:
             const QStringList kept = KeptAddresses::read();
             throw missing(QStringLiteral("noSuchAddress"),
                 QStringLiteral("The address %1 isn't kept; %2.")
-                    .arg(quoted(m_forget),
+                    .arg(KeptAddresses::shown(m_forget),
                         kept.isEmpty() ? QStringLiteral("none is")
                                        : QStringLiteral("these are: ")
                                 + safeText(kept.join(QStringLiteral(", ")))));
@@ -196,7 +196,7 @@ private:
             throw Failure(NoAnswer, QStringLiteral("noAnswer"),
                 QStringLiteral("The address %1 isn't kept any more, but the media service has not "
                                "said in time that it no longer looks there. \"orka stop\" ends it.")
-                    .arg(quoted(m_forget)));
+                    .arg(KeptAddresses::shown(m_forget)));
         }
         return tellKept(options, m_forget, false);
     }

@@ -60,9 +60,10 @@ std::string usualMemory()
 std::string complete(Options &options, const Given &given)
 {
     for (const std::string &text : given.servers) {
-        const auto address = parseServerAddress(text);
+        std::string problem;
+        const auto address = parseServerAddress(text, &problem);
         if (!address)
-            return "--server: " + notAnAddress(text);
+            return "--server: " + problem;
         options.servers.push_back(*address);
     }
     if (given.noCache)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Log.h"
-#include "core/ServerAddress.h"
+#include "ServerAddress.h"
 
 #include <string>
 #include <vector>

@@ -5,9 +5,10 @@ namespace bridge {
 void MediaService::addServer(const BusCallPtr &call, const Target &)
 {
     const std::string text = call->arguments().text();
-    const auto address = parseServerAddress(text);
+    std::string problem;
+    const auto address = parseServerAddress(text, &problem);
     if (!address) {
-        call->fail({errors::notReached, notAnAddress(text)});
+        call->fail({errors::notReached, problem});
         return;
     }
     m_registry.addNamed(*address, [call](const std::string &path, const Failure &failure) {
@@ -21,9 +22,10 @@ void MediaService::addServer(const BusCallPtr &call, const Target &)
 void MediaService::forgetServer(const BusCallPtr &call, const Target &)
 {
     const std::string text = call->arguments().text();
-    const auto address = parseServerAddress(text);
+    std::string problem;
+    const auto address = parseServerAddress(text, &problem);
     if (!address) {
-        call->fail({errors::invalidArgs, notAnAddress(text)});
+        call->fail({errors::invalidArgs, problem});
         return;
     }
     m_registry.forgetNamed(*address);

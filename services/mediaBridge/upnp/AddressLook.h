@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ServerAddress.h"
+#include "ServerAddress.h"
 #include "core/Timer.h"
 #include "upnp/DescriptionLook.h"
 

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+/// How people name a media server by its address, for the bridge and the host: what one takes, the
+/// other takes, too.
 namespace bridge {
 
 /// Where somebody wants a media server to be looked for: a host, a host and a port, or the URL of
@@ -14,7 +16,8 @@ struct ServerAddress
 {
     /// A name in small letters or a numeric address, without brackets and scope.
     std::string host;
-    /// The interface that a link-local IPv6 address is good on, by name or number.
+    /// The interface that a link-local IPv6 address is good on, by name or number; such an address
+    /// alone has one.
     std::string scope;
     /// 0 where none was given.
     uint16_t port = 0;
@@ -26,12 +29,13 @@ struct ServerAddress
     std::string text() const;
 };
 
-/// Nothing where `text` is none: empty, longer than 1,024 bytes, another protocol than
-/// "http", with a user name.
-std::optional<ServerAddress> parseServerAddress(const std::string &text);
+/// Nothing where `text` is none, and why in a sentence: longer than 1,024 bytes, another protocol
+/// than "http", a user name. The interface may stand behind "%" or "%25".
+std::optional<ServerAddress> parseServerAddress(
+    const std::string &text, std::string *problem = nullptr);
 
-/// What to say of a text that is none.
-std::string notAnAddress(const std::string &text);
+/// `text` as it may be shown: where it is no address, without all that may be a password in it.
+std::string withoutPassword(const std::string &text);
 
 /// URLs at which the description may be, once the host is known by its number. `numericHost` is as
 /// it stands in a URL. With a path it is one; else those of common servers.
