@@ -22,10 +22,31 @@ constexpr unsigned searchGapsMs[] = {300, 700, 1'200};
 constexpr unsigned descriptionAge = 1'800;
 constexpr size_t maxHosts = 4;
 
+/// The interface's number; 0 where there is none now.
 unsigned scopeOf(const std::string &name)
 {
     const unsigned index = if_nametoindex(name.c_str());
-    return index != 0 ? index : parseAs<uint32_t>(name).value_or(0);
+    char known[IF_NAMESIZE];
+    const unsigned number = parseAs<uint32_t>(name).value_or(0);
+    return index == 0 && if_indextoname(number, known) ? number : index;
+}
+
+/// In their order, but IPv4 and IPv6 in turn: the family that doesn't work here leaves room for the
+/// other.
+std::vector<GInetAddress *> inTurns(GList *addresses)
+{
+    std::vector<std::pair<size_t, GInetAddress *>> numbered;
+    std::map<GSocketFamily, size_t> count;
+    for (; addresses; addresses = addresses->next) {
+        auto *address = static_cast<GInetAddress *>(addresses->data);
+        numbered.emplace_back(count[g_inet_address_get_family(address)]++, address);
+    }
+    std::stable_sort(numbered.begin(), numbered.end(),
+        [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::vector<GInetAddress *> ordered;
+    for (const auto &[number, address] : numbered)
+        ordered.push_back(address);
+    return ordered;
 }
 
 } // namespace
@@ -41,7 +62,8 @@ AddressLook::AddressLook(ServerAddress address, unsigned source, Heard heard, Do
 AddressLook::~AddressLook()
 {
     g_cancellable_cancel(m_cancellable.get());
-    m_session->abort();
+    for (const auto &session : m_sessions)
+        session->abort();
 }
 
 void AddressLook::start()
@@ -75,8 +97,10 @@ void AddressLook::resolved(GObject *resolver, GAsyncResult *result, gpointer dat
 
 void AddressLook::take(GList *addresses)
 {
-    for (; addresses && m_hosts.size() < maxHosts; addresses = addresses->next)
-        take(static_cast<GInetAddress *>(addresses->data));
+    for (GInetAddress *address : inTurns(addresses)) {
+        if (m_hosts.size() < maxHosts)
+            take(address);
+    }
     if (m_hosts.empty())
         return;
     if (m_address.path.empty())
@@ -93,13 +117,17 @@ void AddressLook::take(GInetAddress *address)
     host.numeric = takeString(g_inet_address_to_string(address));
     host.scope = isLinkLocal && !isIPv4 ? scopeOf(m_address.scope) : 0;
     host.rank = (isIPv4 ? 0 : 1) + (isLinkLocal ? 2 : 0);
-    if (isLinkLocal && !isIPv4 && host.scope == 0)
-        failed(Reached::Nothing,
-            "The address " + host.numeric
-                + " is good on one link only; name its network interface, as in \"" + host.numeric
-                + "%eth0\"");
-    else
+    if (!isLinkLocal || isIPv4 || host.scope != 0)
         m_hosts.push_back(std::move(host));
+    else if (m_address.scope.empty())
+        failed(Reached::Nothing,
+            "The name \"" + m_address.host + "\" stands for " + host.numeric
+                + ", which is good on one link only; name its network interface, as in \""
+                + host.numeric + "%eth0\"");
+    else
+        failed(Reached::Nothing,
+            "There is no network interface \"" + m_address.scope + "\" now, on which "
+                + host.numeric + " could be reached");
 }
 
 void AddressLook::startSearch()
@@ -157,10 +185,11 @@ void AddressLook::answeredSearch(std::string_view packet, const std::string &sen
 void AddressLook::askForDescriptions()
 {
     for (const Host &host : m_hosts) {
+        const auto session = m_sessions.emplace_back(HttpSession::create());
         for (const std::string &url :
             descriptionUrls(m_address, urlHost(host.numeric, host.scope))) {
             ++m_underWay;
-            m_session->get(url, limits::descriptionBytes, descriptionMs,
+            session->get(url, limits::descriptionBytes, descriptionMs,
                 [weak = weak_from_this(), host, url](HttpReply reply) {
                     if (const auto self = weak.lock())
                         self->answered(host, url, std::move(reply));

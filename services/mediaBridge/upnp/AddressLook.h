@@ -10,7 +10,8 @@
 namespace bridge {
 
 /// Looks once for media servers at an address that somebody named: resolves its name, sends
-/// searches to the machine itself and asks for descriptions where they may be. Main thread only.
+/// searches to the machine itself and asks for descriptions where they may be, at all numbers that
+/// the name stands for at once. Main thread only.
 class AddressLook : public std::enable_shared_from_this<AddressLook>
 {
 public:
@@ -66,7 +67,8 @@ private:
     std::vector<Host> m_hosts;
     /// By family.
     std::map<int, std::unique_ptr<UdpSocket>> m_sockets;
-    std::shared_ptr<HttpSession> m_session = HttpSession::create();
+    /// One for each host, so that one which is silent holds up no other.
+    std::vector<std::shared_ptr<HttpSession>> m_sessions;
     Timer m_search;
     Timer m_resolving;
     unsigned m_underWay = 0;
