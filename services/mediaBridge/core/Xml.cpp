@@ -32,12 +32,22 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
+/// Where this character is next, or the text's end; find() would be called for each.
+size_t nextOf(char character, const std::string &text, size_t from)
+{
+    const void *found = from < text.size()
+        ? std::memchr(text.data() + from, character, text.size() - from)
+        : nullptr;
+    return found ? static_cast<size_t>(static_cast<const char *>(found) - text.data())
+                 : text.size();
+}
+
 /// Ends the text where there would be more of this character than so many.
 void cutBehind(std::string &text, char character, size_t most)
 {
-    size_t position = 0;
-    for (size_t count = 0; (position = text.find(character, position)) != std::string::npos;
-         ++position) {
+    size_t position = nextOf(character, text, 0);
+    for (size_t count = 0; position < text.size();
+         position = nextOf(character, text, position + 1)) {
         if (++count > most) {
             text.resize(position);
             return;
@@ -47,7 +57,7 @@ void cutBehind(std::string &text, char character, size_t most)
 
 bool mayFollowBracket(char c)
 {
-    return g_ascii_isalpha(c) || std::strchr("/!?_:", c) || static_cast<unsigned char>(c) >= 0x80;
+    return std::strchr("!?_:", c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
 /// What isn't looked into: "<![CDATA[" or "<!--"; where it begins, its end, else `position`.
@@ -65,7 +75,9 @@ void escapeStrayBrackets(std::string &text)
 {
     std::string escaped;
     size_t done = 0;
-    for (size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at + 1)) {
+    for (size_t at = nextOf('<', text, 0); at + 1 < text.size(); at = nextOf('<', text, at + 1)) {
+        if (g_ascii_isalpha(text[at + 1]) || text[at + 1] == '/')
+            continue; // as nearly always
         at = behindSection(text, at);
         if (at + 1 >= text.size() || text[at] != '<' || mayFollowBracket(text[at + 1]))
             continue;
