@@ -52,7 +52,6 @@ class ORKA_API_EXPORT OrkaNetworkSoftApInterface : public OrkaHash
 
     static const QString &Aps();
 
-    void setAps(const OrkaList<OrkaNetworkSoftAp> &aps) { setValue(Aps(), QVariantList(aps)); }
     QList<OrkaNetworkSoftAp> aps() const;
 };
 
@@ -69,10 +68,6 @@ class ORKA_API_EXPORT OrkaNetworkInfo : public OrkaHash
     void setWireless(const OrkaNetworkWirelessInterface &interface)
     {
         setValue(Wireless(), interface.toVariant());
-    }
-    void setSoftAp(const OrkaNetworkSoftApInterface &softAp)
-    {
-        setValue(SoftAp(), softAp.toVariant());
     }
 
     OrkaNetworkWiredInterface wired() const { return fromVariant(value(Wired())); }
