@@ -1,11 +1,13 @@
 #include "chain/LastingProcess.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +18,21 @@ namespace {
 constexpr unsigned busStartLimit = 10; // seconds
 constexpr int addressDescriptor = 3;
 constexpr int longestSaid = 4000;
+constexpr int graceMilliseconds = 500;
+
+/// Whether the writers of a pipe end in that time.
+bool endsWithin(int milliseconds, int reader)
+{
+    const QDeadlineTimer deadline(milliseconds);
+    for (;;) {
+        pollfd ready{reader, POLLIN, 0};
+        char bytes[1024];
+        if (poll(&ready, 1, int(deadline.remainingTime())) <= 0)
+            return false;
+        if (read(reader, bytes, sizeof bytes) <= 0)
+            return true;
+    }
+}
 
 /// A vector of C strings, made before the fork: nothing may be allocated after it.
 class Words
@@ -150,6 +167,7 @@ LastingProcess::LastingProcess(const Plan &plan)
         m_said = std::strerror(errno);
     else
         waitpid(child, nullptr, 0);
+    m_group = child; // it has made itself its leader
     close(nothing);
     close(said[1]);
     m_reader = said[0];
@@ -159,7 +177,18 @@ LastingProcess::LastingProcess(const Plan &plan)
 
 LastingProcess::~LastingProcess()
 {
+    if (m_reader >= 0 && m_group > 0)
+        end();
     letGo();
+}
+
+void LastingProcess::end() const
+{
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        kill(-m_group, signal);
+        if (endsWithin(graceMilliseconds, m_reader))
+            return;
+    }
 }
 
 /// Its standard error has no end before it has ended itself.

@@ -6,9 +6,11 @@
 #include <QStringList>
 
 #include <memory>
+#include <sys/types.h>
 
 /// A program that we start and that outlives us: in a session of its own, at the root folder, with
-/// none of our descriptors. A message bus may be started before it, which ends with it.
+/// none of our descriptors. A message bus may be started before it, which ends with it. Until it is
+/// let go, it ends with this, and whatever it started.
 class LastingProcess : public QObject
 {
     Q_OBJECT
@@ -43,7 +45,10 @@ signals:
 
 private:
     void listen();
+    void end() const;
 
+    /// Its processes, as the kernel numbers them together.
+    pid_t m_group = -1;
     int m_reader = -1;
     std::unique_ptr<QSocketNotifier> m_notifier;
     QByteArray m_said;

@@ -42,7 +42,7 @@ bool openInTime(const QString &bus, std::chrono::milliseconds limit)
 
 QString tookTooLong(std::chrono::milliseconds limit)
 {
-    return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000);
+    return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000, 0, 'g', 2);
 }
 
 /// However short the time for an answer is, a bus and a service need theirs.
@@ -148,7 +148,8 @@ void ServiceStarter::useUsersBus(UsersBus &users)
     m_busDescription = QStringLiteral("the private bus of this user");
     openInTime(m_bus, remaining()); // what was open before isn't this one
     bool isStarting = false;
-    Wait wait(startTime(), QStringLiteral("Starting the media service"));
+    const std::chrono::milliseconds limit = startTime();
+    Wait wait(limit, QStringLiteral("Starting the media service"));
     QTimer look;
     connect(&look, &QTimer::timeout, &wait, &Wait::wake);
     look.start(lookEvery);
@@ -165,7 +166,7 @@ void ServiceStarter::useUsersBus(UsersBus &users)
     if (!inTime && !isStarting)
         throw users.blocked();
     if (!inTime)
-        m_bridge->fail(tookTooLong(startTime()));
+        m_bridge->fail(tookTooLong(limit));
     m_bridge->isStarted();
 }
 
