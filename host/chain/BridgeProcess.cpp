@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTimer>
 
 #include <csignal>
 #include <sys/stat.h>
@@ -23,7 +22,6 @@ namespace {
 constexpr std::chrono::milliseconds endLimit(3'000);
 /// Of two installed programs that are used at once, neither ends what the other has just started.
 constexpr std::chrono::milliseconds leastAge(3'000);
-constexpr int lookEvery = 10; // milliseconds
 
 /// In a lasting bridge's environment, before what identifies its program file.
 const QByteArray markName = QByteArrayLiteral("ORKA_BRIDGE_FILE=");
@@ -192,11 +190,10 @@ bool BridgeProcess::endedOutdated(const Bus &bus, const GlobalOptions &options)
     if (!options.mayStartService || !isOutdated(process, options) || bus.ageOf(owner) < leastAge
         || kill(pid_t(process), SIGTERM) != 0)
         return false;
-    Wait wait(endLimit);
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
-    look.start(lookEvery);
-    if (!wait.until([&] { return bus.owner(service).isEmpty(); }))
-        kill(pid_t(process), SIGKILL);
+    const auto hasLeft = [&] {
+        return bus.owner(service) != owner;
+    };
+    if (!Wait(endLimit).poll(hasLeft) && kill(pid_t(process), SIGKILL) == 0)
+        Wait(endLimit).poll(hasLeft);
     return true;
 }

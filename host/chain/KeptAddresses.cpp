@@ -8,7 +8,6 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
-#include <QTimer>
 
 #include <algorithm>
 #include <cerrno>
@@ -20,7 +19,6 @@ namespace {
 constexpr int longestFile = 1'000'000;
 /// Others hold the lock for milliseconds.
 constexpr std::chrono::seconds lockLimit(3);
-constexpr int lookEvery = 10; // milliseconds
 
 using Lines = QList<QByteArray>;
 
@@ -52,10 +50,7 @@ public:
         if (!m_file.open(QIODevice::WriteOnly))
             throw notKept(m_file.errorString());
         Wait wait(lockLimit, QStringLiteral("Waiting for another command"));
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
-        look.start(lookEvery);
-        if (!wait.until([this] { return take(); })) {
+        if (!wait.poll([this] { return take(); })) {
             throw notKept(QStringLiteral("another command has been at it for %1 s. Try again when "
                                          "it has ended")
                               .arg(lockLimit.count()));

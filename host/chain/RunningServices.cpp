@@ -13,7 +13,6 @@
 #include <api/core/orka.h>
 
 #include <QFile>
-#include <QTimer>
 #include <QVector>
 
 #include <algorithm>
@@ -25,15 +24,10 @@ constexpr std::chrono::milliseconds endLimit(5'000);
 /// Nothing survives SIGKILL for longer.
 constexpr std::chrono::milliseconds killLimit(2'000);
 constexpr std::chrono::milliseconds answerLimit(1'000);
-constexpr int lookEvery = 10; // milliseconds
 
 bool endsWithin(std::chrono::milliseconds limit, const std::function<bool()> &ended)
 {
-    Wait wait(limit, QStringLiteral("Ending the media service"));
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &wait, &Wait::wake);
-    look.start(lookEvery);
-    return wait.until(ended);
+    return Wait(limit, QStringLiteral("Ending the media service")).poll(ended);
 }
 
 Failure staysThere(const QString &program)

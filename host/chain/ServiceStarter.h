@@ -3,10 +3,9 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "MediaServiceNames.h"
-#include "chain/BridgeProcess.h"
-#include "chain/BusDaemon.h"
 #include "chain/NamedServers.h"
 #include "chain/ServiceServers.h"
+#include "chain/ServiceStart.h"
 
 #include <QDBusServiceWatcher>
 #include <QDateTime>
@@ -14,13 +13,8 @@
 
 #include <memory>
 
-class Bus;
-class UsersBus;
-
-/// Makes sure that a media service is on the bus of `orkaDBusConnection()`, which it opens: it
-/// takes the one that the bus has or can activate, or starts our bridge, on a private bus where
-/// there is no session bus. A bridge that it starts stays for the next command (--linger), or ends
-/// with it.
+/// The media service on the bus of `orkaDBusConnection()`, which was there or is started. A bridge
+/// that is started stays for the next command (--linger), or ends with this.
 class ServiceStarter : public QObject
 {
     Q_OBJECT
@@ -33,11 +27,11 @@ public:
     static QString busName() { return QLatin1String(mediaService::busName); }
 
     /// "session bus", "the private bus …": for people.
-    const QString &busDescription() const { return m_busDescription; }
+    const QString &busDescription() const { return m_start->busDescription(); }
     /// "session", "system" or the bus's address.
-    const QString &bus() const { return m_bus; }
+    const QString &bus() const { return m_start->bus(); }
     /// Whether the service ends with this.
-    bool isForThisRun() const { return m_bridge && m_bridge->isChild(); }
+    bool isForThisRun() const { return m_start->bridge() && m_start->bridge()->isChild(); }
     bool isBridge() const { return m_isBridge; }
     /// Whether a bridge that stays for later commands is used, and since when it runs.
     bool isLasting() const;
@@ -74,30 +68,12 @@ signals:
 private:
     Failure silence() const;
     void begin();
-    void openBus();
-    void startPrivately();
-    void requireMayStart() const;
-    void startBus();
-    std::unique_ptr<UsersBus> usersBus() const;
-    void useUsersBus(UsersBus &users);
-    bool isOnUsersBus(const UsersBus &bus);
-    bool useServiceOnBus();
-    void startBridge();
-    void takenName();
-    void waitForBridge();
-    /// For a service to be there.
-    std::chrono::milliseconds startTime() const;
-    std::chrono::milliseconds remaining() const;
     void watch();
     void meet(const QString &owner);
     void leave();
 
     const GlobalOptions m_options;
-    QElapsedTimer m_clock;
-    QString m_bus;
-    QString m_busDescription;
-    std::unique_ptr<BusDaemon> m_busDaemon;
-    std::unique_ptr<BridgeProcess> m_bridge;
+    std::unique_ptr<ServiceStart> m_start;
     QDBusServiceWatcher m_watcher;
     /// The service's unique name on the bus.
     QString m_owner;

@@ -5,6 +5,10 @@
 
 #include <QTimer>
 
+namespace {
+constexpr int lookEvery = 10; // milliseconds
+} // namespace
+
 Wait::Wait(std::chrono::milliseconds limit, const QString &doing)
     : m_limit(limit)
     , m_doing(doing)
@@ -37,6 +41,14 @@ bool Wait::until(const std::function<bool()> &done)
         if (!m_woken)
             m_loop.exec();
     }
+}
+
+bool Wait::poll(const std::function<bool()> &done)
+{
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, &Wait::wake);
+    look.start(lookEvery);
+    return until(done);
 }
 
 void Wait::wake()

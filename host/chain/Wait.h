@@ -19,6 +19,8 @@ public:
     /// Runs the event loop until `done` is true (true) or the limit has passed (false). `done` is
     /// asked at once and after every wake(). Throws InterruptedBySignal on Ctrl-C.
     bool until(const std::function<bool()> &done);
+    /// The same where no signal tells: `done` is asked every 10 ms, too.
+    bool poll(const std::function<bool()> &done);
     /// Until the limit has passed.
     void pass();
 
