@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -67,6 +68,13 @@ UsersBus::UsersBus()
         throw missing(QStringLiteral("noBus"),
             QStringLiteral("The name %1 is too long for a socket. Name a shorter folder in "
                            "XDG_RUNTIME_DIR, or do without with --linger 0.")
+                .arg(quoted(m_socket)));
+    }
+    struct stat found = {};
+    if (lstat(QFile::encodeName(m_socket).constData(), &found) == 0 && !S_ISSOCK(found.st_mode)) {
+        throw missing(QStringLiteral("noBus"),
+            QStringLiteral("The media service can't be kept, since its bus belongs at %1 and "
+                           "something else is there. Remove that, or do without with --linger 0.")
                 .arg(quoted(m_socket)));
     }
     m_lock = openLock(m_lockFile);
