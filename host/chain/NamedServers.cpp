@@ -69,6 +69,12 @@ void NamedServers::send(const QString &address, std::chrono::milliseconds limit)
     });
 }
 
+bool NamedServers::hasAnswered(const QString &address) const
+{
+    const auto problem = m_problems.find(address);
+    return !isPending(address) && (problem == m_problems.end() || problem->status() != NoAnswer);
+}
+
 QStringList NamedServers::problems() const
 {
     QStringList sentences;

@@ -22,6 +22,8 @@ public:
     /// Whether the media service still looks at one of them.
     bool isPending() const { return !m_pending.isEmpty(); }
     bool isPending(const QString &address) const { return m_pending.contains(address); }
+    /// Whether it has said what is there, be it nothing.
+    bool hasAnswered(const QString &address) const;
     /// A sentence for each address where none was found, so far.
     QStringList problems() const;
     /// That the media server at the address was found. Throws Failure where it wasn't, or where the

@@ -125,19 +125,23 @@ QString ServiceStarter::program() const
     return Bus(orkaDBusConnection(), m_options.timeout).describeOwner(m_owner);
 }
 
-bool ServiceStarter::answers()
+bool ServiceStarter::answers(const QString &address)
 {
     // One that was just started may search first, whatever the time for an answer is.
     Wait wait(std::max(std::min(m_options.timeout, answerLimit), m_servers->untilSettled()),
         QStringLiteral("Asking the media service"));
     connect(m_servers.get(), &ServiceServers::changed, &wait, &Wait::wake);
+    connect(m_namedServers.get(), &NamedServers::changed, &wait, &Wait::wake);
     connect(this, &ServiceStarter::gone, &wait, &Wait::wake);
-    return wait.until([this] { return m_servers->state() != ServiceServers::Asked || !m_there; });
+    return wait.until([&] {
+        return m_servers->state() != ServiceServers::Asked || !m_there
+            || (!address.isNull() && m_namedServers->hasAnswered(address));
+    });
 }
 
-void ServiceStarter::requireAnswer()
+void ServiceStarter::requireAnswer(const QString &address)
 {
-    if (!answers())
+    if (!answers(address))
         throw silence();
     requireThere();
 }

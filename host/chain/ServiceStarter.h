@@ -43,10 +43,11 @@ public:
     const ServiceServers &servers() const { return *m_servers; }
     /// Those that are named by their address.
     const NamedServers &namedServers() const { return *m_namedServers; }
-    /// Waits for its first answer, 5 s and --timeout at most. Returns whether one came.
-    bool answers();
+    /// Waits for its first answer, 5 s and --timeout at most, to any question or to that about
+    /// `address`, if one is named. Returns whether it came.
+    bool answers(const QString &address = QString());
     /// Throws Failure (no answer) where it doesn't.
-    void requireAnswer();
+    void requireAnswer(const QString &address = QString());
     /// The same where it doesn't answer a ping in a second: then it hangs, not a media server.
     void requireSignOfLife() const;
     /// False after gone().

@@ -156,9 +156,12 @@ private:
         options.servers.prepend(m_add); // the first that is looked at
         ServiceStarter service(options);
         const NamedServers &servers = service.namedServers();
+        service.requireAnswer(m_add);
         Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
         QObject::connect(&servers, &NamedServers::changed, &wait, &Wait::wake);
         wait.until([&] { return !servers.isPending(m_add); });
+        if (!servers.hasAnswered(m_add))
+            service.requireSignOfLife();
         service.requireSameOwner();
         servers.requireFound(m_add);
         return tellKept(options, m_add, true);
@@ -186,6 +189,19 @@ private:
                                        : QStringLiteral("these are: ")
                                 + safeText(kept.join(QStringLiteral(", ")))));
         }
+        try {
+            tellService(options);
+        } catch (const Failure &failure) {
+            if (!failure.isServiceMissing())
+                throw;
+        }
+        return tellKept(options, m_forget, false);
+    }
+
+    /// Where one is running.
+    void tellService(GlobalOptions options) const
+    {
+        options.mayStartService = false;
         const ServiceStarter service(options);
         const QDBusMessage reply =
             Bus(orkaDBusConnection(), std::min(options.timeout, questionLimit))
@@ -198,7 +214,6 @@ private:
                                "said in time that it no longer looks there. \"orka stop\" ends it.")
                     .arg(KeptAddresses::shown(m_forget)));
         }
-        return tellKept(options, m_forget, false);
     }
 
     static int list(Session &session, ServerList &servers)
