@@ -1,5 +1,7 @@
 #include "GlobalOptions.h"
 
+#include "Text.h"
+
 #include <CLI/CLI.hpp>
 #include <map>
 #include <regex>
@@ -25,8 +27,9 @@ CLI::Option *addText(
 std::string isPrefix(const std::string &text)
 {
     static const std::regex letters("[A-Za-z0-9._-]+");
-    return std::regex_match(text, letters) ? ""
-                                           : "is made of letters, digits, \".\", \"_\" and \"-\"";
+    return std::regex_match(text, letters)
+        ? std::string()
+        : Text::tr("is made of letters, digits, \".\", \"_\" and \"-\"").toStdString();
 }
 
 void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const char *help,
@@ -38,7 +41,8 @@ void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const cha
                bool isNumber = false;
                const double seconds = argument(text).toDouble(&isNumber);
                if (!isNumber || !(seconds >= 0 && seconds <= longest)) { // nan is a number, too
-                   throw CLI::ValidationError(name, "is a number of seconds from 0 to 86400");
+                   throw CLI::ValidationError(
+                       name, Text::tr("is a number of seconds from 0 to 86400").toStdString());
                }
                target = Milliseconds(qRound64(seconds * 1000));
                if (isNamed != nullptr)
@@ -54,43 +58,46 @@ void addSeconds(CLI::App &app, const char *name, Milliseconds &target, const cha
 void addGlobalOptions(CLI::App &app, GlobalOptions &options)
 {
     addText(app, "--plugin", options.plugin,
-        "The worker's library; this installation's where none is\nnamed", "FILE");
-    addText(app, "--prefix", options.prefix, "First part of the worker's node paths (upnp)", "NAME")
+        Text::mark("The worker's library; this installation's where none is\nnamed"), "FILE");
+    addText(app, "--prefix", options.prefix,
+        Text::mark("First part of the worker's node paths (upnp)"), "NAME")
         ->check(CLI::Validator(isPrefix, "", "prefix"));
-    addText(app, "--service-id", options.serviceId, "Service id that the worker puts into its rows",
-        "ID");
-    addText(app, "--bus", options.bus, "session (the default), system or a D-Bus address",
-        "session|system|ADDRESS");
+    addText(app, "--service-id", options.serviceId,
+        Text::mark("Service id that the worker puts into its rows"), "ID");
+    addText(app, "--bus", options.bus,
+        Text::mark("session (the default), system or a D-Bus address"), "session|system|ADDRESS");
     const std::map<std::string, MediaServiceSource> sources = {{"auto", MediaServiceSource::Auto},
         {"session", MediaServiceSource::Session}, {"bridge", MediaServiceSource::Bridge}};
     app.add_option("--media-service", options.mediaService,
-           "session: the one on the bus; bridge: a bridge of our own,\n"
-           "on a private bus where there is no session bus;\n"
-           "auto (the default): the first, else the second")
+           Text::mark("session: the one on the bus; bridge: a bridge of our own,\n"
+                      "on a private bus where there is no session bus;\n"
+                      "auto (the default): the first, else the second"))
         ->type_name("auto|session|bridge")
         ->transform(CLI::CheckedTransformer(sources).description(""));
     addText(app, "--bridge", options.bridge,
-        "The bridge's program; this installation's where none is\nnamed", "FILE");
+        Text::mark("The bridge's program; this installation's where none is\nnamed"), "FILE");
     app.add_option_function<std::vector<std::string>>(
            "--server,--servers",
            [&options](const std::vector<std::string> &texts) {
                for (const std::string &text : texts)
                    options.servers.append(argument(text));
            },
-           "Where a media server is that doesn't show up by itself:\nhost, host:port or the URL of "
-           "its description; may be\ngiven several times")
+           Text::mark("Where a media server is that doesn't show up by itself:\nhost, host:port or "
+                      "the URL of "
+                      "its description; may be\ngiven several times"))
         ->type_name("ADDRESS")
         ->allow_extra_args(false);
     addSeconds(app, "--linger", options.linger,
-        "How long a bridge that was started stays without a client\n"
-        "(600); 0: it ends with the command");
-    addSeconds(app, "--wait", options.wait, "How long a media server may take to show up (5)",
-        &options.waitIsNamed);
-    addSeconds(app, "--timeout", options.timeout, "How long an answer may take (30)");
-    app.add_flag("--json", options.json, "Print one JSON document on standard output");
-    addText(app, "--log-config", options.logConfig, "A log4cplus properties file", "FILE");
+        Text::mark("How long a bridge that was started stays without a client\n"
+                   "(600); 0: it ends with the command"));
+    addSeconds(app, "--wait", options.wait,
+        Text::mark("How long a media server may take to show up (5)"), &options.waitIsNamed);
+    addSeconds(app, "--timeout", options.timeout, Text::mark("How long an answer may take (30)"));
+    app.add_flag("--json", options.json, Text::mark("Print one JSON document on standard output"));
+    addText(
+        app, "--log-config", options.logConfig, Text::mark("A log4cplus properties file"), "FILE");
     app.add_flag("-v,--verbose", options.verbosity,
-        "Log to standard error: -v what happens, -vv details,\n-vvv everything");
+        Text::mark("Log to standard error: -v what happens, -vv details,\n-vvv everything"));
 }
 
 QString argument(const std::string &text)

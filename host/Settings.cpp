@@ -1,6 +1,7 @@
 #include "Settings.h"
 
 #include "ServerAddress.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QDir>
@@ -49,14 +50,15 @@ std::shared_ptr<const Settings> Settings::install(CLI::App &app)
     const QFileInfo file(usersFile());
     if (file.exists() && !(file.isFile() && file.isReadable())) {
         settings->m_problem =
-            QStringLiteral("The configuration file %1 can't be read. Give yourself the right to "
-                           "read it, or remove it.")
+            Text::tr("The configuration file %1 can't be read. Give yourself the right to "
+                     "read it, or remove it.")
                 .arg(quoted(file.filePath()));
     }
     app.config_formatter(settings);
     // The environment is asked where there is no file, too.
     app.set_config("--config", file.isFile() ? file.filePath().toStdString() : noFile,
-           "Global options, one a line; orka/orka.conf in\n$XDG_CONFIG_HOME where none is named")
+           Text::mark("Global options, one a line; orka/orka.conf in\n$XDG_CONFIG_HOME where none "
+                      "is named"))
         ->type_name("FILE");
     return settings;
 }
@@ -83,17 +85,19 @@ void Settings::addEnvironment(std::vector<CLI::ConfigItem> &entries) const
     }
 }
 
-/// Why an entry of the file can't be taken; empty where it can.
+/// Why an entry (%1) of the file (%2) can't be taken; empty where it can.
 QString Settings::problemOf(const CLI::ConfigItem &item) const
 {
     const CLI::Option *const option =
         item.parents.empty() ? m_app.get_option_no_throw("--" + item.name) : nullptr;
     if (option == nullptr || !option->get_configurable()) {
-        return QStringLiteral("is no global option; \"orka --help\" lists them, and they stand "
-                              "there without --");
+        return Text::tr(
+            "The entry %1 in %2 is no global option; \"orka --help\" lists them, and they stand "
+            "there without --.");
     }
     if (item.inputs.size() > 1 && !takesSeveral(*option))
-        return QStringLiteral("has several values; put a text with spaces into double quotes");
+        return Text::tr(
+            "The entry %1 in %2 has several values; put a text with spaces into double quotes.");
     return {};
 }
 
@@ -111,9 +115,8 @@ std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
         if (problem.isEmpty()) // one name for an option that has several
             item.name = m_app.get_option("--" + item.name)->get_lnames().front();
         if (!problem.isEmpty()) {
-            m_problem = QStringLiteral("The entry %1 in %2 %3.")
-                            .arg(quoted(QString::fromStdString(item.fullname())), quoted(fileName),
-                                problem);
+            m_problem =
+                problem.arg(quoted(QString::fromStdString(item.fullname())), quoted(fileName));
         } else if (take(item, fileName)) {
             entries.push_back(item);
         }
@@ -125,7 +128,7 @@ QString Settings::originOf(const std::string &complaint) const
 {
     for (const auto &[name, origin] : m_origins) {
         if (complaint.find("--" + name) != std::string::npos)
-            return QStringLiteral(" (set by %1)").arg(origin.place);
+            return Text::tr(" (set by %1)").arg(origin.place);
     }
     return {};
 }
@@ -141,7 +144,7 @@ QStringList Settings::list() const
         const auto origin = m_origins.find(name);
         const QString text = QString::fromStdString(name);
         list.append(origin == m_origins.end()
-                ? QStringLiteral("%1 (command line)").arg(text)
+                ? Text::tr("%1 (command line)").arg(text)
                 : QStringLiteral("%1 %2 (%3)")
                       .arg(text,
                           QString::fromStdString(

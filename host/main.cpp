@@ -1,7 +1,10 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "Interrupt.h"
+#include "Language.h"
+#include "ParserTexts.h"
 #include "Settings.h"
+#include "Text.h"
 #include "Version.h"
 #include "chain/StuckBus.h"
 #include "commands/Command.h"
@@ -29,28 +32,28 @@
 
 namespace {
 
-const char description[] =
-    "Browses, searches and plays UPnP media servers through a media device's worker.";
+constexpr const char *description =
+    Text::mark("Browses, searches and plays UPnP media servers through a media device's worker.");
 
-const char exitStatuses[] = "Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 "
-                            "no media service, no such\n"
-                            "place or no plug-in; 4 no answer in time; 130 interrupted. \"orka "
-                            "COMMAND --help\" tells more.\n\n"
-                            "Example:\n  orka ls \"My NAS/Music/Albums\"";
+constexpr const char *exitStatuses =
+    Text::mark("Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media "
+               "service, no such\n"
+               "place or no plug-in; 4 no answer in time; 130 interrupted. \"orka COMMAND --help\" "
+               "tells more.\n\n"
+               "Example:\n  orka ls \"My NAS/Music/Albums\"");
 
 /// What the parser can't place, "orka COMMAND" being what was understood.
 QString unknownArgument(const CLI::App &app, const QString &text)
 {
     const std::vector<CLI::App *> chosen = app.get_subcommands();
     if (!chosen.empty()) {
-        return QStringLiteral(
-            "\"orka %1\" doesn't take %2. \"orka %1 --help\" tells what it takes.")
+        return Text::tr("\"orka %1\" doesn't take %2. \"orka %1 --help\" tells what it takes.")
             .arg(QString::fromStdString(chosen.front()->get_name()), quoted(text));
     }
     NearestTitles nearest(text);
     for (const CLI::App *command : app.get_subcommands(nullptr))
         nearest.add(QString::fromStdString(command->get_name()));
-    return QStringLiteral("There is no command or option %1.%2 \"orka --help\" lists them.")
+    return Text::tr("There is no command or option %1.%2 \"orka --help\" lists them.")
         .arg(quoted(text), nearest.question());
 }
 
@@ -68,9 +71,11 @@ int reportParsing(const CLI::App &app, const Settings &settings, const CLI::Pars
     if (!unknown.empty()) {
         tell(unknownArgument(app, argument(unknown.front())));
     } else if (app.get_subcommands().empty() && error.get_name() == "RequiredError") {
-        tell(QStringLiteral("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
+        tell(Text::tr("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
-        tell(QString::fromStdString(mistake.str()).trimmed() + settings.originOf(mistake.str()));
+        tell(Text::tr("%1\nRun with --help for more information.")
+                 .arg(translatedComplaint(QString::fromStdString(error.what())))
+            + settings.originOf(mistake.str()));
     }
     return WrongUsage;
 }
@@ -146,8 +151,8 @@ void requireText(const char *argument)
     QTextCodec::ConverterState state;
     QTextCodec::codecForName("UTF-8")->toUnicode(argument, int(std::strlen(argument)), &state);
     if (state.invalidChars > 0 || state.remainingChars > 0) {
-        throw wrongUsage(QStringLiteral("The argument %1 is not in UTF-8, as every text of this "
-                                        "program is. Set the terminal or the script to UTF-8.")
+        throw wrongUsage(Text::tr("The argument %1 is not in UTF-8, as every text of this "
+                                  "program is. Set the terminal or the script to UTF-8.")
                              .arg(quoted(QString::fromUtf8(argument))));
     }
 }
@@ -171,21 +176,23 @@ int runProgram(int argc, char **argv)
     const QCoreApplication application(applicationArgc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orka"));
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    Language::choose();
     Progress::startClock();
     const Interrupt interrupt;
 
     GlobalOptions options;
     CLI::App app(description, "orka");
-    app.footer(exitStatuses);
+    app.footer(Text::tr(exitStatuses).toStdString());
     app.get_formatter()->column_width(24);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.set_version_flag(
         "--version", [&options] { return versionText(options.plugin); },
-        "What this program is and runs with");
+        Text::mark("What this program is and runs with"));
     app.require_subcommand(1);
     addGlobalOptions(app, options);
     const std::shared_ptr<const Settings> settings = Settings::install(app);
     const std::vector<CommandPointer> commands = makeCommands(app);
+    translateHelp(app);
     try {
         app.parse(argumentsOf(argc, argv));
     } catch (const CLI::ParseError &error) {
@@ -193,6 +200,8 @@ int runProgram(int argc, char **argv)
     }
     if (!settings->problem().isEmpty())
         throw wrongUsage(settings->problem());
+    if (options.json)
+        Language::becomeEnglish();
     options.settings = settings->list();
     for (const CommandPointer &command : commands) {
         if (command->isChosen())

@@ -1,6 +1,7 @@
 #include "chain/PluginLoader.h"
 
 #include "Failure.h"
+#include "Language.h"
 #include "chain/Installation.h"
 #include "output/SafeText.h"
 
@@ -81,6 +82,7 @@ Entry resolveEntry(const QString &path)
                                       "this machine, or something that it needs is missing.")
                            .arg(quoted(path), safeText(library.errorString())));
     }
+    Language::addWorkersTexts();
     const auto entry = reinterpret_cast<Entry>(library.resolve("worker_create"));
     if (entry == nullptr) {
         throw noPlugin(QStringLiteral("%1 is a library but no plug-in: it doesn't export "

@@ -165,7 +165,7 @@ Failure Session::silenceOf(const CMPath &path) const
 int Session::explain(const CMError &error, const CMPath &path, int position)
 {
     m_mediaService->requireSameOwner();
-    const QString text = error.message().toString();
+    const QString text = error.message().sourceString();
     if (m_errors == Plain || !text.startsWith(unexplained))
         throw errorAnswer(error, nameOf(path));
     if (text == unexplained && remaining() < shortestQuestion)

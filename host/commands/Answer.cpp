@@ -1,6 +1,7 @@
 #include "commands/Answer.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/Output.h"
 #include "output/RowsOutput.h"
 #include "tree/ContentWatch.h"
@@ -17,10 +18,10 @@ void writeAnswer(
 
 QString incompleteSentence(int lacking, int rowsCount, const QString &why)
 {
-    const QString howMany = lacking > 0
-        ? QStringLiteral(": %1 of %2 rows are missing").arg(lacking).arg(rowsCount)
-        : QString();
-    return QStringLiteral("The list is incomplete%1. ").arg(howMany) + why;
+    return lacking > 0
+        ? Text::tr("The list is incomplete: %Ln of %1 rows are missing. %2", nullptr, lacking)
+              .arg(Text::number(rowsCount), why)
+        : Text::tr("The list is incomplete. %1").arg(why);
 }
 
 namespace {
@@ -51,7 +52,7 @@ int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &sou
     }
     if (source.lacking() > 0) {
         return endIncomplete(&output, source.lacking(),
-            QStringLiteral("The media server counts them and doesn't give them."));
+            Text::tr("The media server counts them and doesn't give them."));
     }
     // A page is from one moment.
     const QString change = output.rowsCount() > PageSize::first ? watch.change() : QString();

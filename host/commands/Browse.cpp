@@ -1,4 +1,5 @@
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
@@ -31,29 +32,31 @@ class Ls : public Command
 public:
     explicit Ls(CLI::App &app)
         : Command(app, "ls",
-            "The children of a media server or folder; the servers\nwhere none is named",
+            Text::mark(
+                "The children of a media server or folder; the servers\nwhere none is named"),
             "orka ls \"My NAS/Music/All Music\" --rows 0-19\n  orka ls -R --depth 2 \"My NAS\"")
     {
         addPlace(m_place)->required(false);
-        addRows(m_rows, "First and last row, counted from 0 (all)");
+        addRows(m_rows, Text::mark("First and last row, counted from 0 (all)"));
         parser()
             .add_option_function<std::string>(
                 "--sort", [this](const std::string &text) { m_key = sortKeys().at(text); },
-                "Read all, then sort by this; titles as your language\n"
-                "does, what has no date or length last. --rows are those\nof the sorted list")
+                Text::mark(
+                    "Read all, then sort by this; titles as your language\n"
+                    "does, what has no date or length last. --rows are those\nof the sorted list"))
             ->type_name("title|artist|album|date|track|length")
             ->check(oneOf({"title", "artist", "album", "date", "track", "length"}));
         parser()
-            .add_option("--kind", m_kinds, "Only these; more than one with commas")
+            .add_option("--kind", m_kinds, Text::mark("Only these; more than one with commas"))
             ->type_name("folder|track|video|image|item")
             ->delimiter(',')
             ->allow_extra_args(false)
             ->check(oneOf({"folder", "track", "video", "image", "item"}));
-        parser().add_flag(
-            "-l,--long", m_isLong, "Genre, date, format, bit rate and path of each, too");
-        parser().add_flag("-R,--recursive", m_recursive, "A tree of what is below");
+        parser().add_flag("-l,--long", m_isLong,
+            Text::mark("Genre, date, format, bit rate and path of each, too"));
+        parser().add_flag("-R,--recursive", m_recursive, Text::mark("A tree of what is below"));
         parser()
-            .add_option("--depth", m_depth, "How many levels of it (3)")
+            .add_option("--depth", m_depth, Text::mark("How many levels of it (3)"))
             ->type_name("N")
             ->check(CLI::Range(1, 100).description(""));
     }
@@ -63,9 +66,8 @@ public:
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
         if (m_recursive
             && (m_key != SortKey::Given || !m_kinds.empty() || !m_rows.isNull() || m_isLong)) {
-            throw wrongUsage(
-                QStringLiteral("A tree shows everything as the server orders it. Leave "
-                               "--sort, --kind, --rows and --long out, or -R."));
+            throw wrongUsage(Text::tr("A tree shows everything as the server orders it. Leave "
+                                      "--sort, --kind, --rows and --long out, or -R."));
         }
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
@@ -117,16 +119,15 @@ private:
             problems.append(change);
         output.end(problems);
         if (m_depth == 0 && tree.unopened() > 0) {
-            tell(QStringLiteral("The tree ends at level %1, with %2 that %3 not opened. --depth "
-                                "shows more levels.")
-                     .arg(QString::number(usualDepth),
-                         tree.unopened() == 1 ? QStringLiteral("a folder")
-                                              : QStringLiteral("%1 folders").arg(tree.unopened()),
-                         tree.unopened() == 1 ? QStringLiteral("was") : QStringLiteral("were")));
+            tell(Text::tr(
+                "The tree ends at level %1, with %Ln folders that were not opened. --depth "
+                "shows more levels.",
+                nullptr, tree.unopened())
+                     .arg(usualDepth));
         }
         if (problems.isEmpty())
             return Answered;
-        tell(QStringLiteral("The tree is incomplete:\n  %1")
+        tell(Text::tr("The tree is incomplete:\n  %1")
                  .arg(problems.mid(0, mostProblems).join(QStringLiteral("\n  "))));
         return AnsweredWithError;
     }
@@ -144,7 +145,7 @@ class Info : public Command
 {
 public:
     explicit Info(CLI::App &app)
-        : Command(app, "info", "Everything that is known about one node",
+        : Command(app, "info", Text::mark("Everything that is known about one node"),
             "orka info \"My NAS/Music/Albums/Blue/01 First Song\"")
     {
         addPlace(m_place);
@@ -167,11 +168,12 @@ class Menu : public Command
 {
 public:
     explicit Menu(CLI::App &app)
-        : Command(app, "menu", "The search menu of a node, or its context menu",
+        : Command(app, "menu", Text::mark("The search menu of a node, or its context menu"),
             "orka menu \"My NAS\"\n  orka menu --context \"My NAS/Music/Albums/Blue\"")
     {
         addPlace(m_place);
-        parser().add_flag("--context", m_context, "What can be done with the node: play, queue");
+        parser().add_flag(
+            "--context", m_context, Text::mark("What can be done with the node: play, queue"));
     }
 
     int run(const GlobalOptions &options) override
@@ -209,15 +211,17 @@ class Sample : public Command
 {
 public:
     explicit Sample(CLI::App &app)
-        : Command(app, "sample", "Rows spread over a big folder",
+        : Command(app, "sample", Text::mark("Rows spread over a big folder"),
             "orka sample \"My NAS/Music/All Music\" 0,9999,100")
     {
         addPlace(m_place);
         addText("SAMPLE", m_sample,
-            "START,END,STEP: first position, last position\n(inclusive), distance of at least 1",
+            Text::mark("START,END,STEP: first position, last position\n(inclusive), distance of at "
+                       "least 1"),
             "")
             ->required();
-        addRows(m_rows, "Rows of the sample, counted from 0; at most B+1 rows are\nanswered");
+        addRows(m_rows,
+            Text::mark("Rows of the sample, counted from 0; at most B+1 rows are\nanswered"));
     }
 
     int run(const GlobalOptions &options) override

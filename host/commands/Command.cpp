@@ -1,5 +1,7 @@
 #include "commands/Command.h"
 
+#include "Text.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -8,9 +10,11 @@ Command::Command(CLI::App &app, const char *name, const char *description, const
     : m_parser(app.add_subcommand(name, description))
 {
     m_parser->fallthrough(); // global options may follow the command
-    m_parser->group("Commands");
-    m_parser->footer(std::string("Example:\n  ") + example
-        + "\n\n\"orka --help\" lists the options that every command has.");
+    m_parser->group(Text::tr("Commands").toStdString());
+    m_parser->footer(
+        Text::tr("Example:\n  %1\n\n\"orka --help\" lists the options that every command has.")
+            .arg(QString::fromUtf8(example))
+            .toStdString());
 }
 
 CLI::Option *Command::addText(const char *name, QString &target, const char *help, const char *type)
@@ -24,9 +28,9 @@ CLI::Option *Command::addText(const char *name, QString &target, const char *hel
 CLI::Option *Command::addPlace(QString &target)
 {
     return addText("PLACE", target,
-        "A node path (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music\"; \\/ for a slash "
-        "in "
-        "a title; / alone is\nthe list of media servers)",
+        Text::mark("A node path (upnp:/uuid:…/64) or titles joined by /\n"
+                   "(\"My NAS/Music\"; \\/ for a slash in a title; / alone is\n"
+                   "the list of media servers)"),
         "")
         ->required();
 }
@@ -40,7 +44,8 @@ void Command::addPlaces(QStringList &target)
                 for (const std::string &text : texts)
                     target.append(argument(text));
             },
-            "Node paths (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music/Albums\")")
+            Text::mark(
+                "Node paths (upnp:/uuid:…/64) or titles joined by /\n(\"My NAS/Music/Albums\")"))
         ->type_name("")
         ->required();
 }
@@ -54,7 +59,8 @@ std::function<std::string(const std::string &)> oneOf(const std::vector<std::str
 {
     return [words](const std::string &text) {
         const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
-        return isOne ? std::string() : "is one of " + CLI::detail::join(words, ", ");
+        const QString all = QString::fromStdString(CLI::detail::join(words, ", "));
+        return isOne ? std::string() : Text::tr("is one of %1").arg(all).toStdString();
     };
 }
 

@@ -1,4 +1,5 @@
 #include "Failure.h"
+#include "Text.h"
 #include "chain/BusLimits.h"
 #include "chain/Diagnosis.h"
 #include "chain/KeptAddresses.h"
@@ -42,20 +43,20 @@ public:
     {
     }
 
-    void add(Verdict verdict, const char *what, const QString &message)
+    void add(Verdict verdict, const QString &what, const QString &message)
     {
-        static const char *const words[] = {"ok", "warning", "missing"};
+        const QString words[] = {Text::tr("ok"), Text::tr("warning"), Text::tr("missing")};
         m_anythingMissing = m_anythingMissing || verdict == Missing;
         if (!m_json) {
             using Terminal::Style;
             static const Style styles[] = {Style::Good, Style::Doubtful, Style::Bad};
-            const QString word = padded(QLatin1String(words[verdict]), 7);
+            const QString word = padded(words[verdict], 7);
             writeLine(Terminal::styled(word, styles[verdict])
-                + QStringLiteral("  %1: ").arg(QLatin1String(what)) + message);
+                + QStringLiteral("  %1: %2").arg(what, message));
         }
         OrkaHash check;
-        check.setValue(QStringLiteral("what"), QString::fromLatin1(what));
-        check.setValue(QStringLiteral("status"), QString::fromLatin1(words[verdict]));
+        check.setValue(QStringLiteral("what"), what);
+        check.setValue(QStringLiteral("status"), words[verdict]);
         check.setValue(QStringLiteral("message"), message);
         m_checks.append(check.toVariant());
     }
@@ -80,47 +81,51 @@ void checkBusLimits(Findings &findings, const ServiceStarter &service)
 {
     const PendingReplies replies = measurePendingReplies(service.bus(), service.busDescription());
     if (!replies.error.isEmpty()) {
-        findings.add(Findings::Warning, "bus limits",
-            QStringLiteral("could not be measured (%1); a bus with the daemon's built-in limit "
-                           "takes 128 calls at once, which is too few.")
+        findings.add(Findings::Warning, Text::tr("bus limits"),
+            Text::tr("could not be measured (%1); a bus with the daemon's built-in limit "
+                     "takes 128 calls at once, which is too few.")
                 .arg(safeText(replies.error)));
     } else if (replies.limited && replies.taken < neededPendingReplies) {
-        findings.add(Findings::Warning, "bus limits",
-            QStringLiteral("the bus takes only %1 unanswered calls of one program "
-                           "(max_replies_per_connection). When 200 tracks are played at once most "
-                           "of them lose their URL, and big folders are read in part. Set the "
-                           "limit to 50000 in the bus's configuration, as session buses have it.")
-                .arg(replies.taken));
+        findings.add(Findings::Warning, Text::tr("bus limits"),
+            Text::tr("the bus takes only %1 unanswered calls of one program "
+                     "(max_replies_per_connection). When 200 tracks are played at once most "
+                     "of them lose their URL, and big folders are read in part. Set the "
+                     "limit to 50000 in the bus's configuration, as session buses have it.")
+                .arg(Text::number(replies.taken)));
     } else {
-        findings.add(Findings::Ok, "bus limits",
-            QStringLiteral("%1 %2 unanswered calls of one program.")
-                .arg(replies.limited ? QStringLiteral("takes") : QStringLiteral("takes more than"))
-                .arg(replies.taken));
+        findings.add(Findings::Ok, Text::tr("bus limits"),
+            (replies.limited ? Text::tr("takes %1 unanswered calls of one program.")
+                             : Text::tr("takes more than %1 unanswered calls of one program."))
+                .arg(Text::number(replies.taken)));
     }
 }
 
-QString lifeOf(const ServiceStarter &service)
+QString lifeOf(const ServiceStarter &service, bool answers)
 {
+    const QString program = safeText(service.program());
+    const QString name = ServiceStarter::busName();
+    if (!answers)
+        return Text::tr("%1 has the name %2 but doesn't answer. End it, or start it again.")
+            .arg(program, name);
     if (service.isForThisRun())
-        return QStringLiteral(", started for this run");
-    const QString since = QStringLiteral(", there since ")
-        + service.startedAt().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    return service.isLasting() ? since
-            + QStringLiteral("; it ends when nobody has used it for a while, or by \"orka stop\"")
-                               : since;
+        return Text::tr("%1 has the name %2, started for this run.").arg(program, name);
+    const QString since = service.startedAt().toString(
+        Text::tr("yyyy-MM-dd HH:mm:ss", "as QDateTime::toString() writes it"));
+    return (service.isLasting()
+            ? Text::tr("%1 has the name %2, there since %3; it ends when nobody has used it for a "
+                       "while, or by \"orka stop\".")
+            : Text::tr("%1 has the name %2, there since %3."))
+        .arg(program, name, since);
 }
 
 /// Whether it can be asked.
 bool checkMediaService(Findings &findings, ServiceStarter &service)
 {
-    findings.add(Findings::Ok, "bus", service.busDescription() + QLatin1Char('.'));
+    findings.add(Findings::Ok, Text::tr("bus"), service.busDescription() + QLatin1Char('.'));
     checkBusLimits(findings, service);
     const bool answers = service.answers();
-    findings.add(answers ? Findings::Ok : Findings::Missing, "media service",
-        QStringLiteral("%1 has the name %2%3.")
-            .arg(safeText(service.program()), ServiceStarter::busName(),
-                !answers ? QStringLiteral(" but doesn't answer. End it, or start it again")
-                         : lifeOf(service)));
+    findings.add(answers ? Findings::Ok : Findings::Missing, Text::tr("media service"),
+        lifeOf(service, answers));
     return answers;
 }
 
@@ -131,9 +136,11 @@ QHash<QString, QString> askServers(Session &session, const ServerList::Servers &
     const QStringList objects = session.mediaService().servers().paths();
     const ServiceCalls service(lookLimit);
     std::map<QString, std::unique_ptr<QDBusPendingCallWatcher>> calls;
-    Wait wait(lookLimit, QStringLiteral("Asking the media servers"));
+    QHash<QString, QString> names;
+    Wait wait(lookLimit, Text::tr("Asking the media servers"));
     for (const OrkaRoles &server : servers) {
         const QString object = service.objectOf(server.path().base(), objects);
+        names[server.path().base()] = quoted(server.title().toString());
         if (object.isEmpty())
             continue;
         auto call = std::make_unique<QDBusPendingCallWatcher>(
@@ -148,11 +155,12 @@ QHash<QString, QString> askServers(Session &session, const ServerList::Servers &
     QHash<QString, QString> problems;
     for (const auto &[base, call] : calls) {
         if (!call->isFinished()) {
-            problems[base] = QStringLiteral("does not answer within %1 seconds. It may be busy, "
-                                            "asleep or switched off.")
-                                 .arg(lookLimit.count() / 1000);
+            problems[base] = Text::tr("%1 is listed, but does not answer within %2 seconds. It may "
+                                      "be busy, asleep or switched off.")
+                                 .arg(names.value(base), Text::number(lookLimit.count() / 1000));
         } else if (call->isError() && diagnosisOf(call->error().message()).isTrouble()) {
-            problems[base] = QStringLiteral("can't be read: %1").arg(call->error().message());
+            problems[base] = Text::tr("%1 is listed, but can't be read: %2")
+                                 .arg(names.value(base), safeText(call->error().message()));
         }
     }
     return problems;
@@ -163,38 +171,36 @@ void checkServers(Findings &findings, Session &session)
     ServerList servers(session);
     servers.settle();
     if (servers.servers().isEmpty() && servers.isWhole()) {
-        findings.add(Findings::Warning, "media servers",
-            QStringLiteral("none has shown up. Start one on this network; a firewall may keep UDP "
-                           "port 1900 closed."));
+        findings.add(Findings::Warning, Text::tr("media servers"),
+            Text::tr("none has shown up. Start one on this network; a firewall may keep UDP "
+                     "port 1900 closed."));
     }
     for (const QString &problem : session.mediaService().namedServers().problems())
-        findings.add(Findings::Warning, "media server", problem);
+        findings.add(Findings::Warning, Text::tr("media server"), problem);
     for (const QString &server : servers.missing()) {
-        findings.add(Findings::Warning, "media server",
-            QStringLiteral("the media service lists %1, but does not tell all about it.")
+        findings.add(Findings::Warning, Text::tr("media server"),
+            Text::tr("the media service lists %1, but does not tell all about it.")
                 .arg(safeText(server)));
     }
     const ServerList::Servers all = servers.servers();
     const QHash<QString, QString> problems = askServers(session, all);
     for (const OrkaRoles &server : all) {
+        const QString title = quoted(server.title().toString());
         const QString problem = problems.value(server.path().base());
         if (!problem.isEmpty()) {
-            findings.add(Findings::Warning, "media server",
-                QStringLiteral("%1 is listed, but %2")
-                    .arg(quoted(server.title().toString()), safeText(problem)));
+            findings.add(Findings::Warning, Text::tr("media server"), problem);
             continue;
         }
         const QStringList kinds = searchKinds(session, server.path());
         const QString unknown = kinds.isEmpty() ? searchUnknown(session, server.path()) : QString();
         if (!unknown.isEmpty()) {
-            findings.add(Findings::Warning, "media server", unknown);
+            findings.add(Findings::Warning, Text::tr("media server"), unknown);
             continue;
         }
-        findings.add(Findings::Ok, "media server",
-            QStringLiteral("%1 %2.").arg(quoted(server.title().toString()),
-                kinds.isEmpty() ? QStringLiteral("can be browsed, not searched")
-                                : QStringLiteral("can be searched by %1")
-                                      .arg(kinds.join(QStringLiteral(", ")))));
+        findings.add(Findings::Ok, Text::tr("media server"),
+            kinds.isEmpty() ? Text::tr("%1 can be browsed, not searched.").arg(title)
+                            : Text::tr("%1 can be searched by %2.")
+                                  .arg(title, kinds.join(QStringLiteral(", "))));
     }
 }
 
@@ -203,33 +209,33 @@ void checkNetwork(Findings &findings)
     const NetworkReport report = NetworkReport::read();
     if (!report.isTold)
         return;
-    findings.add(report.listening.isEmpty() ? Findings::Warning : Findings::Ok, "network",
+    findings.add(report.listening.isEmpty() ? Findings::Warning : Findings::Ok, Text::tr("network"),
         report.listening.isEmpty()
-            ? QStringLiteral("no interface of this machine carries multicast, by which media "
-                             "servers are found. Connect one, or name a server by its address: "
-                             "orka servers --add ADDRESS.")
-            : QStringLiteral("media servers are listened for at %1.")
+            ? Text::tr("no interface of this machine carries multicast, by which media "
+                       "servers are found. Connect one, or name a server by its address: "
+                       "orka servers --add ADDRESS.")
+            : Text::tr("media servers are listened for at %1.")
                   .arg(safeText(report.listening.join(QStringLiteral(", ")))));
     for (const QString &trouble : report.absent)
-        findings.add(Findings::Warning, "media server", safeText(trouble));
+        findings.add(Findings::Warning, Text::tr("media server"), safeText(trouble));
     for (const QString &trouble : report.troubles)
-        findings.add(Findings::Warning, "network", safeText(trouble));
+        findings.add(Findings::Warning, Text::tr("network"), safeText(trouble));
 }
 
 void checkAddresses(Findings &findings)
 {
     const QStringList addresses = NetworkPublisher::currentAddresses();
-    findings.add(addresses.isEmpty() ? Findings::Warning : Findings::Ok, "addresses",
-        addresses.isEmpty() ? QStringLiteral("this machine has none that others can reach.")
+    findings.add(addresses.isEmpty() ? Findings::Warning : Findings::Ok, Text::tr("addresses"),
+        addresses.isEmpty() ? Text::tr("this machine has none that others can reach.")
                             : addresses.join(QStringLiteral(", ")));
 }
 
 void checkPlayer(Findings &findings)
 {
     const bool there = !QStandardPaths::findExecutable(QStringLiteral("mpv")).isEmpty();
-    findings.add(there ? Findings::Ok : Findings::Warning, "player",
-        there ? QStringLiteral("mpv is there.")
-              : QStringLiteral("mpv isn't installed; \"orka play\" needs it, or --player."));
+    findings.add(there ? Findings::Ok : Findings::Warning, Text::tr("player"),
+        there ? Text::tr("mpv is there.")
+              : Text::tr("mpv isn't installed; \"orka play\" needs it, or --player."));
 }
 
 /// False where they can't be read; the others are looked at all the same.
@@ -239,26 +245,27 @@ bool checkKeptAddresses(Findings &findings)
         KeptAddresses::read();
         return true;
     } catch (const Failure &failure) {
-        findings.add(Findings::Warning, "kept addresses", failure.sentence());
+        findings.add(Findings::Warning, Text::tr("kept addresses"), failure.sentence());
         return false;
     }
 }
 
 /// The part of the chain that is missing, as the failure names it.
-const char *partOf(const Failure &failure)
+QString partOf(const Failure &failure)
 {
     const QString name = failure.error().name();
-    return name == QLatin1String("noBus")                                    ? "bus"
-        : name == QLatin1String("noMediaService") || failure.isServiceLeft() ? "media service"
-        : name == QLatin1String("noPlugin")                                  ? "plug-in"
-                                                                             : "answer";
+    if (name == QLatin1String("noBus"))
+        return Text::tr("bus");
+    if (name == QLatin1String("noMediaService") || failure.isServiceLeft())
+        return Text::tr("media service");
+    return name == QLatin1String("noPlugin") ? Text::tr("plug-in") : Text::tr("answer");
 }
 
 class Doctor : public Command
 {
 public:
     explicit Doctor(CLI::App &app)
-        : Command(app, "doctor", "What is there and what is missing", "orka doctor")
+        : Command(app, "doctor", Text::mark("What is there and what is missing"), "orka doctor")
     {
     }
 
@@ -266,10 +273,9 @@ public:
     {
         GlobalOptions options = given;
         Findings findings(options.json);
-        findings.add(Findings::Ok, "settings",
-            options.settings.isEmpty()
-                ? QStringLiteral("every global option is as it is by default.")
-                : safeText(options.settings.join(QStringLiteral(", "))));
+        findings.add(Findings::Ok, Text::tr("settings"),
+            options.settings.isEmpty() ? Text::tr("every global option is as it is by default.")
+                                       : safeText(options.settings.join(QStringLiteral(", "))));
         checkAddresses(findings);
         checkPlayer(findings);
         options.usesKept = checkKeptAddresses(findings);
@@ -295,7 +301,7 @@ private:
             throw;
         }
         Session session(options, std::move(service));
-        findings.add(Findings::Ok, "plug-in", QStringLiteral("loaded."));
+        findings.add(Findings::Ok, Text::tr("plug-in"), Text::tr("loaded."));
         checkServers(findings, session);
         checkNetwork(findings);
     }

@@ -1,5 +1,6 @@
 #include "commands/Gather.h"
 
+#include "Text.h"
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
@@ -75,9 +76,9 @@ QVector<Failure> gatherWhole(Session &session, const GatherOptions &options,
         throw Failure(failures.first());
     }
     if (gathering.otherKinds() > 0) {
-        tell(QStringLiteral("There is nothing of this kind, but %1 of others; --kind all takes "
-                            "them.")
-                 .arg(gathering.otherKinds()));
+        tell(Text::tr("There is nothing of this kind, but %Ln of others; --kind all takes "
+                      "them.",
+            nullptr, gathering.otherKinds()));
     }
     return {};
 }
@@ -96,8 +97,8 @@ void requireNothingIn(Session &session, const QVector<Place> &places, const QVec
 {
     Gathering gathering(session, kindsOf({"audio"}), [](const OrkaPlayListItem &) {
         throw Failure(AnsweredWithError, QStringLiteral("incomplete"),
-            QStringLiteral("A device gets nothing there, though there are tracks: the media "
-                           "server's search doesn't give them. Leave --quick out."));
+            Text::tr("A device gets nothing there, though there are tracks: the media "
+                     "server's search doesn't give them. Leave --quick out."));
     });
     for (int i = 0; i < paths.size(); ++i)
         gathering.add(paths.at(i), places.at(i).text);
@@ -145,9 +146,9 @@ QVector<Failure> shortSearches(const std::vector<QuickSearch> &searches, bool *a
         const int came = childrenOf(answer).size();
         if (came < counted) {
             failures.append(Failure(AnsweredWithError, QStringLiteral("incomplete"),
-                QStringLiteral(
-                    "The media server's search counts %1 more tracks in %2 than it gives.")
-                    .arg(QString::number(counted - came), search.folder)));
+                Text::tr("The media server's search counts %Ln more tracks in %1 than it gives.",
+                    nullptr, counted - came)
+                    .arg(search.folder)));
         }
     }
     return failures;
@@ -167,7 +168,7 @@ QVector<Failure> gatherQuick(
         session.requireSignOfLifeOf(path);
     const std::vector<QuickSearch> searches = startSearches(session, playable);
     const QVariantList items =
-        session.set(session.path(OrkaPlayListPrepareItems()), encoded, QStringLiteral("Collecting"))
+        session.set(session.path(OrkaPlayListPrepareItems()), encoded, Text::tr("Collecting"))
             .toList();
     if (items.isEmpty()) {
         for (const CMPath &path : qAsConst(playable))
@@ -179,10 +180,10 @@ QVector<Failure> gatherQuick(
     bool areSearched = true;
     const QVector<Failure> failures = shortSearches(searches, &areSearched);
     if (!areSearched || mayBeCut(playable, items.size())) {
-        tell(QStringLiteral("This quick list may be cut: a device asks for %1 tracks of each "
-                            "folder; of folders that can't be searched it goes through the last "
-                            "one alone, and leaves out what doesn't answer. Without --quick it is "
-                            "complete.")
+        tell(Text::tr("This quick list may be cut: a device asks for %1 tracks of each "
+                      "folder; of folders that can't be searched it goes through the last "
+                      "one alone, and leaves out what doesn't answer. Without --quick it is "
+                      "complete.")
                  .arg(quickMost));
     }
     return failures;
@@ -194,13 +195,15 @@ void GatherOptions::declare(CLI::App &parser)
 {
     parser
         .add_option("--kind", kinds,
-            "What to take from folders and servers: audio is the\ndefault; more than one with "
-            "commas")
+            Text::mark(
+                "What to take from folders and servers: audio is the\ndefault; more than one with "
+                "commas"))
         ->type_name("audio|video|image|all")
         ->delimiter(',')
         ->check(oneOf({"audio", "video", "image", "all"}));
     parser.add_flag("--quick", quick,
-        "One request, as a device asks for a playlist: at most the\nfirst 100 tracks of a folder");
+        Text::mark("One request, as a device asks for a playlist: at most the\nfirst 100 tracks of "
+                   "a folder"));
 }
 
 QVector<Failure> gather(
@@ -223,8 +226,8 @@ CMError tellIncomplete(const QVector<Failure> &failures)
     for (const Failure &failure : failures.mid(0, reasonsTold))
         reasons.append(failure.sentence());
     if (failures.size() > reasonsTold)
-        reasons.append(QStringLiteral("And %1 more.").arg(failures.size() - reasonsTold));
-    tell(QStringLiteral("The list is incomplete:\n  %1").arg(reasons.join(QStringLiteral("\n  "))));
+        reasons.append(Text::tr("And %Ln more.", nullptr, failures.size() - reasonsTold));
+    tell(Text::tr("The list is incomplete:\n  %1").arg(reasons.join(QStringLiteral("\n  "))));
     return CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(),
         TrString(reasons.join(QLatin1Char(' '))));
 }

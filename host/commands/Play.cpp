@@ -1,4 +1,6 @@
 #include "Failure.h"
+#include "Language.h"
+#include "Text.h"
 #include "chain/Session.h"
 #include "commands/Command.h"
 #include "commands/Gather.h"
@@ -41,11 +43,11 @@ class Queue : public PlaylistCommand
 {
 public:
     explicit Queue(CLI::App &app)
-        : PlaylistCommand(app, "queue", "The playlist of tracks, folders and servers",
+        : PlaylistCommand(app, "queue", Text::mark("The playlist of tracks, folders and servers"),
             "orka queue \"My NAS/Music/Albums/Blue\" --format m3u8 > blue.m3u8")
     {
         parser()
-            .add_option("--format", m_format, "How the playlist is written (table)")
+            .add_option("--format", m_format, Text::mark("How the playlist is written (table)"))
             ->type_name("table|json|m3u8|xspf")
             ->check(oneOf({"table", "json", "m3u8", "xspf"}));
     }
@@ -53,12 +55,14 @@ public:
     int run(const GlobalOptions &options) override
     {
         if (options.json && !m_format.empty() && m_format != "json") {
-            throw wrongUsage(QStringLiteral("--json and --format %1 contradict each other. Leave "
-                                            "one of them out.")
+            throw wrongUsage(Text::tr("--json and --format %1 contradict each other. Leave "
+                                      "one of them out.")
                                  .arg(QString::fromStdString(m_format)));
         }
         const QVector<Place> wanted = places(options);
         Session session(options);
+        if (format(options.json) == QueueOutput::AsJson)
+            Language::becomeEnglish();
         QueueOutput output(format(options.json));
         const QVector<Failure> failures = gather(session, gatherOptions(), wanted,
             [&output](const OrkaPlayListItem &item) { output.add(item); });
@@ -84,13 +88,14 @@ class Play : public PlaylistCommand
 {
 public:
     explicit Play(CLI::App &app)
-        : PlaylistCommand(app, "play", "Plays tracks, folders and servers",
+        : PlaylistCommand(app, "play", Text::mark("Plays tracks, folders and servers"),
             "orka play \"My NAS/Music/Albums/Blue\"\n"
             "  orka play --player \"mpv --shuffle\" \"My NAS\"")
     {
         addText("--player", m_player,
-            "The player (mpv), with its own options; it is given an\nM3U8 file as last argument, "
-            "and its exit status becomes\nours",
+            Text::mark("The player (mpv), with its own options; it is given an\nM3U8 file as last "
+                       "argument, "
+                       "and its exit status becomes\nours"),
             "COMMAND");
     }
 
@@ -112,7 +117,7 @@ public:
             document.end(incomplete);
         items = playableItems(items);
         if (items.isEmpty()) {
-            tell(QStringLiteral("There is nothing to play there. \"orka ls\" shows what is."));
+            tell(Text::tr("There is nothing to play there. \"orka ls\" shows what is."));
             return AnsweredWithError;
         }
         const int status = playItems(items, m_player, options.json);

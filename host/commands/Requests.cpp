@@ -1,4 +1,5 @@
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
@@ -54,11 +55,12 @@ protected:
     Request(CLI::App &app, const char *name, const char *description, const char *example)
         : Command(app, name, description, example)
     {
-        addText("PATH", m_path, "A node path, encoded", "")->required();
+        addText("PATH", m_path, Text::mark("A node path, encoded"), "")->required();
     }
     void addRoles(QString &target)
     {
-        addText("--roles", target, "Roles, comma-separated; every role where none is named", "a,b");
+        addText("--roles", target,
+            Text::mark("Roles, comma-separated; every role where none is named"), "a,b");
     }
     CMPath path() const { return parsePath(m_path); }
 
@@ -70,11 +72,11 @@ class RowsRequest : public Request
 {
 public:
     explicit RowsRequest(CLI::App &app)
-        : Request(app, "rows", "One rows request as it is",
+        : Request(app, "rows", Text::mark("One rows request as it is"),
             "orka --json rows upnp:/uuid:4d69/64 --first 0 --last 9 --roles path,title")
     {
-        parser().add_option("--first", m_first, "First row, counted from 0 (0)");
-        parser().add_option("--last", m_last, "Last row, inclusive (19)");
+        parser().add_option("--first", m_first, Text::mark("First row, counted from 0 (0)"));
+        parser().add_option("--last", m_last, Text::mark("Last row, inclusive (19)"));
         addRoles(m_roles);
     }
 
@@ -82,10 +84,9 @@ public:
     {
         const CMPath path = this->path();
         if (m_first < 0 || m_last < m_first) {
-            throw wrongUsage(
-                QStringLiteral("There are no rows from %1 to %2. Count from 0 and write "
-                               "the smaller number as --first.")
-                    .arg(QString::number(m_first), QString::number(m_last)));
+            throw wrongUsage(Text::tr("There are no rows from %1 to %2. Count from 0 and write "
+                                      "the smaller number as --first.")
+                                 .arg(QString::number(m_first), QString::number(m_last)));
         }
         Session session(options);
         waitForServers(session, pathsOf(path));
@@ -104,7 +105,7 @@ class DataRequest : public Request
 {
 public:
     explicit DataRequest(CLI::App &app)
-        : Request(app, "data", "One data request as it is",
+        : Request(app, "data", Text::mark("One data request as it is"),
             "orka --json data upnp:/uuid:4d69/64 --roles title,mediaData")
     {
         addRoles(m_roles);
@@ -127,11 +128,12 @@ class SetRequest : public Request
 {
 public:
     explicit SetRequest(CLI::App &app)
-        : Request(app, "set", "One set-data request as it is",
+        : Request(app, "set", Text::mark("One set-data request as it is"),
             "orka set \"upnp:/uuid:4d69?search=artist\" '{\"string_\":\"abba\"}'\n"
             "  orka set upnp:playlist/prepareItems '[\"upnp:/uuid:4d69/64?itemType=track\"]'")
     {
-        addText("JSON", m_value, "The value: an object becomes a hash, an array a list", "")
+        addText(
+            "JSON", m_value, Text::mark("The value: an object becomes a hash, an array a list"), "")
             ->required();
     }
 
@@ -141,7 +143,7 @@ public:
         const QVariant value = valueFromJson(m_value);
         Session session(options);
         waitForServers(session, pathsOf(path, value));
-        const QVariant answer = session.set(path, value, QStringLiteral("Waiting for the answer"));
+        const QVariant answer = session.set(path, value, Text::tr("Waiting for the answer"));
         if (options.json) {
             writeJson(valueDocument(answer));
         } else {

@@ -1,4 +1,5 @@
 #include "Failure.h"
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "commands/Answer.h"
@@ -25,47 +26,58 @@ Failure notSearchable(const QString &server, const QString &kind, const QStringL
 {
     return Failure(AnsweredWithError, QStringLiteral("notSearchable"),
         kinds.isEmpty()
-            ? QStringLiteral("%1 can't search. Browse it with \"orka ls\", or take everything "
-                             "below a folder with \"orka queue\", which walks through it.")
+            ? Text::tr("%1 can't search. Browse it with \"orka ls\", or take everything "
+                       "below a folder with \"orka queue\", which walks through it.")
                   .arg(server)
-            : QStringLiteral("%1 can't search by %2, only by %3. Use --%4.")
-                  .arg(server, kind, kinds.join(QStringLiteral(" and by ")), kinds.first()));
+            : Text::tr("%1 can't search by %2, only by %3. Use --%4.")
+                  .arg(server, kind, kinds.join(Text::tr(" and by ")), kinds.first()));
 }
 
-QString withArticle(const QString &kind)
+/// What is searched by, and its texts.
+struct Kind
 {
-    return (kind.startsWith(QLatin1Char('a')) ? QStringLiteral("an ") : QStringLiteral("a "))
-        + kind;
-}
+    const char *name;
+    const char *help;
+    const char *nothing;
+};
+
+const Kind allKinds[] = {
+    {"artist", Text::mark("Part of the artist"),
+        Text::mark("Nothing in %1 has an artist with %2 in it.")},
+    {"album", Text::mark("Part of the album"),
+        Text::mark("Nothing in %1 has an album with %2 in it.")},
+    {"title", Text::mark("Part of the title"),
+        Text::mark("Nothing in %1 has a title with %2 in it.")},
+};
 
 class Search : public Command
 {
 public:
     explicit Search(CLI::App &app)
-        : Command(app, "search", "Finds tracks by artist, album or title",
+        : Command(app, "search", Text::mark("Finds tracks by artist, album or title"),
             "orka search \"My NAS\" --artist abba --rows 0-19")
     {
         addPlace(m_place);
-        for (const char *kind : {"artist", "album", "title"}) {
-            const std::string help = std::string("Part of the ") + kind;
+        for (const Kind &kind : allKinds) {
             parser()
                 .add_option_function<std::string>(
-                    std::string("--") + kind,
-                    [this, kind](const std::string &text) {
-                        m_kinds.append(QString::fromLatin1(kind));
+                    std::string("--") + kind.name,
+                    [this, &kind](const std::string &text) {
+                        m_kinds.append(QString::fromLatin1(kind.name));
+                        m_nothing = kind.nothing;
                         m_text = argument(text);
                     },
-                    help)
+                    kind.help)
                 ->type_name("TEXT");
         }
-        addRows(m_rows, "First and last row, counted from 0 (all)");
+        addRows(m_rows, Text::mark("First and last row, counted from 0 (all)"));
     }
 
     int run(const GlobalOptions &options) override
     {
         if (m_kinds.size() != 1) {
-            throw wrongUsage(QStringLiteral("A search goes by one thing: write --artist TEXT, "
-                                            "--album TEXT or --title TEXT."));
+            throw wrongUsage(Text::tr("A search goes by one thing: write --artist TEXT, "
+                                      "--album TEXT or --title TEXT."));
         }
         const RowRange range = m_rows.isNull() ? RowRange() : parseRowRange(m_rows);
         const Place place = parsePlace(m_place, options.prefix);
@@ -80,9 +92,7 @@ public:
             range.first, [&session](const CMPath &path) { return folderOf(session, path); });
         QString trouble = write(pages, &output);
         if (output.rows() == 0 && output.rowsCount() == 0 && range.first == 0) {
-            writeLine(
-                QStringLiteral("Nothing in %1 has %2 with %3 in it.")
-                    .arg(session.nameOf(folder), withArticle(m_kinds.first()), quoted(m_text)));
+            writeLine(Text::tr(m_nothing).arg(session.nameOf(folder), quoted(m_text)));
             return Answered;
         }
         output.end();
@@ -91,9 +101,8 @@ public:
         if (trouble.isEmpty() && pages.lacking() == 0)
             return Answered;
         tell(incompleteSentence(pages.lacking(), output.rowsCount(),
-            trouble.isEmpty()
-                ? QStringLiteral("The media server counts them and doesn't give them.")
-                : trouble));
+            trouble.isEmpty() ? Text::tr("The media server counts them and doesn't give them.")
+                              : trouble));
         return AnsweredWithError;
     }
 
@@ -133,16 +142,16 @@ private:
     {
         if (place.base().isEmpty()) {
             throw Failure(AnsweredWithError, QStringLiteral("notSearchable"),
-                QStringLiteral("The list of media servers can't be searched. Name one of them; "
-                               "\"orka servers\" lists them."));
+                Text::tr("The list of media servers can't be searched. Name one of them; "
+                         "\"orka servers\" lists them."));
         }
         const QString kind = m_kinds.first();
         const QStringList kinds = searchKinds(session, place);
         const QString unknown = kinds.isEmpty() ? searchUnknown(session, place) : QString();
         if (!unknown.isEmpty()) {
             throw Failure(AnsweredWithError, QStringLiteral("notSearchable"),
-                unknown
-                    + QStringLiteral(" Try again in some seconds, or browse it with \"orka ls\"."));
+                Text::tr("%1 Try again in some seconds, or browse it with \"orka ls\".")
+                    .arg(unknown));
         }
         if (!kinds.contains(kind))
             throw notSearchable(session.serverNameOf(place), kind, kinds);
@@ -151,13 +160,14 @@ private:
         CMPath entry = place.withoutParams();
         entry.addParam(QStringLiteral("search"), kind);
         const QVariant answer =
-            session.set(entry, text.toVariant(), QStringLiteral("Entering the search text"));
+            session.set(entry, text.toVariant(), Text::tr("Entering the search text"));
         return CMPath::fromEncoded(answer.toString());
     }
 
     QString m_place;
     QStringList m_kinds;
     QString m_text;
+    const char *m_nothing = nullptr;
     QString m_rows;
 };
 

@@ -1,5 +1,6 @@
 #include "commands/ServerNotes.h"
 
+#include "Text.h"
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
@@ -17,9 +18,9 @@ QString leftOut(const Session &session, const QString &server)
     const ServiceCalls service(std::min(session.options().timeout, questionLimit));
     const QString name =
         valueOf(service.property(server, QStringLiteral("FriendlyName"))).toString();
-    return QStringLiteral("The media server %1 is left out: the media service lists it, but does "
-                          "not tell all about it. It may not answer; try again with a longer "
-                          "--wait.")
+    return Text::tr("The media server %1 is left out: the media service lists it, but does "
+                    "not tell all about it. It may not answer; try again with a longer "
+                    "--wait.")
         .arg(quoted(name.isEmpty() ? server : name));
 }
 

@@ -1,4 +1,5 @@
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Bus.h"
 #include "chain/KeptAddresses.h"
 #include "chain/NetworkReport.h"
@@ -47,25 +48,25 @@ public:
     {
         tellChanges({});
         m_isServiceThere = false;
-        write("service left", {});
-        tell(QStringLiteral("The media service has left the bus; waiting for it."));
+        write(Text::mark("service left"), {});
+        tell(Text::tr("The media service has left the bus; waiting for it."));
     }
 
     void tellServiceBack()
     {
         m_isServiceThere = true;
-        write("service back", {});
+        write(Text::mark("service back"), {});
     }
 
     void tellChanges(const ServerList::Servers &now)
     {
         for (const OrkaRoles &server : m_known) {
             if (!now.contains(server))
-                write("departed", server);
+                write(Text::mark("departed"), server);
         }
         for (const OrkaRoles &server : now) {
             if (!m_known.contains(server))
-                write("arrived", server);
+                write(Text::mark("arrived"), server);
         }
         m_known = now;
     }
@@ -81,7 +82,7 @@ private:
             writeJson(document);
         } else {
             writeLine(QStringLiteral("%1  %2  %3")
-                          .arg(QTime::currentTime().toString(), QString::fromLatin1(event),
+                          .arg(QTime::currentTime().toString(), Text::tr(event),
                               safeText(server.title().toString()))
                           .trimmed());
         }
@@ -105,7 +106,7 @@ public:
                 continue;
             m_printed.append(path);
             m_table.add({server.title().toString(),
-                server.search().isEmpty() ? QStringLiteral("no") : QStringLiteral("yes"), path});
+                server.search().isEmpty() ? Text::tr("no") : Text::tr("yes"), path});
         }
         if (m_printed.size() > before)
             m_table.write();
@@ -113,8 +114,7 @@ public:
     bool isEmpty() const { return m_printed.isEmpty(); }
 
 private:
-    Table m_table{
-        {QStringLiteral("title"), QStringLiteral("search"), QStringLiteral("path")}, {2, 0}};
+    Table m_table{{Text::tr("title"), Text::tr("search"), Text::tr("path")}, {2, 0}};
     QStringList m_printed;
 };
 
@@ -122,23 +122,24 @@ class Servers : public Command
 {
 public:
     explicit Servers(CLI::App &app)
-        : Command(app, "servers", "The media servers on the network",
+        : Command(app, "servers", Text::mark("The media servers on the network"),
             "orka servers\n  orka servers --add 192.168.1.20\n  orka --json servers --watch")
     {
         parser().add_flag("--watch", m_watch,
-            "Print arrivals and departures until stopped; with --json\none document a line:\n"
-            "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}; the media\n"
-            "service's own leaving and coming back are told, too:\n"
-            "{\"event\":\"service left\"|\"service back\"}");
-        addText("--add", m_add, "Look at this address from now on, in every command", "ADDRESS");
-        addText("--forget", m_forget, "No longer look at this address", "ADDRESS");
+            Text::mark(
+                "Print arrivals and departures until stopped; with --json\none document a line:\n"
+                "{\"event\":\"arrived\"|\"departed\",\"server\":{…}}; the media\n"
+                "service's own leaving and coming back are told, too:\n"
+                "{\"event\":\"service left\"|\"service back\"}"));
+        addText("--add", m_add, Text::mark("Look at this address from now on, in every command"),
+            "ADDRESS");
+        addText("--forget", m_forget, Text::mark("No longer look at this address"), "ADDRESS");
     }
 
     int run(const GlobalOptions &options) override
     {
         if (int(m_watch) + int(!m_add.isNull()) + int(!m_forget.isNull()) > 1)
-            throw wrongUsage(
-                QStringLiteral("Only one of --watch, --add and --forget can be done."));
+            throw wrongUsage(Text::tr("Only one of --watch, --add and --forget can be done."));
         if (!m_add.isNull())
             return add(options);
         if (!m_forget.isNull())
@@ -157,7 +158,7 @@ private:
         ServiceStarter service(options);
         const NamedServers &servers = service.namedServers();
         service.requireAnswer(m_add);
-        Wait wait(options.timeout, QStringLiteral("Looking for the media server"));
+        Wait wait(options.timeout, Text::tr("Looking for the media server"));
         QObject::connect(&servers, &NamedServers::changed, &wait, &Wait::wake);
         wait.until([&] { return !servers.isPending(m_add); });
         if (!servers.hasAnswered(m_add))
@@ -183,11 +184,11 @@ private:
         if (!KeptAddresses::forget(m_forget)) {
             const QStringList kept = KeptAddresses::read();
             throw missing(QStringLiteral("noSuchAddress"),
-                QStringLiteral("The address %1 isn't kept; %2.")
-                    .arg(KeptAddresses::shown(m_forget),
-                        kept.isEmpty() ? QStringLiteral("none is")
-                                       : QStringLiteral("these are: ")
-                                + safeText(kept.join(QStringLiteral(", ")))));
+                kept.isEmpty() ? Text::tr("The address %1 isn't kept; none is.")
+                                     .arg(KeptAddresses::shown(m_forget))
+                               : Text::tr("The address %1 isn't kept; these are: %2.")
+                                     .arg(KeptAddresses::shown(m_forget),
+                                         safeText(kept.join(QStringLiteral(", ")))));
         }
         try {
             tellService(options);
@@ -210,8 +211,8 @@ private:
         if (reply.type() == QDBusMessage::InvalidMessage
             || QDBusError(reply).type() == QDBusError::NoReply) {
             throw Failure(NoAnswer, QStringLiteral("noAnswer"),
-                QStringLiteral("The address %1 isn't kept any more, but the media service has not "
-                               "said in time that it no longer looks there. \"orka stop\" ends it.")
+                Text::tr("The address %1 isn't kept any more, but the media service has not "
+                         "said in time that it no longer looks there. \"orka stop\" ends it.")
                     .arg(KeptAddresses::shown(m_forget)));
         }
     }

@@ -1,3 +1,4 @@
+#include "Text.h"
 #include "chain/RunningServices.h"
 #include "commands/Command.h"
 #include "output/JsonOutput.h"
@@ -9,7 +10,8 @@ class Stop : public Command
 {
 public:
     explicit Stop(CLI::App &app)
-        : Command(app, "stop", "Ends the media service that a command left running", "orka stop")
+        : Command(app, "stop", Text::mark("Ends the media service that a command left running"),
+            "orka stop")
     {
     }
 
@@ -17,7 +19,7 @@ public:
     {
         const bool hasEnded = endRunningServices(options);
         if (!hasEnded)
-            tell(QStringLiteral("No media service is running, so there is nothing to end."));
+            tell(Text::tr("No media service is running, so there is nothing to end."));
         if (options.json) {
             OrkaHash document;
             document.setValue(QStringLiteral("ended"), hasEnded);

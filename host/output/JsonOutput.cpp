@@ -1,6 +1,7 @@
 #include "output/JsonOutput.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/Output.h"
 
 #include <QJsonArray>
@@ -116,12 +117,11 @@ QVariant valueFromJson(const QString &text)
     const QJsonDocument document = QJsonDocument::fromJson('[' + text.toUtf8() + "\n]", &error);
     if (document.isNull() || document.array().size() != 1) {
         const QString why = document.isNull()
-            ? QStringLiteral("%1 at character %2")
-                  .arg(error.errorString())
-                  .arg(qMin(error.offset, text.size()))
-            : QStringLiteral("it holds %1 values").arg(document.array().size());
-        throw wrongUsage(QStringLiteral("The value is not one JSON value: %1. Write an object, a "
-                                        "list or a string, like '{\"string_\":\"abba\"}'.")
+            ? Text::tr("%1 at character %2")
+                  .arg(error.errorString(), Text::number(qMin(error.offset, text.size())))
+            : Text::tr("it holds %Ln values", nullptr, document.array().size());
+        throw wrongUsage(Text::tr("The value is not one JSON value: %1. Write an object, a "
+                                  "list or a string, like '{\"string_\":\"abba\"}'.")
                              .arg(why));
     }
     return toVariant(document.array().first());

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "GlobalOptions.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QFileInfo>
@@ -80,8 +81,8 @@ void readConfiguration(const QString &file)
 {
     const QFileInfo info(file);
     if (!info.isFile() || !info.isReadable()) {
-        throw wrongUsage(QStringLiteral("The log configuration %1 can't be read. Name a log4cplus "
-                                        "properties file that is there.")
+        throw wrongUsage(Text::tr("The log configuration %1 can't be read. Name a log4cplus "
+                                  "properties file that is there.")
                              .arg(quoted(file)));
     }
     log4cplus::PropertyConfigurator::doConfigure(file.toStdString());

@@ -1,6 +1,7 @@
 #include "output/Output.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/Progress.h"
 #include "output/SafeText.h"
 
@@ -38,7 +39,7 @@ void writeText(const QByteArray &bytes)
         throw ReaderGone();
     if (!written) {
         throw Failure(AnsweredWithError, QStringLiteral("output"),
-            QStringLiteral("The answer could not be written to standard output: %1.")
+            Text::tr("The answer could not be written to standard output: %1.")
                 .arg(QString::fromLocal8Bit(std::strerror(errno))));
     }
 }

@@ -1,5 +1,6 @@
 #include "output/Playlist.h"
 
+#include "Text.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
 
@@ -47,8 +48,8 @@ PlayListItems playableItems(const PlayListItems &items)
             playable.append(item);
             continue;
         }
-        tell(QStringLiteral("%1 is left out: its address %2 is not one that a player may be given "
-                            "(http, https or rtsp).")
+        tell(Text::tr("%1 is left out: its address %2 is not one that a player may be given "
+                      "(http, https or rtsp).")
                  .arg(quoted(itemName(item)), quoted(item.url())));
     }
     return playable;

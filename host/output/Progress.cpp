@@ -1,5 +1,6 @@
 #include "output/Progress.h"
 
+#include "Text.h"
 #include "output/SafeText.h"
 #include "output/Terminal.h"
 
@@ -56,8 +57,8 @@ void Progress::show()
     if (programClock().elapsed() < 1000)
         return;
     isShown = true;
-    const QString rest =
-        QStringLiteral(" … %1 s (Ctrl-C stops)").arg(programClock().elapsed() / 1000);
+    const QString rest = QStringLiteral(" … ")
+        + Text::tr("%1 s (Ctrl-C stops)").arg(programClock().elapsed() / 1000);
     // A line that wraps couldn't be taken back.
     const int room = Terminal::columns(STDERR_FILENO) - displayWidth(rest) - 1;
     const QString line = QStringLiteral("\r\033[K") + shortenedInTheMiddle(m_doing, room) + rest;

@@ -1,5 +1,6 @@
 #include "output/QueueOutput.h"
 
+#include "Text.h"
 #include "output/Output.h"
 
 namespace {
@@ -9,17 +10,16 @@ constexpr int digitsOfNumbers = 5;
 
 QString lengthInAll(int count, long long milliseconds)
 {
-    return QStringLiteral("%1, %2 in all.")
-        .arg(count == 1 ? QStringLiteral("1 item") : QStringLiteral("%1 items").arg(count),
-            milliseconds > 0 ? lengthText(milliseconds) : QStringLiteral("0:00"));
+    return Text::tr("%Ln items, %1 in all.", nullptr, count)
+        .arg(milliseconds > 0 ? lengthText(milliseconds) : QStringLiteral("0:00"));
 }
 
 } // namespace
 
 QueueOutput::QueueOutput(Format format)
     : m_format(format)
-    , m_table({QStringLiteral("no."), QStringLiteral("title"), QStringLiteral("artist"),
-                  QStringLiteral("album"), QStringLiteral("length")},
+    , m_table({Text::tr("no."), Text::tr("title"), Text::tr("artist"), Text::tr("album"),
+                  Text::tr("length")},
           {3, 2, 1})
     , m_document(OrkaHash(), QStringLiteral("items"))
 {

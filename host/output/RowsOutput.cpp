@@ -1,5 +1,6 @@
 #include "output/RowsOutput.h"
 
+#include "Text.h"
 #include "output/Output.h"
 
 namespace {
@@ -9,7 +10,7 @@ QString kindOf(const OrkaRoles &node)
     if (!node.contains(OrkaRoles::Type()))
         return QString(); // it may be anything
     return node.path().param(QStringLiteral("itemType")) == QLatin1String("server")
-        ? QStringLiteral("server")
+        ? Text::tr("server")
         : kindName(node.type());
 }
 
@@ -21,12 +22,11 @@ OrkaResource resourceOf(const OrkaMediaData &media)
 
 QStringList heading(bool isLong)
 {
-    const QStringList usual = {QStringLiteral("row"), QStringLiteral("kind"),
-        QStringLiteral("title"), QStringLiteral("artist"), QStringLiteral("album"),
-        QStringLiteral("length")};
+    const QStringList usual = {Text::tr("row"), Text::tr("kind"), Text::tr("title"),
+        Text::tr("artist"), Text::tr("album"), Text::tr("length")};
     return isLong ? usual
-            + QStringList{QStringLiteral("genre"), QStringLiteral("date"), QStringLiteral("format"),
-                QStringLiteral("kbit/s"), QStringLiteral("path")}
+            + QStringList{Text::tr("genre"), Text::tr("date"), Text::tr("format"),
+                Text::tr("kbit/s"), Text::tr("path")}
                   : usual;
 }
 
@@ -40,8 +40,7 @@ QStringList moreOf(const OrkaRoles &row)
     return {about.value(OrkaMetaData::Genre()).toString(),
         dateText(about.value(OrkaMetaData::Date()).toLongLong()),
         resource.value(OrkaResource::MimeType()).toString(),
-        bitsPerSecond > 0 ? QString::number(bitsPerSecond / 1000) : QString(),
-        row.path().toEncoded()};
+        bitsPerSecond > 0 ? Text::number(bitsPerSecond / 1000) : QString(), row.path().toEncoded()};
 }
 
 } // namespace
@@ -102,13 +101,11 @@ void RowsOutput::end(const CMError &error, int ofOtherKinds)
 QString RowsOutput::whatPart(int ofOtherKinds) const
 {
     if (m_rows == 0 && ofOtherKinds > 0)
-        return QStringLiteral("None of %1 rows is of this kind.").arg(ofOtherKinds);
+        return Text::tr("None of %Ln rows is of this kind.", nullptr, ofOtherKinds);
     if (m_rows == 0) {
         return m_rowsCount == 0
-            ? QStringLiteral("There are no rows.")
-            : QStringLiteral("None of %1 rows is in this range.").arg(m_rowsCount);
+            ? Text::tr("There are no rows.")
+            : Text::tr("None of %Ln rows is in this range.", nullptr, m_rowsCount);
     }
-    // A server that doesn't know how many there are says 0.
-    return m_rowsCount < m_rows ? QStringLiteral("%1 rows.").arg(m_rows)
-                                : QStringLiteral("%1 of %2 rows.").arg(m_rows).arg(m_rowsCount);
+    return rowsOfAll(m_rows, m_rowsCount);
 }

@@ -1,5 +1,6 @@
 #include "output/SearchOutput.h"
 
+#include "Text.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
 
@@ -13,11 +14,10 @@ constexpr int mostNamesakes = 40;
 SearchOutput::SearchOutput(int first, FolderOf folderOf)
     : m_first(first)
     , m_folderOf(std::move(folderOf))
-    , m_trackTable({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("artist"),
-                       QStringLiteral("album"), QStringLiteral("length")},
+    , m_trackTable({Text::tr("row"), Text::tr("title"), Text::tr("artist"), Text::tr("album"),
+                       Text::tr("length")},
           {3, 2, 1})
-    , m_folderTable(
-          {QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("artist")}, {2, 1})
+    , m_folderTable({Text::tr("row"), Text::tr("title"), Text::tr("artist")}, {2, 1})
 {
 }
 
@@ -34,7 +34,7 @@ void SearchOutput::add(const Rows &page)
             ++m_folders;
         } else {
             if (m_rows == m_folders)
-                writeLine(QStringLiteral("Tracks"));
+                writeLine(Text::tr("Tracks"));
             const OrkaList<OrkaResource> resources = media.resources();
             m_trackTable.add({number, title, media.metaData().artist(), media.metaData().album(),
                 resources.isEmpty() ? QString() : lengthText(resources.first().duration())});
@@ -50,21 +50,19 @@ void SearchOutput::end()
     if (m_rows > m_folders)
         m_trackTable.write();
     if (m_folders > 0) {
-        writeLine(QStringLiteral("Folders"));
+        writeLine(Text::tr("Folders"));
         m_folderTable.write();
     }
     writeNamesakes();
     if (m_rows == 0 && m_rowsCount > 0)
-        writeLine(QStringLiteral("None of %1 rows is in this range.").arg(m_rowsCount));
+        writeLine(Text::tr("None of %Ln rows is in this range.", nullptr, m_rowsCount));
     else
-        writeLine(m_rowsCount < m_rows
-                ? QStringLiteral("%1 rows.").arg(m_rows)
-                : QStringLiteral("%1 of %2 rows.").arg(m_rows).arg(m_rowsCount));
+        writeLine(rowsOfAll(m_rows, m_rowsCount));
 }
 
 void SearchOutput::writeNamesakes() const
 {
-    Table table({QStringLiteral("row"), QStringLiteral("title"), QStringLiteral("in")}, {2, 1});
+    Table table({Text::tr("row"), Text::tr("title"), Text::tr("in", "a folder")}, {2, 1});
     int told = 0;
     bool isWhole = true;
     for (const auto &[title, found] : m_byTitle) {
@@ -78,11 +76,11 @@ void SearchOutput::writeNamesakes() const
         }
     }
     if (told > 0) {
-        writeLine(QStringLiteral("Titles that are there more than once"));
+        writeLine(Text::tr("Titles that are there more than once"));
         table.write();
     }
     if (!isWhole) {
-        tell(QStringLiteral("Some titles are there more than once, and the media server doesn't "
-                            "say in which folders."));
+        tell(Text::tr("Some titles are there more than once, and the media server doesn't "
+                      "say in which folders."));
     }
 }

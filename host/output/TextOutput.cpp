@@ -1,5 +1,6 @@
 #include "output/TextOutput.h"
 
+#include "Text.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
 
@@ -62,17 +63,17 @@ QString kindName(int type)
 {
     switch (type) {
     case OrkaRolesType::Container:
-        return QStringLiteral("folder");
+        return Text::tr("folder");
     case OrkaRolesType::Audio:
-        return QStringLiteral("track");
+        return Text::tr("track");
     case OrkaRolesType::Video:
-        return QStringLiteral("video");
+        return Text::tr("video");
     case OrkaRolesType::Image:
-        return QStringLiteral("image");
+        return Text::tr("image");
     case OrkaRolesType::Search:
-        return QStringLiteral("search");
+        return Text::tr("search");
     default:
-        return QStringLiteral("item");
+        return Text::tr("item");
     }
 }
 
@@ -168,8 +169,15 @@ QString dateText(long long milliseconds)
     const QDateTime date = QDateTime::fromMSecsSinceEpoch(milliseconds);
     if (milliseconds == 0)
         return QString();
-    return date.time() == QTime(0, 0) ? date.date().toString(Qt::ISODate)
-                                      : date.toString(Qt::ISODate);
+    return date.time() == QTime(0, 0)
+        ? date.toString(Text::tr("yyyy-MM-dd", "as QDateTime::toString() writes it"))
+        : date.toString(Text::tr("yyyy-MM-dd'T'HH:mm:ss", "as QDateTime::toString() writes it"));
+}
+
+QString rowsOfAll(int rows, int count)
+{
+    return count < rows ? Text::tr("%Ln rows.", nullptr, rows)
+                        : Text::tr("%1 of %Ln rows.", nullptr, count).arg(Text::number(rows));
 }
 
 void writeRoles(const OrkaHash &roles)

@@ -57,6 +57,9 @@ QString lengthText(long long milliseconds);
 /// date.
 QString dateText(long long milliseconds);
 
+/// "20 of 1200 rows."; a server that doesn't know how many there are says 0.
+QString rowsOfAll(int rows, int count);
+
 /// Every role on a line of its own, records indented below their name.
 void writeRoles(const OrkaHash &roles);
 

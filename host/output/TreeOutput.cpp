@@ -1,5 +1,6 @@
 #include "output/TreeOutput.h"
 
+#include "Text.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
 #include "output/TextOutput.h"
@@ -59,6 +60,7 @@ void TreeOutput::end(const QStringList &problems)
         }
         writeJson(document);
     } else {
-        writeLine(QStringLiteral("%1 folders, %2 others.").arg(m_folders).arg(m_others));
+        writeLine(Text::tr("%1, %2.").arg(Text::tr("%Ln folders", nullptr, m_folders),
+            Text::tr("%Ln others", nullptr, m_others)));
     }
 }

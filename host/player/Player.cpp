@@ -1,6 +1,7 @@
 #include "player/Player.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/ChildProcess.h"
 #include "chain/Wait.h"
 #include "output/Output.h"
@@ -26,8 +27,8 @@ QString findPlayer(const QString &command, QStringList *arguments)
     QString program = QStandardPaths::findExecutable(name);
     if (program.isEmpty()) {
         throw missing(QStringLiteral("noPlayer"),
-            QStringLiteral("There is no player %1. Install it, or name another with --player; "
-                           "\"orka queue --format m3u8\" writes a playlist for any.")
+            Text::tr("There is no player %1. Install it, or name another with --player; "
+                     "\"orka queue --format m3u8\" writes a playlist for any.")
                 .arg(quoted(name)));
     }
     return program;
@@ -50,8 +51,8 @@ void writePlaylist(QTemporaryFile &file, const PlayListItems &items)
 {
     if (!file.open() || !writeWhole(file, toM3u8(items).toUtf8())) {
         throw Failure(AnsweredWithError, QStringLiteral("output"),
-            QStringLiteral("The playlist can't be written to %1: %2. Make room there, or set "
-                           "TMPDIR to another folder.")
+            Text::tr("The playlist can't be written to %1: %2. Make room there, or set "
+                     "TMPDIR to another folder.")
                 .arg(quoted(QDir::tempPath()), file.errorString()));
     }
 }
@@ -71,13 +72,13 @@ int positionOf(const QString &url, const PlayListItems &items, int next)
 void tellTrack(const PlayListItems &items, int position)
 {
     const OrkaPlayListItem &item = items.at(position);
+    const QString name = safeText(itemName(item));
     const QString length = lengthText(item.durationSeconds() * 1000LL);
     if (isatty(STDERR_FILENO) != 0)
         std::fputs("\r\033[K", stderr); // over the player's status line
-    tell(QStringLiteral("Playing %1 of %2: %3%4")
-             .arg(QString::number(position + 1), QString::number(items.size()),
-                 safeText(itemName(item)),
-                 length.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(length)));
+    tell(Text::tr("Playing %1 of %2: %3")
+             .arg(Text::number(position + 1), Text::number(items.size()),
+                 length.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, length)));
 }
 
 int statusOf(const ChildProcess &player)
@@ -134,7 +135,7 @@ int playItems(const PlayListItems &items, const QString &command, bool quietOutp
     }
     if (player.error() == QProcess::FailedToStart) {
         throw missing(QStringLiteral("noPlayer"),
-            QStringLiteral("The player %1 can't be started: %2. Name another with --player.")
+            Text::tr("The player %1 can't be started: %2. Name another with --player.")
                 .arg(quoted(program), player.errorString()));
     }
     return statusOf(player);

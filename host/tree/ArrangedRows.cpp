@@ -125,7 +125,7 @@ bool ArrangedRows::next(Rows *page)
 void ArrangedRows::sort(Rows *rows) const
 {
     // Without a language, bytes would be compared.
-    const QLocale locale;
+    const QLocale locale = QLocale::system();
     QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);

@@ -1,5 +1,6 @@
 #include "tree/ContentWatch.h"
 
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "tree/ServerList.h"
@@ -38,9 +39,8 @@ QString ContentWatch::change() const
 {
     const QString location = m_location.isEmpty() ? QString() : locationOf(m_server);
     if (!location.isEmpty() && location != m_location) {
-        return QStringLiteral(
-            "The media server has moved to another address while it was read, and "
-            "what came before has the old one. Run the command again.");
+        return Text::tr("The media server has moved to another address while it was read, and "
+                        "what came before has the old one. Run the command again.");
     }
     if (!m_before || !m_before->isFinished() || m_before->isError())
         return {};
@@ -52,7 +52,6 @@ QString ContentWatch::change() const
     // One that counts every question says nothing.
     if (valueOf(service.property(m_server, updateId)) != now)
         return {};
-    return QStringLiteral(
-        "The media server's content has changed while it was read: some of it may "
-        "be out of date, missing or there twice. Run the command again.");
+    return Text::tr("The media server's content has changed while it was read: some of it may "
+                    "be out of date, missing or there twice. Run the command again.");
 }

@@ -1,5 +1,6 @@
 #include "tree/Gathering.h"
 
+#include "Text.h"
 #include "chain/Session.h"
 #include "output/Progress.h"
 #include "output/SafeText.h"
@@ -45,7 +46,7 @@ Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
     : m_session(session)
     , m_kinds(kinds)
     , m_take(std::move(take))
-    , m_progress(std::make_unique<Progress>(QStringLiteral("Collecting")))
+    , m_progress(std::make_unique<Progress>(Text::tr("Collecting")))
     , m_known(session.options().timeout)
 {
 }
@@ -86,11 +87,11 @@ void Gathering::tellWithoutAddress(const QString &place)
     for (const QString &title : m_withoutAddress.mid(0, mostNamed))
         named.append(quoted(shortened(title, longestTitle)));
     if (count > mostNamed)
-        named.append(QStringLiteral("%1 more").arg(count - mostNamed));
-    m_failures.append(incomplete(
-        QStringLiteral("The media server gives no address for %1 of what is "
-                       "in %2, so nobody can play it: %3.")
-            .arg(QString::number(count), quoted(place), named.join(QStringLiteral(", ")))));
+        named.append(Text::tr("%Ln more", nullptr, count - mostNamed));
+    m_failures.append(incomplete(Text::tr("The media server gives no address for %Ln of what is "
+                                          "in %1, so nobody can play it: %2.",
+        nullptr, count)
+                                     .arg(quoted(place), named.join(QStringLiteral(", ")))));
     m_withoutAddress.clear();
 }
 
@@ -128,8 +129,7 @@ void Gathering::push(const CMPath &path, const QString &name)
     m_visited.insert(object);
     m_session.setName(path, name);
     if (m_folders.size() == deepest) {
-        fail(path,
-            incomplete(QStringLiteral("%1 isn't read: it is nested too deep.").arg(quoted(name))));
+        fail(path, incomplete(Text::tr("%1 isn't read: it is nested too deep.").arg(quoted(name))));
         return;
     }
     std::shared_ptr<PageSize> &size = m_pageSizes[server];
@@ -160,8 +160,9 @@ bool Gathering::readMore(Folder *folder)
     ++m_foldersRead;
     if (folder->pages.lacking() > 0) {
         fail(folder->path,
-            incomplete(QStringLiteral("The media server counts %1 more rows in %2 than it gives.")
-                           .arg(QString::number(folder->pages.lacking()), quoted(folder->name))));
+            incomplete(Text::tr("The media server counts %Ln more rows in %1 than it gives.",
+                nullptr, folder->pages.lacking())
+                           .arg(quoted(folder->name))));
     }
     return false;
 }
@@ -230,6 +231,7 @@ void Gathering::fail(const CMPath &path, const Failure &failure)
 
 void Gathering::tellProgress()
 {
-    m_progress->setDoing(
-        QStringLiteral("Collecting: %1 folders, %2 tracks").arg(m_foldersRead).arg(m_items));
+    m_progress->setDoing(Text::tr("Collecting: %1, %2")
+                             .arg(Text::tr("%Ln folders", nullptr, m_foldersRead),
+                                 Text::tr("%Ln tracks", nullptr, m_items)));
 }

@@ -1,5 +1,6 @@
 #include "tree/NearestTitles.h"
 
+#include "Text.h"
 #include "output/SafeText.h"
 #include "tree/Place.h"
 
@@ -71,7 +72,6 @@ QString NearestTitles::question() const
     QStringList names;
     for (const QString &title : titles())
         names.append(quoted(titleInPlace(title)));
-    return names.isEmpty()
-        ? QString()
-        : QStringLiteral(" Did you mean %1?").arg(names.join(QStringLiteral(" or ")));
+    return names.isEmpty() ? QString()
+                           : Text::tr(" Did you mean %1?").arg(names.join(Text::tr(" or ")));
 }

@@ -1,6 +1,7 @@
 #include "tree/NodeKind.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Session.h"
 #include "output/SafeText.h"
 #include "tree/ServerList.h"
@@ -16,8 +17,8 @@ CMPath withKind(Session &session, const CMPath &path)
     const QString kind = session.data(path, {OrkaRoles::Path()}).path().param(itemType);
     if (kind.isEmpty()) {
         throw Failure(AnsweredWithError, QStringLiteral("notPlayable"),
-            QStringLiteral("%1 is neither a track nor a folder nor a media server, so it can't be "
-                           "played. Name one of these.")
+            Text::tr("%1 is neither a track nor a folder nor a media server, so it can't be "
+                     "played. Name one of these.")
                 .arg(safeText(path.toEncoded())));
     }
     return result.addParam(itemType, kind);

@@ -1,6 +1,7 @@
 #include "tree/Place.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QRegularExpression>
@@ -32,9 +33,9 @@ Place parsePlace(const QString &text, const QString &prefix)
     if (text.startsWith(prefix + QLatin1Char(':')))
         return {parsePath(text), {}, text};
     if (text.isEmpty()) {
-        throw wrongUsage(QStringLiteral("An empty place names nothing. Write a node path or titles "
-                                        "joined by \"/\", like \"My NAS/Music\"; \"/\" alone is "
-                                        "the list of media servers."));
+        throw wrongUsage(Text::tr("An empty place names nothing. Write a node path or titles "
+                                  "joined by \"/\", like \"My NAS/Music\"; \"/\" alone is "
+                                  "the list of media servers."));
     }
     QStringList titles = splitTitles(text);
     if (titles.size() > 1 && titles.first().isEmpty())
@@ -42,8 +43,8 @@ Place parsePlace(const QString &text, const QString &prefix)
     if (titles.last().isEmpty())
         titles.removeLast();
     if (titles.contains(QString())) {
-        throw wrongUsage(QStringLiteral("The place %1 has an empty title between two slashes. A "
-                                        "slash that belongs to a title is written \\/.")
+        throw wrongUsage(Text::tr("The place %1 has an empty title between two slashes. A "
+                                  "slash that belongs to a title is written \\/.")
                              .arg(quoted(text)));
     }
     return {CMPath(), titles, text};
@@ -60,9 +61,9 @@ CMPath parsePath(const QString &text)
     CMPath path = CMPath::fromEncoded(text);
     if (path.isEmpty()) {
         throw wrongUsage(
-            QStringLiteral("%1 is no node path. A node path looks like "
-                           "upnp:/uuid:4d69/64?itemType=container, with everything else than "
-                           "letters and digits percent-encoded; \"orka --json ls\" prints them.")
+            Text::tr("%1 is no node path. A node path looks like "
+                     "upnp:/uuid:4d69/64?itemType=container, with everything else than "
+                     "letters and digits percent-encoded; \"orka --json ls\" prints them.")
                 .arg(quoted(text)));
     }
     return path;

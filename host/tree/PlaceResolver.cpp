@@ -1,6 +1,7 @@
 #include "tree/PlaceResolver.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
@@ -59,9 +60,9 @@ Failure noSuchPlace(const QString &sentence)
 Failure ambiguous(const QString &title, const QStringList &lines)
 {
     return noSuchPlace(
-        QStringLiteral("The title %1 is there %2 times. Name the one you mean:\n  %3")
-            .arg(quoted(title), QString::number(lines.size()),
-                lines.mid(0, mostNamed).join(QStringLiteral("\n  "))));
+        Text::tr(
+            "The title %1 is there %Ln times. Name the one you mean:\n  %2", nullptr, lines.size())
+            .arg(quoted(title), lines.mid(0, mostNamed).join(QStringLiteral("\n  "))));
 }
 
 /// What tells media servers of one name apart; empty where the media service doesn't say.
@@ -144,8 +145,8 @@ CMPath PlaceResolver::resolvePath(const Place &place)
 {
     if (!m_servers.waitForServersOf({place.path})) {
         throw noSuchPlace(
-            QStringLiteral("The media server of %1 hasn't shown up. \"orka servers\" lists those "
-                           "that are there; --wait SECONDS waits for one that is starting.")
+            Text::tr("The media server of %1 hasn't shown up. \"orka servers\" lists those "
+                     "that are there; --wait SECONDS waits for one that is starting.")
                 .arg(quoted(place.text))
             + absentServers(NetworkReport::read()));
     }
@@ -186,8 +187,8 @@ CMPath PlaceResolver::findServer(const QString &title)
     NearestTitles nearest(title);
     for (const OrkaRoles &server : m_servers.servers())
         nearest.add(titleOf(server));
-    throw noSuchPlace(QStringLiteral("There is no media server %1.%2 \"orka servers\" lists those "
-                                     "that are there.")
+    throw noSuchPlace(Text::tr("There is no media server %1.%2 \"orka servers\" lists those "
+                               "that are there.")
                           .arg(quoted(title), nearest.question())
         + absentServers(NetworkReport::read()));
 }
@@ -247,7 +248,7 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
         throw ambiguous(title, paths);
     }
     if (!entries.trouble().isEmpty()) {
-        tell(QStringLiteral("There may be another %1 in %2: its list is incomplete. %3")
+        tell(Text::tr("There may be another %1 in %2: its list is incomplete. %3")
                  .arg(quoted(title), m_session.nameOf(parent), entries.trouble()));
     }
     return found.first().path();
@@ -256,7 +257,7 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
 QString PlaceResolver::Entries::trouble() const
 {
     return lacking > 0 && failure.isEmpty()
-        ? QStringLiteral("The media server counts %1 more entries than it gives.").arg(lacking)
+        ? Text::tr("The media server counts %Ln more entries than it gives.", nullptr, lacking)
         : failure;
 }
 
@@ -266,17 +267,20 @@ Failure PlaceResolver::noEntry(const CMPath &parent, const QString &title, Kind 
     NearestTitles nearest(title);
     for (const OrkaRoles &node : candidates)
         nearest.add(titleOf(node));
-    const QString sentence =
-        QStringLiteral("There is no %1 %2 in %3")
-            .arg(wanted == Folder ? QStringLiteral("folder") : QStringLiteral("entry"),
-                quoted(title), m_session.nameOf(parent));
+    const bool isFolder = wanted == Folder;
     if (!trouble.isEmpty()) {
         return Failure(AnsweredWithError, QStringLiteral("incomplete"),
-            sentence
-                + QStringLiteral(" so far, but the list is incomplete: it may be among what is "
-                                 "missing. %1")
-                      .arg(trouble));
+            (isFolder
+                    ? Text::tr(
+                        "There is no folder %1 in %2 so far, but the list is incomplete: it may be "
+                        "among what is missing. %3")
+                    : Text::tr(
+                        "There is no entry %1 in %2 so far, but the list is incomplete: it may be "
+                        "among what is missing. %3"))
+                .arg(quoted(title), m_session.nameOf(parent), trouble));
     }
     return noSuchPlace(
-        sentence + QStringLiteral(".%1 \"orka ls\" lists what is there.").arg(nearest.question()));
+        (isFolder ? Text::tr("There is no folder %1 in %2.%3 \"orka ls\" lists what is there.")
+                  : Text::tr("There is no entry %1 in %2.%3 \"orka ls\" lists what is there."))
+            .arg(quoted(title), m_session.nameOf(parent), nearest.question()));
 }

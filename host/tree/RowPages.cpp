@@ -1,6 +1,7 @@
 #include "tree/RowPages.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Session.h"
 
 #include <QElapsedTimer>
@@ -58,8 +59,7 @@ void RowPages::ask()
 Rows RowPages::take()
 {
     for (;;) {
-        const QString doing =
-            m_quiet ? QString() : QStringLiteral("Reading rows from %1").arg(m_next);
+        const QString doing = m_quiet ? QString() : Text::tr("Reading rows from %1").arg(m_next);
         try {
             return rowsOf(m_session.rowsOf(m_request->reply, m_path, m_next, doing), m_roles);
         } catch (const Failure &failure) {

@@ -1,6 +1,7 @@
 #include "tree/RowRange.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QStringList>
@@ -27,13 +28,13 @@ RowRange parseRowRange(const QString &text)
     const int first = parsePosition(parts.value(0));
     const int last = parsePosition(parts.value(1));
     if (parts.size() != 2 || first < 0 || last < 0) {
-        throw wrongUsage(QStringLiteral("%1 is no range of rows. Write the first and the last row, "
-                                        "counted from 0, like --rows 0-19.")
+        throw wrongUsage(Text::tr("%1 is no range of rows. Write the first and the last row, "
+                                  "counted from 0, like --rows 0-19.")
                              .arg(quoted(text)));
     }
     if (last < first) {
-        throw wrongUsage(QStringLiteral("The range of rows %1 ends before it begins. Write the "
-                                        "smaller number first, like --rows 0-19.")
+        throw wrongUsage(Text::tr("The range of rows %1 ends before it begins. Write the "
+                                  "smaller number first, like --rows 0-19.")
                              .arg(quoted(text)));
     }
     return {first, last};
@@ -50,18 +51,18 @@ SampleRange parseSampleRange(const QString &text)
     const SampleRange range{parsePosition(parts.value(0)), parsePosition(parts.value(1)),
         parsePosition(parts.value(2))};
     if (parts.size() != 3 || range.start < 0 || range.end < 0 || range.step < 0) {
-        throw wrongUsage(QStringLiteral("%1 is no sample. Write START,END,STEP: positions counted "
-                                        "from 0 and the distance between two of them, like "
-                                        "0,9999,100.")
+        throw wrongUsage(Text::tr("%1 is no sample. Write START,END,STEP: positions counted "
+                                  "from 0 and the distance between two of them, like "
+                                  "0,9999,100.")
                              .arg(quoted(text)));
     }
     if (range.step < 1) {
-        throw wrongUsage(QStringLiteral("A sample with step 0 would take the same row again and "
-                                        "again. Write a step of at least 1, like 0,9999,100."));
+        throw wrongUsage(Text::tr("A sample with step 0 would take the same row again and "
+                                  "again. Write a step of at least 1, like 0,9999,100."));
     }
     if (range.end < range.start) {
-        throw wrongUsage(QStringLiteral("The sample %1 ends before it begins. Write the smaller "
-                                        "position first, like 0,9999,100.")
+        throw wrongUsage(Text::tr("The sample %1 ends before it begins. Write the smaller "
+                                  "position first, like 0,9999,100.")
                              .arg(quoted(text)));
     }
     return range;

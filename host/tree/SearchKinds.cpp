@@ -1,5 +1,6 @@
 #include "tree/SearchKinds.h"
 
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "tree/RowsReader.h"
@@ -26,6 +27,6 @@ QString searchUnknown(const Session &session, const CMPath &path)
         service.objectOf(ServerList::serverBase(path), session.mediaService().servers().paths());
     const ServiceAnswer caps = service.property(server, QStringLiteral("SearchCaps"));
     return caps.errorName.endsWith(QLatin1String(".UnknownProperty"))
-        ? QStringLiteral("%1 has not said yet what it can search.").arg(session.serverNameOf(path))
+        ? Text::tr("%1 has not said yet what it can search.").arg(session.serverNameOf(path))
         : QString();
 }

@@ -1,5 +1,6 @@
 #include "tree/ServerList.h"
 
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 #include "chain/Wait.h"
@@ -79,7 +80,7 @@ QString ServerList::serverBase(const CMPath &path)
 
 bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit) const
 {
-    Wait wait(limit, QStringLiteral("Looking for media servers"));
+    Wait wait(limit, Text::tr("Looking for media servers"));
     connect(this, &ServerList::changed, &wait, &Wait::wake);
     ServiceStarter &service = m_session.mediaService();
     connect(&service, &ServiceStarter::gone, &wait, &Wait::wake);

@@ -1,6 +1,7 @@
 #include "tree/TrackNumbers.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
 
@@ -24,8 +25,8 @@ QHash<int, int> trackNumbers(Session &session, const CMPath &folder, RowRange ra
             service.children(object, uint(first), count, {QStringLiteral("TrackNumber")});
         if (!answer.isGood()) {
             throw Failure(answer.came ? AnsweredWithError : NoAnswer, QStringLiteral("noTracks"),
-                QStringLiteral("%1 doesn't tell the numbers of its tracks, so they can't be sorted "
-                               "by them. Try --sort title.")
+                Text::tr("%1 doesn't tell the numbers of its tracks, so they can't be sorted "
+                         "by them. Try --sort title.")
                     .arg(session.serverNameOf(folder)));
         }
         const QList<QVariantMap> children = childrenOf(answer);

@@ -1,6 +1,7 @@
 #include "tree/TreeWalk.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Session.h"
 #include "tree/RowPages.h"
 #include "tree/ServerList.h"
@@ -38,8 +39,9 @@ void TreeWalk::walk(const CMPath &path, int depth)
             }
         }
         if (pages.lacking() > 0) {
-            m_fail(QStringLiteral("%1 more rows are counted in %2 than its server gives.")
-                       .arg(QString::number(pages.lacking()), m_session.nameOf(path)));
+            m_fail(Text::tr(
+                "%Ln more rows are counted in %1 than its server gives.", nullptr, pages.lacking())
+                       .arg(m_session.nameOf(path)));
         }
     } catch (const Failure &failure) {
         const bool isOver = failure.error().name() == QLatin1String("output");

@@ -36,6 +36,9 @@ for server in Searches Virtual; do
     check "$server: the total, beyond the rows asked for" "25 3" \
         "$(orka --json search "$server" --title Piece --rows 0-2 | jq -r '"\(.rowsCount) \(.rows | length)"')"
 done
+check "the plug-in's menu in German, not for programs" "Interpret Artist" \
+    "$(export LC_ALL=de_DE.UTF-8 && orka menu Searches | awk '/^ *0 / { print $3 }') $(
+        LC_ALL=de_DE.UTF-8 orka --json menu Searches | jq -r '.rows[0].title')"
 # MiniDLNA knows no backslash inside a search; what matters is that it understands the request.
 check "a backslash, which MiniDLNA never finds" "" "$(found Searches --title 'back\slash')"
 check "a backslash, which Rygel finds" 'back\slash' "$(found Virtual --title 'back\slash')"

@@ -1,0 +1,1170 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>CMError</name>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+</context>
+<context>
+    <name>CMNodesWorker</name>
+    <message>
+        <source>There is nothing to list at this place.</source>
+        <translation>An dieser Stelle gibt es nichts aufzulisten.</translation>
+    </message>
+    <message>
+        <source>There is nothing at this place.</source>
+        <translation>An dieser Stelle ist nichts.</translation>
+    </message>
+    <message>
+        <source>Nothing can be set at this place.</source>
+        <translation>An dieser Stelle lässt sich nichts setzen.</translation>
+    </message>
+</context>
+<context>
+    <name>PlayListHelper</name>
+    <message>
+        <source>Play now</source>
+        <translation>Jetzt abspielen</translation>
+    </message>
+    <message>
+        <source>Play next</source>
+        <translation>Als Nächstes abspielen</translation>
+    </message>
+    <message>
+        <source>Add to queue</source>
+        <translation>An die Warteschlange anhängen</translation>
+    </message>
+</context>
+<context>
+    <name>Text</name>
+    <message numerus="yes">
+        <source>The list is incomplete: %Ln of %1 rows are missing. %2</source>
+        <translation>
+            <numerusform>Die Liste ist unvollständig: Es fehlt %Ln von %1 Zeilen. %2</numerusform>
+            <numerusform>Die Liste ist unvollständig: Es fehlen %Ln von %1 Zeilen. %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The list is incomplete. %1</source>
+        <translation>Die Liste ist unvollständig. %1</translation>
+    </message>
+    <message>
+        <source>The media server counts them and doesn&apos;t give them.</source>
+        <translation>Der Medienserver zählt sie mit, liefert sie aber nicht.</translation>
+    </message>
+    <message>
+        <source>The children of a media server or folder; the servers
+where none is named</source>
+        <translation>Was in einem Medienserver oder Ordner steht; ohne Angabe
+die Medienserver</translation>
+    </message>
+    <message>
+        <source>First and last row, counted from 0 (all)</source>
+        <translation>Erste und letzte Zeile, ab 0 gezählt (alle)</translation>
+    </message>
+    <message>
+        <source>Read all, then sort by this; titles as your language
+does, what has no date or length last. --rows are those
+of the sorted list</source>
+        <translation>Alles lesen, dann danach sortieren: Titel wie in Ihrer
+Sprache, ohne Datum oder Länge zuletzt. --rows meint die
+Zeilen der sortierten Liste</translation>
+    </message>
+    <message>
+        <source>Only these; more than one with commas</source>
+        <translation>Nur diese; mehrere durch Kommas getrennt</translation>
+    </message>
+    <message>
+        <source>Genre, date, format, bit rate and path of each, too</source>
+        <translation>Auch Genre, Datum, Format, Bitrate und Pfad</translation>
+    </message>
+    <message>
+        <source>A tree of what is below</source>
+        <translation>Alles darunter als Baum</translation>
+    </message>
+    <message>
+        <source>How many levels of it (3)</source>
+        <translation>Wie viele Ebenen davon (3)</translation>
+    </message>
+    <message>
+        <source>A tree shows everything as the server orders it. Leave --sort, --kind, --rows and --long out, or -R.</source>
+        <translation>Ein Baum zeigt alles in der Reihenfolge des Servers. Lassen Sie --sort, --kind, --rows und --long weg oder -R.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The tree ends at level %1, with %Ln folders that were not opened. --depth shows more levels.</source>
+        <translation>
+            <numerusform>Der Baum endet auf Ebene %1 mit einem Ordner, der nicht geöffnet wurde. --depth zeigt weitere Ebenen.</numerusform>
+            <numerusform>Der Baum endet auf Ebene %1 mit %Ln Ordnern, die nicht geöffnet wurden. --depth zeigt weitere Ebenen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The tree is incomplete:
+  %1</source>
+        <translation>Der Baum ist unvollständig:
+  %1</translation>
+    </message>
+    <message>
+        <source>Everything that is known about one node</source>
+        <translation>Alles, was über einen Knoten bekannt ist</translation>
+    </message>
+    <message>
+        <source>The search menu of a node, or its context menu</source>
+        <translation>Das Suchmenü eines Knotens oder sein Kontextmenü</translation>
+    </message>
+    <message>
+        <source>What can be done with the node: play, queue</source>
+        <translation>Was sich mit dem Knoten tun lässt: abspielen, einreihen</translation>
+    </message>
+    <message>
+        <source>Rows spread over a big folder</source>
+        <translation>Über einen großen Ordner verteilte Zeilen</translation>
+    </message>
+    <message>
+        <source>START,END,STEP: first position, last position
+(inclusive), distance of at least 1</source>
+        <translation>START,END,STEP: erste Stelle, letzte Stelle
+(einschließlich), Abstand von mindestens 1</translation>
+    </message>
+    <message>
+        <source>Rows of the sample, counted from 0; at most B+1 rows are
+answered</source>
+        <translation>Zeilen der Stichprobe, ab 0 gezählt; geliefert werden
+höchstens B+1 Zeilen</translation>
+    </message>
+    <message>
+        <source>Commands</source>
+        <translation>Befehle</translation>
+    </message>
+    <message>
+        <source>Example:
+  %1
+
+&quot;orka --help&quot; lists the options that every command has.</source>
+        <translation>Beispiel:
+  %1
+
+&quot;orka --help&quot; nennt die Optionen, die jeder Befehl hat.</translation>
+    </message>
+    <message>
+        <source>A node path (upnp:/uuid:…/64) or titles joined by /
+(&quot;My NAS/Music&quot;; \/ for a slash in a title; / alone is
+the list of media servers)</source>
+        <translation>Ein Knotenpfad (upnp:/uuid:…/64) oder Titel, verbunden
+durch / (&quot;Mein NAS/Musik&quot;; \/ für einen Schrägstrich im
+Titel; / allein ist die Liste der Medienserver)</translation>
+    </message>
+    <message>
+        <source>Node paths (upnp:/uuid:…/64) or titles joined by /
+(&quot;My NAS/Music/Albums&quot;)</source>
+        <translation>Knotenpfade (upnp:/uuid:…/64) oder Titel, verbunden
+durch / (&quot;Mein NAS/Musik/Alben&quot;)</translation>
+    </message>
+    <message>
+        <source>is one of %1</source>
+        <translation>ist eines von %1</translation>
+    </message>
+    <message>
+        <source>ok</source>
+        <translation>ok</translation>
+    </message>
+    <message>
+        <source>warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation>fehlt</translation>
+    </message>
+    <message>
+        <source>bus limits</source>
+        <translation>Grenzen des Busses</translation>
+    </message>
+    <message>
+        <source>could not be measured (%1); a bus with the daemon&apos;s built-in limit takes 128 calls at once, which is too few.</source>
+        <translation>ließen sich nicht messen (%1); ein Bus mit der eingebauten Grenze des Dienstes nimmt 128 Aufrufe zugleich an, was zu wenig ist.</translation>
+    </message>
+    <message>
+        <source>the bus takes only %1 unanswered calls of one program (max_replies_per_connection). When 200 tracks are played at once most of them lose their URL, and big folders are read in part. Set the limit to 50000 in the bus&apos;s configuration, as session buses have it.</source>
+        <translation>Der Bus nimmt nur %1 unbeantwortete Aufrufe eines Programms an (max_replies_per_connection). Werden 200 Titel auf einmal abgespielt, verlieren die meisten ihre URL, und große Ordner werden nur zum Teil gelesen. Setzen Sie die Grenze in der Konfiguration des Busses auf 50000, wie Sitzungsbusse sie haben.</translation>
+    </message>
+    <message>
+        <source>takes %1 unanswered calls of one program.</source>
+        <translation>nimmt %1 unbeantwortete Aufrufe eines Programms an.</translation>
+    </message>
+    <message>
+        <source>takes more than %1 unanswered calls of one program.</source>
+        <translation>nimmt mehr als %1 unbeantwortete Aufrufe eines Programms an.</translation>
+    </message>
+    <message>
+        <source>%1 has the name %2 but doesn&apos;t answer. End it, or start it again.</source>
+        <translation>%1 hat den Namen %2, antwortet aber nicht. Beenden Sie das Programm oder starten Sie es neu.</translation>
+    </message>
+    <message>
+        <source>%1 has the name %2, started for this run.</source>
+        <translation>%1 hat den Namen %2, gestartet für diesen Aufruf.</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd HH:mm:ss</source>
+        <comment>as QDateTime::toString() writes it</comment>
+        <translation>dd.MM.yyyy HH:mm:ss</translation>
+    </message>
+    <message>
+        <source>%1 has the name %2, there since %3; it ends when nobody has used it for a while, or by &quot;orka stop&quot;.</source>
+        <translation>%1 hat den Namen %2, läuft seit %3; es endet, wenn es eine Weile niemand benutzt hat, oder durch &quot;orka stop&quot;.</translation>
+    </message>
+    <message>
+        <source>%1 has the name %2, there since %3.</source>
+        <translation>%1 hat den Namen %2, läuft seit %3.</translation>
+    </message>
+    <message>
+        <source>bus</source>
+        <translation>Bus</translation>
+    </message>
+    <message>
+        <source>media service</source>
+        <translation>Mediendienst</translation>
+    </message>
+    <message>
+        <source>Asking the media servers</source>
+        <translation>Frage die Medienserver</translation>
+    </message>
+    <message>
+        <source>%1 is listed, but does not answer within %2 seconds. It may be busy, asleep or switched off.</source>
+        <translation>%1 ist aufgeführt, antwortet aber nicht innerhalb von %2 Sekunden. Der Server ist vielleicht beschäftigt, im Ruhezustand oder ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>%1 is listed, but can&apos;t be read: %2</source>
+        <translation>%1 ist aufgeführt, lässt sich aber nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>media servers</source>
+        <translation>Medienserver</translation>
+    </message>
+    <message>
+        <source>none has shown up. Start one on this network; a firewall may keep UDP port 1900 closed.</source>
+        <translation>Keiner hat sich gemeldet. Starten Sie einen in diesem Netzwerk; vielleicht sperrt eine Firewall den UDP-Port 1900.</translation>
+    </message>
+    <message>
+        <source>media server</source>
+        <translation>Medienserver</translation>
+    </message>
+    <message>
+        <source>the media service lists %1, but does not tell all about it.</source>
+        <translation>Der Mediendienst führt %1 auf, sagt aber nicht alles über ihn.</translation>
+    </message>
+    <message>
+        <source>%1 can be browsed, not searched.</source>
+        <translation>%1 lässt sich durchblättern, aber nicht durchsuchen.</translation>
+    </message>
+    <message>
+        <source>%1 can be searched by %2.</source>
+        <translation>%1 lässt sich durchsuchen nach %2.</translation>
+    </message>
+    <message>
+        <source>network</source>
+        <translation>Netzwerk</translation>
+    </message>
+    <message>
+        <source>no interface of this machine carries multicast, by which media servers are found. Connect one, or name a server by its address: orka servers --add ADDRESS.</source>
+        <translation>Keine Schnittstelle dieses Rechners überträgt Multicast, womit Medienserver gefunden werden. Schließen Sie eine an oder nennen Sie einen Server mit seiner Adresse: orka servers --add ADDRESS.</translation>
+    </message>
+    <message>
+        <source>media servers are listened for at %1.</source>
+        <translation>Medienserver werden gesucht über %1.</translation>
+    </message>
+    <message>
+        <source>addresses</source>
+        <translation>Adressen</translation>
+    </message>
+    <message>
+        <source>this machine has none that others can reach.</source>
+        <translation>Dieser Rechner hat keine, die andere erreichen.</translation>
+    </message>
+    <message>
+        <source>player</source>
+        <translation>Abspielprogramm</translation>
+    </message>
+    <message>
+        <source>mpv is there.</source>
+        <translation>mpv ist vorhanden.</translation>
+    </message>
+    <message>
+        <source>mpv isn&apos;t installed; &quot;orka play&quot; needs it, or --player.</source>
+        <translation>mpv ist nicht installiert; &quot;orka play&quot; braucht es oder --player.</translation>
+    </message>
+    <message>
+        <source>kept addresses</source>
+        <translation>gemerkte Adressen</translation>
+    </message>
+    <message>
+        <source>plug-in</source>
+        <translation>Plug-in</translation>
+    </message>
+    <message>
+        <source>answer</source>
+        <translation>Antwort</translation>
+    </message>
+    <message>
+        <source>What is there and what is missing</source>
+        <translation>Was vorhanden ist und was fehlt</translation>
+    </message>
+    <message>
+        <source>settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>every global option is as it is by default.</source>
+        <translation>Alle globalen Optionen haben ihren Standardwert.</translation>
+    </message>
+    <message>
+        <source>loaded.</source>
+        <translation>geladen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>There is nothing of this kind, but %Ln of others; --kind all takes them.</source>
+        <translation>
+            <numerusform>Von dieser Art gibt es nichts, aber eines von anderen; --kind all nimmt es mit.</numerusform>
+            <numerusform>Von dieser Art gibt es nichts, aber %Ln von anderen; --kind all nimmt sie mit.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>A device gets nothing there, though there are tracks: the media server&apos;s search doesn&apos;t give them. Leave --quick out.</source>
+        <translation>Ein Gerät bekommt dort nichts, obwohl es Titel gibt: Die Suche des Medienservers liefert sie nicht. Lassen Sie --quick weg.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The media server&apos;s search counts %Ln more tracks in %1 than it gives.</source>
+        <translation>
+            <numerusform>Die Suche des Medienservers zählt in %1 einen Titel mehr, als sie liefert.</numerusform>
+            <numerusform>Die Suche des Medienservers zählt in %1 %Ln Titel mehr, als sie liefert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Collecting</source>
+        <translation>Sammle</translation>
+    </message>
+    <message>
+        <source>This quick list may be cut: a device asks for %1 tracks of each folder; of folders that can&apos;t be searched it goes through the last one alone, and leaves out what doesn&apos;t answer. Without --quick it is complete.</source>
+        <translation>Diese schnelle Liste ist vielleicht gekürzt: Ein Gerät fragt nach %1 Titeln je Ordner; von Ordnern, die sich nicht durchsuchen lassen, geht es nur den letzten durch und lässt weg, was nicht antwortet. Ohne --quick ist sie vollständig.</translation>
+    </message>
+    <message>
+        <source>What to take from folders and servers: audio is the
+default; more than one with commas</source>
+        <translation>Was aus Ordnern und Servern genommen wird: ohne Angabe
+audio; mehrere durch Kommas getrennt</translation>
+    </message>
+    <message>
+        <source>One request, as a device asks for a playlist: at most the
+first 100 tracks of a folder</source>
+        <translation>Eine Anfrage, wie ein Gerät sie für eine Wiedergabeliste
+stellt: höchstens die ersten 100 Titel eines Ordners</translation>
+    </message>
+    <message numerus="yes">
+        <source>And %Ln more.</source>
+        <translation>
+            <numerusform>Und einer mehr.</numerusform>
+            <numerusform>Und %Ln weitere.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The list is incomplete:
+  %1</source>
+        <translation>Die Liste ist unvollständig:
+  %1</translation>
+    </message>
+    <message>
+        <source>The playlist of tracks, folders and servers</source>
+        <translation>Die Wiedergabeliste von Titeln, Ordnern und Servern</translation>
+    </message>
+    <message>
+        <source>How the playlist is written (table)</source>
+        <translation>Wie die Wiedergabeliste geschrieben wird (table)</translation>
+    </message>
+    <message>
+        <source>--json and --format %1 contradict each other. Leave one of them out.</source>
+        <translation>--json und --format %1 widersprechen einander. Lassen Sie eines davon weg.</translation>
+    </message>
+    <message>
+        <source>Plays tracks, folders and servers</source>
+        <translation>Spielt Titel, Ordner und Server ab</translation>
+    </message>
+    <message>
+        <source>The player (mpv), with its own options; it is given an
+M3U8 file as last argument, and its exit status becomes
+ours</source>
+        <translation>Das Abspielprogramm (mpv) mit seinen eigenen Optionen; es
+erhält als letztes Argument eine M3U8-Datei, und sein
+Rückgabewert wird der unsere</translation>
+    </message>
+    <message>
+        <source>There is nothing to play there. &quot;orka ls&quot; shows what is.</source>
+        <translation>Dort gibt es nichts abzuspielen. &quot;orka ls&quot; zeigt, was da ist.</translation>
+    </message>
+    <message>
+        <source>A node path, encoded</source>
+        <translation>Ein Knotenpfad, kodiert</translation>
+    </message>
+    <message>
+        <source>Roles, comma-separated; every role where none is named</source>
+        <translation>Rollen, durch Kommas getrennt; ohne Angabe alle</translation>
+    </message>
+    <message>
+        <source>One rows request as it is</source>
+        <translation>Eine Zeilenanfrage (rows), wie sie ist</translation>
+    </message>
+    <message>
+        <source>First row, counted from 0 (0)</source>
+        <translation>Erste Zeile, ab 0 gezählt (0)</translation>
+    </message>
+    <message>
+        <source>Last row, inclusive (19)</source>
+        <translation>Letzte Zeile, einschließlich (19)</translation>
+    </message>
+    <message>
+        <source>There are no rows from %1 to %2. Count from 0 and write the smaller number as --first.</source>
+        <translation>Zeilen von %1 bis %2 gibt es nicht. Zählen Sie ab 0 und nennen Sie die kleinere Zahl als --first.</translation>
+    </message>
+    <message>
+        <source>One data request as it is</source>
+        <translation>Eine Datenanfrage (data), wie sie ist</translation>
+    </message>
+    <message>
+        <source>One set-data request as it is</source>
+        <translation>Eine Setzanfrage (set-data), wie sie ist</translation>
+    </message>
+    <message>
+        <source>The value: an object becomes a hash, an array a list</source>
+        <translation>Der Wert: Aus einem Objekt wird ein Hash, aus einem Array
+eine Liste</translation>
+    </message>
+    <message>
+        <source>Waiting for the answer</source>
+        <translation>Warte auf die Antwort</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t search. Browse it with &quot;orka ls&quot;, or take everything below a folder with &quot;orka queue&quot;, which walks through it.</source>
+        <translation>%1 kann nicht suchen. Blättern Sie darin mit &quot;orka ls&quot; oder nehmen Sie alles unter einem Ordner mit &quot;orka queue&quot;, das ihn durchgeht.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t search by %2, only by %3. Use --%4.</source>
+        <translation>%1 kann nicht nach %2 suchen, nur nach %3. Verwenden Sie --%4.</translation>
+    </message>
+    <message>
+        <source> and by </source>
+        <translation> und nach </translation>
+    </message>
+    <message>
+        <source>Part of the artist</source>
+        <translation>Teil des Interpreten</translation>
+    </message>
+    <message>
+        <source>Nothing in %1 has an artist with %2 in it.</source>
+        <translation>In %1 gibt es keinen Interpreten, der %2 enthält.</translation>
+    </message>
+    <message>
+        <source>Part of the album</source>
+        <translation>Teil des Albums</translation>
+    </message>
+    <message>
+        <source>Nothing in %1 has an album with %2 in it.</source>
+        <translation>In %1 gibt es kein Album, das %2 enthält.</translation>
+    </message>
+    <message>
+        <source>Part of the title</source>
+        <translation>Teil des Titels</translation>
+    </message>
+    <message>
+        <source>Nothing in %1 has a title with %2 in it.</source>
+        <translation>In %1 gibt es keinen Titel, der %2 enthält.</translation>
+    </message>
+    <message>
+        <source>Finds tracks by artist, album or title</source>
+        <translation>Findet Titel nach Interpret, Album oder Titel</translation>
+    </message>
+    <message>
+        <source>A search goes by one thing: write --artist TEXT, --album TEXT or --title TEXT.</source>
+        <translation>Gesucht wird nach einem Merkmal: Schreiben Sie --artist TEXT, --album TEXT oder --title TEXT.</translation>
+    </message>
+    <message>
+        <source>The list of media servers can&apos;t be searched. Name one of them; &quot;orka servers&quot; lists them.</source>
+        <translation>Die Liste der Medienserver lässt sich nicht durchsuchen. Nennen Sie einen davon; &quot;orka servers&quot; führt sie auf.</translation>
+    </message>
+    <message>
+        <source>%1 Try again in some seconds, or browse it with &quot;orka ls&quot;.</source>
+        <translation>%1 Versuchen Sie es in einigen Sekunden erneut oder blättern Sie darin mit &quot;orka ls&quot;.</translation>
+    </message>
+    <message>
+        <source>Entering the search text</source>
+        <translation>Gebe den Suchtext ein</translation>
+    </message>
+    <message>
+        <source>A page to look at, in a browser</source>
+        <translation>Eine Seite zum Ansehen im Browser</translation>
+    </message>
+    <message>
+        <source>IP address to listen on (127.0.0.1); beyond loopback over
+HTTPS, and only for those who have the printed token
+(0.0.0.0: for the whole network)</source>
+        <translation>IP-Adresse, unter der gelauscht wird (127.0.0.1); über
+Loopback hinaus per HTTPS und nur für die, die das
+ausgegebene Token haben (0.0.0.0: für das ganze Netzwerk)</translation>
+    </message>
+    <message>
+        <source>Port (8770, or the next free one)</source>
+        <translation>Port (8770 oder der nächste freie)</translation>
+    </message>
+    <message>
+        <source>Certificate for HTTPS, in PEM; one of our own where
+none is named</source>
+        <translation>Zertifikat für HTTPS als PEM; ohne Angabe ein eigenes</translation>
+    </message>
+    <message>
+        <source>Its key, where that is another file</source>
+        <translation>Sein Schlüssel, falls der in einer anderen Datei steht</translation>
+    </message>
+    <message>
+        <source>Show the page in this machine&apos;s browser</source>
+        <translation>Die Seite im Browser dieses Rechners zeigen</translation>
+    </message>
+    <message>
+        <source>The media server %1 is left out: the media service lists it, but does not tell all about it. It may not answer; try again with a longer --wait.</source>
+        <translation>Der Medienserver %1 fehlt hier: Der Mediendienst führt ihn auf, sagt aber nicht alles über ihn. Vielleicht antwortet er nicht; versuchen Sie es mit längerem --wait erneut.</translation>
+    </message>
+    <message>
+        <source>service left</source>
+        <translation>Dienst weg</translation>
+    </message>
+    <message>
+        <source>The media service has left the bus; waiting for it.</source>
+        <translation>Der Mediendienst hat den Bus verlassen; ich warte auf ihn.</translation>
+    </message>
+    <message>
+        <source>service back</source>
+        <translation>Dienst zurück</translation>
+    </message>
+    <message>
+        <source>departed</source>
+        <translation>verschwunden</translation>
+    </message>
+    <message>
+        <source>arrived</source>
+        <translation>erschienen</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>nein</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>ja</translation>
+    </message>
+    <message>
+        <source>title</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>search</source>
+        <translation>Suche</translation>
+    </message>
+    <message>
+        <source>path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>The media servers on the network</source>
+        <translation>Die Medienserver im Netzwerk</translation>
+    </message>
+    <message>
+        <source>Print arrivals and departures until stopped; with --json
+one document a line:
+{&quot;event&quot;:&quot;arrived&quot;|&quot;departed&quot;,&quot;server&quot;:{…}}; the media
+service&apos;s own leaving and coming back are told, too:
+{&quot;event&quot;:&quot;service left&quot;|&quot;service back&quot;}</source>
+        <translation>Bis zum Abbruch ausgeben, wer kommt und geht; mit --json
+ein Dokument je Zeile:
+{&quot;event&quot;:&quot;arrived&quot;|&quot;departed&quot;,&quot;server&quot;:{…}}; auch das
+Gehen und Wiederkommen des Mediendienstes wird gemeldet:
+{&quot;event&quot;:&quot;service left&quot;|&quot;service back&quot;}</translation>
+    </message>
+    <message>
+        <source>Look at this address from now on, in every command</source>
+        <translation>Ab jetzt bei jedem Befehl unter dieser Adresse nachsehen</translation>
+    </message>
+    <message>
+        <source>No longer look at this address</source>
+        <translation>Unter dieser Adresse nicht mehr nachsehen</translation>
+    </message>
+    <message>
+        <source>Only one of --watch, --add and --forget can be done.</source>
+        <translation>Von --watch, --add und --forget geht nur eines.</translation>
+    </message>
+    <message>
+        <source>Looking for the media server</source>
+        <translation>Suche den Medienserver</translation>
+    </message>
+    <message>
+        <source>The address %1 isn&apos;t kept; none is.</source>
+        <translation>Die Adresse %1 ist nicht gemerkt; es ist keine gemerkt.</translation>
+    </message>
+    <message>
+        <source>The address %1 isn&apos;t kept; these are: %2.</source>
+        <translation>Die Adresse %1 ist nicht gemerkt; gemerkt sind: %2.</translation>
+    </message>
+    <message>
+        <source>The address %1 isn&apos;t kept any more, but the media service has not said in time that it no longer looks there. &quot;orka stop&quot; ends it.</source>
+        <translation>Die Adresse %1 ist nicht mehr gemerkt, aber der Mediendienst hat nicht rechtzeitig gesagt, dass er dort nicht mehr nachsieht. &quot;orka stop&quot; beendet ihn.</translation>
+    </message>
+    <message>
+        <source>Ends the media service that a command left running</source>
+        <translation>Beendet den Mediendienst, den ein Befehl laufen ließ</translation>
+    </message>
+    <message>
+        <source>No media service is running, so there is nothing to end.</source>
+        <translation>Es läuft kein Mediendienst, also gibt es nichts zu beenden.</translation>
+    </message>
+    <message>
+        <source>Usage</source>
+        <translation>Aufruf</translation>
+    </message>
+    <message>
+        <source>OPTIONS</source>
+        <translation>OPTIONEN</translation>
+    </message>
+    <message>
+        <source>Options</source>
+        <translation>Optionen</translation>
+    </message>
+    <message>
+        <source>Positionals</source>
+        <translation>Argumente</translation>
+    </message>
+    <message>
+        <source>Print this help message and exit</source>
+        <translation>Diese Hilfe ausgeben</translation>
+    </message>
+    <message>
+        <source>is made of letters, digits, &quot;.&quot;, &quot;_&quot; and &quot;-&quot;</source>
+        <translation>besteht aus Buchstaben, Ziffern, &quot;.&quot;, &quot;_&quot; und &quot;-&quot;</translation>
+    </message>
+    <message>
+        <source>is a number of seconds from 0 to 86400</source>
+        <translation>ist eine Zahl von Sekunden zwischen 0 und 86400</translation>
+    </message>
+    <message>
+        <source>The worker&apos;s library; this installation&apos;s where none is
+named</source>
+        <translation>Die Bibliothek des Workers; ohne Angabe die dieser
+Installation</translation>
+    </message>
+    <message>
+        <source>First part of the worker&apos;s node paths (upnp)</source>
+        <translation>Erster Teil der Knotenpfade des Workers (upnp)</translation>
+    </message>
+    <message>
+        <source>Service id that the worker puts into its rows</source>
+        <translation>Dienstkennung, die der Worker in seine Zeilen setzt</translation>
+    </message>
+    <message>
+        <source>session (the default), system or a D-Bus address</source>
+        <translation>session (Standard), system oder eine D-Bus-Adresse</translation>
+    </message>
+    <message>
+        <source>session: the one on the bus; bridge: a bridge of our own,
+on a private bus where there is no session bus;
+auto (the default): the first, else the second</source>
+        <translation>session: der auf dem Bus; bridge: eine eigene Brücke, auf
+einem privaten Bus, wo es keinen Sitzungsbus gibt;
+auto (Standard): das Erste, sonst das Zweite</translation>
+    </message>
+    <message>
+        <source>The bridge&apos;s program; this installation&apos;s where none is
+named</source>
+        <translation>Das Programm der Brücke; ohne Angabe das dieser
+Installation</translation>
+    </message>
+    <message>
+        <source>Where a media server is that doesn&apos;t show up by itself:
+host, host:port or the URL of its description; may be
+given several times</source>
+        <translation>Wo ein Medienserver ist, der sich nicht von selbst
+meldet: Rechner, Rechner:Port oder die URL seiner
+Beschreibung; mehrfach möglich</translation>
+    </message>
+    <message>
+        <source>How long a bridge that was started stays without a client
+(600); 0: it ends with the command</source>
+        <translation>Wie lange eine gestartete Brücke unbenutzt bleibt (600);
+0: Sie endet mit dem Befehl</translation>
+    </message>
+    <message>
+        <source>How long a media server may take to show up (5)</source>
+        <translation>Wie lange ein Medienserver brauchen darf, bis er
+erscheint (5)</translation>
+    </message>
+    <message>
+        <source>How long an answer may take (30)</source>
+        <translation>Wie lange eine Antwort dauern darf (30)</translation>
+    </message>
+    <message>
+        <source>Print one JSON document on standard output</source>
+        <translation>Ein JSON-Dokument auf die Standardausgabe schreiben;
+alles ist dann englisch</translation>
+    </message>
+    <message>
+        <source>A log4cplus properties file</source>
+        <translation>Eine Konfigurationsdatei für log4cplus</translation>
+    </message>
+    <message>
+        <source>Log to standard error: -v what happens, -vv details,
+-vvv everything</source>
+        <translation>Protokoll auf die Standardfehlerausgabe: -v was
+geschieht, -vv Einzelheiten, -vvv alles</translation>
+    </message>
+    <message>
+        <source>Browses, searches and plays UPnP media servers through a media device&apos;s worker.</source>
+        <translation>Blättert und sucht in UPnP-Medienservern und spielt sie ab, über den Worker eines Mediengeräts.</translation>
+    </message>
+    <message>
+        <source>Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media service, no such
+place or no plug-in; 4 no answer in time; 130 interrupted. &quot;orka COMMAND --help&quot; tells more.
+
+Example:
+  orka ls &quot;My NAS/Music/Albums&quot;</source>
+        <translation>Rückgabewert: 0 beantwortet; 1 mit einem Fehler beantwortet; 2 falscher Aufruf; 3 kein
+Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine Antwort in der Zeit; 130 abgebrochen.
+&quot;orka COMMAND --help&quot; sagt mehr.
+
+Beispiel:
+  orka ls &quot;Mein NAS/Musik/Alben&quot;</translation>
+    </message>
+    <message>
+        <source>&quot;orka %1&quot; doesn&apos;t take %2. &quot;orka %1 --help&quot; tells what it takes.</source>
+        <translation>&quot;orka %1&quot; kann mit %2 nichts anfangen. &quot;orka %1 --help&quot; sagt, was möglich ist.</translation>
+    </message>
+    <message>
+        <source>There is no command or option %1.%2 &quot;orka --help&quot; lists them.</source>
+        <translation>Einen Befehl oder eine Option %1 gibt es nicht.%2 &quot;orka --help&quot; führt sie auf.</translation>
+    </message>
+    <message>
+        <source>Name a command, like &quot;orka servers&quot;; &quot;orka --help&quot; lists them.</source>
+        <translation>Nennen Sie einen Befehl wie &quot;orka servers&quot;; &quot;orka --help&quot; führt sie auf.</translation>
+    </message>
+    <message>
+        <source>The argument %1 is not in UTF-8, as every text of this program is. Set the terminal or the script to UTF-8.</source>
+        <translation>Das Argument %1 ist nicht in UTF-8 wie alle Texte dieses Programms. Stellen Sie das Terminal oder das Skript auf UTF-8 ein.</translation>
+    </message>
+    <message>
+        <source>What this program is and runs with</source>
+        <translation>Was dieses Programm ist und womit es läuft</translation>
+    </message>
+    <message>
+        <source>%1 at character %2</source>
+        <translation>%1 bei Zeichen %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>it holds %Ln values</source>
+        <translation>
+            <numerusform>er enthält einen Wert</numerusform>
+            <numerusform>er enthält %Ln Werte</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The value is not one JSON value: %1. Write an object, a list or a string, like &apos;{&quot;string_&quot;:&quot;abba&quot;}&apos;.</source>
+        <translation>Der Wert ist nicht genau ein JSON-Wert: %1. Schreiben Sie ein Objekt, eine Liste oder eine Zeichenkette wie &apos;{&quot;string_&quot;:&quot;abba&quot;}&apos;.</translation>
+    </message>
+    <message>
+        <source>The log configuration %1 can&apos;t be read. Name a log4cplus properties file that is there.</source>
+        <translation>Die Protokollkonfiguration %1 ist nicht lesbar. Nennen Sie eine vorhandene Konfigurationsdatei für log4cplus.</translation>
+    </message>
+    <message>
+        <source>The answer could not be written to standard output: %1.</source>
+        <translation>Die Antwort konnte nicht auf die Standardausgabe geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>%1 is left out: its address %2 is not one that a player may be given (http, https or rtsp).</source>
+        <translation>%1 fehlt hier: Die Adresse %2 ist keine, die ein Abspielprogramm bekommen darf (http, https oder rtsp).</translation>
+    </message>
+    <message>
+        <source>%1 s (Ctrl-C stops)</source>
+        <translation>%1 s (Strg-C bricht ab)</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln items, %1 in all.</source>
+        <translation>
+            <numerusform>%Ln Eintrag, insgesamt %1.</numerusform>
+            <numerusform>%Ln Einträge, insgesamt %1.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>no.</source>
+        <translation>Nr.</translation>
+    </message>
+    <message>
+        <source>artist</source>
+        <translation>Interpret</translation>
+    </message>
+    <message>
+        <source>album</source>
+        <translation>Album</translation>
+    </message>
+    <message>
+        <source>length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>server</source>
+        <translation>Server</translation>
+    </message>
+    <message>
+        <source>row</source>
+        <translation>Zeile</translation>
+    </message>
+    <message>
+        <source>kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>genre</source>
+        <translation>Genre</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>format</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>kbit/s</source>
+        <translation>kbit/s</translation>
+    </message>
+    <message numerus="yes">
+        <source>None of %Ln rows is of this kind.</source>
+        <translation>
+            <numerusform>Die eine Zeile ist nicht von dieser Art.</numerusform>
+            <numerusform>Keine von %Ln Zeilen ist von dieser Art.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>There are no rows.</source>
+        <translation>Es gibt keine Zeilen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>None of %Ln rows is in this range.</source>
+        <translation>
+            <numerusform>Die eine Zeile liegt nicht in diesem Bereich.</numerusform>
+            <numerusform>Keine von %Ln Zeilen liegt in diesem Bereich.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Tracks</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>Folders</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <comment>a folder</comment>
+        <translation>in</translation>
+    </message>
+    <message>
+        <source>Titles that are there more than once</source>
+        <translation>Titel, die mehrfach vorkommen</translation>
+    </message>
+    <message>
+        <source>Some titles are there more than once, and the media server doesn&apos;t say in which folders.</source>
+        <translation>Manche Titel kommen mehrfach vor, und der Medienserver sagt nicht, in welchen Ordnern.</translation>
+    </message>
+    <message>
+        <source>folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>track</source>
+        <translation>Titel</translation>
+    </message>
+    <message>
+        <source>video</source>
+        <translation>Video</translation>
+    </message>
+    <message>
+        <source>image</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>item</source>
+        <translation>Objekt</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd</source>
+        <comment>as QDateTime::toString() writes it</comment>
+        <translation>dd.MM.yyyy</translation>
+    </message>
+    <message>
+        <source>yyyy-MM-dd&apos;T&apos;HH:mm:ss</source>
+        <comment>as QDateTime::toString() writes it</comment>
+        <translation>dd.MM.yyyy HH:mm:ss</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln rows.</source>
+        <translation>
+            <numerusform>%Ln Zeile.</numerusform>
+            <numerusform>%Ln Zeilen.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 of %Ln rows.</source>
+        <translation>
+            <numerusform>%1 von %Ln Zeile.</numerusform>
+            <numerusform>%1 von %Ln Zeilen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1, %2.</source>
+        <translation>%1, %2.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folders</source>
+        <translation>
+            <numerusform>%Ln Ordner</numerusform>
+            <numerusform>%Ln Ordner</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln others</source>
+        <translation>
+            <numerusform>%Ln anderes</numerusform>
+            <numerusform>%Ln andere</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>There is no player %1. Install it, or name another with --player; &quot;orka queue --format m3u8&quot; writes a playlist for any.</source>
+        <translation>Ein Abspielprogramm %1 gibt es nicht. Installieren Sie es oder nennen Sie mit --player ein anderes; &quot;orka queue --format m3u8&quot; schreibt eine Wiedergabeliste für jedes.</translation>
+    </message>
+    <message>
+        <source>The playlist can&apos;t be written to %1: %2. Make room there, or set TMPDIR to another folder.</source>
+        <translation>Die Wiedergabeliste lässt sich nicht nach %1 schreiben: %2. Schaffen Sie dort Platz oder setzen Sie TMPDIR auf einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>Playing %1 of %2: %3</source>
+        <translation>Spiele %1 von %2: %3</translation>
+    </message>
+    <message>
+        <source>The player %1 can&apos;t be started: %2. Name another with --player.</source>
+        <translation>Das Abspielprogramm %1 lässt sich nicht starten: %2. Nennen Sie mit --player ein anderes.</translation>
+    </message>
+    <message>
+        <source>The configuration file %1 can&apos;t be read. Give yourself the right to read it, or remove it.</source>
+        <translation>Die Konfigurationsdatei %1 ist nicht lesbar. Geben Sie sich das Leserecht oder entfernen Sie sie.</translation>
+    </message>
+    <message>
+        <source>Global options, one a line; orka/orka.conf in
+$XDG_CONFIG_HOME where none is named</source>
+        <translation>Globale Optionen, eine je Zeile; ohne Angabe
+orka/orka.conf in $XDG_CONFIG_HOME</translation>
+    </message>
+    <message>
+        <source>The entry %1 in %2 is no global option; &quot;orka --help&quot; lists them, and they stand there without --.</source>
+        <translation>Der Eintrag %1 in %2 ist keine globale Option; &quot;orka --help&quot; führt sie auf, und in der Datei stehen sie ohne --.</translation>
+    </message>
+    <message>
+        <source>The entry %1 in %2 has several values; put a text with spaces into double quotes.</source>
+        <translation>Der Eintrag %1 in %2 hat mehrere Werte; setzen Sie einen Text mit Leerzeichen in doppelte Anführungszeichen.</translation>
+    </message>
+    <message>
+        <source> (set by %1)</source>
+        <translation> (gesetzt durch %1)</translation>
+    </message>
+    <message>
+        <source>%1 (command line)</source>
+        <translation>%1 (Befehlszeile)</translation>
+    </message>
+    <message>
+        <source>The media server has moved to another address while it was read, and what came before has the old one. Run the command again.</source>
+        <translation>Der Medienserver ist während des Lesens auf eine andere Adresse umgezogen, und was vorher kam, hat noch die alte. Führen Sie den Befehl erneut aus.</translation>
+    </message>
+    <message>
+        <source>The media server&apos;s content has changed while it was read: some of it may be out of date, missing or there twice. Run the command again.</source>
+        <translation>Der Inhalt des Medienservers hat sich während des Lesens geändert: Manches kann veraltet sein, fehlen oder doppelt vorkommen. Führen Sie den Befehl erneut aus.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln more</source>
+        <translation>
+            <numerusform>einer mehr</numerusform>
+            <numerusform>%Ln weitere</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The media server gives no address for %Ln of what is in %1, so nobody can play it: %2.</source>
+        <translation>
+            <numerusform>Der Medienserver nennt für eines der Objekte in %1 keine Adresse, sodass es niemand abspielen kann: %2.</numerusform>
+            <numerusform>Der Medienserver nennt für %Ln der Objekte in %1 keine Adresse, sodass sie niemand abspielen kann: %2.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 isn&apos;t read: it is nested too deep.</source>
+        <translation>%1 wird nicht gelesen: Der Ordner ist zu tief verschachtelt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The media server counts %Ln more rows in %1 than it gives.</source>
+        <translation>
+            <numerusform>Der Medienserver zählt in %1 eine Zeile mehr, als er liefert.</numerusform>
+            <numerusform>Der Medienserver zählt in %1 %Ln Zeilen mehr, als er liefert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Collecting: %1, %2</source>
+        <translation>Sammle: %1, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln tracks</source>
+        <translation>
+            <numerusform>%Ln Titel</numerusform>
+            <numerusform>%Ln Titel</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source> Did you mean %1?</source>
+        <translation> Meinten Sie %1?</translation>
+    </message>
+    <message>
+        <source> or </source>
+        <translation> oder </translation>
+    </message>
+    <message>
+        <source>%1 is neither a track nor a folder nor a media server, so it can&apos;t be played. Name one of these.</source>
+        <translation>%1 ist weder ein Titel noch ein Ordner noch ein Medienserver und lässt sich daher nicht abspielen. Nennen Sie eines davon.</translation>
+    </message>
+    <message>
+        <source>An empty place names nothing. Write a node path or titles joined by &quot;/&quot;, like &quot;My NAS/Music&quot;; &quot;/&quot; alone is the list of media servers.</source>
+        <translation>Ein leerer Ort bezeichnet nichts. Schreiben Sie einen Knotenpfad oder durch &quot;/&quot; verbundene Titel wie &quot;Mein NAS/Musik&quot;; &quot;/&quot; allein ist die Liste der Medienserver.</translation>
+    </message>
+    <message>
+        <source>The place %1 has an empty title between two slashes. A slash that belongs to a title is written \/.</source>
+        <translation>Der Ort %1 hat einen leeren Titel zwischen zwei Schrägstrichen. Ein Schrägstrich, der zu einem Titel gehört, wird \/ geschrieben.</translation>
+    </message>
+    <message>
+        <source>%1 is no node path. A node path looks like upnp:/uuid:4d69/64?itemType=container, with everything else than letters and digits percent-encoded; &quot;orka --json ls&quot; prints them.</source>
+        <translation>%1 ist kein Knotenpfad. Ein Knotenpfad sieht aus wie upnp:/uuid:4d69/64?itemType=container; alles außer Buchstaben und Ziffern ist mit Prozentzeichen kodiert. &quot;orka --json ls&quot; gibt sie aus.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The title %1 is there %Ln times. Name the one you mean:
+  %2</source>
+        <translation>
+            <numerusform>Der Titel %1 kommt einmal vor. Nennen Sie den gemeinten:
+  %2</numerusform>
+            <numerusform>Der Titel %1 kommt %Ln-mal vor. Nennen Sie den gemeinten:
+  %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The media server of %1 hasn&apos;t shown up. &quot;orka servers&quot; lists those that are there; --wait SECONDS waits for one that is starting.</source>
+        <translation>Der Medienserver von %1 hat sich nicht gemeldet. &quot;orka servers&quot; führt die vorhandenen auf; --wait SECONDS wartet auf einen, der gerade startet.</translation>
+    </message>
+    <message>
+        <source>There is no media server %1.%2 &quot;orka servers&quot; lists those that are there.</source>
+        <translation>Einen Medienserver %1 gibt es nicht.%2 &quot;orka servers&quot; führt die vorhandenen auf.</translation>
+    </message>
+    <message>
+        <source>There may be another %1 in %2: its list is incomplete. %3</source>
+        <translation>In %2 gibt es vielleicht noch ein %1: Die Liste ist unvollständig. %3</translation>
+    </message>
+    <message numerus="yes">
+        <source>The media server counts %Ln more entries than it gives.</source>
+        <translation>
+            <numerusform>Der Medienserver zählt einen Eintrag mehr, als er liefert.</numerusform>
+            <numerusform>Der Medienserver zählt %Ln Einträge mehr, als er liefert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>There is no folder %1 in %2 so far, but the list is incomplete: it may be among what is missing. %3</source>
+        <translation>Einen Ordner %1 gibt es in %2 bisher nicht, aber die Liste ist unvollständig: Er kann zu dem gehören, was fehlt. %3</translation>
+    </message>
+    <message>
+        <source>There is no entry %1 in %2 so far, but the list is incomplete: it may be among what is missing. %3</source>
+        <translation>Einen Eintrag %1 gibt es in %2 bisher nicht, aber die Liste ist unvollständig: Er kann zu dem gehören, was fehlt. %3</translation>
+    </message>
+    <message>
+        <source>There is no folder %1 in %2.%3 &quot;orka ls&quot; lists what is there.</source>
+        <translation>Einen Ordner %1 gibt es in %2 nicht.%3 &quot;orka ls&quot; führt auf, was da ist.</translation>
+    </message>
+    <message>
+        <source>There is no entry %1 in %2.%3 &quot;orka ls&quot; lists what is there.</source>
+        <translation>Einen Eintrag %1 gibt es in %2 nicht.%3 &quot;orka ls&quot; führt auf, was da ist.</translation>
+    </message>
+    <message>
+        <source>Reading rows from %1</source>
+        <translation>Lese Zeilen ab %1</translation>
+    </message>
+    <message>
+        <source>%1 is no range of rows. Write the first and the last row, counted from 0, like --rows 0-19.</source>
+        <translation>%1 ist kein Zeilenbereich. Schreiben Sie die erste und die letzte Zeile, ab 0 gezählt, wie --rows 0-19.</translation>
+    </message>
+    <message>
+        <source>The range of rows %1 ends before it begins. Write the smaller number first, like --rows 0-19.</source>
+        <translation>Der Zeilenbereich %1 endet, bevor er beginnt. Schreiben Sie die kleinere Zahl zuerst, wie --rows 0-19.</translation>
+    </message>
+    <message>
+        <source>%1 is no sample. Write START,END,STEP: positions counted from 0 and the distance between two of them, like 0,9999,100.</source>
+        <translation>%1 ist keine Stichprobe. Schreiben Sie START,END,STEP: ab 0 gezählte Stellen und den Abstand zwischen zweien davon, wie 0,9999,100.</translation>
+    </message>
+    <message>
+        <source>A sample with step 0 would take the same row again and again. Write a step of at least 1, like 0,9999,100.</source>
+        <translation>Eine Stichprobe mit Abstand 0 nähme immer wieder dieselbe Zeile. Schreiben Sie einen Abstand von mindestens 1, wie 0,9999,100.</translation>
+    </message>
+    <message>
+        <source>The sample %1 ends before it begins. Write the smaller position first, like 0,9999,100.</source>
+        <translation>Die Stichprobe %1 endet, bevor sie beginnt. Schreiben Sie die kleinere Stelle zuerst, wie 0,9999,100.</translation>
+    </message>
+    <message>
+        <source>%1 has not said yet what it can search.</source>
+        <translation>%1 hat noch nicht gesagt, wonach er suchen kann.</translation>
+    </message>
+    <message>
+        <source>Looking for media servers</source>
+        <translation>Suche Medienserver</translation>
+    </message>
+    <message>
+        <source>%1 doesn&apos;t tell the numbers of its tracks, so they can&apos;t be sorted by them. Try --sort title.</source>
+        <translation>%1 nennt die Nummern seiner Titel nicht, daher lassen sie sich nicht danach sortieren. Versuchen Sie --sort title.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln more rows are counted in %1 than its server gives.</source>
+        <translation>
+            <numerusform>In %1 wird eine Zeile mehr gezählt, als der Server liefert.</numerusform>
+            <numerusform>In %1 werden %Ln Zeilen mehr gezählt, als der Server liefert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1
+Run with --help for more information.</source>
+        <translation>%1
+Mit --help gibt es mehr Informationen.</translation>
+    </message>
+    <message>
+        <source>REQUIRED</source>
+        <translation>ERFORDERLICH</translation>
+    </message>
+    <message>
+        <source>%1 is required</source>
+        <translation>%1 ist erforderlich</translation>
+    </message>
+    <message>
+        <source>%1: %2 required %3 missing</source>
+        <translation>%1: %2 erforderliches Argument (%3) fehlt</translation>
+    </message>
+    <message>
+        <source>%1: Value %2 not in range %3 to %4</source>
+        <translation>%1: Der Wert %2 liegt nicht zwischen %3 und %4</translation>
+    </message>
+    <message>
+        <source>Could not convert: %1 = %2</source>
+        <translation>Der Wert ist ungültig: %1 = %2</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,83 @@
+#!/bin/sh
+# The translations beside the texts in the sources. A file NAME_LANGUAGE.ts is one program's or plug-in's in one language;
+# an English one has nothing but the forms of numbers.
+#   translations.sh update [LANGUAGE]   puts new texts into them, "unfinished", and takes out those that are gone; a
+#                                       language that is named is begun
+#   translations.sh check               status 1 where an update would change something, a text isn't finished, or a
+#                                       translation hasn't the same %1 and %n as its text
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+work=$(mktemp -d "${TMPDIR:-/tmp}/orka-translations.XXXXXX")
+trap 'rm -rf "$work"' EXIT
+
+# Qt's reader of sources takes the separators in 1'000 for quotes.
+cd "$root"
+cp -r host sdk modules "$work"
+find "$work" \( -name '*.cpp' -o -name '*.h' \) -exec sed -i ":again; s/\([0-9]\)'\([0-9]\)/\1\2/; t again" {} +
+
+# update NAME FOLDER…: the files of that name, with the texts in these folders.
+update() {
+    name=$1
+    shift
+    for file in "$work/$name"_*.ts; do
+        case $file in *_en.ts) set -- -pluralonly "$@" ;; esac
+        (cd "$work" && lupdate -silent -no-obsolete -locations none -extensions cpp,h -source-language en \
+            -tr-function-alias tr+=ORKA_TR,tr+=SDK_TR,tr+=mark "$@" -ts "$file") 2>&1 | grep -v 'lacks Q_OBJECT' || true
+        if [ "$1" = -pluralonly ]; then shift; fi
+    done
+}
+
+# wrong_marks FILE: the texts whose translation has other marks. One form of a number may spell it out.
+wrong_marks() {
+    awk -v RS='</message>' -v file="$1" '
+        function marks(text, pattern,    list, mark) {
+            list = ""
+            while (match(text, pattern)) {
+                mark = substr(text, RSTART, RLENGTH)
+                if (!index(list, mark)) list = list mark
+                text = substr(text, RSTART + RLENGTH)
+            }
+            return sorted(list)
+        }
+        function sorted(list,    i, all) {
+            all = ""
+            for (i = 1; i <= 9; i++) if (index(list, "%" i)) all = all "%" i
+            return all (index(list, "n") ? "%n" : "")
+        }
+        /<source>/ {
+            source = $0; sub(/.*<source>/, "", source); sub(/<\/source>.*/, "", source)
+            whole = $0; sub(/.*<\/source>/, "", whole); sub(/.*<\/comment>/, "", whole)
+            wrong = marks(source, "%L?[1-9n]") != marks(whole, "%L?[1-9n]")
+            forms = split(whole, form, "<numerusform>")
+            for (i = 2; i <= forms; i++) wrong = wrong || marks(source, "%[1-9]") != marks(form[i], "%[1-9]")
+            if (wrong) { print file ": other marks than in \"" source "\""; failed = 1 }
+        }
+        END { exit failed }' "$1"
+}
+
+check() {
+    status=0
+    for file in $files; do
+        if ! diff -u "$file" "$work/$file"; then
+            echo "$file isn't up to date; ./run translations mends that."
+            status=1
+        fi
+        if grep -B 4 'type="unfinished"' "$file"; then
+            echo "$file has texts without a translation."
+            status=1
+        fi
+        wrong_marks "$file" || status=1
+    done
+    return $status
+}
+
+if [ -n "${2:-}" ]; then
+    touch "$work/host/translations/orka_$2.ts" "$work/modules/upnpClient/translations/upnpClient_$2.ts"
+fi
+files=$(cd "$work" && echo host/translations/*.ts modules/upnpClient/translations/*.ts)
+update host/translations/orka host sdk
+update modules/upnpClient/translations/upnpClient modules
+case ${1:-} in
+update) for file in $files; do cp "$work/$file" "$file"; done ;;
+check) check ;;
+esac
