@@ -1,5 +1,6 @@
 #include "chain/BridgeProcess.h"
 
+#include "Text.h"
 #include "chain/Bus.h"
 #include "chain/BusDaemon.h"
 #include "chain/Installation.h"
@@ -81,8 +82,8 @@ BridgeProcess::BridgeProcess(const GlobalOptions &options)
 {
     if (m_program.isEmpty()) {
         throw missing(QStringLiteral("noMediaService"),
-            QStringLiteral("There is no media service, and orka-media-bridge is neither installed "
-                           "nor on PATH. Install it, or name it with --bridge."));
+            Text::tr("There is no media service, and orka-media-bridge is neither installed "
+                     "nor on PATH. Install it, or name it with --bridge."));
     }
 }
 
@@ -159,19 +160,20 @@ void BridgeProcess::isStarted()
 
 void BridgeProcess::fail(const QString &why) const
 {
-    QString reason = hasEnded() ? QStringLiteral("it ended") : why;
+    QString reason = hasEnded() ? Text::tr("it ended") : why;
     if (m_child && hasEnded()) {
         reason = m_child->error() == QProcess::FailedToStart
             ? m_child->errorString()
-            : QStringLiteral("it ended with status %1").arg(m_child->exitCode());
+            : Text::tr("it ended with status %1").arg(m_child->exitCode());
     }
     const QByteArray bytes = m_child ? m_child->readAllStandardError() : m_lasting->said();
     const QString said = reasonIn(bytes);
-    const QString sentence =
-        QStringLiteral("The media service %1 could not be started: %2%3. Try it by hand with "
+    const QString sentence = (said.isEmpty()
+            ? Text::tr("The media service %1 could not be started: %2. Try it by hand with "
                        "--help, or name another with --bridge.")
-            .arg(quoted(m_program), reason,
-                said.isEmpty() ? QString() : QStringLiteral(" and said %1").arg(quoted(said)));
+            : Text::tr("The media service %1 could not be started: %2 and said %3. Try it by "
+                       "hand with --help, or name another with --bridge."))
+                                 .arg(quoted(m_program), reason, quoted(said));
     if (hasEnded() && said.isEmpty())
         throw serviceLeft(sentence);
     throw missing(QStringLiteral("noMediaService"), sentence);

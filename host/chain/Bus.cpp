@@ -1,5 +1,6 @@
 #include "chain/Bus.h"
 
+#include "Text.h"
 #include "chain/Wait.h"
 
 #include <QDBusPendingCallWatcher>
@@ -87,7 +88,7 @@ QString Bus::activate(const QString &name) const
     const QDBusMessage reply = ask(QStringLiteral("StartServiceByName"), {name, 0U});
     if (!failed(reply))
         return QString();
-    return reply.errorMessage().isEmpty() ? QStringLiteral("the bus did not answer in time")
+    return reply.errorMessage().isEmpty() ? Text::tr("the bus did not answer in time")
                                           : reply.errorMessage();
 }
 
@@ -107,9 +108,8 @@ QString Bus::describeOwner(const QString &uniqueName) const
 {
     const uint process = processOf(uniqueName);
     const QString command = process == 0 ? QString() : commandOf(process);
-    return command.isEmpty()
-        ? uniqueName
-        : QStringLiteral("%1 (process %2)").arg(command, QString::number(process));
+    return command.isEmpty() ? uniqueName
+                             : Text::tr("%1 (process %2)").arg(command, QString::number(process));
 }
 
 std::chrono::milliseconds Bus::ageOf(const QString &uniqueName) const

@@ -1,6 +1,7 @@
 #include "chain/BusDaemon.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Installation.h"
 #include "chain/Wait.h"
 #include "output/SafeText.h"
@@ -14,8 +15,8 @@ constexpr std::chrono::seconds startLimit(10);
 Failure noBus(const QString &why)
 {
     return missing(QStringLiteral("noBus"),
-        QStringLiteral("There is no session bus, and no bus could be started instead: %1 Install "
-                       "the package dbus-daemon, or name a bus with --bus ADDRESS.")
+        Text::tr("There is no session bus, and no bus could be started instead: %1 Install "
+                 "the package dbus-daemon, or name a bus with --bus ADDRESS.")
             .arg(why));
 }
 
@@ -25,7 +26,7 @@ QStringList BusDaemon::commandLine()
 {
     const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
     if (program.isEmpty())
-        throw noBus(QStringLiteral("there is no program dbus-daemon."));
+        throw noBus(Text::tr("there is no program dbus-daemon."));
     return {program, QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
         QStringLiteral("--config-file=%1").arg(Installation::privateBusConfiguration())};
 }
@@ -35,7 +36,7 @@ BusDaemon::BusDaemon()
 {
     QStringList arguments = commandLine() << QStringLiteral("--print-address");
     const QString program = arguments.takeFirst();
-    Wait wait(startLimit, QStringLiteral("Starting a message bus"));
+    Wait wait(startLimit, Text::tr("Starting a message bus"));
     QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &wait, &Wait::wake);
     QObject::connect(&m_process, &QProcess::stateChanged, &wait, &Wait::wake);
     m_process.start(program, arguments);
@@ -44,6 +45,6 @@ BusDaemon::BusDaemon()
     m_address = QString::fromUtf8(m_process.readLine()).trimmed();
     if (m_address.isEmpty()) {
         const QString said = QString::fromUtf8(m_process.readAllStandardError()).trimmed();
-        throw noBus(QStringLiteral("dbus-daemon said %1.").arg(quoted(said)));
+        throw noBus(Text::tr("dbus-daemon said %1.").arg(quoted(said)));
     }
 }

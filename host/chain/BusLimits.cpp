@@ -1,5 +1,6 @@
 #include "chain/BusLimits.h"
 
+#include "Text.h"
 #include "chain/StuckBus.h"
 #include "chain/Wait.h"
 
@@ -73,7 +74,7 @@ bool hearAll(const QDBusConnection &caller)
     const QDBusPendingCallWatcher last(
         caller.asyncCall(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
             QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"))));
-    Wait wait(answerLimit, QStringLiteral("Measuring the bus"));
+    Wait wait(answerLimit, Text::tr("Measuring the bus"));
     QObject::connect(&last, &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
     return wait.until([&last] { return last.isFinished(); });
 }

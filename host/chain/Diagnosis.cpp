@@ -1,11 +1,14 @@
 #include "chain/Diagnosis.h"
 
+#include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
 
 #include <api/core/CMPath.h>
 
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -29,7 +32,7 @@ QString reasonIn(const QString &error)
 QString secondsText(std::chrono::milliseconds time)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
-    return seconds <= 1 ? QStringLiteral("a second") : QStringLiteral("%1 seconds").arg(seconds);
+    return Text::tr("%Ln seconds", "within", std::max(1, int(seconds)));
 }
 
 Diagnosis diagnosisOf(const ServiceAnswer &answer)
@@ -88,23 +91,22 @@ Failure failureOf(const Diagnosis &diagnosis, const Patient &patient)
     switch (diagnosis.verdict) {
     case Diagnosis::ServerSilent:
         return Failure(NoAnswer, QStringLiteral("noAnswer"),
-            QStringLiteral("%1 did not answer within %2. It may be busy, asleep or "
-                           "switched off; try again, or restart it.")
+            Text::tr("%1 did not answer within %2. It may be busy, asleep or "
+                     "switched off; try again, or restart it.")
                 .arg(patient.server, seconds));
     case Diagnosis::ServiceSilent:
         return Failure(NoAnswer, QStringLiteral("noAnswer"),
-            QStringLiteral("The media service did not answer within %1. End it, or start "
-                           "it again; \"orka doctor\" tells which program it is.")
+            Text::tr("The media service did not answer within %1. End it, or start "
+                     "it again; \"orka doctor\" tells which program it is.")
                 .arg(seconds));
     case Diagnosis::ServerGone:
         return missing(QStringLiteral("serverGone"),
-            QStringLiteral("%1 is not there any more. \"orka servers\" lists those that are there.")
+            Text::tr("%1 is not there any more. \"orka servers\" lists those that are there.")
                 .arg(patient.server));
     default:
         return Failure(AnsweredWithError, QStringLiteral("refused"),
-            QStringLiteral("%1 could not be %2: %3.")
-                .arg(patient.node,
-                    patient.isSearched ? QStringLiteral("searched") : QStringLiteral("read"),
-                    safeText(diagnosis.text)));
+            (patient.isSearched ? Text::tr("%1 could not be searched: %2.")
+                                : Text::tr("%1 could not be read: %2."))
+                .arg(patient.node, safeText(diagnosis.text)));
     }
 }

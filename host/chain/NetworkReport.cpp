@@ -1,5 +1,6 @@
 #include "chain/NetworkReport.h"
 
+#include "Text.h"
 #include "chain/NetworkPublisher.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
@@ -32,15 +33,18 @@ bool NetworkReport::isCutOff() const
 
 QString noServersSentence(const NetworkReport &report, const QString &which)
 {
+    const bool isOne = !which.isEmpty();
     const QString reason = report.isCutOff()
-        ? QStringLiteral("This machine has no network address, so no media server can be reached")
-        : QStringLiteral("No media server has shown up");
-    const QString consequence =
-        which.isEmpty() ? QString() : QStringLiteral(", and there is no %1").arg(quoted(which));
+        ? (isOne ? Text::tr(
+               "This machine has no network address, so no media server can be reached, and "
+               "there is no %1.")
+                 : Text::tr(
+                     "This machine has no network address, so no media server can be reached."))
+        : (isOne ? Text::tr("No media server has shown up, and there is no %1.")
+                 : Text::tr("No media server has shown up."));
     const QString advice = report.isCutOff()
-        ? QStringLiteral("Connect it to the network")
-        : QStringLiteral("Start one on this network, name its address with --server, or give it "
-                         "more time with --wait");
-    return QStringLiteral("%1%2. %3; \"orka doctor\" checks every part.")
-        .arg(reason, consequence, advice);
+        ? Text::tr("Connect it to the network; \"orka doctor\" checks every part.")
+        : Text::tr("Start one on this network, name its address with --server, or give it "
+                   "more time with --wait; \"orka doctor\" checks every part.");
+    return (isOne ? reason.arg(quoted(which)) : reason) + QLatin1Char(' ') + advice;
 }

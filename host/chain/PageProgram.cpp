@@ -1,6 +1,7 @@
 #include "chain/PageProgram.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Installation.h"
 #include "output/SafeText.h"
 
@@ -25,7 +26,7 @@ void becomePageProgram()
     execv(QFile::encodeName(program).constData(), arguments.data());
     const QString why = QString::fromLocal8Bit(std::strerror(errno));
     throw missing(QStringLiteral("noPage"),
-        QStringLiteral("The page can't be served, since %1 can't be started: %2. Install the "
-                       "program again, as a whole.")
+        Text::tr("The page can't be served, since %1 can't be started: %2. Install the "
+                 "program again, as a whole.")
             .arg(quoted(program), why));
 }

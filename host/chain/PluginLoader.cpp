@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Language.h"
+#include "Text.h"
 #include "chain/Installation.h"
 #include "output/SafeText.h"
 
@@ -29,19 +30,19 @@ void checkFile(const QFileInfo &file)
 {
     const QString path = quoted(file.filePath());
     if (!file.exists()) {
-        throw noPlugin(QStringLiteral("There is no plug-in %1. Build or install it, or name "
-                                      "another with --plugin FILE.")
+        throw noPlugin(Text::tr("There is no plug-in %1. Build or install it, or name "
+                                "another with --plugin FILE.")
                            .arg(path));
     }
     if (!file.isFile()) {
         throw noPlugin(
-            QStringLiteral("%1 is no file, so it can't be a plug-in. Name the library itself, a "
-                           "file that ends in .so.")
+            Text::tr("%1 is no file, so it can't be a plug-in. Name the library itself, a "
+                     "file that ends in .so.")
                 .arg(path));
     }
     if (!file.isReadable()) {
-        throw noPlugin(QStringLiteral("The plug-in %1 may not be read. Give yourself the right to "
-                                      "read it, or name another.")
+        throw noPlugin(Text::tr("The plug-in %1 may not be read. Give yourself the right to "
+                                "read it, or name another.")
                            .arg(path));
     }
 }
@@ -71,22 +72,22 @@ bool isCutOff(const QString &path)
 Entry resolveEntry(const QString &path)
 {
     if (isCutOff(path)) {
-        throw noPlugin(QStringLiteral("%1 can't be loaded as a plug-in: the file is cut off. Copy "
-                                      "or build it again.")
+        throw noPlugin(Text::tr("%1 can't be loaded as a plug-in: the file is cut off. Copy "
+                                "or build it again.")
                            .arg(quoted(path)));
     }
     QLibrary library(path);
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     if (!library.load()) {
-        throw noPlugin(QStringLiteral("%1 can't be loaded as a plug-in: %2. It is no library for "
-                                      "this machine, or something that it needs is missing.")
+        throw noPlugin(Text::tr("%1 can't be loaded as a plug-in: %2. It is no library for "
+                                "this machine, or something that it needs is missing.")
                            .arg(quoted(path), safeText(library.errorString())));
     }
     Language::addWorkersTexts();
     const auto entry = reinterpret_cast<Entry>(library.resolve("worker_create"));
     if (entry == nullptr) {
-        throw noPlugin(QStringLiteral("%1 is a library but no plug-in: it doesn't export "
-                                      "worker_create. Name a worker's library.")
+        throw noPlugin(Text::tr("%1 is a library but no plug-in: it doesn't export "
+                                "worker_create. Name a worker's library.")
                            .arg(quoted(path)));
     }
     return entry;
@@ -108,8 +109,8 @@ std::unique_ptr<CMSyncWorker> loadWorker(const GlobalOptions &options)
     const QByteArray name = file.completeBaseName().toUtf8();
     auto *worker = static_cast<CMSyncWorker *>(create(name.constData(), &configuration));
     if (worker == nullptr) {
-        throw noPlugin(QStringLiteral("The plug-in %1 was loaded, but its worker_create gave no "
-                                      "worker. Run the command again with -vvv to see why.")
+        throw noPlugin(Text::tr("The plug-in %1 was loaded, but its worker_create gave no "
+                                "worker. Run the command again with -vvv to see why.")
                            .arg(quoted(file.filePath())));
     }
     return std::unique_ptr<CMSyncWorker>(worker);

@@ -1,6 +1,7 @@
 #include "chain/RunningServices.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/BridgeProcess.h"
 #include "chain/Bus.h"
 #include "chain/ServiceCalls.h"
@@ -27,13 +28,13 @@ constexpr std::chrono::milliseconds answerLimit(1'000);
 
 bool endsWithin(std::chrono::milliseconds limit, const std::function<bool()> &ended)
 {
-    return Wait(limit, QStringLiteral("Ending the media service")).poll(ended);
+    return Wait(limit, Text::tr("Ending the media service")).poll(ended);
 }
 
 Failure staysThere(const QString &program)
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("The media service %1 was told to end and doesn't. End the process.")
+        Text::tr("The media service %1 was told to end and doesn't. End the process.")
             .arg(safeText(program)));
 }
 
@@ -49,7 +50,7 @@ bool isRunning(uint process)
 /// Returns the processes of the service that was there and of its bus; none where none was.
 QVector<uint> endOn(const QString &name)
 {
-    const QString description = QStringLiteral("the bus %1").arg(quoted(name));
+    const QString description = Text::tr("the bus %1").arg(quoted(name));
     inTimeOnBus(description, answerLimit, [name] { orkaOpenDBusConnection(name); });
     const Bus bus(orkaDBusConnection(), answerLimit);
     const QString service = ServiceStarter::busName();
@@ -63,8 +64,8 @@ QVector<uint> endOn(const QString &name)
     if (bus.send(stop).type() != QDBusMessage::ReplyMessage
         && !(BridgeProcess::isLasting(process) && kill(pid_t(process), SIGTERM) == 0)) {
         throw Failure(AnsweredWithError, QStringLiteral("notOurs"),
-            QStringLiteral("The media service %1 isn't the bridge of this program, so it is left "
-                           "alone. End it as it was started.")
+            Text::tr("The media service %1 isn't the bridge of this program, so it is left "
+                     "alone. End it as it was started.")
                 .arg(safeText(program)));
     }
     const auto hasEnded = [&] {

@@ -1,6 +1,7 @@
 #include "chain/RuntimeFolder.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QFile>
@@ -28,10 +29,10 @@ QString problemOf(const QByteArray &folder)
     if (lstat(folder.constData(), &found) != 0)
         return QString::fromLocal8Bit(std::strerror(errno));
     if (!S_ISDIR(found.st_mode))
-        return QStringLiteral("it is no folder");
+        return Text::tr("it is no folder");
     if (found.st_uid != getuid())
-        return QStringLiteral("it belongs to another user");
-    return (found.st_mode & 077) != 0 ? QStringLiteral("other users may use it") : QString();
+        return Text::tr("it belongs to another user");
+    return (found.st_mode & 077) != 0 ? Text::tr("other users may use it") : QString();
 }
 
 } // namespace
@@ -44,12 +45,13 @@ QString RuntimeFolder::make()
     const QString problem = isMade ? problemOf(name) : QString::fromLocal8Bit(std::strerror(errno));
     if (!problem.isEmpty()) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The media service can't be kept in %1: %2. %3, or do without with "
-                           "--linger 0.")
-                .arg(quoted(folder), problem,
-                    isMade ? QStringLiteral("Remove that, or set XDG_RUNTIME_DIR to a folder of "
-                                            "your own")
-                           : QStringLiteral("Set XDG_RUNTIME_DIR to a folder of your own")));
+            (isMade ? Text::tr("The media service can't be kept in %1: %2. Remove that, or set "
+                               "XDG_RUNTIME_DIR to "
+                               "a folder of your own, or do without with --linger 0.")
+                    : Text::tr("The media service can't be kept in %1: %2. Set XDG_RUNTIME_DIR to "
+                               "a folder of "
+                               "your own, or do without with --linger 0."))
+                .arg(quoted(folder), problem));
     }
     return folder;
 }

@@ -1,6 +1,7 @@
 #include "chain/Session.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/PluginLoader.h"
 #include "chain/Wait.h"
 #include "output/SafeText.h"
@@ -17,7 +18,7 @@ constexpr Milliseconds answerLimit(10'000);
 constexpr Milliseconds shortestQuestion(500);
 constexpr Milliseconds rowLimit(1'000);
 /// All that the plug-in says where a listing failed, or a node isn't there.
-const QString unexplained = QStringLiteral("Failed to retrieve content");
+const QLatin1String unexplained("Failed to retrieve content");
 
 QString withoutStop(QString text)
 {
@@ -29,16 +30,16 @@ QString withoutStop(QString text)
 Failure errorAnswer(const CMError &error, const QString &node)
 {
     return Failure(error,
-        QStringLiteral("%1 was answered with an error: %2.")
+        Text::tr("%1 was answered with an error: %2.")
             .arg(node, withoutStop(safeText(error.message().toString()))));
 }
 
 Failure noAnswer(const QString &node, Milliseconds limit)
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("No answer about %1 came in %2 s: the media server or the media service "
-                       "hangs, or the work takes longer. Try again with a longer --timeout.")
-            .arg(node, QString::number(double(limit.count()) / 1000)));
+        Text::tr("No answer about %1 came in %2 s: the media server or the media service "
+                 "hangs, or the work takes longer. Try again with a longer --timeout.")
+            .arg(node, QLocale().toString(double(limit.count()) / 1000)));
 }
 
 } // namespace
@@ -69,9 +70,8 @@ void Session::mount()
 {
     if (!CMRoot()->mount(m_worker.get())) {
         throw missing(QStringLiteral("noPlugin"),
-            QStringLiteral(
-                "The worker can't be mounted under the prefix %1: another has it. Choose "
-                "one with --prefix.")
+            Text::tr("The worker can't be mounted under the prefix %1: another has it. Choose "
+                     "one with --prefix.")
                 .arg(quoted(m_worker->prefix())));
     }
 }
@@ -85,9 +85,8 @@ QString Session::nameOf(const CMPath &path) const
 QString Session::serverNameOf(const CMPath &path) const
 {
     const QString base = QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
-    return m_names.contains(base)
-        ? QStringLiteral("The media server %1").arg(quoted(m_names.value(base)))
-        : QStringLiteral("The media server of %1").arg(nameOf(path));
+    return m_names.contains(base) ? Text::tr("The media server %1").arg(quoted(m_names.value(base)))
+                                  : Text::tr("The media server of %1").arg(nameOf(path));
 }
 
 Milliseconds Session::remaining() const
@@ -110,8 +109,7 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     m_refused = inTime && reply.error().isError();
     if (!inTime) {
         m_mediaService->requireSignOfLife();
-        throw noAnswer(
-            path.base().isEmpty() ? QStringLiteral("the list of media servers") : nameOf(path),
+        throw noAnswer(path.base().isEmpty() ? Text::tr("the list of media servers") : nameOf(path),
             m_options.timeout);
     }
 }
@@ -157,8 +155,7 @@ bool Session::givesRow(const CMPath &path, int position)
 Failure Session::silenceOf(const CMPath &path) const
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral(
-            "%1 could not be read: its media server answers, but not about this in time.")
+        Text::tr("%1 could not be read: its media server answers, but not about this in time.")
             .arg(nameOf(path)));
 }
 
@@ -202,14 +199,14 @@ OrkaRowsRoles Session::rowsOf(
 OrkaRowsRoles Session::rows(const CMPath &path, int first, int last, const QStringList &roles)
 {
     return rowsOf(askRows(path, first, last, roles), path, first,
-        QStringLiteral("Reading rows from %1").arg(first));
+        Text::tr("Reading rows from %1").arg(first));
 }
 
 OrkaRoles Session::data(const CMPath &path, const QStringList &roles)
 {
     const CMReply<QVariantList> reply;
     CMRoot()->getDataRequest(CMGetDataRequest(path, roles, reply));
-    await(reply, path, QStringLiteral("Reading a node"));
+    await(reply, path, Text::tr("Reading a node"));
     requireNoError(reply.error(), path);
     return recordOf(roles, reply.value());
 }

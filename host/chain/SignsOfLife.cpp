@@ -1,5 +1,6 @@
 #include "chain/SignsOfLife.h"
 
+#include "Text.h"
 #include "chain/Diagnosis.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Wait.h"
@@ -22,10 +23,10 @@ QString problemOf(const QString &server, const Diagnosis &diagnosis)
         valueOf(ServiceCalls(questionLimit).property(server, QStringLiteral("FriendlyName")));
     const QString title = quoted(name.isValid() ? name.toString() : server);
     return diagnosis.verdict == Diagnosis::Refused
-        ? QStringLiteral("The media server %1 is listed, but can't be reached: %2.")
+        ? Text::tr("The media server %1 is listed, but can't be reached: %2.")
               .arg(title, safeText(diagnosis.text))
-        : QStringLiteral("The media server %1 is listed, but does not answer. It may be busy, "
-                         "asleep or switched off.")
+        : Text::tr("The media server %1 is listed, but does not answer. It may be busy, "
+                   "asleep or switched off.")
               .arg(title);
 }
 
@@ -48,8 +49,8 @@ QStringList SignsOfLife::problems()
     };
     const auto waited =
         std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - m_asked);
-    Wait wait(std::max(answerLimit - waited, Milliseconds(0)),
-        QStringLiteral("Asking the media servers"));
+    Wait wait(
+        std::max(answerLimit - waited, Milliseconds(0)), Text::tr("Asking the media servers"));
     for (const Question &question : m_questions)
         QObject::connect(
             question.call.get(), &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);

@@ -1,6 +1,7 @@
 #include "chain/StuckBus.h"
 
 #include "Interrupt.h"
+#include "Text.h"
 #include "chain/Wait.h"
 
 #include <future>
@@ -8,8 +9,8 @@
 
 StuckBus::StuckBus(const QString &bus)
     : Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("Nothing can be asked: %1 takes the connection but doesn't answer. End it "
-                       "(\"orka stop\" ends a private bus of ours), or name another with --bus.")
+        Text::tr("Nothing can be asked: %1 takes the connection but doesn't answer. End it "
+                 "(\"orka stop\" ends a private bus of ours), or name another with --bus.")
             .arg(bus))
 {
 }

@@ -200,7 +200,7 @@ void checkServers(Findings &findings, Session &session)
         findings.add(Findings::Ok, Text::tr("media server"),
             kinds.isEmpty() ? Text::tr("%1 can be browsed, not searched.").arg(title)
                             : Text::tr("%1 can be searched by %2.")
-                                  .arg(title, kinds.join(QStringLiteral(", "))));
+                                  .arg(title, kindNames(kinds).join(QStringLiteral(", "))));
     }
 }
 

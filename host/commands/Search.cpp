@@ -30,7 +30,8 @@ Failure notSearchable(const QString &server, const QString &kind, const QStringL
                        "below a folder with \"orka queue\", which walks through it.")
                   .arg(server)
             : Text::tr("%1 can't search by %2, only by %3. Use --%4.")
-                  .arg(server, kind, kinds.join(Text::tr(" and by ")), kinds.first()));
+                  .arg(server, kindNames({kind}).first(),
+                      kindNames(kinds).join(Text::tr(" and by ")), kinds.first()));
 }
 
 /// What is searched by, and its texts.

@@ -1166,5 +1166,253 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>Could not convert: %1 = %2</source>
         <translation>Der Wert ist ungültig: %1 = %2</translation>
     </message>
+    <message>
+        <source>There is no media service, and orka-media-bridge is neither installed nor on PATH. Install it, or name it with --bridge.</source>
+        <translation>Es gibt keinen Mediendienst, und orka-media-bridge ist weder installiert noch im PATH. Installieren Sie es oder nennen Sie es mit --bridge.</translation>
+    </message>
+    <message>
+        <source>it ended</source>
+        <translation>er endete</translation>
+    </message>
+    <message>
+        <source>it ended with status %1</source>
+        <translation>er endete mit Status %1</translation>
+    </message>
+    <message>
+        <source>The media service %1 could not be started: %2. Try it by hand with --help, or name another with --bridge.</source>
+        <translation>Der Mediendienst %1 konnte nicht gestartet werden: %2. Probieren Sie ihn von Hand mit --help oder nennen Sie mit --bridge einen anderen.</translation>
+    </message>
+    <message>
+        <source>The media service %1 could not be started: %2 and said %3. Try it by hand with --help, or name another with --bridge.</source>
+        <translation>Der Mediendienst %1 konnte nicht gestartet werden: %2 und meldete %3. Probieren Sie ihn von Hand mit --help oder nennen Sie mit --bridge einen anderen.</translation>
+    </message>
+    <message>
+        <source>the bus did not answer in time</source>
+        <translation>der Bus antwortete nicht rechtzeitig</translation>
+    </message>
+    <message>
+        <source>%1 (process %2)</source>
+        <translation>%1 (Prozess %2)</translation>
+    </message>
+    <message>
+        <source>There is no session bus, and no bus could be started instead: %1 Install the package dbus-daemon, or name a bus with --bus ADDRESS.</source>
+        <translation>Es gibt keinen Sitzungsbus, und stattdessen ließ sich kein Bus starten: %1 Installieren Sie das Paket dbus-daemon oder nennen Sie einen Bus mit --bus ADDRESS.</translation>
+    </message>
+    <message>
+        <source>there is no program dbus-daemon.</source>
+        <translation>Das Programm dbus-daemon fehlt.</translation>
+    </message>
+    <message>
+        <source>Starting a message bus</source>
+        <translation>Starte einen Nachrichtenbus</translation>
+    </message>
+    <message>
+        <source>dbus-daemon said %1.</source>
+        <translation>dbus-daemon meldete %1.</translation>
+    </message>
+    <message>
+        <source>Measuring the bus</source>
+        <translation>Messe den Bus</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln seconds</source>
+        <comment>within</comment>
+        <translation>
+            <numerusform>einer Sekunde</numerusform>
+            <numerusform>%Ln Sekunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 did not answer within %2. It may be busy, asleep or switched off; try again, or restart it.</source>
+        <translation>%1 hat nicht innerhalb von %2 geantwortet. Er ist vielleicht beschäftigt, im Ruhezustand oder ausgeschaltet; versuchen Sie es erneut oder starten Sie ihn neu.</translation>
+    </message>
+    <message>
+        <source>The media service did not answer within %1. End it, or start it again; &quot;orka doctor&quot; tells which program it is.</source>
+        <translation>Der Mediendienst hat nicht innerhalb von %1 geantwortet. Beenden Sie ihn oder starten Sie ihn neu; &quot;orka doctor&quot; sagt, welches Programm es ist.</translation>
+    </message>
+    <message>
+        <source>%1 is not there any more. &quot;orka servers&quot; lists those that are there.</source>
+        <translation>%1 ist nicht mehr da. &quot;orka servers&quot; führt die vorhandenen auf.</translation>
+    </message>
+    <message>
+        <source>%1 could not be searched: %2.</source>
+        <translation>%1 konnte nicht durchsucht werden: %2.</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: %2.</source>
+        <translation>%1 konnte nicht gelesen werden: %2.</translation>
+    </message>
+    <message>
+        <source>This machine has no network address, so no media server can be reached, and there is no %1.</source>
+        <translation>Dieser Rechner hat keine Netzwerkadresse, also ist kein Medienserver erreichbar, auch nicht %1.</translation>
+    </message>
+    <message>
+        <source>This machine has no network address, so no media server can be reached.</source>
+        <translation>Dieser Rechner hat keine Netzwerkadresse, also ist kein Medienserver erreichbar.</translation>
+    </message>
+    <message>
+        <source>No media server has shown up, and there is no %1.</source>
+        <translation>Kein Medienserver hat sich gemeldet, auch nicht %1.</translation>
+    </message>
+    <message>
+        <source>No media server has shown up.</source>
+        <translation>Kein Medienserver hat sich gemeldet.</translation>
+    </message>
+    <message>
+        <source>Connect it to the network; &quot;orka doctor&quot; checks every part.</source>
+        <translation>Verbinden Sie ihn mit dem Netzwerk; &quot;orka doctor&quot; prüft jeden Teil.</translation>
+    </message>
+    <message>
+        <source>Start one on this network, name its address with --server, or give it more time with --wait; &quot;orka doctor&quot; checks every part.</source>
+        <translation>Starten Sie einen in diesem Netzwerk, nennen Sie seine Adresse mit --server oder geben Sie ihm mit --wait mehr Zeit; &quot;orka doctor&quot; prüft jeden Teil.</translation>
+    </message>
+    <message>
+        <source>The page can&apos;t be served, since %1 can&apos;t be started: %2. Install the program again, as a whole.</source>
+        <translation>Die Seite kann nicht angeboten werden, da %1 sich nicht starten lässt: %2. Installieren Sie das Programm erneut, und zwar ganz.</translation>
+    </message>
+    <message>
+        <source>There is no plug-in %1. Build or install it, or name another with --plugin FILE.</source>
+        <translation>Ein Plug-in %1 gibt es nicht. Bauen oder installieren Sie es oder nennen Sie mit --plugin FILE ein anderes.</translation>
+    </message>
+    <message>
+        <source>%1 is no file, so it can&apos;t be a plug-in. Name the library itself, a file that ends in .so.</source>
+        <translation>%1 ist keine Datei, kann also kein Plug-in sein. Nennen Sie die Bibliothek selbst, eine Datei, die auf .so endet.</translation>
+    </message>
+    <message>
+        <source>The plug-in %1 may not be read. Give yourself the right to read it, or name another.</source>
+        <translation>Das Plug-in %1 darf nicht gelesen werden. Geben Sie sich das Leserecht oder nennen Sie ein anderes.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be loaded as a plug-in: the file is cut off. Copy or build it again.</source>
+        <translation>%1 lässt sich nicht als Plug-in laden: Die Datei ist abgeschnitten. Kopieren oder bauen Sie sie erneut.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be loaded as a plug-in: %2. It is no library for this machine, or something that it needs is missing.</source>
+        <translation>%1 lässt sich nicht als Plug-in laden: %2. Es ist keine Bibliothek für diesen Rechner, oder etwas, das sie braucht, fehlt.</translation>
+    </message>
+    <message>
+        <source>%1 is a library but no plug-in: it doesn&apos;t export worker_create. Name a worker&apos;s library.</source>
+        <translation>%1 ist eine Bibliothek, aber kein Plug-in: Sie exportiert worker_create nicht. Nennen Sie die Bibliothek eines Workers.</translation>
+    </message>
+    <message>
+        <source>The plug-in %1 was loaded, but its worker_create gave no worker. Run the command again with -vvv to see why.</source>
+        <translation>Das Plug-in %1 wurde geladen, aber sein worker_create lieferte keinen Worker. Führen Sie den Befehl mit -vvv erneut aus, um den Grund zu sehen.</translation>
+    </message>
+    <message>
+        <source>Ending the media service</source>
+        <translation>Beende den Mediendienst</translation>
+    </message>
+    <message>
+        <source>The media service %1 was told to end and doesn&apos;t. End the process.</source>
+        <translation>Der Mediendienst %1 soll enden und tut es nicht. Beenden Sie den Prozess.</translation>
+    </message>
+    <message>
+        <source>the bus %1</source>
+        <translation>Bus %1</translation>
+    </message>
+    <message>
+        <source>The media service %1 isn&apos;t the bridge of this program, so it is left alone. End it as it was started.</source>
+        <translation>Der Mediendienst %1 ist nicht die Brücke dieses Programms und wird daher in Ruhe gelassen. Beenden Sie ihn so, wie er gestartet wurde.</translation>
+    </message>
+    <message>
+        <source>it is no folder</source>
+        <translation>es ist kein Ordner</translation>
+    </message>
+    <message>
+        <source>it belongs to another user</source>
+        <translation>der Ordner gehört einem anderen Benutzer</translation>
+    </message>
+    <message>
+        <source>other users may use it</source>
+        <translation>andere Benutzer haben Zugriff darauf</translation>
+    </message>
+    <message>
+        <source>The media service can&apos;t be kept in %1: %2. Remove that, or set XDG_RUNTIME_DIR to a folder of your own, or do without with --linger 0.</source>
+        <translation>Der Mediendienst kann nicht in %1 bleiben: %2. Entfernen Sie das, setzen Sie XDG_RUNTIME_DIR auf einen eigenen Ordner oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>The media service can&apos;t be kept in %1: %2. Set XDG_RUNTIME_DIR to a folder of your own, or do without with --linger 0.</source>
+        <translation>Der Mediendienst kann nicht in %1 bleiben: %2. Setzen Sie XDG_RUNTIME_DIR auf einen eigenen Ordner oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>%1 was answered with an error: %2.</source>
+        <translation>%1 wurde mit einem Fehler beantwortet: %2.</translation>
+    </message>
+    <message>
+        <source>No answer about %1 came in %2 s: the media server or the media service hangs, or the work takes longer. Try again with a longer --timeout.</source>
+        <translation>Zu %1 kam in %2 s keine Antwort: Der Medienserver oder der Mediendienst hängt, oder die Arbeit dauert länger. Versuchen Sie es mit längerem --timeout erneut.</translation>
+    </message>
+    <message>
+        <source>The worker can&apos;t be mounted under the prefix %1: another has it. Choose one with --prefix.</source>
+        <translation>Der Worker lässt sich nicht unter dem Präfix %1 einhängen: Ein anderer hat es. Wählen Sie mit --prefix eines.</translation>
+    </message>
+    <message>
+        <source>The media server %1</source>
+        <translation>Der Medienserver %1</translation>
+    </message>
+    <message>
+        <source>The media server of %1</source>
+        <translation>Der Medienserver von %1</translation>
+    </message>
+    <message>
+        <source>the list of media servers</source>
+        <translation>der Liste der Medienserver</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: its media server answers, but not about this in time.</source>
+        <translation>%1 konnte nicht gelesen werden: Der Medienserver antwortet, aber dazu nicht rechtzeitig.</translation>
+    </message>
+    <message>
+        <source>Reading a node</source>
+        <translation>Lese einen Knoten</translation>
+    </message>
+    <message>
+        <source>The media server %1 is listed, but can&apos;t be reached: %2.</source>
+        <translation>Der Medienserver %1 ist aufgeführt, aber nicht erreichbar: %2.</translation>
+    </message>
+    <message>
+        <source>The media server %1 is listed, but does not answer. It may be busy, asleep or switched off.</source>
+        <translation>Der Medienserver %1 ist aufgeführt, antwortet aber nicht. Er ist vielleicht beschäftigt, im Ruhezustand oder ausgeschaltet.</translation>
+    </message>
+    <message>
+        <source>Nothing can be asked: %1 takes the connection but doesn&apos;t answer. End it (&quot;orka stop&quot; ends a private bus of ours), or name another with --bus.</source>
+        <translation>Es lässt sich nichts fragen: Der Bus nimmt die Verbindung an, antwortet aber nicht (%1). Beenden Sie ihn (&quot;orka stop&quot; beendet einen eigenen privaten Bus) oder nennen Sie mit --bus einen anderen.</translation>
+    </message>
+    <message>
+        <source>The certificate for HTTPS can&apos;t be had: %1. Name one with --cert FILE and --key FILE.</source>
+        <translation>Das Zertifikat für HTTPS ist nicht zu bekommen: %1. Nennen Sie eines mit --cert FILE und --key FILE.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be written: %2</source>
+        <translation>%1 lässt sich nicht schreiben: %2</translation>
+    </message>
+    <message>
+        <source>it is no IP address</source>
+        <translation>es ist keine IP-Adresse</translation>
+    </message>
+    <message>
+        <source>The page can&apos;t be served at %1, port %2: %3. Name another with --listen ADDRESS and --port N.</source>
+        <translation>Die Seite kann nicht unter %1, Port %2 angeboten werden: %3. Nennen Sie mit --listen ADDRESS und --port N etwas anderes.</translation>
+    </message>
+    <message>
+        <source>%1 is no IP address.</source>
+        <translation>%1 ist keine IP-Adresse.</translation>
+    </message>
+    <message>
+        <source>The browser will say that it doesn&apos;t know this machine&apos;s certificate, which the program made itself. Accept it once.</source>
+        <translation>Der Browser wird sagen, dass er das Zertifikat dieses Rechners nicht kennt, das das Programm selbst ausgestellt hat. Nehmen Sie es einmal an.</translation>
+    </message>
+    <message>
+        <source>No browser could be started. Open the address by hand.</source>
+        <translation>Es ließ sich kein Browser starten. Öffnen Sie die Adresse von Hand.</translation>
+    </message>
+    <message>
+        <source>The page needs GLib&apos;s main loop, which QT_NO_GLIB switches off. Unset that variable.</source>
+        <translation>Die Seite braucht die Hauptschleife von GLib, die QT_NO_GLIB ausschaltet. Entfernen Sie diese Variable.</translation>
+    </message>
+    <message>
+        <source>The files of the page are not in %1. Install orka anew, or build it.</source>
+        <translation>Die Dateien der Seite sind nicht in %1. Installieren Sie orka neu oder bauen Sie es.</translation>
+    </message>
 </context>
 </TS>

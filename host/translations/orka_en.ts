@@ -146,5 +146,13 @@
             <numerusform>%Ln more rows are counted in %1 than its server gives.</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%Ln seconds</source>
+        <comment>within</comment>
+        <translation>
+            <numerusform>a second</numerusform>
+            <numerusform>%Ln seconds</numerusform>
+        </translation>
+    </message>
 </context>
 </TS>

@@ -20,6 +20,14 @@ QStringList searchKinds(Session &session, const CMPath &path)
     return kinds;
 }
 
+QStringList kindNames(const QStringList &kinds)
+{
+    QStringList names;
+    for (const QString &kind : kinds)
+        names.append(Text::tr(kind.toLatin1().constData()));
+    return names;
+}
+
 QString searchUnknown(const Session &session, const CMPath &path)
 {
     const ServiceCalls service(std::chrono::seconds(1));

@@ -9,6 +9,9 @@ class Session;
 /// "album" and "title". None where it can't search.
 QStringList searchKinds(Session &session, const CMPath &path);
 
+/// The same in the user's language.
+QStringList kindNames(const QStringList &kinds);
+
 /// A sentence where that server hasn't said what it can search, which a worker takes for nothing;
 /// else empty. Asks the media service.
 QString searchUnknown(const Session &session, const CMPath &path);

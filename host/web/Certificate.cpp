@@ -1,6 +1,7 @@
 #include "web/Certificate.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QCryptographicHash>
@@ -23,8 +24,8 @@ constexpr time_t validFor = 825 * 86400L; // the longest that browsers take
 Failure notMade(const QString &why)
 {
     return missing(QStringLiteral("noCertificate"),
-        QStringLiteral("The certificate for HTTPS can't be had: %1. Name one with --cert FILE and "
-                       "--key FILE.")
+        Text::tr("The certificate for HTTPS can't be had: %1. Name one with --cert FILE and "
+                 "--key FILE.")
             .arg(why));
 }
 
@@ -113,8 +114,7 @@ void save(const QString &name, const QByteArray &pem)
     const bool isOpen = QDir().mkpath(QFileInfo(name).path()) && file.open(QIODevice::WriteOnly)
         && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     if (!isOpen || file.write(pem) != pem.size() || !file.flush() || !file.commit()) {
-        throw notMade(
-            QStringLiteral("%1 can't be written: %2").arg(quoted(name), file.errorString()));
+        throw notMade(Text::tr("%1 can't be written: %2").arg(quoted(name), file.errorString()));
     }
 }
 

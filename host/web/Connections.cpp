@@ -1,5 +1,7 @@
 #include "web/Connections.h"
 
+#include "Text.h"
+
 #include <algorithm>
 
 namespace {
@@ -53,7 +55,7 @@ QString Connections::listen(const QString &address, quint16 port, bool &isTaken)
     const GRef<GSocketAddress> socketAddress(
         g_inet_socket_address_new_from_string(address.toUtf8().constData(), port));
     if (!socketAddress)
-        return QStringLiteral("it is no IP address");
+        return Text::tr("it is no IP address");
     GError *error = nullptr;
     const GRef<GSocket> socket = listeningSocket(socketAddress.get(), &error);
     const bool isSecure = soup_server_get_tls_certificate(m_server) != nullptr;

@@ -1,6 +1,7 @@
 #include "web/HttpServer.h"
 
 #include "Failure.h"
+#include "Text.h"
 
 namespace {
 
@@ -56,8 +57,8 @@ quint16 HttpServer::listen(const QString &address, quint16 port, bool orNext)
             break;
     }
     throw missing(QStringLiteral("noPort"),
-        QStringLiteral("The page can't be served at %1, port %2: %3. Name another with --listen "
-                       "ADDRESS and --port N.")
+        Text::tr("The page can't be served at %1, port %2: %3. Name another with --listen "
+                 "ADDRESS and --port N.")
             .arg(address, QString::number(port), why));
 }
 

@@ -1,6 +1,8 @@
 #include "web/Page.h"
 
 #include "Failure.h"
+#include "Language.h"
+#include "Text.h"
 #include "chain/Installation.h"
 #include "chain/NetworkPublisher.h"
 #include "chain/Wait.h"
@@ -45,7 +47,7 @@ bool isBeyondLoopback(const QString &listen)
 {
     const GRef<GInetAddress> address(g_inet_address_new_from_string(listen.toUtf8().constData()));
     if (!address)
-        throw wrongUsage(QStringLiteral("%1 is no IP address.").arg(quoted(listen)));
+        throw wrongUsage(Text::tr("%1 is no IP address.").arg(quoted(listen)));
     return g_inet_address_get_is_loopback(address.get()) == FALSE;
 }
 
@@ -65,11 +67,11 @@ void tellAddress(const PageOptions &options, bool isOpen, quint16 port, const QB
     if (isOpen && isatty(STDOUT_FILENO) != 0)
         writeText(qrCode(address).toUtf8());
     if (isOpen && options.certificate.isEmpty()) {
-        tell(QStringLiteral("The browser will say that it doesn't know this machine's "
-                            "certificate, which the program made itself. Accept it once."));
+        tell(Text::tr("The browser will say that it doesn't know this machine's "
+                      "certificate, which the program made itself. Accept it once."));
     }
     if (options.opensBrowser && !QProcess::startDetached(QStringLiteral("xdg-open"), {address}))
-        tell(QStringLiteral("No browser could be started. Open the address by hand."));
+        tell(Text::tr("No browser could be started. Open the address by hand."));
 }
 
 } // namespace
@@ -78,8 +80,8 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
 {
     if (!QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib")) {
         throw missing(QStringLiteral("noMainLoop"),
-            QStringLiteral("The page needs GLib's main loop, which QT_NO_GLIB switches off. "
-                           "Unset that variable."));
+            Text::tr("The page needs GLib's main loop, which QT_NO_GLIB switches off. "
+                     "Unset that variable."));
     }
     RequestGuard guard;
     HttpServer server(guard);
@@ -104,6 +106,7 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
     const MachinePlayer player(carried, events, server);
     const quint16 port = server.listen(options.listen, options.port, options.mayTakeNextPort);
     tellAddress(options, isOpen, port, guard.token());
+    Language::becomeEnglish(); // the page is, and other programs read the answers, too
     for (;;)
         Wait(std::chrono::hours(24)).pass();
 }

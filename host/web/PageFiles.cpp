@@ -1,6 +1,7 @@
 #include "web/PageFiles.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "output/SafeText.h"
 
 #include <QDirIterator>
@@ -40,7 +41,7 @@ void servePage(HttpServer &server, const QString &folder)
     }
     if (!hasPage) {
         throw missing(QStringLiteral("noPage"),
-            QStringLiteral("The files of the page are not in %1. Install orka anew, or build it.")
+            Text::tr("The files of the page are not in %1. Install orka anew, or build it.")
                 .arg(quoted(folder)));
     }
 }
