@@ -13,17 +13,20 @@ trap 'rm -rf "$work"' EXIT
 # Qt's reader of sources takes the separators in 1'000 for quotes.
 cd "$root"
 cp -r host sdk modules "$work"
-find "$work" \( -name '*.cpp' -o -name '*.h' \) -exec sed -i ":again; s/\([0-9]\)'\([0-9]\)/\1\2/; t again" {} +
+find "$work" -name '*.cpp' -exec sed -i ":again; s/\([0-9]\)'\([0-9]\)/\1\2/; t again" {} +
+cd "$work"
+PATH=/usr/lib/qt5/bin:$PATH
 
-# update NAME FOLDER…: the files of that name, with the texts in these folders.
+# update NAME FOLDER…: the files of that name, with the texts in these folders, in the order of their sources' names.
 update() {
     name=$1
     shift
-    for file in "$work/$name"_*.ts; do
-        case $file in *_en.ts) set -- -pluralonly "$@" ;; esac
-        (cd "$work" && lupdate -silent -no-obsolete -locations none -extensions cpp,h -source-language en \
-            -tr-function-alias tr+=ORKA_TR,tr+=SDK_TR,tr+=mark "$@" -ts "$file") 2>&1 | grep -v 'lacks Q_OBJECT' || true
-        if [ "$1" = -pluralonly ]; then shift; fi
+    find "$@" -name '*.cpp' | LC_ALL=C sort >sources
+    for file in "$name"_*.ts; do
+        case $file in *_en.ts) plurals=-pluralonly ;; *) plurals= ;; esac
+        lupdate -silent -no-obsolete -locations none -source-language en $plurals \
+            -tr-function-alias tr+=ORKA_TR,tr+=SDK_TR,tr+=mark -I host -I modules/upnpClient @sources -ts "$file" 2>&1 |
+            grep -v 'lacks Q_OBJECT' || true
     done
 }
 
@@ -58,7 +61,7 @@ wrong_marks() {
 check() {
     status=0
     for file in $files; do
-        if ! diff -u "$file" "$work/$file"; then
+        if ! diff -u "$root/$file" "$file"; then
             echo "$file isn't up to date; ./run translations mends that."
             status=1
         fi
@@ -72,12 +75,14 @@ check() {
 }
 
 if [ -n "${2:-}" ]; then
-    touch "$work/host/translations/orka_$2.ts" "$work/modules/upnpClient/translations/upnpClient_$2.ts"
+    for name in host/translations/orka modules/upnpClient/translations/upnpClient; do
+        echo "<!DOCTYPE TS><TS version=\"2.1\" language=\"$2\" sourcelanguage=\"en\"/>" >"${name}_$2.ts"
+    done
 fi
-files=$(cd "$work" && echo host/translations/*.ts modules/upnpClient/translations/*.ts)
+files=$(echo host/translations/*.ts modules/upnpClient/translations/*.ts)
 update host/translations/orka host sdk
 update modules/upnpClient/translations/upnpClient modules
 case ${1:-} in
-update) for file in $files; do cp "$work/$file" "$file"; done ;;
+update) for file in $files; do cp "$file" "$root/$file"; done ;;
 check) check ;;
 esac
