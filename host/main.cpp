@@ -58,8 +58,9 @@ QString unknownArgument(const CLI::App &app, const QString &text)
 }
 
 /// What the parser has to say: help on standard output, a mistake on standard error.
-int reportParsing(const CLI::App &app, const Settings &settings, const CLI::ParseError &error)
+int reportParsing(CLI::App &app, const Settings &settings, const CLI::ParseError &error)
 {
+    translateHelp(app); // which every other start does without
     std::ostringstream help;
     std::ostringstream mistake;
     const int status = app.exit(error, help, mistake);
@@ -192,7 +193,6 @@ int runProgram(int argc, char **argv)
     addGlobalOptions(app, options);
     const std::shared_ptr<const Settings> settings = Settings::install(app);
     const std::vector<CommandPointer> commands = makeCommands(app);
-    translateHelp(app);
     try {
         app.parse(argumentsOf(argc, argv));
     } catch (const CLI::ParseError &error) {
