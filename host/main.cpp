@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "Interrupt.h"
+#include "KnownSentences.h"
 #include "Language.h"
 #include "ParserTexts.h"
 #include "Settings.h"
@@ -75,7 +76,7 @@ int reportParsing(CLI::App &app, const Settings &settings, const CLI::ParseError
         tell(Text::tr("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
         tell(Text::tr("%1\nRun with --help for more information.")
-                 .arg(translatedComplaint(QString::fromStdString(error.what())))
+                 .arg(translatedSentence(QString::fromStdString(error.what())))
             + settings.originOf(mistake.str()));
     }
     return WrongUsage;

@@ -1,11 +1,24 @@
 #include "chain/NetworkReport.h"
 
+#include "KnownSentences.h"
 #include "Text.h"
 #include "chain/NetworkPublisher.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
 
 #include <algorithm>
+
+namespace {
+
+QStringList sentencesOf(const QVariantMap &bridge, const QString &property)
+{
+    QStringList sentences = bridge.value(property).toStringList();
+    for (QString &sentence : sentences)
+        sentence = translatedSentence(sentence);
+    return sentences;
+}
+
+} // namespace
 
 NetworkReport NetworkReport::read()
 {
@@ -17,9 +30,9 @@ NetworkReport NetworkReport::read()
         if (!place.endsWith(QLatin1String(" on lo")))
             report.listening.append(place);
     }
-    report.absent = bridge.value(QStringLiteral("AwaitedServers")).toStringList()
-        + bridge.value(QStringLiteral("AbsentServers")).toStringList();
-    for (const QString &trouble : bridge.value(QStringLiteral("Troubles")).toStringList()) {
+    report.absent = sentencesOf(bridge, QStringLiteral("AwaitedServers"))
+        + sentencesOf(bridge, QStringLiteral("AbsentServers"));
+    for (const QString &trouble : sentencesOf(bridge, QStringLiteral("Troubles"))) {
         if (!report.absent.contains(trouble))
             report.troubles.append(trouble);
     }

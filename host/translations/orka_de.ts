@@ -1414,5 +1414,69 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>The files of the page are not in %1. Install orka anew, or build it.</source>
         <translation>Die Dateien der Seite sind nicht in %1. Installieren Sie orka neu oder bauen Sie es.</translation>
     </message>
+    <message>
+        <source>The media server &quot;%1&quot; was there before, at %2, but does not answer now.</source>
+        <translation>Der Medienserver &quot;%1&quot; war früher da, unter %2, antwortet jetzt aber nicht.</translation>
+    </message>
+    <message>
+        <source>The media server &quot;%1&quot; is there, at %2, but is not heard, neither announcing itself nor answering the search: multicast doesn&apos;t get through, or a firewall drops the answers.</source>
+        <translation>Der Medienserver &quot;%1&quot; ist da, unter %2, aber nicht zu hören: Weder meldet er sich, noch antwortet er auf die Suche. Multicast kommt nicht durch, oder eine Firewall verwirft die Antworten.</translation>
+    </message>
+    <message>
+        <source>The network has just come up or changed, and media servers are still being searched for.</source>
+        <translation>Das Netzwerk ist eben erst da oder hat sich geändert, und Medienserver werden noch gesucht.</translation>
+    </message>
+    <message>
+        <source>A media server at %1 has announced itself and not described itself yet.</source>
+        <translation>Ein Medienserver unter %1 hat sich gemeldet, aber noch nicht beschrieben.</translation>
+    </message>
+    <message>
+        <source>%1 media servers at %2 have announced themselves and not described themselves yet.</source>
+        <translation>%1 Medienserver unter %2 haben sich gemeldet, aber noch nicht beschrieben.</translation>
+    </message>
+    <message>
+        <source>Media servers can&apos;t be heard at %1 (%2).</source>
+        <translation>Medienserver sind über %1 nicht zu hören (%2).</translation>
+    </message>
+    <message>
+        <source>A media server at %1 has not answered yet; it is still looked for.</source>
+        <translation>Ein Medienserver unter %1 hat noch nicht geantwortet; er wird weiter gesucht.</translation>
+    </message>
+    <message>
+        <source>Nothing answered the search at %1, port 1900, and of the usual descriptions %2; if a media server runs there, name its port, as in &quot;%3&quot;, or the URL of its description.</source>
+        <translation>Auf die Suche unter %1, Port 1900, antwortete nichts, und von den üblichen Beschreibungen gilt: %2. Läuft dort ein Medienserver, nennen Sie seinen Port wie in &quot;%3&quot; oder die URL seiner Beschreibung.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be read (%2)</source>
+        <translation>%1 ist nicht lesbar (%2)</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be read (%2).</source>
+        <translation>%1 ist nicht lesbar (%2).</translation>
+    </message>
+    <message>
+        <source>The name &quot;%1&quot; can&apos;t be resolved (%2).</source>
+        <translation>Der Name &quot;%1&quot; lässt sich nicht auflösen (%2).</translation>
+    </message>
+    <message>
+        <source>%1 is no address of a media server: %2</source>
+        <translation>%1 ist keine Adresse eines Medienservers: %2</translation>
+    </message>
+    <message>
+        <source>give a host (nas, 10.0.0.2), a host and its port (nas:8200) or the URL of a description (http://nas:8200/rootDesc.xml).</source>
+        <translation>Nennen Sie einen Rechner (nas, 10.0.0.2), einen Rechner und seinen Port (nas:8200) oder die URL einer Beschreibung (http://nas:8200/rootDesc.xml).</translation>
+    </message>
+    <message>
+        <source>media servers are asked over http:// alone.</source>
+        <translation>Medienserver werden nur über http:// gefragt.</translation>
+    </message>
+    <message>
+        <source>media servers are asked without a user name; leave it out.</source>
+        <translation>Medienserver werden ohne Benutzernamen gefragt; lassen Sie ihn weg.</translation>
+    </message>
+    <message>
+        <source>ports go from 1 to 65535.</source>
+        <translation>Ports gehen von 1 bis 65535.</translation>
+    </message>
 </context>
 </TS>
