@@ -3,7 +3,7 @@
 #include "Text.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
+#include <algorithm>
 #include <regex>
 
 namespace {
@@ -66,14 +66,19 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
         Text::mark("Service id that the worker puts into its rows"), "ID");
     addText(app, "--bus", options.bus,
         Text::mark("session (the default), system or a D-Bus address"), "session|system|ADDRESS");
-    const std::map<std::string, MediaServiceSource> sources = {{"auto", MediaServiceSource::Auto},
-        {"session", MediaServiceSource::Session}, {"bridge", MediaServiceSource::Bridge}};
-    app.add_option("--media-service", options.mediaService,
+    app.add_option_function<std::string>(
+           "--media-service",
+           [&options](const std::string &word) {
+               options.mediaService = word == "session" ? MediaServiceSource::Session
+                   : word == "bridge"                   ? MediaServiceSource::Bridge
+                                                        : MediaServiceSource::Auto;
+           },
            Text::mark("session: the one on the bus; bridge: a bridge of our own,\n"
                       "on a private bus where there is no session bus;\n"
                       "auto (the default): the first, else the second"))
         ->type_name("auto|session|bridge")
-        ->transform(CLI::CheckedTransformer(sources).description(""));
+        ->check(oneOf({"auto", "session", "bridge"}))
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     addText(app, "--bridge", options.bridge,
         Text::mark("The bridge's program; this installation's where none is\nnamed"), "FILE");
     app.add_option_function<std::vector<std::string>>(
@@ -98,6 +103,15 @@ void addGlobalOptions(CLI::App &app, GlobalOptions &options)
         app, "--log-config", options.logConfig, Text::mark("A log4cplus properties file"), "FILE");
     app.add_flag("-v,--verbose", options.verbosity,
         Text::mark("Log to standard error: -v what happens, -vv details,\n-vvv everything"));
+}
+
+std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words)
+{
+    return [words](const std::string &text) {
+        const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
+        const QString all = QString::fromStdString(CLI::detail::join(words, ", "));
+        return isOne ? std::string() : Text::tr("is one of %1").arg(all).toStdString();
+    };
 }
 
 QString argument(const std::string &text)

@@ -4,7 +4,9 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -63,6 +65,9 @@ struct GlobalOptions
 
 /// Declares the options on the parser; `options` is filled while it parses.
 void addGlobalOptions(CLI::App &app, GlobalOptions &options);
+
+/// For options that take one of a few words: what the parser says of another one.
+std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words);
 
 /// A text of the command line, UTF-8.
 QString argument(const std::string &text);

@@ -4,8 +4,6 @@
 
 #include <QStringList>
 
-#include <algorithm>
-
 Command::Command(CLI::App &app, const char *name, const char *description, const char *example)
     : m_parser(app.add_subcommand(name, description))
 {
@@ -53,15 +51,6 @@ void Command::addPlaces(QStringList &target)
 void Command::addRows(QString &target, const char *help)
 {
     addText("--rows", target, help, "A-B");
-}
-
-std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words)
-{
-    return [words](const std::string &text) {
-        const bool isOne = std::find(words.begin(), words.end(), text) != words.end();
-        const QString all = QString::fromStdString(CLI::detail::join(words, ", "));
-        return isOne ? std::string() : Text::tr("is one of %1").arg(all).toStdString();
-    };
 }
 
 std::vector<CommandPointer> makeCommands(CLI::App &app)

@@ -34,9 +34,6 @@ private:
     CLI::App *m_parser;
 };
 
-/// For options that take one of a few words: what the parser says of another one.
-std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words);
-
 using CommandPointer = std::unique_ptr<Command>;
 
 CommandPointer makeServers(CLI::App &app);

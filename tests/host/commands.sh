@@ -47,7 +47,7 @@ refused 2 --prefix --prefix "" ls Shelf
 refused 2 "ends before it begins" ls Shelf --rows 5-4
 refused 2 "--wait: is a number of seconds" ls Shelf --wait soon
 refused 2 --wait ls Shelf --wait nan
-refused 2 --media-service ls Shelf --media-service x
+refused 2 "--media-service: is one of" ls Shelf --media-service 1
 refused 2 "--sort: is one of title, artist" ls Shelf --sort 3
 refused 2 step sample Shelf 0,10,0
 refused 2 --artist search Shelf
