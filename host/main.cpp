@@ -27,6 +27,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
+#include <pwd.h>
 #include <sstream>
 #include <thread>
 #include <unistd.h>
@@ -147,6 +148,14 @@ void occupyStandardDescriptors()
     close(descriptor);
 }
 
+/// Without HOME, as a service may start us, the user's folders would be taken to be those at "/".
+void provideHome()
+{
+    const passwd *user = qEnvironmentVariableIsEmpty("HOME") ? getpwuid(getuid()) : nullptr;
+    if (user != nullptr)
+        qputenv("HOME", user->pw_dir);
+}
+
 /// Throws Failure where an argument isn't text that a place or a search could be made of.
 void requireText(const char *argument)
 {
@@ -173,6 +182,7 @@ std::vector<std::string> argumentsOf(int argc, char **argv)
 int runProgram(int argc, char **argv)
 {
     occupyStandardDescriptors();
+    provideHome();
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen where something is written
     int applicationArgc = 1; // all others are the parser's
     const QCoreApplication application(applicationArgc, argv);
