@@ -2,6 +2,8 @@
 
 #include "Failure.h"
 #include "ServerAddress.h"
+#include "Text.h"
+#include "chain/NamedServers.h"
 #include "chain/Wait.h"
 #include "output/SafeText.h"
 
@@ -135,8 +137,14 @@ QStringList KeptAddresses::read()
 bool KeptAddresses::add(const QString &address)
 {
     const Lock lock;
-    if (read().contains(address))
+    const QStringList kept = read();
+    if (kept.contains(address))
         return false;
+    if (kept.size() >= NamedServers::most) {
+        throw notKept(Text::tr("no more than %1 are looked at, and so many are kept already. Take "
+                               "one away with \"orka servers --forget ADDRESS\"")
+                          .arg(NamedServers::most));
+    }
     writeLines(readLines() << address.toUtf8());
     return true;
 }

@@ -1,6 +1,7 @@
 #include "chain/NamedServers.h"
 
 #include "MediaServiceNames.h"
+#include "Text.h"
 #include "chain/KeptAddresses.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
@@ -13,6 +14,8 @@
 #include <QDBusPendingReply>
 
 namespace {
+
+constexpr int mostShown = 5;
 
 Failure notSaid(const QString &address)
 {
@@ -47,9 +50,10 @@ Failure problemOf(const QString &address, const QDBusError &error)
 } // namespace
 
 NamedServers::NamedServers(const QStringList &addresses, std::chrono::milliseconds limit)
-    : m_addresses(addresses)
+    : m_addresses(addresses.mid(0, most))
+    , m_others(addresses.mid(most))
 {
-    for (const QString &address : addresses)
+    for (const QString &address : m_addresses)
         send(address, limit);
 }
 
@@ -82,6 +86,17 @@ QStringList NamedServers::problems() const
         const auto problem = m_problems.find(address);
         if (problem != m_problems.end())
             sentences.append(problem->sentence());
+    }
+    if (!m_others.isEmpty()) {
+        QStringList shown;
+        for (const QString &address : m_others.mid(0, mostShown))
+            shown.append(KeptAddresses::shown(address));
+        if (m_others.size() > mostShown)
+            shown.append(QStringLiteral("…"));
+        sentences.append(
+            Text::tr("No more than %1 addresses are looked at; these are left out: %2. \"orka "
+                     "servers --forget ADDRESS\" takes one away.")
+                .arg(QString::number(most), shown.join(QStringLiteral(", "))));
     }
     return sentences;
 }

@@ -16,6 +16,9 @@ class NamedServers : public QObject
     Q_OBJECT
 
 public:
+    /// So many addresses are looked at.
+    static constexpr int most = 64;
+
     /// Sends the calls. `limit` is how long an answer may take.
     NamedServers(const QStringList &addresses, std::chrono::milliseconds limit);
 
@@ -24,7 +27,7 @@ public:
     bool isPending(const QString &address) const { return m_pending.contains(address); }
     /// Whether it has said what is there, be it nothing.
     bool hasAnswered(const QString &address) const;
-    /// A sentence for each address where none was found, so far.
+    /// A sentence for each address where none was found, so far, and one for those left out.
     QStringList problems() const;
     /// That the media server at the address was found. Throws Failure where it wasn't, or where the
     /// media service hasn't said so far.
@@ -38,5 +41,6 @@ private:
 
     QSet<QString> m_pending;
     const QStringList m_addresses;
+    const QStringList m_others;
     QHash<QString, Failure> m_problems;
 };

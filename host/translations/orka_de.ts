@@ -1478,5 +1478,13 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>ports go from 1 to 65535.</source>
         <translation>Ports gehen von 1 bis 65535.</translation>
     </message>
+    <message>
+        <source>no more than %1 are looked at, and so many are kept already. Take one away with &quot;orka servers --forget ADDRESS&quot;</source>
+        <translation>mehr als %1 werden nicht angesehen, und so viele sind schon gemerkt. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus</translation>
+    </message>
+    <message>
+        <source>No more than %1 addresses are looked at; these are left out: %2. &quot;orka servers --forget ADDRESS&quot; takes one away.</source>
+        <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus.</translation>
+    </message>
 </context>
 </TS>
