@@ -2,18 +2,19 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "commands/ServerNotes.h"
 #include "output/Output.h"
 #include "output/RowsOutput.h"
 #include "tree/ContentWatch.h"
 #include "tree/PageSize.h"
 #include "tree/RowSource.h"
 
-void writeAnswer(
-    const GlobalOptions &options, const CMPath &path, const Rows &rows, int first, int step)
+void writeAnswer(const GlobalOptions &options, const CMPath &path, const Rows &rows, int first,
+    const CMError &error)
 {
-    RowsOutput output(options.json, path, first, step);
+    RowsOutput output(options.json, path, first);
     output.add(rows);
-    output.end();
+    output.end(error);
 }
 
 QString incompleteSentence(int lacking, int rowsCount, const QString &why)
@@ -30,7 +31,7 @@ namespace {
 int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 {
     const QString sentence = incompleteSentence(lacking, output->rowsCount(), why);
-    output->end(CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(), sentence));
+    output->end(incompleteError({sentence}));
     tell(sentence);
     return AnsweredWithError;
 }
@@ -38,7 +39,7 @@ int endIncomplete(RowsOutput *output, int lacking, const QString &why)
 } // namespace
 
 int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &source,
-    const ContentWatch &watch, int first, int step, bool isLong)
+    const ContentWatch &watch, int first, int step, bool isLong, ServerNotes *notes)
 {
     RowsOutput output(options.json, path, first, step, isLong);
     Rows page;
@@ -58,8 +59,8 @@ int writeRowsOf(const GlobalOptions &options, const CMPath &path, RowSource &sou
     const QString change = output.rowsCount() > PageSize::first ? watch.change() : QString();
     if (!change.isEmpty())
         return endIncomplete(&output, 0, change);
-    output.end(CMError(), source.ofOtherKinds());
-    return Answered;
+    output.end(notes ? notes->lacking() : CMError(), source.ofOtherKinds());
+    return notes ? notes->tell() : Answered;
 }
 
 void writeAnswer(const GlobalOptions &options, const CMPath &path, const OrkaRoles &roles)

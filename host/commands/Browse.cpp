@@ -72,14 +72,9 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath path = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
-        std::optional<ServerNotes> notes;
-        if (path == session.root())
-            notes.emplace(session);
-        const int status = m_recursive ? writeTree(session, path) : writeRows(session, path, range);
-        if (!notes)
-            return status;
-        ServerList servers(session);
-        return std::max(status, notes->tell(servers));
+        ServerNotes notes(session, path);
+        return m_recursive ? writeTree(session, path, notes)
+                           : writeRows(session, path, range, notes);
     }
 
 private:
@@ -89,7 +84,7 @@ private:
             {"date", SortKey::Date}, {"track", SortKey::Track}, {"length", SortKey::Length}};
     }
 
-    int writeRows(Session &session, const CMPath &path, RowRange range) const
+    int writeRows(Session &session, const CMPath &path, RowRange range, ServerNotes &notes) const
     {
         QSet<QString> kinds;
         for (const std::string &kind : m_kinds)
@@ -101,10 +96,10 @@ private:
         const ContentWatch watch(session, path);
         RowPages pages(session, path, read, OrkaRoles::all());
         ArrangedRows rows(pages, range, m_key, kinds, [&](int row) { return tracks.value(row); });
-        return writeRowsOf(session.options(), path, rows, watch, range.first, 1, m_isLong);
+        return writeRowsOf(session.options(), path, rows, watch, range.first, 1, m_isLong, &notes);
     }
 
-    int writeTree(Session &session, const CMPath &path) const
+    int writeTree(Session &session, const CMPath &path, ServerNotes &notes) const
     {
         TreeOutput output(session.options().json, path);
         QStringList problems;
@@ -117,7 +112,8 @@ private:
         const QString change = watch.change();
         if (!change.isEmpty())
             problems.append(change);
-        output.end(problems);
+        const CMError lacking = notes.lacking();
+        output.end(problems.isEmpty() ? lacking : incompleteError(problems));
         if (m_depth == 0 && tree.unopened() > 0) {
             tell(Text::tr(
                 "The tree ends at level %1, with %Ln folders that were not opened. --depth "
@@ -125,8 +121,9 @@ private:
                 nullptr, tree.unopened())
                      .arg(usualDepth));
         }
+        const int status = notes.tell();
         if (problems.isEmpty())
-            return Answered;
+            return status;
         tell(Text::tr("The tree is incomplete:\n  %1")
                  .arg(problems.mid(0, mostProblems).join(QStringLiteral("\n  "))));
         return AnsweredWithError;
@@ -183,12 +180,15 @@ public:
         const CMPath path = PlaceResolver(session).resolve(place);
         const CMPath menu = m_context ? contextMenu(session, path) : searchMenu(path);
         const Rows rows = readRows(session, menu, {}, OrkaRoles::all());
-        writeAnswer(options, menu, rows, 0);
+        ServerNotes notes(session, m_context ? menu : path);
         const QString unknown =
             rows.rows.isEmpty() && !m_context ? searchUnknown(session, path) : QString();
-        if (!unknown.isEmpty())
-            tell(unknown);
-        return unknown.isEmpty() ? Answered : AnsweredWithError;
+        writeAnswer(options, menu, rows, 0,
+            unknown.isEmpty() ? notes.lacking() : incompleteError({unknown}));
+        if (unknown.isEmpty())
+            return notes.tell();
+        tell(unknown);
+        return AnsweredWithError;
     }
 
 private:
@@ -232,10 +232,12 @@ public:
         const Place place = parsePlace(m_place, options.prefix);
         Session session(options);
         const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
+        ServerNotes notes(session, folder);
         // A worker counts the rows of a sample from its start.
         const ContentWatch watch(session, folder);
         SamplePages pages(session, folder, sample, range.isOpen() ? range.last : range.last + 1);
-        return writeRowsOf(options, pages.path(), pages, watch, sample.start, sample.step);
+        return writeRowsOf(
+            options, pages.path(), pages, watch, sample.start, sample.step, false, &notes);
     }
 
 private:

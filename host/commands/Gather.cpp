@@ -7,6 +7,7 @@
 #include "chain/Wait.h"
 #include "commands/Command.h"
 #include "commands/ServerNotes.h"
+#include "output/JsonOutput.h"
 #include "output/Output.h"
 #include "tree/Gathering.h"
 #include "tree/NodeKind.h"
@@ -228,6 +229,5 @@ CMError tellIncomplete(const QVector<Failure> &failures)
     if (failures.size() > reasonsTold)
         reasons.append(Text::tr("And %Ln more.", nullptr, failures.size() - reasonsTold));
     tell(Text::tr("The list is incomplete:\n  %1").arg(reasons.join(QStringLiteral("\n  "))));
-    return CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(),
-        TrString(reasons.join(QLatin1Char(' '))));
+    return incompleteError(reasons);
 }

@@ -3,6 +3,7 @@
 #include "chain/Session.h"
 #include "commands/Answer.h"
 #include "commands/Command.h"
+#include "commands/ServerNotes.h"
 #include "output/JsonOutput.h"
 #include "output/Output.h"
 #include "output/TextOutput.h"
@@ -91,8 +92,9 @@ public:
         Session session(options);
         waitForServers(session, pathsOf(path));
         const Rows rows = readRowsAtOnce(session, path, {m_first, m_last}, rolesOf(m_roles));
-        writeAnswer(options, path, rows, m_first);
-        return Answered;
+        ServerNotes notes(session, path);
+        writeAnswer(options, path, rows, m_first, notes.lacking());
+        return notes.tell();
     }
 
 private:

@@ -4,6 +4,7 @@
 #include "chain/NetworkReport.h"
 #include "chain/ServiceCalls.h"
 #include "chain/Session.h"
+#include "output/JsonOutput.h"
 #include "output/Output.h"
 #include "output/SafeText.h"
 #include "tree/SearchKinds.h"
@@ -49,20 +50,34 @@ QStringList lackingServers(const Session &session, ServerList &servers, const Ne
     return problems;
 }
 
-ServerNotes::ServerNotes(const Session &session)
+ServerNotes::ServerNotes(Session &session, const CMPath &path)
     : m_session(session)
-    , m_signs(session.mediaService().servers().paths())
 {
+    if (path == session.root())
+        m_signs = std::make_unique<SignsOfLife>(session.mediaService().servers().paths());
 }
 
-int ServerNotes::tell(ServerList &servers)
+ServerNotes::~ServerNotes() = default;
+
+CMError ServerNotes::lacking()
 {
+    if (!m_signs)
+        return CMError();
+    m_servers = std::make_unique<ServerList>(m_session);
     const NetworkReport report = NetworkReport::read();
-    const QStringList lacking = lackingServers(m_session, servers, report);
-    if (servers.servers().isEmpty() && lacking.isEmpty() && !m_session.options().json)
-        ::tell(noServersSentence(report));
+    m_lacking = lackingServers(m_session, *m_servers, report);
+    m_others = report.absent;
+    if (m_servers->servers().isEmpty() && m_lacking.isEmpty() && !m_session.options().json)
+        m_others.prepend(noServersSentence(report));
+    return incompleteError(m_lacking);
+}
+
+int ServerNotes::tell()
+{
+    if (!m_signs)
+        return Answered;
     for (const QString &problem :
-        lacking + report.absent + unknownSearches(m_session, servers) + m_signs.problems())
+        m_lacking + m_others + unknownSearches(m_session, *m_servers) + m_signs->problems())
         ::tell(problem);
-    return lacking.isEmpty() ? Answered : AnsweredWithError;
+    return m_lacking.isEmpty() ? Answered : AnsweredWithError;
 }

@@ -71,6 +71,17 @@ public:
         m_known = now;
     }
 
+    /// Once, when it is known: that no server can be reached.
+    void tellCutOff(Session &session)
+    {
+        if (m_isNetworkTold || !session.mediaService().servers().isSettled())
+            return;
+        m_isNetworkTold = true;
+        const NetworkReport report = NetworkReport::read();
+        if (report.isCutOff() && m_known.isEmpty())
+            tell(noServersSentence(report));
+    }
+
 private:
     void write(const char *event, const OrkaRoles &server) const
     {
@@ -90,13 +101,24 @@ private:
 
     bool m_json;
     bool m_isServiceThere = true;
+    bool m_isNetworkTold = false;
     ServerList::Servers m_known;
 };
+
+bool isSearchUnknown(const Session &session, const OrkaRoles &server)
+{
+    return server.search().isEmpty() && !searchUnknown(session, server.path()).isEmpty();
+}
 
 /// Prints servers as they show up, each once.
 class ServerTable
 {
 public:
+    explicit ServerTable(const Session &session)
+        : m_session(session)
+    {
+    }
+
     void add(const ServerList::Servers &servers)
     {
         const int before = m_printed.size();
@@ -105,15 +127,17 @@ public:
             if (m_printed.contains(path))
                 continue;
             m_printed.append(path);
-            m_table.add({server.title().toString(),
-                server.search().isEmpty() ? Text::tr("no") : Text::tr("yes"), path});
+            const QString search = isSearchUnknown(m_session, server) ? QStringLiteral("?")
+                : server.search().isEmpty()                           ? Text::tr("no")
+                                                                      : Text::tr("yes");
+            m_table.add({server.title().toString(), search, path});
         }
         if (m_printed.size() > before)
             m_table.write();
     }
-    bool isEmpty() const { return m_printed.isEmpty(); }
 
 private:
+    const Session &m_session;
     Table m_table{{Text::tr("title"), Text::tr("search"), Text::tr("path")}, {2, 0}};
     QStringList m_printed;
 };
@@ -219,17 +243,22 @@ private:
 
     static int list(Session &session, ServerList &servers)
     {
-        ServerNotes notes(session);
-        ServerTable table;
+        ServerNotes notes(session, session.root());
         if (session.options().json) {
             servers.settle();
-            const Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
-            writeAnswer(session.options(), session.root(), rows, 0);
+            Rows rows = readRows(session, session.root(), {}, OrkaRoles::all());
+            for (OrkaRoles &server : rows.rows) {
+                if (isSearchUnknown(session, server))
+                    server.setValue(QStringLiteral("searchUnknown"), true);
+            }
+            writeAnswer(session.options(), session.root(), rows, 0, notes.lacking());
         } else {
+            ServerTable table(session);
             servers.settle([&](const ServerList::Servers &now) { table.add(now); });
             table.add(servers.servers());
+            notes.lacking();
         }
-        return notes.tell(servers);
+        return notes.tell();
     }
 
     static int watch(Session &session, ServerList &servers)
@@ -263,6 +292,7 @@ private:
     {
         try {
             arrivals.tellChanges(servers.servers());
+            arrivals.tellCutOff(session);
             servers.mend();
         } catch (const Failure &) {
             if (session.mediaService().isThere())

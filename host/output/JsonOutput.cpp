@@ -110,6 +110,13 @@ OrkaHash errorDocument(const CMError &error)
     return document;
 }
 
+CMError incompleteError(const QStringList &reasons)
+{
+    return reasons.isEmpty() ? CMError()
+                             : CMError(QStringLiteral("incomplete"), CMError::DefaultTitle(),
+                                 TrString(reasons.join(QLatin1Char(' '))));
+}
+
 QVariant valueFromJson(const QString &text)
 {
     // Inside an array, since a document is never a bare string.

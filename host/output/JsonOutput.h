@@ -39,6 +39,9 @@ OrkaHash valueDocument(const QVariant &value);
 /// {"error":{"name","title","message"}}
 OrkaHash errorDocument(const CMError &error);
 
+/// That a list isn't whole, for these reasons; no error where there are none.
+CMError incompleteError(const QStringList &reasons);
+
 /// JSON text as the value of a set-data request: an object becomes a hash, an array a list, a
 /// string a string. Throws Failure (wrong usage) with the place of the mistake.
 QVariant valueFromJson(const QString &text);

@@ -45,19 +45,15 @@ void TreeOutput::close(size_t depth)
     }
 }
 
-void TreeOutput::end(const QStringList &problems)
+void TreeOutput::end(const CMError &error)
 {
     if (m_json) {
         close(1);
         OrkaHash document;
         document.setValue(OrkaRoles::Path(), m_path.toEncoded());
         document.setValue(OrkaRowsRoles::Rows(), m_open.front());
-        if (!problems.isEmpty()) {
-            const CMError error(QStringLiteral("incomplete"), CMError::DefaultTitle(),
-                TrString(problems.join(QLatin1Char(' '))));
-            document.setValue(
-                QStringLiteral("error"), errorDocument(error).value(QStringLiteral("error")));
-        }
+        if (error.isError())
+            document.setValue(QStringLiteral("error"), error.toVariant());
         writeJson(document);
     } else {
         writeLine(Text::tr("%1, %2.").arg(Text::tr("%Ln folders", nullptr, m_folders),

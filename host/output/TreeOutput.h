@@ -12,8 +12,8 @@ public:
     TreeOutput(bool json, const CMPath &path);
 
     void add(const OrkaRoles &row, int depth);
-    /// `problems` are why the tree isn't whole; none where it is.
-    void end(const QStringList &problems);
+    /// `error` is why the tree isn't whole; none where it is.
+    void end(const CMError &error);
 
 private:
     void close(size_t depth);
