@@ -3,8 +3,8 @@
 # an English one has nothing but the forms of numbers.
 #   translations.sh update [LANGUAGE]   puts new texts into them, "unfinished", and takes out those that are gone; a
 #                                       language that is named is begun
-#   translations.sh check               status 1 where an update would change something, a text isn't finished, or a
-#                                       translation hasn't the same %1 and %n as its text
+#   translations.sh check               status 1 where an update would change something, a text isn't finished or isn't
+#                                       marked as one, or a translation hasn't the same %1 and %n as its text
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d "${TMPDIR:-/tmp}/orka-translations.XXXXXX")
@@ -34,7 +34,7 @@ update() {
 wrong_marks() {
     awk -v RS='</message>' -v file="$1" '
         function marks(text, pattern,    list, mark) {
-            list = ""
+            list = ""; gsub(/%L/, "%", text)
             while (match(text, pattern)) {
                 mark = substr(text, RSTART, RLENGTH)
                 if (!index(list, mark)) list = list mark
@@ -50,7 +50,7 @@ wrong_marks() {
         /<source>/ {
             source = $0; sub(/.*<source>/, "", source); sub(/<\/source>.*/, "", source)
             whole = $0; sub(/.*<\/source>/, "", whole); sub(/.*<\/comment>/, "", whole)
-            wrong = marks(source, "%L?[1-9n]") != marks(whole, "%L?[1-9n]")
+            wrong = marks(source, "%[1-9n]") != marks(whole, "%[1-9n]")
             forms = split(whole, form, "<numerusform>")
             for (i = 2; i <= forms; i++) wrong = wrong || marks(source, "%[1-9]") != marks(form[i], "%[1-9]")
             if (wrong) { print file ": other marks than in \"" source "\""; failed = 1 }
@@ -58,8 +58,18 @@ wrong_marks() {
         END { exit failed }' "$1"
 }
 
+# unmarked: the sentences that are written in the program as if they weren't for people. Its page is English.
+unmarked() {
+    find host -name '*.cpp' ! -path 'host/web/*' -exec \
+        grep -Pzo '\n[^\n]*QStringLiteral\(\s*"(%1|[A-Z][a-z]*) [a-z]+ [a-z][^"]*' {} + | tr '\0' '\n'
+}
+
 check() {
     status=0
+    if unmarked | grep .; then
+        echo "A text for people is written as Text::tr(\"…\")."
+        status=1
+    fi
     for file in $files; do
         if ! diff -u "$root/$file" "$file"; then
             echo "$file isn't up to date; ./run translations mends that."

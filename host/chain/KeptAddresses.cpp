@@ -1,6 +1,7 @@
 #include "chain/KeptAddresses.h"
 
 #include "Failure.h"
+#include "KnownSentences.h"
 #include "ServerAddress.h"
 #include "Text.h"
 #include "chain/NamedServers.h"
@@ -33,7 +34,7 @@ QString filePath()
 Failure notKept(const QString &why)
 {
     return Failure(AnsweredWithError, QStringLiteral("notKept"),
-        QStringLiteral("The addresses in %1 can't be written: %2.")
+        Text::tr("The addresses in %1 can't be written: %2.")
             .arg(quoted(filePath()), safeText(why)));
 }
 
@@ -51,10 +52,10 @@ public:
             throw notKept(QString::fromStdString(error.message()));
         if (!m_file.open(QIODevice::WriteOnly))
             throw notKept(m_file.errorString());
-        Wait wait(lockLimit, QStringLiteral("Waiting for another command"));
+        Wait wait(lockLimit, Text::tr("Waiting for another command"));
         if (!wait.poll([this] { return take(); })) {
-            throw notKept(QStringLiteral("another command has been at it for %1 s. Try again when "
-                                         "it has ended")
+            throw notKept(Text::tr("another command has been at it for %1 s. Try again when "
+                                   "it has ended")
                               .arg(lockLimit.count()));
         }
     }
@@ -75,14 +76,14 @@ Lines readLines()
     if (!file.exists())
         return {};
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
-        throw wrongUsage(QStringLiteral("The addresses in %1 can't be read. Give yourself the "
-                                        "right to read it, or remove it.")
+        throw wrongUsage(Text::tr("The addresses in %1 can't be read. Give yourself the "
+                                  "right to read it, or remove it.")
                              .arg(quoted(file.fileName())));
     }
     const QByteArray text = file.read(longestFile + 1);
     if (text.size() > longestFile) {
-        throw wrongUsage(QStringLiteral("The addresses in %1 take more than 1 MB, which is more "
-                                        "than is read. Shorten the file, or remove it.")
+        throw wrongUsage(Text::tr("The addresses in %1 take more than 1 MB, which is more "
+                                  "than is read. Shorten the file, or remove it.")
                              .arg(quoted(file.fileName())));
     }
     Lines lines = text.split('\n');
@@ -119,7 +120,7 @@ void KeptAddresses::check(const QString &address)
 {
     std::string problem;
     if (!bridge::parseServerAddress(address.toStdString(), &problem))
-        throw wrongUsage(QString::fromStdString(problem));
+        throw wrongUsage(translatedSentence(QString::fromStdString(problem)));
 }
 
 QStringList KeptAddresses::read()
@@ -143,7 +144,7 @@ bool KeptAddresses::add(const QString &address)
     if (kept.size() >= NamedServers::most) {
         throw notKept(Text::tr("no more than %1 are looked at, and so many are kept already. Take "
                                "one away with \"orka servers --forget ADDRESS\"")
-                          .arg(NamedServers::most));
+                          .arg(Text::number(NamedServers::most)));
     }
     writeLines(readLines() << address.toUtf8());
     return true;

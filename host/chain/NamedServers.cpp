@@ -1,5 +1,6 @@
 #include "chain/NamedServers.h"
 
+#include "KnownSentences.h"
 #include "MediaServiceNames.h"
 #include "Text.h"
 #include "chain/KeptAddresses.h"
@@ -20,8 +21,8 @@ constexpr int mostShown = 5;
 Failure notSaid(const QString &address)
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("The media service has not said in time what is at %1. Try again with a "
-                       "longer --timeout.")
+        Text::tr("The media service has not said in time what is at %1. Try again with a "
+                 "longer --timeout.")
             .arg(KeptAddresses::shown(address)));
 }
 
@@ -29,7 +30,7 @@ Failure problemOf(const QString &address, const QDBusError &error)
 {
     const QString name = QStringLiteral("notReached");
     if (error.name() == QLatin1String(mediaService::errors::notReached))
-        return Failure(AnsweredWithError, name, safeText(error.message()));
+        return Failure(AnsweredWithError, name, translatedSentence(safeText(error.message())));
     const bool noReply = error.type() == QDBusError::NoReply || error.type() == QDBusError::Timeout;
     if (noReply)
         return notSaid(address);
@@ -37,13 +38,13 @@ Failure problemOf(const QString &address, const QDBusError &error)
         || error.type() == QDBusError::ServiceUnknown
         || error.name().endsWith(QLatin1String(".NameHasNoOwner"));
     if (hasLeft) {
-        return serviceLeft(QStringLiteral("The media service left before it had looked at %1. Run "
-                                          "the command again.")
+        return serviceLeft(Text::tr("The media service left before it had looked at %1. Run "
+                                    "the command again.")
                                .arg(KeptAddresses::shown(address)));
     }
     return Failure(AnsweredWithError, name,
-        QStringLiteral("This media service can't be told to look at %1: %2. The bridge can: "
-                       "--media-service bridge.")
+        Text::tr("This media service can't be told to look at %1: %2. The bridge can: "
+                 "--media-service bridge.")
             .arg(KeptAddresses::shown(address), safeText(error.message())));
 }
 
@@ -96,7 +97,7 @@ QStringList NamedServers::problems() const
         sentences.append(
             Text::tr("No more than %1 addresses are looked at; these are left out: %2. \"orka "
                      "servers --forget ADDRESS\" takes one away.")
-                .arg(QString::number(most), shown.join(QStringLiteral(", "))));
+                .arg(Text::number(most), shown.join(QStringLiteral(", "))));
     }
     return sentences;
 }

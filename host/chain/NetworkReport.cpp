@@ -18,6 +18,13 @@ QStringList sentencesOf(const QVariantMap &bridge, const QString &property)
     return sentences;
 }
 
+/// "10.0.0.2 on eth0", as the bridge says.
+QString placeText(const QString &place)
+{
+    const QStringList parts = place.split(QStringLiteral(" on "));
+    return parts.size() == 2 ? Text::tr("%1 on %2", "an interface").arg(parts[0], parts[1]) : place;
+}
+
 } // namespace
 
 NetworkReport NetworkReport::read()
@@ -28,7 +35,7 @@ NetworkReport NetworkReport::read()
     report.isTold = bridge.contains(QStringLiteral("Listening"));
     for (const QString &place : bridge.value(QStringLiteral("Listening")).toStringList()) {
         if (!place.endsWith(QLatin1String(" on lo")))
-            report.listening.append(place);
+            report.listening.append(placeText(place));
     }
     report.absent = sentencesOf(bridge, QStringLiteral("AwaitedServers"))
         + sentencesOf(bridge, QStringLiteral("AbsentServers"));

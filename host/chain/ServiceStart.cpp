@@ -1,6 +1,7 @@
 #include "chain/ServiceStart.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Bus.h"
 #include "chain/ServiceStarter.h"
 #include "chain/StuckBus.h"
@@ -25,9 +26,10 @@ QString serviceName()
 
 QString describeBus(const QString &bus)
 {
-    return bus == QLatin1String("session") || bus == QLatin1String("system")
-        ? QStringLiteral("the %1 bus").arg(bus)
-        : QStringLiteral("the bus at %1").arg(quoted(bus));
+    if (bus == QLatin1String("session"))
+        return Text::tr("the session bus");
+    return bus == QLatin1String("system") ? Text::tr("the system bus")
+                                          : Text::tr("the bus at %1").arg(quoted(bus));
 }
 
 /// Opens the workers' connection.
@@ -39,7 +41,7 @@ bool openInTime(const QString &bus, std::chrono::milliseconds limit)
 
 QString tookTooLong(std::chrono::milliseconds limit)
 {
-    return QStringLiteral("it took longer than %1 s").arg(double(limit.count()) / 1000, 0, 'g', 2);
+    return Text::tr("it took longer than %L1 s").arg(double(limit.count()) / 1000, 0, 'g', 2);
 }
 
 } // namespace
@@ -69,8 +71,8 @@ bool ServiceStart::opensNamedBus()
     if (mayMakeOne)
         return false;
     throw missing(QStringLiteral("noBus"),
-        QStringLiteral("There is no media service, since %1 can't be reached: %2. Start the bus, "
-                       "or name another with --bus.")
+        Text::tr("There is no media service, since %1 can't be reached: %2. Start the bus, "
+                 "or name another with --bus.")
             .arg(m_busDescription, safeText(orkaDBusConnection().lastError().message())));
 }
 
@@ -92,21 +94,21 @@ bool ServiceStart::usesServiceThere()
 /// The same of the service that the bus can start.
 bool ServiceStart::activates(const Bus &bus)
 {
-    QString why = QStringLiteral("nothing on it owns or can be started as %1").arg(serviceName());
+    QString why = Text::tr("nothing on it owns or can be started as %1").arg(serviceName());
     if (bus.canActivate(serviceName())) {
         const QString error = bus.activate(serviceName());
         if (error.isEmpty())
             return true;
-        why = QStringLiteral("starting %1 failed: %2").arg(serviceName(), safeText(error));
+        why = Text::tr("starting %1 failed: %2").arg(serviceName(), safeText(error));
         if (m_options.mediaService == MediaServiceSource::Auto) {
-            tell(QStringLiteral("On %1, %2. The bridge of this program is used instead.")
+            tell(Text::tr("On %1, %2. The bridge of this program is used instead.")
                      .arg(m_busDescription, why));
         }
     }
     if (m_options.mediaService == MediaServiceSource::Session) {
         throw missing(QStringLiteral("noMediaService"),
-            QStringLiteral("There is no media service on %1: %2. Start one (orka-media-bridge, or "
-                           "dLeyna where it is packaged), or leave --media-service session out.")
+            Text::tr("There is no media service on %1: %2. Start one (orka-media-bridge, or "
+                     "dLeyna where it is packaged), or leave --media-service session out.")
                 .arg(m_busDescription, why));
     }
     return false;
@@ -125,8 +127,8 @@ bool ServiceStart::startsBridgeThere()
     if (m_options.bus == QLatin1String("session"))
         return false;
     throw missing(QStringLiteral("noMediaService"),
-        QStringLiteral("The bridge can't be started on %1: another program has the name %2 there. "
-                       "Leave --media-service bridge out to use that one.")
+        Text::tr("The bridge can't be started on %1: another program has the name %2 there. "
+                 "Leave --media-service bridge out to use that one.")
             .arg(m_busDescription, serviceName()));
 }
 
@@ -145,7 +147,7 @@ bool ServiceStart::usesUsersBus()
         return false;
     }
     m_bus = users->address();
-    m_busDescription = QStringLiteral("the private bus of this user");
+    m_busDescription = Text::tr("the private bus of this user");
     openInTime(m_bus, remaining()); // what was open before isn't this one
     waitOn(*users);
     return true;
@@ -157,7 +159,7 @@ void ServiceStart::waitOn(UsersBus &users)
 {
     bool isStarting = false;
     const std::chrono::milliseconds limit = startTime();
-    const bool inTime = Wait(limit, QStringLiteral("Starting the media service")).poll([&] {
+    const bool inTime = Wait(limit, Text::tr("Starting the media service")).poll([&] {
         if (isStarting && m_bridge->hasEnded())
             m_bridge->fail(QString());
         if (!isStarting && users.take()) {
@@ -188,11 +190,11 @@ void ServiceStart::startOnOwnBus()
     requireMayStart();
     m_busDaemon = std::make_unique<BusDaemon>();
     m_bus = m_busDaemon->address();
-    m_busDescription = QStringLiteral("a private bus of ours");
+    m_busDescription = Text::tr("a private bus of ours");
     if (!openInTime(m_bus, remaining())) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The private bus at %1 was started but can't be reached: %2. Name a bus "
-                           "with --bus ADDRESS.")
+            Text::tr("The private bus at %1 was started but can't be reached: %2. Name a bus "
+                     "with --bus ADDRESS.")
                 .arg(m_bus, orkaDBusConnection().lastError().message()));
     }
     m_bridge->start(m_bus, false);
@@ -205,7 +207,7 @@ void ServiceStart::waitForBridge()
     QDBusServiceWatcher arrival(
         serviceName(), orkaDBusConnection(), QDBusServiceWatcher::WatchForRegistration);
     const std::chrono::milliseconds limit = startTime();
-    Wait wait(limit, QStringLiteral("Starting the media service"));
+    Wait wait(limit, Text::tr("Starting the media service"));
     QObject::connect(&arrival, &QDBusServiceWatcher::serviceRegistered, &wait, &Wait::wake);
     QObject::connect(m_bridge.get(), &BridgeProcess::ended, &wait, &Wait::wake);
 
@@ -223,7 +225,7 @@ void ServiceStart::requireMayStart() const
 {
     if (!m_options.mayStartService) {
         throw missing(QStringLiteral("noMediaService"),
-            QStringLiteral("No media service is running on %1.").arg(m_busDescription));
+            Text::tr("No media service is running on %1.").arg(m_busDescription));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "chain/ServiceStarter.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/Bus.h"
 #include "chain/KeptAddresses.h"
 #include "chain/Wait.h"
@@ -87,8 +88,8 @@ bool ServiceStarter::returns()
     const bool isConnected = orkaDBusConnection().isConnected();
     if (!isConnected && m_start->bridge() == nullptr) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The connection to %1 has ended, so no media service can come back. "
-                           "Run the command again when the bus is there.")
+            Text::tr("The connection to %1 has ended, so no media service can come back. "
+                     "Run the command again when the bus is there.")
                 .arg(busDescription()));
     }
     try {
@@ -129,7 +130,7 @@ bool ServiceStarter::answers(const QString &address)
 {
     // One that was just started may search first, whatever the time for an answer is.
     Wait wait(std::max(std::min(m_options.timeout, answerLimit), m_servers->untilSettled()),
-        QStringLiteral("Asking the media service"));
+        Text::tr("Asking the media service"));
     connect(m_servers.get(), &ServiceServers::changed, &wait, &Wait::wake);
     connect(m_namedServers.get(), &NamedServers::changed, &wait, &Wait::wake);
     connect(this, &ServiceStarter::gone, &wait, &Wait::wake);
@@ -155,10 +156,11 @@ void ServiceStarter::requireSignOfLife() const
 Failure ServiceStarter::silence() const
 {
     return Failure(NoAnswer, QStringLiteral("noAnswer"),
-        QStringLiteral("The media service does not answer: %1 has the name %2 on %3. %4")
-            .arg(safeText(program()), busName(), busDescription(),
-                isLasting() ? QStringLiteral("\"orka stop\" ends it.")
-                            : QStringLiteral("End it, or start it again.")));
+        (isLasting() ? Text::tr(
+             "The media service does not answer: %1 has the name %2 on %3. \"orka stop\" ends it.")
+                     : Text::tr("The media service does not answer: %1 has the name %2 on %3. End "
+                                "it, or start it again."))
+            .arg(safeText(program()), busName(), busDescription()));
 }
 
 void ServiceStarter::requireSameOwner()
@@ -172,9 +174,9 @@ void ServiceStarter::requireThere() const
 {
     if (!m_there) {
         throw serviceLeft(
-            QStringLiteral("The media service has left %1: it crashed or was stopped. What was "
-                           "asked of it is lost; run the command again, which starts a new one "
-                           "where none is there.")
+            Text::tr("The media service has left %1: it crashed or was stopped. What was "
+                     "asked of it is lost; run the command again, which starts a new one "
+                     "where none is there.")
                 .arg(busDescription()));
     }
 }

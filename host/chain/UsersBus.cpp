@@ -1,6 +1,7 @@
 #include "chain/UsersBus.h"
 
 #include "Failure.h"
+#include "Text.h"
 #include "chain/RuntimeFolder.h"
 #include "output/SafeText.h"
 
@@ -34,8 +35,8 @@ int openLock(const QString &path)
         close(file);
     if (lock < 0) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The file %1 can't be used: %2. Remove it, or do without with --linger "
-                           "0.")
+            Text::tr("The file %1 can't be used: %2. Remove it, or do without with --linger "
+                     "0.")
                 .arg(quoted(path), QString::fromLocal8Bit(std::strerror(error))));
     }
     return lock;
@@ -66,15 +67,15 @@ UsersBus::UsersBus()
     m_lockFile = folder + QStringLiteral("/lock");
     if (QFile::encodeName(m_socket).size() >= int(sizeof(sockaddr_un::sun_path))) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The name %1 is too long for a socket. Name a shorter folder in "
-                           "XDG_RUNTIME_DIR, or do without with --linger 0.")
+            Text::tr("The name %1 is too long for a socket. Name a shorter folder in "
+                     "XDG_RUNTIME_DIR, or do without with --linger 0.")
                 .arg(quoted(m_socket)));
     }
     struct stat found = {};
     if (lstat(QFile::encodeName(m_socket).constData(), &found) == 0 && !S_ISSOCK(found.st_mode)) {
         throw missing(QStringLiteral("noBus"),
-            QStringLiteral("The media service can't be kept, since its bus belongs at %1 and "
-                           "something else is there. Remove that, or do without with --linger 0.")
+            Text::tr("The media service can't be kept, since its bus belongs at %1 and "
+                     "something else is there. Remove that, or do without with --linger 0.")
                 .arg(quoted(m_socket)));
     }
     m_lock = openLock(m_lockFile);
@@ -117,15 +118,15 @@ Failure UsersBus::blocked() const
     QStringList numbers;
     for (const pid_t process : holders())
         numbers.append(QString::number(process));
-    const QString reason = numbers.isEmpty()
-        ? QStringLiteral("a program that isn't ours holds the file %1. End that, or do without "
-                         "with --linger 0.")
-              .arg(quoted(m_lockFile))
-        : QStringLiteral("an earlier one neither answers nor ends (process %1). \"orka stop\" ends "
-                         "it.")
-              .arg(numbers.join(QStringLiteral(", ")));
     return missing(QStringLiteral("noMediaService"),
-        QStringLiteral("The media service could not be started: ") + reason);
+        numbers.isEmpty() ? Text::tr(
+            "The media service could not be started: a program that isn't ours holds the file %1. "
+            "End that, or do without with --linger 0.")
+                                .arg(quoted(m_lockFile))
+                          : Text::tr("The media service could not be started: an earlier one "
+                                     "neither answers nor ends "
+                                     "(process %1). \"orka stop\" ends it.")
+                                .arg(numbers.join(QStringLiteral(", "))));
 }
 
 bool UsersBus::isListening() const

@@ -1486,5 +1486,142 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>No more than %1 addresses are looked at; these are left out: %2. &quot;orka servers --forget ADDRESS&quot; takes one away.</source>
         <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus.</translation>
     </message>
+    <message>
+        <source>The addresses in %1 can&apos;t be written: %2.</source>
+        <translation>Die Adressen in %1 lassen sich nicht schreiben: %2.</translation>
+    </message>
+    <message>
+        <source>Waiting for another command</source>
+        <translation>Warte auf einen anderen Befehl</translation>
+    </message>
+    <message>
+        <source>another command has been at it for %1 s. Try again when it has ended</source>
+        <translation>ein anderer Befehl ist seit %1 s damit beschäftigt. Versuchen Sie es erneut, wenn er beendet ist</translation>
+    </message>
+    <message>
+        <source>The addresses in %1 can&apos;t be read. Give yourself the right to read it, or remove it.</source>
+        <translation>Die Adressen in %1 sind nicht lesbar. Geben Sie sich das Leserecht oder entfernen Sie die Datei.</translation>
+    </message>
+    <message>
+        <source>The addresses in %1 take more than 1 MB, which is more than is read. Shorten the file, or remove it.</source>
+        <translation>Die Adressen in %1 umfassen mehr als 1 MB, und so viel wird nicht gelesen. Kürzen Sie die Datei oder entfernen Sie sie.</translation>
+    </message>
+    <message>
+        <source>The media service has not said in time what is at %1. Try again with a longer --timeout.</source>
+        <translation>Der Mediendienst hat nicht rechtzeitig gesagt, was unter %1 ist. Versuchen Sie es mit längerem --timeout erneut.</translation>
+    </message>
+    <message>
+        <source>The media service left before it had looked at %1. Run the command again.</source>
+        <translation>Der Mediendienst ging, bevor er unter %1 nachgesehen hatte. Führen Sie den Befehl erneut aus.</translation>
+    </message>
+    <message>
+        <source>This media service can&apos;t be told to look at %1: %2. The bridge can: --media-service bridge.</source>
+        <translation>Diesem Mediendienst lässt sich nicht sagen, dass er unter %1 nachsehen soll: %2. Die Brücke kann das: --media-service bridge.</translation>
+    </message>
+    <message>
+        <source>%1 on %2</source>
+        <comment>an interface</comment>
+        <translation>%1 an %2</translation>
+    </message>
+    <message>
+        <source>the session bus</source>
+        <translation>Sitzungsbus</translation>
+    </message>
+    <message>
+        <source>the system bus</source>
+        <translation>Systembus</translation>
+    </message>
+    <message>
+        <source>the bus at %1</source>
+        <translation>Bus unter %1</translation>
+    </message>
+    <message>
+        <source>it took longer than %L1 s</source>
+        <translation>es dauerte länger als %L1 s</translation>
+    </message>
+    <message>
+        <source>There is no media service, since %1 can&apos;t be reached: %2. Start the bus, or name another with --bus.</source>
+        <translation>Es gibt keinen Mediendienst, da der Bus nicht erreichbar ist (%1): %2. Starten Sie den Bus oder nennen Sie mit --bus einen anderen.</translation>
+    </message>
+    <message>
+        <source>nothing on it owns or can be started as %1</source>
+        <translation>nichts hat dort den Namen %1 oder lässt sich so starten</translation>
+    </message>
+    <message>
+        <source>starting %1 failed: %2</source>
+        <translation>der Start von %1 scheiterte: %2</translation>
+    </message>
+    <message>
+        <source>On %1, %2. The bridge of this program is used instead.</source>
+        <translation>%1: %2. Stattdessen wird die Brücke dieses Programms verwendet.</translation>
+    </message>
+    <message>
+        <source>There is no media service on %1: %2. Start one (orka-media-bridge, or dLeyna where it is packaged), or leave --media-service session out.</source>
+        <translation>Auf dem Bus gibt es keinen Mediendienst (%1): %2. Starten Sie einen (orka-media-bridge oder dLeyna, wo es als Paket vorliegt) oder lassen Sie --media-service session weg.</translation>
+    </message>
+    <message>
+        <source>The bridge can&apos;t be started on %1: another program has the name %2 there. Leave --media-service bridge out to use that one.</source>
+        <translation>Die Brücke lässt sich auf dem Bus nicht starten (%1): Ein anderes Programm hat dort den Namen %2. Lassen Sie --media-service bridge weg, um dieses zu verwenden.</translation>
+    </message>
+    <message>
+        <source>the private bus of this user</source>
+        <translation>privater Bus dieses Benutzers</translation>
+    </message>
+    <message>
+        <source>Starting the media service</source>
+        <translation>Starte den Mediendienst</translation>
+    </message>
+    <message>
+        <source>a private bus of ours</source>
+        <translation>eigener privater Bus</translation>
+    </message>
+    <message>
+        <source>The private bus at %1 was started but can&apos;t be reached: %2. Name a bus with --bus ADDRESS.</source>
+        <translation>Der private Bus unter %1 wurde gestartet, ist aber nicht erreichbar: %2. Nennen Sie einen Bus mit --bus ADDRESS.</translation>
+    </message>
+    <message>
+        <source>No media service is running on %1.</source>
+        <translation>Auf dem Bus läuft kein Mediendienst (%1).</translation>
+    </message>
+    <message>
+        <source>The connection to %1 has ended, so no media service can come back. Run the command again when the bus is there.</source>
+        <translation>Die Verbindung zum Bus ist beendet (%1), also kann kein Mediendienst zurückkommen. Führen Sie den Befehl erneut aus, wenn der Bus da ist.</translation>
+    </message>
+    <message>
+        <source>Asking the media service</source>
+        <translation>Frage den Mediendienst</translation>
+    </message>
+    <message>
+        <source>The media service does not answer: %1 has the name %2 on %3. &quot;orka stop&quot; ends it.</source>
+        <translation>Der Mediendienst antwortet nicht: %1 hat den Namen %2 (%3). &quot;orka stop&quot; beendet ihn.</translation>
+    </message>
+    <message>
+        <source>The media service does not answer: %1 has the name %2 on %3. End it, or start it again.</source>
+        <translation>Der Mediendienst antwortet nicht: %1 hat den Namen %2 (%3). Beenden Sie ihn oder starten Sie ihn neu.</translation>
+    </message>
+    <message>
+        <source>The media service has left %1: it crashed or was stopped. What was asked of it is lost; run the command again, which starts a new one where none is there.</source>
+        <translation>Der Mediendienst hat den Bus verlassen (%1): Er ist abgestürzt oder wurde beendet. Was er gefragt wurde, ist verloren; führen Sie den Befehl erneut aus, der einen neuen startet, wo keiner ist.</translation>
+    </message>
+    <message>
+        <source>The file %1 can&apos;t be used: %2. Remove it, or do without with --linger 0.</source>
+        <translation>Die Datei %1 lässt sich nicht verwenden: %2. Entfernen Sie sie oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>The name %1 is too long for a socket. Name a shorter folder in XDG_RUNTIME_DIR, or do without with --linger 0.</source>
+        <translation>Der Name %1 ist zu lang für ein Socket. Nennen Sie in XDG_RUNTIME_DIR einen kürzeren Ordner oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>The media service can&apos;t be kept, since its bus belongs at %1 and something else is there. Remove that, or do without with --linger 0.</source>
+        <translation>Der Mediendienst kann nicht bleiben, da sein Bus nach %1 gehört und dort etwas anderes ist. Entfernen Sie das oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>The media service could not be started: a program that isn&apos;t ours holds the file %1. End that, or do without with --linger 0.</source>
+        <translation>Der Mediendienst konnte nicht gestartet werden: Ein fremdes Programm hält die Datei %1. Beenden Sie es oder verzichten Sie mit --linger 0 darauf.</translation>
+    </message>
+    <message>
+        <source>The media service could not be started: an earlier one neither answers nor ends (process %1). &quot;orka stop&quot; ends it.</source>
+        <translation>Der Mediendienst konnte nicht gestartet werden: Ein früherer antwortet weder, noch endet er (Prozess %1). &quot;orka stop&quot; beendet ihn.</translation>
+    </message>
 </context>
 </TS>
