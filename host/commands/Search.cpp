@@ -13,6 +13,7 @@
 #include "tree/RowPages.h"
 #include "tree/RowRange.h"
 #include "tree/SearchKinds.h"
+#include "tree/SearchReach.h"
 
 #include <api/core/OrkaValue.h>
 
@@ -51,6 +52,37 @@ const Kind allKinds[] = {
         Text::mark("Nothing in %1 has a title with %2 in it.")},
 };
 
+/// The rows of a search; an empty answer is given only where it is true.
+class Hits : public RowSource
+{
+public:
+    Hits(Session &session, const CMPath &folder, const QString &name, const CMPath &results,
+        RowRange range)
+        : m_session(session)
+        , m_folder(folder)
+        , m_name(name)
+        , m_results(results)
+        , m_pages(session, results, range, OrkaRoles::all())
+    {
+    }
+
+    bool next(Rows *page) override
+    {
+        const bool came = m_pages.next(page);
+        if (came && page->rowsCount == 0 && page->rows.isEmpty())
+            requireReach(m_session, m_folder, m_name, m_results);
+        return came;
+    }
+    int lacking() const override { return m_pages.lacking(); }
+
+private:
+    Session &m_session;
+    const CMPath m_folder;
+    const QString m_name;
+    const CMPath m_results;
+    RowPages m_pages;
+};
+
 class Search : public Command
 {
 public:
@@ -86,7 +118,7 @@ public:
         const CMPath folder = PlaceResolver(session).resolve(place, PlaceResolver::Folder);
         const CMPath results = enterText(session, folder);
         const ContentWatch watch(session, folder);
-        RowPages pages(session, results, range, OrkaRoles::all());
+        Hits pages(session, folder, place.text, results, range);
         if (options.json)
             return writeRowsOf(options, results, pages, watch, range.first);
         SearchOutput output(
@@ -109,7 +141,7 @@ public:
 
 private:
     /// Returns why it came to an end before the last row; empty where it didn't.
-    static QString write(RowPages &pages, SearchOutput *output)
+    static QString write(RowSource &pages, SearchOutput *output)
     {
         Rows page;
         try {

@@ -1623,5 +1623,9 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>The media service could not be started: an earlier one neither answers nor ends (process %1). &quot;orka stop&quot; ends it.</source>
         <translation>Der Mediendienst konnte nicht gestartet werden: Ein früherer antwortet weder, noch endet er (Prozess %1). &quot;orka stop&quot; beendet ihn.</translation>
     </message>
+    <message>
+        <source>%1 doesn&apos;t search below %2: it doesn&apos;t find %3, which is there. Search the whole media server, or a folder further down.</source>
+        <translation>%1 sucht nicht unter %2: %3 ist dort und wird nicht gefunden. Suchen Sie im ganzen Medienserver oder in einem Ordner weiter unten.</translation>
+    </message>
 </context>
 </TS>

@@ -91,6 +91,17 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
         "nothing found", [=](auto &s) { s.fail({"SearchObjectsEx"}, noRows); },
         "search Den --title x", 0, "Nothing in \"Den\" has a title with \"x\" in it.\n");
     row(
+        "a folder that isn't searched",
+        [=](auto &s) {
+            s.answer({"SearchObjectsEx", music}, QVariantList{propertyMaps({}), 0U});
+        },
+        "search Den/Mu,sic --title song", 1,
+        "\"Den\" doesn't search below \"Den/Mu,sic\": it doesn't find \"Song\"");
+    row(
+        "found elsewhere",
+        [=](auto &s) { s.tree.addTrack(FakeTree::serverPath("uuid:1"), "x", "Xylo"); },
+        "search Den/Mu,sic --title x", 0, "Nothing in \"Den/Mu,sic\" has a title");
+    row(
         "behind the last", [=](auto &s) { s.fail(listing, noRows); }, "ls Den/Mu,sic --rows 5-9", 0,
         "None of 1 rows is in this range.\n");
     row(
