@@ -58,12 +58,16 @@ QByteArray markOf(uint process)
     return QByteArray();
 }
 
+bool canBeRun(const QString &program)
+{
+    return QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
+}
+
 bool isOutdated(uint process, const GlobalOptions &options)
 {
     const QByteArray running = markOf(process);
     const QString program = programOf(options);
-    const bool canBeRun = QFileInfo(program).isFile() && QFileInfo(program).isExecutable();
-    return !running.isEmpty() && canBeRun && running != markOf(program);
+    return !running.isEmpty() && canBeRun(program) && running != markOf(program);
 }
 
 /// Without what the bus says at each start where it may not open more files; it does without.
@@ -80,11 +84,6 @@ BridgeProcess::BridgeProcess(const GlobalOptions &options)
     : m_options(options)
     , m_program(programOf(options))
 {
-    if (m_program.isEmpty()) {
-        throw missing(QStringLiteral("noMediaService"),
-            Text::tr("There is no media service, and orka-media-bridge is neither installed "
-                     "nor on PATH. Install it, or name it with --bridge."));
-    }
 }
 
 BridgeProcess::~BridgeProcess()
@@ -92,6 +91,21 @@ BridgeProcess::~BridgeProcess()
     if (m_child) {
         m_child->disconnect(this);
         m_child->stop();
+    }
+}
+
+void BridgeProcess::requireProgram() const
+{
+    if (m_program.isEmpty()) {
+        throw missing(QStringLiteral("noMediaService"),
+            Text::tr("There is no media service, and orka-media-bridge is neither installed "
+                     "nor on PATH. Install it, or name it with --bridge."));
+    }
+    if (!canBeRun(m_program)) {
+        throw missing(QStringLiteral("noMediaService"),
+            Text::tr("The media service %1 could not be started: no program that you may run is "
+                     "there. Name another with --bridge.")
+                .arg(quoted(m_program)));
     }
 }
 
@@ -105,6 +119,7 @@ QStringList BridgeProcess::arguments(const QString &bus) const
 
 void BridgeProcess::start(const QString &bus, bool lasts)
 {
+    requireProgram();
     if (lasts) {
         LastingProcess::Plan plan;
         plan.arguments = arguments(bus);
@@ -124,6 +139,7 @@ void BridgeProcess::start(const QString &bus, bool lasts)
 
 void BridgeProcess::startWith(const UsersBus &bus)
 {
+    requireProgram();
     LastingProcess::Plan plan;
     plan.arguments = arguments(bus.address());
     plan.bus = BusDaemon::commandLine() << QStringLiteral("--address=%1").arg(bus.address());

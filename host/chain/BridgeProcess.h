@@ -19,13 +19,13 @@ class BridgeProcess : public QObject
     Q_OBJECT
 
 public:
-    /// Throws Failure (missing) where the program isn't there.
     explicit BridgeProcess(const GlobalOptions &options);
     ~BridgeProcess() override;
 
-    /// On a bus that is there: to outlive us where `lasts`.
+    /// On a bus that is there: to outlive us where `lasts`. Throws Failure (missing) where the
+    /// program isn't there.
     void start(const QString &bus, bool lasts);
-    /// To outlive us, with a bus of its own, whose lock has been taken.
+    /// The same to outlive us, with a bus of its own, whose lock has been taken.
     void startWith(const UsersBus &bus);
     /// Whether what we started ends with us.
     bool isChild() const { return bool(m_child); }
@@ -46,6 +46,7 @@ signals:
     void ended();
 
 private:
+    void requireProgram() const;
     QStringList arguments(const QString &bus) const;
     void startLasting(LastingProcess::Plan plan);
 

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -89,9 +90,12 @@ struct Start
 
 [[noreturn]] void fail(const char *what)
 {
-    const char *const reason = std::strerror(errno);
-    for (const char *text : {what, ": ", reason})
-        static_cast<void>(!write(STDERR_FILENO, text, std::strlen(text)));
+    const char *const texts[] = {what, ": ", std::strerror(errno), "\n"};
+    iovec parts[std::size(texts)];
+    for (size_t i = 0; i < std::size(texts); ++i)
+        parts[i] = {const_cast<char *>(texts[i]), std::strlen(texts[i])};
+    // At once, so that the bus's words don't come between.
+    static_cast<void>(!writev(STDERR_FILENO, parts, std::size(texts)));
     _exit(127);
 }
 

@@ -1627,5 +1627,9 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>%1 doesn&apos;t search below %2: it doesn&apos;t find %3, which is there. Search the whole media server, or a folder further down.</source>
         <translation>%1 sucht nicht unter %2: %3 ist dort und wird nicht gefunden. Suchen Sie im ganzen Medienserver oder in einem Ordner weiter unten.</translation>
     </message>
+    <message>
+        <source>The media service %1 could not be started: no program that you may run is there. Name another with --bridge.</source>
+        <translation>Der Mediendienst %1 konnte nicht gestartet werden: Dort ist kein Programm, das Sie ausführen dürfen. Nennen Sie mit --bridge ein anderes.</translation>
+    </message>
 </context>
 </TS>
