@@ -4,6 +4,7 @@ import { live } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, serverOf } from './place.js';
 import { NodeRows } from './rows.js';
+import { keep, keptOneOf } from './settings.js';
 import './scroll-index.js';
 
 /** @param {Row|undefined} row the first one */
@@ -12,8 +13,8 @@ const kindOf = (row) => (row && !isFolder(row) ? 'tracks' : 'folders');
 /** Covers where the first folders have some, unless somebody chose. @param {NodeRows} rows @returns {'list'|'covers'} */
 function formOf(rows) {
   const kind = kindOf(rows.get(0));
-  const chosen = localStorage.getItem(`orka.form.${kind}`);
-  if (chosen === 'list' || chosen === 'covers') return chosen;
+  const chosen = keptOneOf(`form.${kind}`, 'list', 'covers');
+  if (chosen) return chosen;
   return kind === 'folders' && [0, 1, 2, 3].some((i) => rows.get(i)?.icon) ? 'covers' : 'list';
 }
 
@@ -68,7 +69,7 @@ export function showPlace(main, path, actions, trail) {
 
   function switchForm() {
     const next = form === 'covers' ? 'list' : 'covers';
-    localStorage.setItem(`orka.form.${kindOf(rows.get(list.first))}`, next);
+    keep(`form.${kindOf(rows.get(list.first))}`, next);
     setForm(next, list.first);
   }
 
@@ -78,10 +79,10 @@ export function showPlace(main, path, actions, trail) {
     rows.reload();
   }
 
-  let keep = 0;
+  let remember = 0;
   list.addEventListener('moved', () => {
-    clearTimeout(keep);
-    keep = setTimeout(() => {
+    clearTimeout(remember);
+    remember = setTimeout(() => {
       if (list.isConnected) history.replaceState({ ...history.state, first: list.first }, '');
     }, 200);
   });
@@ -98,7 +99,7 @@ export function showPlace(main, path, actions, trail) {
     leave() {
       rows.stop();
       index.clear();
-      clearTimeout(keep);
+      clearTimeout(remember);
     },
     /** A media server that is back, or a program, has the rows anew. */
     update() {

@@ -3,18 +3,20 @@ import { live } from './live.js';
 import { notify } from './notice.js';
 import { mediaAddress } from './place.js';
 import { queue } from './queue.js';
+import { keep, kept, keptOneOf } from './settings.js';
 
 /** Plays the queue: in this page, or on the machine that the program runs on. Tells "change". */
 class Player extends EventTarget {
   #audio = new Audio();
-  output = localStorage.getItem('orka.output') === 'machine' ? 'machine' : 'here';
+  output = keptOneOf('output', 'machine') || 'here';
   #failures = 0;
   #told = '';
 
   constructor() {
     super();
     this.#audio.preload = 'auto';
-    this.#audio.volume = Number(localStorage.getItem('orka.volume') ?? 1);
+    const volume = Number(kept('volume') || 1);
+    this.#audio.volume = volume >= 0 && volume <= 1 ? volume : 1;
     for (const name of ['play', 'pause', 'timeupdate', 'durationchange', 'volumechange', 'loadstart']) {
       this.#audio.addEventListener(name, () => this.#changed());
     }
@@ -60,7 +62,7 @@ class Player extends EventTarget {
     if (this.output === output) return;
     if (this.isHere) this.#audio.pause();
     this.output = output;
-    localStorage.setItem('orka.output', output);
+    keep('output', output);
     this.#changed();
   }
 
@@ -134,7 +136,7 @@ class Player extends EventTarget {
     if (!this.isHere) this.#command({ command: 'volume', percent });
     else {
       this.#audio.volume = percent / 100;
-      localStorage.setItem('orka.volume', String(percent / 100));
+      keep('volume', String(percent / 100));
     }
   }
 

@@ -1,6 +1,6 @@
 import { readQueue } from './api.js';
+import { kept, store } from './settings.js';
 
-const key = 'orka.queue';
 const mostItems = 20000;
 
 /** @param {any} item an item as the media device prepares it @returns {QueueItem} */
@@ -13,8 +13,17 @@ function itemOf(item) {
     album: item.album || '',
     icon: item.artworkUrl || row.icon || '',
     url: item.url || '',
-    mimeType: row.mediaData?.resources?.[0]?.mimeType || '',
     seconds: item.durationSeconds || 0,
+  };
+}
+
+/** An item as the browser kept it. @param {any} item @returns {QueueItem} */
+function keptItem(item) {
+  /** @param {string} name */
+  const text = (name) => (typeof item[name] === 'string' ? item[name] : '');
+  return {
+    path: text('path'), title: text('title'), artist: text('artist'), album: text('album'), icon: text('icon'), url: text('url'),
+    seconds: Number(item.seconds) || 0,
   };
 }
 
@@ -28,12 +37,13 @@ class Queue extends EventTarget {
   constructor() {
     super();
     try {
-      const kept = JSON.parse(localStorage.getItem(key) || '{}');
-      this.items = Array.isArray(kept.items) ? kept.items : [];
-      this.current = Math.min(this.items.length - 1, Number(kept.current ?? -1));
+      const { items, current } = JSON.parse(kept('queue') || '{}');
+      this.items = items.map(keptItem);
+      this.current = Math.min(this.items.length - 1, Math.floor(current));
     } catch {
       // What can't be read is as good as nothing.
     }
+    if (!(this.current >= 0)) this.current = this.items.length ? 0 : -1;
   }
 
   /** Every track below a node. @param {string} path */
@@ -85,11 +95,7 @@ class Queue extends EventTarget {
   }
 
   #changed() {
-    try {
-      localStorage.setItem(key, JSON.stringify({ items: this.items, current: this.current }));
-    } catch {
-      this.dispatchEvent(new Event('unkept'));
-    }
+    if (!store('queue', JSON.stringify({ items: this.items, current: this.current }))) this.dispatchEvent(new Event('unkept'));
     this.dispatchEvent(new Event('change'));
   }
 }

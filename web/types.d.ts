@@ -21,7 +21,6 @@ interface QueueItem {
   album: string;
   icon: string;
   url: string;
-  mimeType: string;
   seconds: number;
 }
 

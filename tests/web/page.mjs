@@ -61,6 +61,7 @@ await page.selectOption('.output select', 'machine');
 await page.getByRole('button', { name: 'Queue' }).click();
 await page.locator('.queued a').first().click();
 const other = await newPage();
+await other.addInitScript(() => Object.defineProperty(window, 'localStorage', { get: () => { throw new Error('forbidden'); } }));
 await other.goto(address);
 await other.selectOption('.output select', 'machine').catch(() => {});
 await until('the machine plays, every page shows it', async () => (await other.locator('.seek input').inputValue()) > 0);
