@@ -110,6 +110,8 @@ check "one request" '[{"title":"AC/DC"}]' \
 check "one node" '{"path":"upnp:/shelf/big","roles":{"path":"upnp:/shelf/big?itemType=container","title":"Big"}}' \
     "$(orka --json data upnp:/shelf/big --roles path,title)"
 check "any value" '{"value":[1,"b",{"c":true}]}' "$(orka --json set upnp:/shelf '[1,"b",{"c":true}]')"
+check "a list that lacks a server says so" "3 incomplete" \
+    "$(orka --json --server nas servers 2>&- | jq -r '"\(.rows | length) \(.error.name)"' || true)"
 check "an error is a document" "shelfBroken The shelf is broken" \
     "$(orka --json rows upnp:/shelf/broken 2>&- | jq -r '.error | .name + " " + .message')"
 
@@ -244,6 +246,9 @@ kill -STOP "$(pgrep -f "dbus-daemon.*$WORLD_DIR/run/orka/bus")"
 check_fails "a frozen bus" 4 "takes the connection" private --timeout 1 ls
 check "a frozen bus stands in no shell's way" "" "$(private complete bash 0 'orka ls ')"
 check "a frozen bus is ended" "0 lock" "$(private stop && left)"
+script hung "sleep 60"
+check_fails "a bridge that never comes" 3 "took longer than" private --bridge "$WORLD_DIR/hung" --timeout 1 ls
+check "it is ended" "0 lock" "$(left)"
 private --linger 2 data upnp:/shelf/big >/dev/null
 check "idle" "yes" "$(within 5 eval '[ "$(left)" = "0 lock" ]' && echo yes)"
 chmod 755 "$WORLD_DIR/run/orka"
