@@ -1,5 +1,6 @@
 #include "Version.h"
 
+#include "Text.h"
 #include "chain/Installation.h"
 #include "output/SafeText.h"
 
@@ -15,7 +16,8 @@ namespace {
 QString fileText(const QString &path)
 {
     const QFileInfo file(path);
-    return file.exists() ? file.canonicalFilePath() : path + QStringLiteral(" (isn't there)");
+    return file.exists() ? file.canonicalFilePath()
+                         : path + QLatin1Char(' ') + Text::tr("(isn't there)");
 }
 
 QString sdkLibrary()

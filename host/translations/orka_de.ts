@@ -1631,5 +1631,9 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>The media service %1 could not be started: no program that you may run is there. Name another with --bridge.</source>
         <translation>Der Mediendienst %1 konnte nicht gestartet werden: Dort ist kein Programm, das Sie ausführen dürfen. Nennen Sie mit --bridge ein anderes.</translation>
     </message>
+    <message>
+        <source>(isn&apos;t there)</source>
+        <translation>(nicht vorhanden)</translation>
+    </message>
 </context>
 </TS>
