@@ -96,7 +96,7 @@ Milliseconds Session::remaining() const
 
 void Session::await(const CMVoidReply &reply, const CMPath &path, const QString &doing)
 {
-    if (!m_refused)
+    if (!m_failed)
         m_silence.start(); // what passed between two requests is nobody's silence
     const CMReplyWatcherObject watcher(reply);
     Wait wait(remaining(), doing);
@@ -106,7 +106,7 @@ void Session::await(const CMVoidReply &reply, const CMPath &path, const QString 
     const bool inTime =
         wait.until([&] { return reply.isFinished() || !m_mediaService->isThere(); });
     m_mediaService->requireThere();
-    m_refused = inTime && reply.error().isError();
+    m_failed = !inTime || reply.error().isError();
     if (!inTime) {
         m_mediaService->requireSignOfLife();
         throw noAnswer(path.base().isEmpty() ? Text::tr("the list of media servers") : nameOf(path),
@@ -150,6 +150,11 @@ bool Session::givesRow(const CMPath &path, int position)
 {
     return m_mediaService->isThere()
         && diagnose(path, position, rowLimit).verdict == Diagnosis::Answers;
+}
+
+bool Session::hasTimeLeft() const
+{
+    return remaining() >= shortestQuestion;
 }
 
 Failure Session::silenceOf(const CMPath &path) const

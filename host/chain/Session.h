@@ -64,7 +64,9 @@ public:
     QVariant set(const CMPath &path, const QVariant &value, const QString &doing);
 
     /// The next request has the whole --timeout, whatever those before it came to.
-    void renewTime() { m_refused = false; }
+    void renewTime() { m_failed = false; }
+    /// Whether there is any for another try, behind one that came to nothing.
+    bool hasTimeLeft() const;
 
     /// Asks the media service about a node of which an answer tells nothing, though it should, like
     /// a playlist without tracks. Throws Failure that says what is the matter; returns where the
@@ -92,7 +94,7 @@ private:
     Errors m_errors = Explained;
     /// Since the last answer that was no error.
     QElapsedTimer m_silence;
-    bool m_refused = false;
+    bool m_failed = false;
     QElapsedTimer m_asked;
     QHash<QString, QString> m_names;
     NetworkPublisher m_network;

@@ -64,43 +64,48 @@ Rows RowPages::take()
             return rowsOf(m_session.rowsOf(m_request->reply, m_path, m_next, doing), m_roles);
         } catch (const Failure &failure) {
             if (!shrinkAfter(failure))
-                throw;
+                throw named(failure);
         }
         ask();
     }
+}
+
+/// A media server that gave rows a moment ago isn't switched off.
+Failure RowPages::named(const Failure &failure) const
+{
+    const bool isRestSilent =
+        failure.status() == NoAnswer && m_given > 0 && m_session.givesRow(m_path, m_range.first);
+    return isRestSilent ? m_session.silenceOf(m_path) : failure;
 }
 
 /// One row is asked for first: a folder that hangs would take as long again with each size.
 bool RowPages::shrinkAfter(const Failure &failure)
 {
     const bool isRefused = failure.status() == AnsweredWithError;
-    if (!isRefused && failure.status() != NoAnswer)
+    if ((!isRefused && failure.status() != NoAnswer) || !m_session.hasTimeLeft())
         return false;
     const bool isSearch = m_path.hasParam(QStringLiteral("query"));
     return (isSearch ? isRefused || m_given > 0 : m_session.givesRow(m_path, m_next))
         && m_size->shrink();
 }
 
-void RowPages::leaveOutKnown(Rows *page, bool cameShort)
+void RowPages::leaveOutKnown(Rows *page)
 {
     QVector<OrkaRoles> &rows = page->rows;
-    const auto pathOf = [](const OrkaRoles &row) {
-        return row.path().toEncoded();
+    QVector<CMPath> paths;
+    paths.reserve(rows.size());
+    for (const OrkaRoles &row : qAsConst(rows))
+        paths.append(row.path());
+    const auto isNew = [this](const CMPath &path) {
+        return path.isEmpty() || !m_pathsBefore.contains(path);
     };
     // The same page again: the server doesn't look at the position.
-    const QString first = rows.isEmpty() ? QString() : pathOf(rows.first());
-    const bool isSamePage = !first.isEmpty() && first == m_firstPath;
-    m_firstPath = first;
+    const bool isSamePage = !paths.isEmpty() && !paths.first().isEmpty() && !m_pathsBefore.isEmpty()
+        && paths.first() == m_pathsBefore.first();
     const auto firstNew =
-        isSamePage ? rows.end() : std::find_if(rows.begin(), rows.end(), [&](const OrkaRoles &row) {
-            return !m_pathsBefore.contains(pathOf(row));
-        });
-    QSet<QString> paths;
-    for (auto row = rows.begin(); cameShort && row != rows.end(); ++row)
-        paths.insert(pathOf(*row));
-    paths.remove(QString());
+        isSamePage ? paths.cend() : std::find_if(paths.cbegin(), paths.cend(), isNew);
+    rows.remove(0, int(firstNew - paths.cbegin()));
     m_pathsBefore = paths;
-    rows.erase(rows.begin(), firstNew);
 }
 
 bool RowPages::next(Rows *page)
@@ -117,8 +122,9 @@ bool RowPages::next(Rows *page)
     m_count = std::max(m_count, page->rowsCount);
     page->rowsCount = m_count;
     m_next += std::min(came, asked);
-    const bool more = m_count > 0 ? m_next < m_count : came == asked;
-    leaveOutKnown(page, more && came < asked);
+    // A count that what came disproves isn't believed.
+    const bool more = m_count > 0 && m_next <= m_count ? m_next < m_count : came == asked;
+    leaveOutKnown(page);
     m_given += page->rows.size();
     if (!page->rows.isEmpty() && more && m_next <= m_range.last)
         ask();

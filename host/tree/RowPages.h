@@ -5,7 +5,7 @@
 
 #include <api/core/CMPath.h>
 
-#include <QSet>
+#include <QVector>
 
 #include <memory>
 
@@ -15,8 +15,9 @@ class Failure;
 ///
 /// Ends when the range is complete, the node's count is reached, or a page brings nothing new. A
 /// page shorter than asked for is gone on from; where it left a row out on the way, the next begins
-/// with rows that were there already, which are given once. A count of 0 beside rows is not
-/// believed. A page that fails is asked for again in smaller pieces where the node gives one row.
+/// with rows that were there already, which are given once. A count that the rows disprove is not
+/// believed, 0 among them. A page that fails is asked for again in smaller pieces where the node
+/// gives one row.
 class RowPages : public RowSource
 {
 public:
@@ -39,8 +40,9 @@ private:
     void ask();
     Rows take();
     int lastOfPage() const;
+    Failure named(const Failure &failure) const;
     bool shrinkAfter(const Failure &failure);
-    void leaveOutKnown(Rows *page, bool cameShort);
+    void leaveOutKnown(Rows *page);
 
     Session &m_session;
     const CMPath m_path;
@@ -51,8 +53,7 @@ private:
     int m_next;
     int m_count = 0;
     int m_given = 0;
-    /// Of the last page, where it came short.
-    QSet<QString> m_pathsBefore;
-    QString m_firstPath;
+    /// Of the last page.
+    QVector<CMPath> m_pathsBefore;
     std::unique_ptr<Request> m_request;
 };

@@ -56,14 +56,23 @@ Rows SamplePages::ask(int rows)
     return readRowsAtOnce(m_session, path, {0, rows - 1}, OrkaRoles::all());
 }
 
+/// How many rows the folder has; 0 where it can't say, or counts fewer than it gives.
+int SamplePages::count()
+{
+    const auto rowAt = [this](int row) {
+        return readRowsAtOnce(m_session, m_folder, {row, row}, {OrkaRoles::Path()});
+    };
+    const int counted = rowAt(m_sample.start).rowsCount;
+    const bool endsBefore = counted > 0 && counted <= m_sample.end;
+    return endsBefore && !rowAt(counted).rows.isEmpty() ? 0 : counted;
+}
+
 /// How many rows a sample has, the worker says without regard to where the folder ends.
 Rows SamplePages::first()
 {
     Rows page = ask(1);
     m_rowsCount = page.rowsCount;
-    m_total =
-        readRowsAtOnce(m_session, m_folder, {m_sample.start, m_sample.start}, {OrkaRoles::Path()})
-            .rowsCount;
+    m_total = count();
     const int last = m_total > 0 ? std::min(m_total - 1, m_sample.end) : m_sample.end;
     const int positions = (last - m_sample.start) / m_sample.step + 1;
     m_wanted = page.rows.isEmpty() ? 0 : std::clamp(positions, 1, m_wanted);

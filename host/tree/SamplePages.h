@@ -22,6 +22,7 @@ private:
     CMPath pathFrom(int start) const;
     Rows ask(int rows);
     Rows first();
+    int count();
     Rows spread();
     bool pick(Rows *page);
 

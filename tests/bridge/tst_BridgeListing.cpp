@@ -103,22 +103,28 @@ void tst_BridgeListing::addOddObjects()
 void tst_BridgeListing::listsAreCompleteWhateverThePages()
 {
     server->behaviour.refuseCountFrom = 0x80000000U;
-    const auto listed = [this](uint pageCap, bool totalIsZero, uint offset, uint max) {
+    using Behaviour = ServerBehaviour;
+    const auto listed = [this](uint pageCap, Behaviour::Total total, uint offset, uint max) {
         server->behaviour.pageCap = pageCap;
-        server->behaviour.totalIsZero = totalIsZero;
+        server->behaviour.total = total;
         const QStringList rows = titles(bridge->list(path("numbers"), offset, max, title));
         const auto found = bridge->search(path("numbers"), "Type = \"music\"", offset, max, title);
         return titles(found) == rows ? rows : QStringList{"a search gives others"};
     };
     const QStringList all = trackTitles(0, numberCount);
     for (const uint cap : {0U, 1U, 5U, 7U}) // none, one at a time, at the list's end, over it
-        QCOMPARE(listed(cap, false, 0, 0), all);
-    QCOMPARE(listed(0, true, 0, 0), all);
-    QCOMPARE(listed(7, true, 0, 0), all);
-    QCOMPARE(listed(7, false, 3, 10), trackTitles(3, 13));
-    QCOMPARE(listed(4, true, 20, 10), trackTitles(20, numberCount));
-    QCOMPARE(listed(0, false, 25, 10), QStringList());
-    QCOMPARE(listed(7, false, 20, 0xffffffffU), trackTitles(20, numberCount));
+        QCOMPARE(listed(cap, Behaviour::Counted, 0, 0), all);
+    for (const auto total : {Behaviour::Zero, Behaviour::Five, Behaviour::OneMore}) {
+        QCOMPARE(listed(7, total, 0, 0), all);
+        QCOMPARE(listed(4, total, 20, 10), trackTitles(20, numberCount));
+    }
+    QCOMPARE(listed(7, Behaviour::Counted, 3, 10), trackTitles(3, 13));
+    QCOMPARE(listed(0, Behaviour::Counted, 25, 10), QStringList());
+    QCOMPARE(listed(7, Behaviour::Counted, 20, 0xffffffffU), trackTitles(20, numberCount));
+    // Whoever isn't told all is told that they weren't counted.
+    QCOMPARE(listed(0, Behaviour::Zero, 0, 10), trackTitles(0, 10));
+    const auto found = bridge->search(path("numbers"), "Type = \"music\"", 0, 10, title);
+    QCOMPARE(found.values.value(1).toUInt(), 0U);
 }
 
 void tst_BridgeListing::emptyAnswersAreEmptyLists()
@@ -140,8 +146,8 @@ void tst_BridgeListing::emptyAnswersAreEmptyLists()
 /// Clients ask for rows and count at once; the server is asked again only where it has to be.
 void tst_BridgeListing::aListingKnowsTheChildCount()
 {
-    const auto count = [this](const QString &container, bool totalIsZero, int questions) {
-        server->behaviour.totalIsZero = totalIsZero;
+    const auto count = [this](const QString &container, bool isCounted, int questions) {
+        server->behaviour.total = isCounted ? ServerBehaviour::Counted : ServerBehaviour::Zero;
         server->behaviour.delay = 50;
         server->forgetCalls();
         Call listing = bridge->startListing(path(container), 0, 10, title);
@@ -151,10 +157,10 @@ void tst_BridgeListing::aListingKnowsTheChildCount()
             : answer.ok()                         ? answer.value().toString()
                                                   : "error";
     };
-    QCOMPARE(count("numbers", false, 1), "25");
-    QCOMPARE(count("empty", false, 3), "0");
-    QCOMPARE(count("numbers", true, 2), "25");
-    QCOMPARE(count("nowhere", false, 2), "error");
+    QCOMPARE(count("numbers", true, 1), "25");
+    QCOMPARE(count("empty", true, 3), "0");
+    QCOMPARE(count("numbers", false, 2), "25");
+    QCOMPARE(count("nowhere", true, 2), "error");
 }
 
 void tst_BridgeListing::severalObjectsAreReadAtOnce()
@@ -213,6 +219,11 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
 /// Either the bridge gets what is missing, or it says so.
 void tst_BridgeListing::cutAnswersAreNeverCutLists()
 {
+    server->behaviour.overlap = 2;
+    server->behaviour.pageCap = 7;
+    const QString lacking = titles(bridge->list(path("numbers"))).join(' ');
+    QVERIFY2(lacking.contains("counts 25 objects here, but only"), qPrintable(lacking));
+    server->behaviour = {};
     server->behaviour.cutResult = true;
     const Answer answer = bridge->list(path("numbers"));
     QVERIFY2(!answer.ok() || answer.rows().size() == int(numberCount),

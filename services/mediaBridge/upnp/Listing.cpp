@@ -64,9 +64,15 @@ void Listing::proceed()
         finish();
 }
 
+/// Of a count that what has come disproves nothing is believed.
+bool Listing::isTotalKnown() const
+{
+    return m_total > 0 && (m_position <= m_total || !m_reader.hasSeenObjects());
+}
+
 bool Listing::wantsMore() const
 {
-    if (m_isAtEnd || (m_total > 0 && m_position >= m_total))
+    if (m_isAtEnd || (isTotalKnown() && m_position >= m_total))
         return false;
     if (m_request.max == 0)
         return true;
@@ -132,7 +138,8 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
 bool Listing::isEndOfUnknown(const ActionReply &reply) const
 {
     constexpr int invalidArguments = 402;
-    return m_total == 0 && m_reader.hasSeenObjects() && reply.answer.faultCode == invalidArguments;
+    return !isTotalKnown() && m_reader.hasSeenObjects()
+        && reply.answer.faultCode == invalidArguments;
 }
 
 /// A server that breaks down over a big page may well manage a small one.
@@ -239,10 +246,13 @@ bool Listing::isShort() const
 
 void Listing::failShort()
 {
+    const uint32_t came = m_reader.rowCount();
+    const std::string seen = m_request.max > 0
+        ? "none came behind the first " + std::to_string(m_request.offset) + '.'
+        : "only " + std::to_string(came) + " came. Ask for a range to get those.";
     fail({errors::operationFailed,
         m_request.action + " operation failed: \"" + m_server->description().friendlyName
-            + "\" counts " + std::to_string(m_total) + " objects here, but only "
-            + std::to_string(m_reader.rowCount()) + " came. Ask for a range to get those."});
+            + "\" counts " + std::to_string(m_total) + " objects here, but " + seen});
 }
 
 void Listing::finish()
@@ -259,7 +269,8 @@ void Listing::finish()
     }
     const uint32_t seen =
         m_reader.rowCount() > 0 ? m_request.offset + m_reader.rowCount() + m_reader.lostCount() : 0;
-    end({{}, m_reader.rowCount(), std::max(m_total, seen), m_total > 0});
+    const bool isCounted = isTotalKnown() || m_isAtEnd;
+    end({{}, m_reader.rowCount(), isCounted ? std::max(m_total, seen) : 0, isTotalKnown()});
 }
 
 void Listing::end(const ListEnd &result)

@@ -15,7 +15,8 @@ struct ListEnd
     /// Empty name: success.
     Failure failure;
     uint32_t rowCount = 0;
-    /// How many there are beyond offset and max, as the server says, and never below what was seen.
+    /// How many there are beyond offset and max, as the server says, and never below what was seen;
+    /// 0 where it can't count them, or counts fewer than come, and not all were asked for.
     uint32_t total = 0;
     /// Whether the server gave a total at all.
     bool isTotalKnown = false;
@@ -59,6 +60,7 @@ private:
     Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller, RowSink sink,
         Done done);
     void proceed();
+    bool isTotalKnown() const;
     bool wantsMore() const;
     void requestPage();
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);

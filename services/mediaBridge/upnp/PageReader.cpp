@@ -36,7 +36,7 @@ PageReader::Content PageReader::take(
     const bool isSkipped = isNothing && list && list->endsAtFault && m_lost < limits::lostObjects;
     if (isNothing && !isSkipped)
         return {true, true, 0};
-    Content content{false, false, countOf(*list, returned)};
+    Content content{false, false, countOf(*list)};
     std::vector<MediaObject> &objects = list->objects;
     if (isRepeated(objects)) {
         logWarning("\"" + m_serverName
@@ -56,7 +56,7 @@ PageReader::Content PageReader::take(
 }
 
 /// The number that the server gave may be wrong; the objects that came are what counts.
-uint32_t PageReader::countOf(const DidlList &list, uint32_t returned)
+uint32_t PageReader::countOf(const DidlList &list)
 {
     auto count = static_cast<uint32_t>(list.objects.size());
     if (!list.isWhole) {
@@ -68,7 +68,6 @@ uint32_t PageReader::countOf(const DidlList &list, uint32_t returned)
         ++count;
         ++m_lost;
     }
-    m_cameShort = count < returned;
     return count;
 }
 
@@ -84,8 +83,8 @@ bool PageReader::isOnlyItself(const std::vector<MediaObject> &objects, uint32_t 
         && !objects.front().isContainer && objects.front().id == m_request.containerId;
 }
 
-/// Where fewer came than the server counted, it may have left some out on the way. Then what comes
-/// next begins with objects that were there already.
+/// What begins with objects that were there already isn't the next page: the server left some out
+/// on the way, or the list has become longer in front.
 void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
 {
     const auto isNew = [this](const MediaObject &object) {
@@ -93,9 +92,9 @@ void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
     };
     const auto firstNew = std::find_if(objects.begin(), objects.end(), isNew);
     std::set<std::string> ids;
-    for (auto object = objects.begin(); m_cameShort && object != objects.end(); ++object) {
-        if (!object->id.empty())
-            ids.insert(object->id);
+    for (const MediaObject &object : objects) {
+        if (!object.id.empty())
+            ids.insert(object.id);
     }
     m_lost += static_cast<uint32_t>(firstNew - objects.begin());
     objects.erase(objects.begin(), firstNew);

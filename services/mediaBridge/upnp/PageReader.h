@@ -44,7 +44,7 @@ public:
     uint32_t lostCount() const { return m_lost; }
 
 private:
-    uint32_t countOf(const DidlList &list, uint32_t returned);
+    uint32_t countOf(const DidlList &list);
     bool isRepeated(const std::vector<MediaObject> &objects) const;
     bool isOnlyItself(const std::vector<MediaObject> &objects, uint32_t total) const;
     void leaveOutKnown(std::vector<MediaObject> &objects);
@@ -57,9 +57,7 @@ private:
     uint32_t m_toSkip = 0;
     uint32_t m_rowCount = 0;
     uint32_t m_lost = 0;
-    /// The last page had fewer objects than the server said.
-    bool m_cameShort = false;
-    /// Of that page.
+    /// Of the last page.
     std::set<std::string> m_idsBefore;
     std::string m_lastFirstId;
     std::vector<MediaObject> m_objects;

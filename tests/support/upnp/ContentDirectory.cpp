@@ -26,18 +26,26 @@ struct Page
         return behaviour.pageCap ? std::min(behaviour.pageCap, asked) : asked;
     }
 
+    quint32 said() const
+    {
+        return behaviour.total == ServerBehaviour::Zero   ? 0
+            : behaviour.total == ServerBehaviour::Five    ? 5
+            : behaviour.total == ServerBehaviour::OneMore ? std::min(first + size() + 1, total)
+                                                          : total;
+    }
+
     template<typename ObjectAt>
     SoapAnswer answer(const QString &action, ObjectAt objectAt) const
     {
         QString objects;
-        for (quint32 row = first, end = first + size(); row < end; ++row) {
+        const quint32 early = std::min(first, behaviour.overlap);
+        for (quint32 row = first - early, end = row + size(); row < end; ++row) {
             const MediaObject object = objectAt(int(row));
             objects += didlElement(object, tree.childCount(object.id), base);
         }
         return {soapAnswer(action,
             {{"Result", result(objects)}, {"NumberReturned", QString::number(size())},
-                {"TotalMatches", QString::number(behaviour.totalIsZero ? 0 : total)},
-                {"UpdateID", "1"}})};
+                {"TotalMatches", QString::number(said())}, {"UpdateID", "1"}})};
     }
 
     QString result(const QString &objects) const

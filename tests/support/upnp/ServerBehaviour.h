@@ -18,8 +18,17 @@ struct ServerBehaviour
         EmptyWrapped ///< a DIDL-Lite element of white space and a comment
     };
 
+    /// What an answer says of how many there are.
+    enum Total {
+        Counted,
+        Zero, ///< it can't count them
+        Five,
+        OneMore ///< than have been sent
+    };
+
     quint32 pageCap = 0; ///< objects in one answer at most, 0: no cap
-    bool totalIsZero = false; ///< TotalMatches is 0, whatever is there
+    Total total = Counted;
+    quint32 overlap = 0; ///< pages but the first begin so many rows too early
     EmptyResult emptyResult = EmptyDidl;
     bool xmlDeclaration = false; ///< the Result begins with an XML declaration
     bool cutResult = false; ///< the Result ends in the middle
