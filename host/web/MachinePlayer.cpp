@@ -51,6 +51,9 @@ void MachinePlayer::command(const ExchangePointer &exchange)
     } else if (m_position < 0 || !m_mpv) {
         throw missing(QStringLiteral("notPlaying"),
             QStringLiteral("Nothing plays on this machine. Play something first."));
+    } else if (name == QLatin1String("queue")) {
+        const QVariantList items = command.value(QStringLiteral("items")).toList();
+        requeue(items, int(number(command, "position", 0, items.size() - 1)));
     } else if (name == QLatin1String("pause") || name == QLatin1String("resume")) {
         m_mpv->send({"set_property", "pause", name == QLatin1String("pause")});
     } else if (name == QLatin1String("seek")) {
@@ -64,8 +67,9 @@ void MachinePlayer::command(const ExchangePointer &exchange)
     } else if (name == QLatin1String("stop")) {
         stop();
     } else {
-        throw wrongUsage(QStringLiteral("\"command\" is play, pause, resume, seek, next, previous, "
-                                        "volume or stop."));
+        throw wrongUsage(
+            QStringLiteral("\"command\" is play, queue, pause, resume, seek, next, previous, "
+                           "volume or stop."));
     }
     exchange->answer(valueDocument(true));
 }
@@ -76,14 +80,7 @@ void MachinePlayer::play(const QVariantList &items, int position)
         throw missing(QStringLiteral("noPlayer"),
             QStringLiteral("This machine has no mpv, which plays here. Install it."));
     }
-    for (const QVariant &item : items) {
-        const QString url = field(item, "url").toString();
-        if (!isPlayableUrl(url) || !m_carried.hasMedia(url.toUtf8())) {
-            throw wrongUsage(QStringLiteral("No row has named the track \"%1\" since the program "
-                                            "was started. Queue it anew.")
-                                 .arg(field(item, "title").toString()));
-        }
-    }
+    checkCarried(items);
     m_items = items;
     m_failures = 0;
     if (!m_mpv) {
@@ -95,7 +92,33 @@ void MachinePlayer::play(const QVariantList &items, int position)
             m_mpv->send({"observe_property", ++id, property});
     }
     m_mpv->send({"set_property", "pause", false});
+    m_isPaused = false; // which mpv tells only where it changes something
     load(position);
+}
+
+void MachinePlayer::requeue(const QVariantList &items, int position)
+{
+    const QVariant &named = items.at(position);
+    const QVariant &playing = m_items.at(m_position);
+    if (field(named, "url") != field(playing, "url")
+        && field(named, "path") != field(playing, "path"))
+        throw wrongUsage(QStringLiteral("The item at \"position\" is not the one that plays."));
+    checkCarried(items);
+    m_items = items;
+    m_position = position;
+    publish();
+}
+
+void MachinePlayer::checkCarried(const QVariantList &items) const
+{
+    for (const QVariant &item : items) {
+        const QString url = field(item, "url").toString();
+        if (!isPlayableUrl(url) || !m_carried.hasMedia(url.toUtf8())) {
+            throw wrongUsage(QStringLiteral("No row has named the track \"%1\" since the program "
+                                            "was started. Queue it anew.")
+                                 .arg(field(item, "title").toString()));
+        }
+    }
 }
 
 void MachinePlayer::load(int position)

@@ -19,6 +19,9 @@ public:
 private:
     void command(const ExchangePointer &exchange);
     void play(const QVariantList &items, int position);
+    /// Changes what comes before and after the track that plays.
+    void requeue(const QVariantList &items, int position);
+    void checkCarried(const QVariantList &items) const;
     void load(int position);
     void stop();
     void lose();
