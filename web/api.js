@@ -53,9 +53,9 @@ export async function readRows(path, first, last, signal) {
   return (await ask(`/api/rows?${query({ path, first, last, roles })}`, { signal })).json();
 }
 
-/** @param {string} path @returns {Promise<Row>} */
-export async function readNode(path) {
-  const answer = await ask(`/api/data?${query({ path, roles })}`);
+/** @param {string} path @param {AbortSignal} [signal] @returns {Promise<Row>} */
+export async function readNode(path, signal) {
+  const answer = await ask(`/api/data?${query({ path, roles })}`, { signal });
   return { ...(await answer.json()).roles, path };
 }
 

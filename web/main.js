@@ -62,11 +62,9 @@ async function enqueue(action, row, path, title) {
     }
     if (!complete) notify(`“${short(row.title)}” holds more than can be queued at once: the first ${items.length.toLocaleString('en')} tracks were taken.`);
     const next = queue.current + 1;
-    const wasEmpty = !queue.items.length;
     queue.insert(items, action === 'playlist/addToQueue' ? queue.items.length : next);
     if (action === 'playlist/playNow') player.play(next);
     else notify(`${items.length === 1 ? `“${short(items[0].title)}” is` : `${items.length.toLocaleString('en')} tracks are`} queued.`);
-    if (wasEmpty && action !== 'playlist/playNow') queue.setCurrent(0);
   } catch (error) {
     notify(/** @type {Error} */ (error).message, 'Try again', () => enqueue(action, row, path, title));
   }

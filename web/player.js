@@ -1,34 +1,32 @@
-import { commandPlayer, readNode } from './api.js';
+import { short } from './dom.js';
+import { freshen } from './freshen.js';
 import { live } from './live.js';
+import { machine } from './machine.js';
 import { notify } from './notice.js';
-import { mediaAddress } from './place.js';
 import { queue } from './queue.js';
-import { keep, kept, keptOneOf } from './settings.js';
+import { keep, keptOneOf } from './settings.js';
+import { sound } from './sound.js';
 
 /** Plays the queue: in this page, or on the machine that the program runs on. Tells "change". */
 class Player extends EventTarget {
-  #audio = new Audio();
+  /** @type {'here'|'machine'} */
   output = keptOneOf('output', 'machine') || 'here';
+  /** @type {QueueItem|null} what is to sound here next, while its address is asked for */
+  #wanted = null;
+  /** The place in the queue of what sounds here; where that has just been removed, of what follows it. */
+  #index = -1;
   #failures = 0;
   #told = '';
 
   constructor() {
     super();
-    this.#audio.preload = 'auto';
-    const volume = Number(kept('volume') || 1);
-    this.#audio.volume = volume >= 0 && volume <= 1 ? volume : 1;
-    for (const name of ['play', 'pause', 'timeupdate', 'durationchange', 'volumechange', 'loadstart']) {
-      this.#audio.addEventListener(name, () => this.#changed());
-    }
-    this.#audio.addEventListener('playing', () => (this.#failures = 0));
-    this.#audio.addEventListener('ended', () => this.next());
-    this.#audio.addEventListener('error', () => this.#failed());
-    live.addEventListener('player', () => {
-      const message = live.player?.message || '';
-      if (message && message !== this.#told) notify(message);
-      this.#told = message;
-      this.#changed();
-    });
+    sound.addEventListener('change', () => this.#changed());
+    sound.addEventListener('playing', () => (this.#failures = 0));
+    sound.addEventListener('ended', () => this.#wanted || this.next());
+    sound.addEventListener('failed', (event) => this.#failed(/** @type {CustomEvent} */ (event).detail));
+    queue.addEventListener('played', () => sound.pause());
+    queue.addEventListener('change', () => this.#followQueue());
+    live.addEventListener('player', () => this.#followMachine());
     this.#listenToKeys();
   }
 
@@ -36,121 +34,122 @@ class Player extends EventTarget {
     return this.output === 'here' || !live.player?.available;
   }
 
-  /** What plays, wherever. */
-  get state() {
-    if (!this.isHere && live.player) return live.player;
-    const item = queue.items[queue.current];
-    return {
-      available: true,
-      active: Boolean(item),
-      position: queue.current,
-      count: queue.items.length,
-      title: item?.title || '',
-      artist: item?.artist || '',
-      icon: item?.icon || '',
-      path: item?.path || '',
-      time: this.#audio.currentTime,
-      duration: this.#audio.duration || item?.seconds || 0,
-      paused: this.#audio.paused,
-      volume: Math.round(this.#audio.volume * 100),
-      message: '',
-    };
+  get #isOnMachine() {
+    return !this.isHere && machine.isActive;
   }
 
-  /** @param {'here'|'machine'} output */
+  /** What plays, wherever; else what would. */
+  get state() {
+    if (this.#isOnMachine && live.player) return live.player;
+    const item = (this.isHere && sound.item) || queue.items[queue.current];
+    const { title = '', artist = '', icon = '', seconds = 0 } = item || {};
+    const state = this.isHere ? sound.state : { time: 0, duration: 0, paused: true, volume: live.player?.volume ?? 100 };
+    return { ...state, duration: state.duration || seconds, active: Boolean(item), title, artist, icon };
+  }
+
+  /** What plays goes on in the other place; it is silent in this one. @param {'here'|'machine'} output */
   setOutput(output) {
     if (this.output === output) return;
-    if (this.isHere) this.#audio.pause();
+    const { paused, time } = this.state;
+    const index = this.isHere ? this.#index : machine.index;
+    this.#wanted = null;
+    if (this.isHere) sound.stop();
+    else if (this.#isOnMachine) machine.command({ command: 'pause' });
     this.output = output;
     keep('output', output);
+    if (!paused) this.play(index, time);
     this.#changed();
   }
 
-  /** @param {number} index */
-  async play(index) {
+  /** @param {number} index @param {number} [seconds] from where on */
+  async play(index, seconds = 0) {
     const item = queue.items[index];
     if (!item) return;
-    queue.setCurrent(index);
-    await this.#freshen(item);
-    if (queue.items[queue.current] !== item) return; // another was chosen meanwhile
-    if (this.isHere) {
-      this.#audio.src = mediaAddress(item.url);
-      this.#audio.play().catch(() => this.#changed()); // the error event tells why
-    } else {
-      const items = queue.items.map(({ title, artist, url, icon, path }) => ({ title, artist, url, icon, path }));
-      this.#command({ command: 'play', items, position: index });
+    if (!this.isHere) {
+      machine.play(index, seconds);
+      return;
     }
+    this.#wanted = item;
+    await freshen(item);
+    if (this.#wanted !== item) return; // another was chosen meanwhile
+    this.#wanted = null;
+    const place = queue.items.indexOf(item);
+    if (place < 0) return;
+    sound.play(item, seconds);
+    queue.play(place);
   }
 
-  /** The media server may have moved, or the program been started anew, since the item was queued. @param {QueueItem} item */
-  async #freshen(item) {
-    if (!item.path) return;
-    try {
-      const row = await readNode(item.path);
-      item.url = row.mediaData?.resources?.[0]?.uri || item.url;
-      item.icon = row.icon || item.icon;
-    } catch {
-      // It may play all the same.
-    }
-  }
-
-  #failed() {
-    if (!this.#audio.getAttribute('src')) return;
-    const item = queue.items[queue.current];
+  /** @param {string} detail what became of the track */
+  #failed(detail) {
+    if (this.#wanted) return; // it is being left
     if (++this.#failures > 3) {
       notify('Several tracks in a row can’t be played. Is their media server still there?', 'Try again', () => this.play(queue.current));
       this.#failures = 0;
+      sound.stop();
       return;
     }
-    notify(`“${item?.title || 'This track'}” can’t be played here: it can’t be had, or this browser doesn’t know its format.`);
-    this.next();
+    notify(`“${short(sound.item?.title)}” ${detail}.`);
+    if (this.#index + 1 < queue.items.length) this.next();
+    else sound.stop();
+  }
+
+  /** The place in the queue of what plays here, or is about to, or would. */
+  get #place() {
+    if (this.#wanted) return queue.items.indexOf(this.#wanted);
+    return sound.item ? this.#index : queue.current;
   }
 
   toggle() {
-    if (!this.isHere) this.#command({ command: live.player?.paused ? 'resume' : 'pause' });
-    else if (!this.#audio.getAttribute('src')) this.play(Math.max(0, queue.current));
-    else if (this.#audio.paused) this.#audio.play().catch(() => this.#changed());
-    else this.#audio.pause();
+    if (this.#isOnMachine) machine.command({ command: live.player?.paused ? 'resume' : 'pause' });
+    else if (!this.isHere || !sound.item) this.play(Math.max(0, queue.current));
+    else if (!sound.state.paused) sound.pause();
+    else {
+      sound.resume();
+      queue.play(this.#index);
+    }
   }
 
   next() {
-    if (!this.isHere) this.#command({ command: 'next' });
-    else if (queue.current + 1 < queue.items.length) this.play(queue.current + 1);
-    else this.#changed();
+    if (this.#isOnMachine) machine.command({ command: 'next' });
+    else this.play(this.#place + 1);
   }
 
   previous() {
-    if (!this.isHere) this.#command({ command: 'previous' });
-    else if (this.#audio.currentTime > 3 || queue.current < 1) this.#audio.currentTime = 0;
-    else this.play(queue.current - 1);
+    if (this.#isOnMachine) machine.command({ command: 'previous' });
+    else if (!this.#wanted && (sound.state.time > 3 || this.#place < 1)) sound.seek(0);
+    else this.play(this.#place - 1);
   }
 
   /** @param {number} seconds */
   seek(seconds) {
-    if (!this.isHere) this.#command({ command: 'seek', seconds });
-    else if (this.#audio.getAttribute('src')) this.#audio.currentTime = seconds;
+    if (this.#isOnMachine) machine.command({ command: 'seek', seconds });
+    else if (this.isHere && sound.item) sound.seek(seconds);
+    else this.play(queue.current, seconds);
   }
 
   /** @param {number} percent */
   setVolume(percent) {
-    if (!this.isHere) this.#command({ command: 'volume', percent });
-    else {
-      this.#audio.volume = percent / 100;
-      keep('volume', String(percent / 100));
-    }
+    if (this.isHere) sound.setVolume(percent);
+    else machine.command({ command: 'volume', percent });
   }
 
-  stop() {
-    if (!this.isHere) this.#command({ command: 'stop' });
-    this.#audio.pause();
-    this.#audio.removeAttribute('src');
-    this.#audio.load();
+  #followQueue() {
+    const index = sound.item ? queue.items.indexOf(sound.item) : this.#index;
+    if (index >= 0) this.#index = index;
+    else if (sound.item) {
+      const goesOn = !sound.state.paused && !this.#wanted;
+      sound.stop();
+      if (goesOn) this.play(this.#index);
+    }
     this.#changed();
   }
 
-  /** @param {Record<string, unknown>} command */
-  #command(command) {
-    commandPlayer(command).catch((error) => notify(error.message));
+  #followMachine() {
+    const message = live.player?.message || '';
+    if (message && message !== this.#told) notify(message);
+    this.#told = message;
+    if (this.#isOnMachine) queue.follow(machine.index);
+    this.#changed();
   }
 
   #listenToKeys() {

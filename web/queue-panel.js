@@ -17,7 +17,6 @@ export function setUpQueue(panel, button) {
   const clear = h('button', { type: 'button', onclick: () => {
     const old = queue.items;
     queue.replace([]);
-    player.stop();
     notify('The queue is empty now.', 'Undo', () => queue.replace(old));
   } }, 'Clear');
   const empty = h('p', { class: 'empty' }, 'Nothing is queued. Choose “Add to queue” from the menu of a track or folder.');
@@ -39,7 +38,10 @@ export function setUpQueue(panel, button) {
     isShown = true;
   }
   queue.addEventListener('change', draw);
-  queue.addEventListener('unkept', () => notify('The browser can’t keep a queue of this size: a reload loses it.'));
+  queue.addEventListener('unkept', (event) => {
+    const most = /** @type {CustomEvent} */ (event).detail;
+    notify(`The browser has room for ${count(most, 'track', 'tracks')} of this queue: when the page is closed, the others are lost.`);
+  });
   button.addEventListener('click', () => {
     panel.hidden = !panel.hidden;
     isShown = false;

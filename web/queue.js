@@ -1,4 +1,5 @@
 import { readQueue } from './api.js';
+import { Pages } from './pages.js';
 import { kept, store } from './settings.js';
 
 const mostItems = 20000;
@@ -27,12 +28,21 @@ function keptItem(item) {
   };
 }
 
-/** What is played, in order; kept by the browser. Tells "change". */
+/** @param {QueueItem} item */
+const keyOf = (item) => item.path || item.url;
+
+/**
+ * What is played, in order; kept by the browser, and one for all its pages. Tells "change"; "edited" before it where it was
+ * changed here, "played" where another page begins to play, "unkept" (its detail is how many tracks are kept) where not all are.
+ */
 class Queue extends EventTarget {
   /** @type {QueueItem[]} */
   items = [];
   /** The item that plays or comes next; -1 for none. */
   current = -1;
+  /** How many tracks the browser had room for. */
+  #room = Infinity;
+  #pages = new Pages('queue', () => ({ items: this.items, current: this.current }), (value) => this.#take(value));
 
   constructor() {
     super();
@@ -56,22 +66,23 @@ class Queue extends EventTarget {
   insert(items, at) {
     const place = Math.max(0, Math.min(this.items.length, at));
     this.items.splice(place, 0, ...items);
-    if (this.current >= place) this.current += items.length;
-    this.#changed();
+    if (this.current < 0) this.current = 0;
+    else if (this.current >= place) this.current += items.length;
+    this.#edited();
   }
 
   /** @param {QueueItem[]} items */
   replace(items) {
     this.items = items;
     this.current = items.length ? 0 : -1;
-    this.#changed();
+    this.#edited();
   }
 
   /** @param {number} index */
   remove(index) {
     this.items.splice(index, 1);
     if (index < this.current || this.current >= this.items.length) --this.current;
-    this.#changed();
+    this.#edited();
   }
 
   /** @param {number} from @param {number} to */
@@ -80,23 +91,54 @@ class Queue extends EventTarget {
     const playing = this.items[this.current];
     this.items.splice(target, 0, ...this.items.splice(from, 1));
     this.current = playing ? this.items.indexOf(playing) : -1;
+    this.#edited();
+  }
+
+  /** An item plays in this page. @param {number} index */
+  play(index) {
+    this.current = index;
+    this.#pages.tell({ isPlayed: true });
     this.#changed();
   }
 
-  /** @param {number} index */
-  setCurrent(index) {
+  /** An item plays elsewhere, as every page hears by itself. @param {number} index */
+  follow(index) {
+    if (index < 0 || index === this.current) return;
     this.current = index;
     this.#changed();
   }
 
-  /** Texts changed inside an item. */
-  touch() {
+  /** What another page has. What is in both stays the same object. @param {{items: QueueItem[], current: number, isPlayed?: boolean}} value */
+  #take({ items, current, isPlayed }) {
+    /** @type {Map<string, QueueItem[]>} */
+    const known = new Map(this.items.map((item) => [keyOf(item), []]));
+    for (const item of this.items.reverse()) known.get(keyOf(item))?.push(item);
+    this.items = items.map((item) => Object.assign(known.get(keyOf(item))?.pop() || item, item));
+    this.current = current;
+    if (isPlayed) this.dispatchEvent(new Event('played'));
+    this.dispatchEvent(new Event('change'));
+  }
+
+  #edited() {
+    this.#pages.tell();
+    this.dispatchEvent(new Event('edited'));
     this.#changed();
   }
 
   #changed() {
-    if (!store('queue', JSON.stringify({ items: this.items, current: this.current }))) this.dispatchEvent(new Event('unkept'));
+    this.#keep();
     this.dispatchEvent(new Event('change'));
+  }
+
+  /** As much as the browser has room for; from the mark on, where that isn't all. */
+  #keep() {
+    const length = this.items.length;
+    let most = Math.min(length, this.#room);
+    const first = () => Math.max(0, Math.min(this.current, length - most));
+    const text = () => JSON.stringify({ items: this.items.slice(first(), first() + most), current: this.current - first() });
+    while (!store('queue', most ? text() : '') && most) most = Math.floor(most * 0.85);
+    if (most < length && this.#room === Infinity) this.dispatchEvent(new CustomEvent('unkept', { detail: most }));
+    this.#room = most < length ? most : Infinity;
   }
 }
 

@@ -65,6 +65,10 @@ await other.addInitScript(() => Object.defineProperty(window, 'localStorage', { 
 await other.goto(address);
 await other.selectOption('.output select', 'machine').catch(() => {});
 await until('the machine plays, every page shows it', async () => (await other.locator('.seek input').inputValue()) > 0);
+const playing = await other.locator('.playing bdi').textContent();
+await page.locator('.queued [aria-current] + button').click();
+await until('what plays is removed, for every page and the machine', async () => (await other.locator('.playing bdi').textContent()) !== playing
+  && (await other.locator('#queue-button').textContent()) === 'Queue 4');
 await other.close();
 await page.bringToFront();
 await page.selectOption('.output select', 'here');
