@@ -19,7 +19,8 @@ async function ask(address, options) {
   }
   if (answer.ok) return answer;
   const document = await answer.json().catch(() => ({}));
-  const said = document.error?.message || `the answer was “${answer.status}”.`;
+  const tooLong = 'That is more at once than the program takes, which is 8 MiB. Choose less.';
+  const said = document.error?.message || (answer.status === 413 ? tooLong : `The program orka answered “${answer.status}”.`);
   if (answer.status === 401) dispatchEvent(new Event('locked'));
   throw new Problem(sentence(said), answer.status, document.error?.name || 'error');
 }
@@ -64,7 +65,7 @@ export async function setValue(path, value) {
   return (await (await ask(`/api/set?${query({ path })}`, post(value))).json()).value;
 }
 
-/** Every track below a node. @param {string} path @returns {Promise<{items: any[], complete: boolean}>} */
+/** Every track below a node. @param {string} path @returns {Promise<{items: any[], complete: boolean, error?: {message?: string}}>} */
 export async function readQueue(path) {
   return (await ask(`/api/queue?${query({ path })}`)).json();
 }

@@ -16,6 +16,8 @@ export function showSearch(main, path, text, actions, trail) {
   const results = h('div', { class: 'results', tabindex: 0, role: 'region', 'aria-label': 'Results' });
   const server = live.find(serverOf(path));
   const request = new AbortController();
+  /** @type {Set<string>} */
+  const problems = new Set();
   document.title = `${short(text)} – orka`;
   main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, 'Search ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
   search();
@@ -29,8 +31,10 @@ export function showSearch(main, path, text, actions, trail) {
       }
       const found = await Promise.all(menu.rows.map(searchOne));
       const total = found.reduce((sum, number) => sum + number, 0);
-      said.textContent = found.some((number) => number < 0) ? '' : count(total, 'match', 'matches');
-      if (total === 0) say(`Nothing matches “${short(text)}”. A part of a word is enough; fewer letters find more.`);
+      said.textContent = count(total, 'match', 'matches');
+      if (request.signal.aborted) return;
+      if (problems.size) say([...problems].join(' '));
+      else if (total === 0) say(`Nothing matches “${short(text)}”. A part of a word is enough; fewer letters find more.`);
     } catch (error) {
       if (!request.signal.aborted) say(/** @type {Error} */ (error).message);
     }
@@ -42,7 +46,7 @@ export function showSearch(main, path, text, actions, trail) {
     results.append(h('div', { class: 'empty' }, h('p', {}, sentence), h('a', { href: placeHash(path) }, 'To the folders')));
   }
 
-  /** One section; returns how many rows there are, -1 where the search failed. @param {Row} kind */
+  /** One section; returns how many rows there are. @param {Row} kind */
   async function searchOne(kind) {
     const section = h('section', {}, h('h2', {}, `${kind.title} `, h('small', {}, 'searching …')));
     results.append(section);
@@ -59,10 +63,9 @@ export function showSearch(main, path, text, actions, trail) {
       }
       return answer.rowsCount;
     } catch (error) {
-      if (!request.signal.aborted) {
-        section.replaceChildren(h('h2', {}, kind.title), h('p', { class: 'empty' }, /** @type {Error} */ (error).message));
-      }
-      return -1;
+      section.remove();
+      problems.add(/** @type {Error} */ (error).message);
+      return 0;
     }
   }
 

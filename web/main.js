@@ -55,12 +55,12 @@ async function enqueue(action, row, path, title) {
       notify(`${title}: done.`);
       return;
     }
-    const { items, complete } = await queue.tracksBelow(row.path);
+    const { items, lacking } = await queue.tracksBelow(row.path);
     if (!items.length) {
-      notify(`There is no music in “${short(row.title)}”.`);
+      notify(lacking || `There is no music in “${short(row.title)}”.`);
       return;
     }
-    if (!complete) notify(`“${short(row.title)}” holds more than can be queued at once: the first ${items.length.toLocaleString('en')} tracks were taken.`);
+    if (lacking) notify(lacking);
     const next = queue.current + 1;
     queue.insert(items, action === 'playlist/addToQueue' ? queue.items.length : next);
     if (action === 'playlist/playNow') player.play(next);
@@ -71,13 +71,19 @@ async function enqueue(action, row, path, title) {
 }
 
 function render() {
+  const hadFocus = main.contains(document.activeElement);
   view.leave();
   place = parseHash(location.hash);
   if (place.view === 'servers') view = showServers();
   else if (place.view === 'find') view = showSearch(main, place.path, place.text, actions, trailNow());
   else view = showPlace(main, place.path, actions, trailNow());
+  if (findText.value.trim() !== place.text) findText.value = place.text;
   drawTrail();
   view.update();
+  if (!hadFocus) return;
+  const heading = main.querySelector('h1'); // what had the focus is gone
+  heading.tabIndex = -1;
+  heading.focus();
 }
 
 function showServers() {
@@ -117,7 +123,6 @@ function drawTrail() {
     },
   }, short(crumb.title))));
   findForm.hidden = place.view === 'servers';
-  if (document.activeElement !== findText) findText.value = place.text;
 }
 
 function drawStanding() {
@@ -180,6 +185,10 @@ function askForToken() {
 part('home').addEventListener('click', (/** @type {MouseEvent} */ event) => {
   event.preventDefault();
   go('#/', []);
+});
+/** @type {HTMLElement} */ (document.querySelector('.skip')).addEventListener('click', (event) => {
+  event.preventDefault(); // the address is that of a place
+  main.focus();
 });
 addEventListener('popstate', render);
 addEventListener('locked', askForToken);

@@ -38,7 +38,7 @@ export async function showMenu(row, anchor, prefix, choose) {
   }, short(entry.title)));
   opener = anchor;
   open = h('div', { class: 'menu', role: 'menu', 'aria-label': short(row.title), onkeydown: key }, ...buttons);
-  document.body.append(/** @type {HTMLElement} */ (open));
+  (anchor.closest('main') || document.body).append(/** @type {HTMLElement} */ (open));
   putBeside(/** @type {HTMLElement} */ (open), anchor);
   buttons[0]?.focus();
 }

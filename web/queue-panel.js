@@ -20,7 +20,8 @@ export function setUpQueue(panel, button) {
     notify('The queue is empty now.', 'Undo', () => queue.replace(old));
   } }, 'Clear');
   const empty = h('p', { class: 'empty' }, 'Nothing is queued. Choose “Add to queue” from the menu of a track or folder.');
-  panel.append(h('div', { class: 'panel-head' }, heading, said), h('div', { class: 'panel-tools' }, saveAs('m3u8'), saveAs('xspf'), clear), empty, list);
+  panel.append(h('div', { class: 'panel-head' }, heading, said), h('div', { class: 'panel-tools' }, saveAs('m3u8'), saveAs('xspf'), clear), empty, list,
+    h('p', { id: 'queue-keys', hidden: true }, 'Alt with an arrow key moves it, Delete removes it.'));
 
   const look = queueLook(list);
   const rows = new GivenRows(queue.items);

@@ -2,8 +2,6 @@ import { readQueue } from './api.js';
 import { Pages } from './pages.js';
 import { kept, store } from './settings.js';
 
-const mostItems = 20000;
-
 /** @param {any} item an item as the media device prepares it @returns {QueueItem} */
 function itemOf(item) {
   const row = JSON.parse(item.orkaRoles || '{}');
@@ -56,10 +54,11 @@ class Queue extends EventTarget {
     if (!(this.current >= 0)) this.current = this.items.length ? 0 : -1;
   }
 
-  /** Every track below a node. @param {string} path */
+  /** Every track below a node; where some are lacking, why. @param {string} path */
   async tracksBelow(path) {
     const answer = await readQueue(path);
-    return { items: answer.items.map(itemOf).slice(0, mostItems), complete: answer.complete };
+    const lacking = answer.complete ? '' : answer.error?.message || 'Not every track of this place could be queued.';
+    return { items: answer.items.map(itemOf), lacking };
   }
 
   /** @param {QueueItem[]} items @param {number} at */

@@ -53,6 +53,7 @@ class Sound extends EventTarget {
 
   stop() {
     this.item = null;
+    clearTimeout(this.#silence);
     this.#audio.removeAttribute('src');
     this.#audio.load();
     this.#tell('change');

@@ -6,6 +6,7 @@ const shows = (text) => page.getByText(text).first().isVisible();
 const row = (text) => page.locator('li', { hasText: text }).first();
 const choose = async (text, entry) => {
   await row(text).locator('button').click();
+  await findings(page, 'a menu');
   await page.getByRole('menuitem', { name: entry }).click();
 };
 const queued = () => page.evaluate(() => JSON.parse(localStorage.getItem('orka.queue') || '{}').items || []);
@@ -27,8 +28,9 @@ await until('a cover, in its colour', () => page.evaluate(() => {
 }));
 await picture(page, 'covers');
 await findings(page, 'covers');
-await row('Punctuation').locator('a').click();
+await row('Punctuation').locator('a').press('Enter');
 await until('titles are text', () => shows('Rock & Roll <live>'));
+check('the focus is on the place', await page.evaluate(() => document.activeElement.tagName === 'H1'));
 await page.reload();
 await until('a reload keeps the place', () => shows('back\\slash'));
 await page.locator('row-list a').first().focus();
