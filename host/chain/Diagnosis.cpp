@@ -35,6 +35,18 @@ QString secondsText(std::chrono::milliseconds time)
     return Text::tr("%Ln seconds", "within", std::max(1, int(seconds)));
 }
 
+/// A node that says nothing for so long doesn't answer.
+constexpr std::chrono::milliseconds answerLimit(10'000);
+/// However long a worker has waited, the node is given this to answer a question of ours.
+constexpr std::chrono::milliseconds shortestQuestion(500);
+
+} // namespace
+
+std::chrono::milliseconds diagnosisLimit(std::chrono::milliseconds waited)
+{
+    return std::max(shortestQuestion, answerLimit - waited);
+}
+
 Diagnosis diagnosisOf(const ServiceAnswer &answer)
 {
     if (!answer.came)
@@ -46,7 +58,14 @@ Diagnosis diagnosisOf(const ServiceAnswer &answer)
     return diagnosisOf(answer.error);
 }
 
-} // namespace
+Diagnosis diagnosisOfChild(const ServiceAnswer &answer)
+{
+    Diagnosis diagnosis = diagnosisOf(answer);
+    // Others answer with an empty list.
+    if (answer.isGood() && childrenIn(answer) == 0)
+        diagnosis.verdict = Diagnosis::Empty;
+    return diagnosis;
+}
 
 Diagnosis diagnose(const CMPath &path, int position, std::chrono::milliseconds limit)
 {
@@ -61,11 +80,7 @@ Diagnosis diagnose(const CMPath &path, int position, std::chrono::milliseconds l
         return {Diagnosis::ServerGone};
     if (path.param(QStringLiteral("itemType")) == QLatin1String("track"))
         return diagnosisOf(service.everything(object));
-    const ServiceAnswer child = service.child(object, uint(position));
-    Diagnosis diagnosis = diagnosisOf(child);
-    // Others answer with an empty list.
-    if (child.isGood() && childrenIn(child) == 0)
-        diagnosis.verdict = Diagnosis::Empty;
+    Diagnosis diagnosis = diagnosisOfChild(service.child(object, uint(position)));
     if (diagnosis.verdict == Diagnosis::Empty && position > 0)
         diagnosis.childCount = valueOf(service.childCount(object)).toInt();
     return diagnosis;

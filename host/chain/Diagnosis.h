@@ -5,6 +5,7 @@
 #include <chrono>
 
 class CMPath;
+struct ServiceAnswer;
 
 /// What is the matter with a node of which a worker said nothing, or only that it failed.
 struct Diagnosis
@@ -37,6 +38,13 @@ struct Diagnosis
 /// Asks the media service itself about the node, once, and waits in the event loop, `limit` at
 /// most: for the properties of a track (as its path says), else for the row at `position`.
 Diagnosis diagnose(const CMPath &path, int position, std::chrono::milliseconds limit);
+
+/// For how long the media service may be asked about a node, behind a worker that has waited.
+std::chrono::milliseconds diagnosisLimit(std::chrono::milliseconds waited);
+
+/// What an answer about a node means; `diagnosisOfChild()`: to a call for one of its rows.
+Diagnosis diagnosisOf(const ServiceAnswer &answer);
+Diagnosis diagnosisOfChild(const ServiceAnswer &answer);
 
 /// What an error of the media service means, by its text alone.
 Diagnosis diagnosisOf(const QString &error);

@@ -56,7 +56,11 @@ QDBusMessage ServiceCalls::bridgeCall(const QString &method, const QString &argu
 
 ServiceAnswer ServiceCalls::send(const QDBusMessage &call) const
 {
-    const QDBusMessage reply = Bus(orkaDBusConnection(), m_limit).send(call);
+    return answerOf(Bus(orkaDBusConnection(), m_limit).send(call));
+}
+
+ServiceAnswer ServiceCalls::answerOf(const QDBusMessage &reply)
+{
     ServiceAnswer answer;
     const bool isError = reply.type() == QDBusMessage::ErrorMessage;
     // The bus says so where the service ended meanwhile, and the library where the time is over.
@@ -98,9 +102,17 @@ ServiceAnswer ServiceCalls::property(const QString &server, const QString &name)
     return send(propertyCall(server, name));
 }
 
+QDBusMessage ServiceCalls::everythingCall(const QString &object)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), object, propertiesInterface, QStringLiteral("GetAll"));
+    call.setArguments({QString()});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::everything(const QString &object) const
 {
-    return call(object, propertiesInterface, QStringLiteral("GetAll"), {QString()});
+    return send(everythingCall(object));
 }
 
 QStringList ServiceCalls::awaitedServers() const
@@ -110,17 +122,17 @@ QStringList ServiceCalls::awaitedServers() const
         .toStringList();
 }
 
-QDBusMessage ServiceCalls::childCall(const QString &container, uint position)
+QDBusMessage ServiceCalls::childrenCall(const QString &container, uint first, uint count)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
         ServiceStarter::busName(), container, containerInterface, QStringLiteral("ListChildren"));
-    call.setArguments({position, 1U, QStringList{QStringLiteral("Path")}});
+    call.setArguments({first, count, QStringList{QStringLiteral("Path")}});
     return call;
 }
 
 ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
 {
-    return send(childCall(container, position));
+    return send(childrenCall(container, position, 1));
 }
 
 QDBusMessage ServiceCalls::searchCall(

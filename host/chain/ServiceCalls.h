@@ -48,9 +48,10 @@ public:
     static QDBusMessage propertyCall(const QString &server, const QString &name);
     ServiceAnswer property(const QString &server, const QString &name) const;
     /// All that is known of any object.
+    static QDBusMessage everythingCall(const QString &object);
     ServiceAnswer everything(const QString &object) const;
-    /// For one child of a container, counted from 0.
-    static QDBusMessage childCall(const QString &container, uint position);
+    /// For the paths of children of a container, counted from 0.
+    static QDBusMessage childrenCall(const QString &container, uint first, uint count);
     ServiceAnswer child(const QString &container, uint position) const;
     /// These properties of some children, counted from 0.
     ServiceAnswer children(
@@ -65,6 +66,9 @@ public:
     /// "/…/server/…/36" for the base of a node path, "/uuid:…/36"; empty where none of `servers`
     /// has this UDN.
     QString objectOf(const QString &base, const QStringList &servers) const;
+
+    /// What came of a call; a reply that the library made up, as nothing came in time, is none.
+    static ServiceAnswer answerOf(const QDBusMessage &reply);
 
 private:
     ServiceAnswer send(const QDBusMessage &call) const;

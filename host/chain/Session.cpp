@@ -12,9 +12,7 @@ namespace {
 
 using Milliseconds = std::chrono::milliseconds;
 
-/// A node that says nothing for so long doesn't answer.
-constexpr Milliseconds answerLimit(10'000);
-/// However long the worker has waited, the node is given this to answer a question of ours.
+/// The time that is left is too short for a question.
 constexpr Milliseconds shortestQuestion(500);
 constexpr Milliseconds rowLimit(1'000);
 /// All that the plug-in says where a listing failed, or a node isn't there.
@@ -123,8 +121,8 @@ Patient Session::patient(const CMPath &path) const
 /// Asks the media service, which has what is left of the time, and a moment where that is nothing.
 Diagnosis Session::diagnoseRow(const CMPath &path, int position) const
 {
-    const Milliseconds left = answerLimit - Milliseconds(m_asked.elapsed());
-    return diagnose(path, position, std::min(remaining(), std::max(shortestQuestion, left)));
+    return diagnose(
+        path, position, std::min(remaining(), diagnosisLimit(Milliseconds(m_asked.elapsed()))));
 }
 
 void Session::requireAnswerOf(const CMPath &path)

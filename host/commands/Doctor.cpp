@@ -144,7 +144,7 @@ QHash<QString, QString> askServers(Session &session, const ServerList::Servers &
         if (object.isEmpty())
             continue;
         auto call = std::make_unique<QDBusPendingCallWatcher>(
-            orkaDBusConnection().asyncCall(ServiceCalls::childCall(object, 0)));
+            orkaDBusConnection().asyncCall(ServiceCalls::childrenCall(object, 0, 1)));
         QObject::connect(call.get(), &QDBusPendingCallWatcher::finished, &wait, &Wait::wake);
         calls[server.path().base()] = std::move(call);
     }

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Interrupt.h"
+#include "web/ErrorReason.h"
 
 #include <api/core/CMRoot.h>
 
@@ -104,6 +105,20 @@ void LiveChain::await(const CMVoidReply &reply, Done done)
     }
 }
 
+LiveChain::Done LiveChain::explained(const CMPath &path, int first, int count, Done done)
+{
+    QElapsedTimer clock;
+    clock.start();
+    return [=, done = std::move(done)](const CMError &error) {
+        if (error.isError() && isThere()) {
+            new ErrorReason(error, {path, first, count, std::chrono::milliseconds(clock.elapsed())},
+                m_session->mediaService().servers().paths(), m_options.timeout, done, this);
+        } else {
+            done(error);
+        }
+    };
+}
+
 void LiveChain::rows(const CMPath &path, int first, int last, const QStringList &roles,
     std::function<void(const CMError &, const OrkaRowsRoles &)> done)
 {
@@ -111,7 +126,8 @@ void LiveChain::rows(const CMPath &path, int first, int last, const QStringList 
     if (isThere())
         CMRoot()->getRowsRequest(CMGetRowsRequest(path, first, last, -1, roles, reply));
     await(reply,
-        [reply, done = std::move(done)](const CMError &error) { done(error, reply.value()); });
+        explained(path, first, last - first + 1,
+            [reply, done = std::move(done)](const CMError &error) { done(error, reply.value()); }));
 }
 
 void LiveChain::data(const CMPath &path, const QStringList &roles,
@@ -120,8 +136,9 @@ void LiveChain::data(const CMPath &path, const QStringList &roles,
     const CMReply<QVariantList> reply;
     if (isThere())
         CMRoot()->getDataRequest(CMGetDataRequest(path, roles, reply));
-    await(reply,
-        [reply, done = std::move(done)](const CMError &error) { done(error, reply.value()); });
+    await(reply, explained(path, 0, 1, [reply, done = std::move(done)](const CMError &error) {
+        done(error, reply.value());
+    }));
 }
 
 void LiveChain::set(const CMPath &path, const QVariant &value,

@@ -17,8 +17,9 @@ class LiveChain : public QObject
     Q_OBJECT
 
 public:
-    /// Told once: without an error when the reply has its value. "noAnswer" is the error's name
-    /// where nothing came in --timeout, "noMediaService" where the media service has left.
+    /// Told once: without an error when the reply has its value, or there are no rows. "noAnswer"
+    /// is the error's name where nothing came in time, "noMediaService" where the media service has
+    /// left; other errors say what is the matter, as those of Session do.
     using Done = std::function<void(const CMError &)>;
 
     /// Throws Failure where there is no chain to begin with.
@@ -46,6 +47,8 @@ private:
     void begin();
     void lose();
     void tryAgain();
+    /// Tells `done` of an error with its reason, about these rows.
+    Done explained(const CMPath &path, int first, int count, Done done);
     void await(const CMVoidReply &reply, Done done);
 
     const GlobalOptions m_options;

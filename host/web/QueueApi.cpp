@@ -24,7 +24,7 @@ void QueueApi::gather(const ExchangePointer &exchange)
 {
     const CMPath path = parsePath(exchange->parameter(QStringLiteral("path")));
     new QueueWalk(m_chain, m_carried, path,
-        [exchange](const CMError &error, const PlayListItems &items, bool isComplete) {
+        [exchange](const CMError &error, const PlayListItems &items, const QStringList &problems) {
             if (error.isError()) {
                 exchange->refuse(error);
                 return;
@@ -32,9 +32,10 @@ void QueueApi::gather(const ExchangePointer &exchange)
             QVariantList list;
             for (const OrkaPlayListItem &item : items)
                 list.append(item.toVariant());
-            OrkaHash document;
+            OrkaHash document =
+                problems.isEmpty() ? OrkaHash() : errorDocument(incompleteError(problems));
             document.setValue(QStringLiteral("items"), list);
-            document.setValue(QStringLiteral("complete"), isComplete);
+            document.setValue(QStringLiteral("complete"), problems.isEmpty());
             exchange->answer(document);
         });
 }

@@ -1,14 +1,18 @@
 #include "web/QueueWalk.h"
 
+#include "Text.h"
+#include "output/SafeText.h"
 #include "tree/PlayableRow.h"
 #include "tree/ServerList.h"
 #include "web/NodeApi.h"
 
 namespace {
 
-constexpr int pageSize = 500;
+constexpr int smallPage = 50;
+constexpr int smallestPage = 5;
 constexpr int mostItems = 20'000;
 constexpr int mostFolders = 5'000;
+constexpr int mostProblems = 10;
 // Milliseconds:
 constexpr qint64 longest = 60'000;
 constexpr qint64 longestRefusal = 3'000;
@@ -41,7 +45,7 @@ void QueueWalk::readTrack(const CMPath &path)
             track.setPath(path);
             if (!error.isError())
                 add(track);
-            finish(error, true);
+            finish(error);
         });
 }
 
@@ -51,7 +55,9 @@ void QueueWalk::step()
         const Work work = m_work.front();
         if (m_items.size() >= mostItems || m_folders.size() >= mostFolders
             || m_clock.elapsed() > longest) {
-            finish({}, false);
+            addProblem(QStringLiteral("A queue ends after %1 tracks, %2 folders or a minute.")
+                           .arg(Text::number(mostItems), Text::number(mostFolders)));
+            finish({});
             return;
         }
         m_work.pop_front();
@@ -59,28 +65,27 @@ void QueueWalk::step()
             add(work.row);
         } else if (work.row.type() == OrkaRolesType::Container) {
             const QString path = work.row.path().toEncoded();
-            if (work.first == 0 && m_folders.contains(path))
+            if (work.first == 0 && work.page == pageSize && m_folders.contains(path))
                 continue;
             m_folders.insert(path);
             readFolder(work);
             return;
         }
     }
-    finish(m_items.isEmpty() ? m_error : CMError(), !m_isShort);
+    finish(m_items.isEmpty() ? m_error : CMError());
 }
 
 void QueueWalk::readFolder(const Work &folder)
 {
     const qint64 start = m_clock.elapsed();
-    m_chain.rows(folder.row.path(), folder.first, folder.first + pageSize - 1, OrkaRoles::all(),
+    m_chain.rows(folder.row.path(), folder.first, folder.first + folder.page - 1, OrkaRoles::all(),
         [this, folder, start](const CMError &error, const OrkaRowsRoles &answer) {
             if (!error.isError()) {
                 take(folder, answer);
             } else {
-                m_isShort = true;
-                m_error = error;
+                readSmaller(folder, error);
                 if (m_clock.elapsed() - start > longestRefusal) {
-                    askServer(folder.row.path());
+                    askServer(folder.row.path(), error);
                     return;
                 }
             }
@@ -88,32 +93,72 @@ void QueueWalk::readFolder(const Work &folder)
         });
 }
 
+void QueueWalk::readSmaller(Work folder, const CMError &error)
+{
+    if (folder.page == smallestPage) {
+        fail(error);
+        return;
+    }
+    const bool isSilent = error.name() == QLatin1String("noAnswer");
+    folder.page = folder.page == smallPage || isSilent ? smallestPage : smallPage;
+    m_work.push_front(folder);
+}
+
 /// Behind a folder that is silent: its server may be, too, and would be so again.
-void QueueWalk::askServer(const CMPath &path)
+void QueueWalk::askServer(const CMPath &path, const CMError &silence)
 {
     const CMPath server(path.prefix(), ServerList::serverBase(path));
-    m_chain.rows(
-        server, 0, 0, {OrkaRoles::Path()}, [this](const CMError &error, const OrkaRowsRoles &) {
-            if (error.isError())
+    m_chain.rows(server, 0, 0, {OrkaRoles::Path()},
+        [this, silence](const CMError &error, const OrkaRowsRoles &) {
+            if (error.isError()) {
                 m_work.clear();
+                fail(silence);
+            }
             step();
         });
 }
 
-void QueueWalk::take(const Work &folder, const OrkaRowsRoles &answer)
+void QueueWalk::fail(const CMError &error)
+{
+    addProblem(error.message().toString());
+    m_error = error;
+}
+
+void QueueWalk::take(Work folder, const OrkaRowsRoles &answer)
 {
     const QVector<OrkaRoles> rows = rowsOf(answer, OrkaRoles::all()).rows;
-    const int next = folder.first + rows.size();
-    if (!rows.isEmpty() && next < answer.rowsCount())
-        m_work.push_front({folder.row, next});
-    m_isShort = m_isShort || (rows.isEmpty() && next < answer.rowsCount());
-    for (int i = rows.size() - 1; i >= 0; --i) {
+    std::deque<Work> taken;
+    for (const OrkaRoles &row : rows) {
         // One that comes again stands in the place of another.
         const int before = m_rows.size();
-        m_rows.insert(rows.at(i).path().toEncoded());
-        m_isShort = m_isShort || (folder.first > 0 && m_rows.size() == before);
-        m_work.push_front({rows.at(i)});
+        m_rows.insert(row.path().toEncoded());
+        folder.lacking += folder.first > 0 && m_rows.size() == before ? 1 : 0;
+        taken.push_back({row});
     }
+    folder.first += rows.size();
+    if (!rows.isEmpty() && folder.first < answer.rowsCount()) {
+        taken.push_back(folder);
+    } else {
+        folder.lacking += std::max(0, answer.rowsCount() - folder.first);
+        tellLacking(folder);
+    }
+    m_work.insert(m_work.begin(), taken.begin(), taken.end());
+}
+
+void QueueWalk::tellLacking(const Work &folder)
+{
+    if (folder.lacking == 0)
+        return;
+    const QString title = folder.row.title().toString();
+    addProblem(Text::tr(
+        "The media server counts %Ln more rows in %1 than it gives.", nullptr, folder.lacking)
+                   .arg(title.isEmpty() ? QStringLiteral("this folder") : quoted(title)));
+}
+
+void QueueWalk::addProblem(const QString &sentence)
+{
+    if (m_problems.size() < mostProblems && !m_problems.contains(sentence))
+        m_problems.append(sentence);
 }
 
 void QueueWalk::add(const OrkaRoles &track)
@@ -126,8 +171,8 @@ void QueueWalk::add(const OrkaRoles &track)
     m_items.append(item);
 }
 
-void QueueWalk::finish(const CMError &error, bool isComplete)
+void QueueWalk::finish(const CMError &error)
 {
     deleteLater();
-    std::exchange(m_done, nullptr)(error, m_items, isComplete);
+    std::exchange(m_done, nullptr)(error, m_items, m_problems);
 }

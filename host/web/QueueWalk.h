@@ -14,26 +14,38 @@
 class QueueWalk : public QObject
 {
 public:
-    /// `isComplete` is false where a limit, or an error below the node, has cut the list short.
-    using Done = std::function<void(const CMError &, const PlayListItems &items, bool isComplete)>;
+    /// `problems` are sentences: why the list isn't whole; none where it is.
+    using Done = std::function<void(
+        const CMError &, const PlayListItems &items, const QStringList &problems)>;
 
     QueueWalk(LiveChain &chain, CarriedAddresses &carried, const CMPath &path, Done done);
 
 private:
+    /// Rows; where a page of a folder fails, smaller ones may not.
+    static constexpr int pageSize = 500;
+
     /// A row that is still to be looked at; of a folder, from which of its rows on.
     struct Work
     {
         OrkaRoles row;
         int first = 0;
+        /// How many of them are asked for at once.
+        int page = pageSize;
+        /// How many haven't come so far, though they are counted.
+        int lacking = 0;
     };
 
     void step();
     void readTrack(const CMPath &path);
     void readFolder(const Work &folder);
-    void askServer(const CMPath &path);
-    void take(const Work &folder, const OrkaRowsRoles &answer);
+    void readSmaller(Work folder, const CMError &error);
+    void askServer(const CMPath &path, const CMError &silence);
+    void fail(const CMError &error);
+    void take(Work folder, const OrkaRowsRoles &answer);
+    void tellLacking(const Work &folder);
     void add(const OrkaRoles &track);
-    void finish(const CMError &error, bool isComplete);
+    void addProblem(const QString &sentence);
+    void finish(const CMError &error);
 
     LiveChain &m_chain;
     CarriedAddresses &m_carried;
@@ -44,8 +56,8 @@ private:
     QSet<QString> m_folders;
     /// Of every row, by path.
     QSet<QString> m_rows;
-    /// A folder gave fewer rows than it counts, or none for this error.
-    bool m_isShort = false;
+    QStringList m_problems;
+    /// Why the last folder that failed gave no rows.
     CMError m_error;
     QElapsedTimer m_clock;
 };

@@ -103,6 +103,11 @@ session() {
 }
 check "the right token" 200 "$(session "$token")"
 refused 200 -b "$WORLD_DIR/cookies" "$URL/api/rows?path=upnp:"
+kill -9 "${server_pid[nas]}"
+wait "${server_pid[nas]}" 2>/dev/null || true
+refused 502 -b "$WORLD_DIR/cookies" "$URL/api/rows?path=$SERVER"
+check "an error says what is the matter" '"Test Music" could not be read' \
+    "$(jq -r .error.message "$WORLD_DIR/body" | grep -o '"Test Music" could not be read')"
 check "wrong tokens, and then none" "401 401 401 401 401 401 401 401 401 401 429" \
     "$(for i in $(seq 11); do session "wrong$i"; echo; done | xargs)"
 finish
