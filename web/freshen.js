@@ -16,13 +16,14 @@ export async function freshen(item) {
   }
 }
 
-/** Those of the items whose address is known, and that one; a few are asked for at a time. @param {QueueItem[]} items @param {QueueItem} one */
-export async function freshenAll(items, one) {
+/** A few at a time; which of them can't be had. @param {QueueItem[]} items */
+export async function freshenAll(items) {
+  /** @type {Set<QueueItem>} */
   const unknown = new Set();
   const left = [...items];
   const some = async () => {
     for (let item = left.shift(); item; item = left.shift()) if ((await freshen(item)) === 'unknown') unknown.add(item);
   };
   await Promise.all([some(), some(), some(), some()]);
-  return items.filter((item) => item === one || !unknown.has(item));
+  return unknown;
 }

@@ -15,6 +15,10 @@ class Machine {
   index = -1;
   /** @type {QueueItem[]} what the machine has */
   #sent = [];
+  /** @type {Set<QueueItem>} what can't be had */
+  #lost = new Set();
+  /** @type {QueueItem|null} */
+  #wanted = null;
   #goOnAt = 0;
   #isToBeTold = false;
   #work = Promise.resolve();
@@ -29,30 +33,32 @@ class Machine {
     return Boolean(live.player?.active);
   }
 
-  /** One after the other, as they were given. @param {Record<string, unknown>} body */
+  /** @param {Record<string, unknown>} body */
   command(body) {
-    this.#next(() => commandPlayer(body));
+    commandPlayer(body).catch((error) => notify(error.message));
   }
 
   /** @param {number} index @param {number} seconds from where on */
-  play(index, seconds) {
+  async play(index, seconds) {
     const item = queue.items[index];
+    this.#wanted = item;
+    const hasMoved = (await freshen(item)) === 'new';
+    if (this.#wanted !== item || !queue.items.includes(item)) return; // another was chosen meanwhile
     this.#next(async () => {
-      const hasMoved = (await freshen(item)) === 'new';
       const part = this.#part(item);
       try {
-        await this.#send('play', hasMoved ? await freshenAll(part, item) : part, item);
+        await this.#send('play', hasMoved ? [item] : part, item);
       } catch (error) {
         // A program that was started anew knows no address from before.
         if (/** @type {any} */ (error).status !== 400) throw error;
         await this.#send('play', [item], item);
-        this.#tell();
       }
       this.#goOnAt = seconds;
+      if (this.#sent !== part) this.#freshen(part);
     });
   }
 
-  /** @param {() => Promise<void>} step */
+  /** The lists one after the other, as they were made. @param {() => Promise<void>} step */
   #next(step) {
     this.#work = this.#work.then(step).catch((error) => notify(error.message));
   }
@@ -60,7 +66,7 @@ class Machine {
   /** @param {QueueItem} item */
   #part(item) {
     const first = Math.max(0, queue.items.indexOf(item) - mostBefore);
-    return queue.items.slice(first, first + mostSent);
+    return queue.items.slice(first, first + mostSent).filter((one) => one === item || !this.#lost.has(one));
   }
 
   /** @param {string} command @param {QueueItem[]} part @param {QueueItem} item */
@@ -72,19 +78,24 @@ class Machine {
   }
 
   /** What comes before and after the track that plays has changed. */
-  #tell() {
+  #tell(isFresh = false) {
     if (this.#isToBeTold) return;
     this.#isToBeTold = true;
     this.#next(async () => {
       this.#isToBeTold = false;
       if (!this.item) return;
       const part = this.#part(this.item);
-      await this.#send('queue', part, this.item).catch(async (error) => {
-        if (error.status !== 400 || !this.item) throw error;
-        const fresh = await freshenAll(part, this.item);
-        if (this.item) await this.#send('queue', fresh, this.item);
+      await this.#send('queue', part, this.item).catch((error) => {
+        if (error.status !== 400 || isFresh) throw error;
+        this.#freshen(part);
       });
     });
+  }
+
+  /** @param {QueueItem[]} part */
+  async #freshen(part) {
+    this.#lost = await freshenAll(part);
+    this.#tell(true);
   }
 
   #hear() {
