@@ -122,14 +122,6 @@ QStringList ServiceCalls::awaitedServers() const
         .toStringList();
 }
 
-QDBusMessage ServiceCalls::childrenCall(const QString &container, uint first, uint count)
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        ServiceStarter::busName(), container, containerInterface, QStringLiteral("ListChildren"));
-    call.setArguments({first, count, QStringList{QStringLiteral("Path")}});
-    return call;
-}
-
 ServiceAnswer ServiceCalls::child(const QString &container, uint position) const
 {
     return send(childrenCall(container, position, 1));
@@ -150,11 +142,19 @@ ServiceAnswer ServiceCalls::search(
     return send(searchCall(container, query, most, properties));
 }
 
+QDBusMessage ServiceCalls::childrenCall(
+    const QString &container, uint first, uint count, const QStringList &properties)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), container, containerInterface, QStringLiteral("ListChildren"));
+    call.setArguments({first, count, properties});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::children(
     const QString &container, uint first, uint count, const QStringList &properties) const
 {
-    return call(
-        container, containerInterface, QStringLiteral("ListChildren"), {first, count, properties});
+    return send(childrenCall(container, first, count, properties));
 }
 
 ServiceAnswer ServiceCalls::childCount(const QString &container) const

@@ -50,10 +50,11 @@ public:
     /// All that is known of any object.
     static QDBusMessage everythingCall(const QString &object);
     ServiceAnswer everything(const QString &object) const;
-    /// For the paths of children of a container, counted from 0.
-    static QDBusMessage childrenCall(const QString &container, uint first, uint count);
+    /// The path of one child of a container, counted from 0.
     ServiceAnswer child(const QString &container, uint position) const;
     /// These properties of some children, counted from 0.
+    static QDBusMessage childrenCall(const QString &container, uint first, uint count,
+        const QStringList &properties = {QStringLiteral("Path")});
     ServiceAnswer children(
         const QString &container, uint first, uint count, const QStringList &properties) const;
     /// At most `most` of the objects below a container that a query of the service's describes, and
@@ -69,9 +70,9 @@ public:
 
     /// What came of a call; a reply that the library made up, as nothing came in time, is none.
     static ServiceAnswer answerOf(const QDBusMessage &reply);
+    ServiceAnswer send(const QDBusMessage &call) const;
 
 private:
-    ServiceAnswer send(const QDBusMessage &call) const;
     ServiceAnswer call(const QString &object, const QString &interface, const QString &method,
         const QVariantList &arguments) const;
 

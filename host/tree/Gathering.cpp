@@ -39,7 +39,7 @@ struct Gathering::Folder
     RowPages pages;
     Rows page = {};
     int next = 0;
-    std::shared_ptr<KnownFiles::Page> known = {};
+    KnownFiles::PagePointer known = {};
 };
 
 Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
@@ -47,7 +47,6 @@ Gathering::Gathering(Session &session, const Kinds &kinds, Take take)
     , m_kinds(kinds)
     , m_take(std::move(take))
     , m_progress(std::make_unique<Progress>(Text::tr("Collecting")))
-    , m_known(session.options().timeout)
 {
 }
 
@@ -183,7 +182,7 @@ void Gathering::takeRow(const OrkaRoles &row)
     }
 }
 
-void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page)
+void Gathering::takeItem(const OrkaRoles &row, const KnownFiles::PagePointer &page)
 {
     OrkaPlayListItem item = itemOfRow(row);
     try {
@@ -199,10 +198,24 @@ void Gathering::takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles:
             m_withoutAddress.append(title);
         return;
     }
+    while (const KnownFiles::PagePointer wanted = m_known.wanted(item, row.path(), page))
+        askSizes(wanted.get());
     if (!m_known.add(item, row.path(), page))
         return;
     ++m_items;
     m_take(item);
+}
+
+void Gathering::askSizes(KnownFiles::Page *page)
+{
+    page->asked = true;
+    const ServiceCalls service(m_session.options().timeout);
+    const QString server = ServerList::serverBase(page->folder);
+    if (!m_serviceObjects.contains(server))
+        m_serviceObjects.insert(server, service.objectOf(server, objectPaths(service.servers())));
+    const QString object = m_serviceObjects.value(server);
+    if (!object.isEmpty())
+        KnownFiles::takeSizes(service.send(KnownFiles::sizesCall(object, *page)), page);
 }
 
 /// What the worker makes of one object; empty where it makes nothing.

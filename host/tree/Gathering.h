@@ -56,7 +56,8 @@ private:
     void open(const OrkaRoles &row, const QString &parentName);
     void push(const CMPath &path, const QString &name);
     void takeRow(const OrkaRoles &row);
-    void takeItem(const OrkaRoles &row, const std::shared_ptr<KnownFiles::Page> &page);
+    void takeItem(const OrkaRoles &row, const KnownFiles::PagePointer &page);
+    void askSizes(KnownFiles::Page *page);
     void tellWithoutAddress(const QString &place);
     OrkaPlayListItem prepared(const OrkaRoles &row);
     void fail(const CMPath &path, const Failure &failure);
@@ -70,6 +71,8 @@ private:
     QHash<QString, std::shared_ptr<PageSize>> m_pageSizes;
     QSet<QString> m_visited;
     KnownFiles m_known;
+    /// The media service's objects of servers, by the base of their path.
+    QHash<QString, QString> m_serviceObjects;
     /// By the base of their server's path.
     QHash<QString, std::shared_ptr<ContentWatch>> m_watches;
     /// Bases of servers that don't answer.

@@ -1,6 +1,5 @@
 #include "tree/KnownFiles.h"
 
-#include "chain/ServiceCalls.h"
 #include "tree/ServerList.h"
 
 #include <QDBusObjectPath>
@@ -18,9 +17,18 @@ QString looksOf(const OrkaPlayListItem &item, const CMPath &path)
         .join(QChar(0));
 }
 
+const QString pathProperty = QStringLiteral("Path");
+const QString sizeProperty = QStringLiteral("Size");
+
+/// The last part of an object's path.
+QString objectOf(const QString &path)
+{
+    return path.section(QLatin1Char('/'), -1);
+}
+
 QString objectOf(const CMPath &path)
 {
-    return path.base().section(QLatin1Char('/'), -1);
+    return objectOf(path.base());
 }
 
 /// Whether the object's id is a part of its address, as it is (Gerbera) or in base64 (Rygel), so
@@ -42,20 +50,19 @@ bool hasTags(const OrkaPlayListItem &item)
     return !item.artist().isEmpty() && !item.album().isEmpty();
 }
 
-} // namespace
-
-KnownFiles::KnownFiles(std::chrono::milliseconds limit)
-    : m_limit(limit)
+bool hasLookalikes(const OrkaPlayListItem &item, const CMPath &path)
 {
+    return hasTags(item) && isNamedInAddress(path, item.url());
 }
 
-bool KnownFiles::add(
-    const OrkaPlayListItem &item, const CMPath &path, const std::shared_ptr<Page> &page)
+} // namespace
+
+bool KnownFiles::add(const OrkaPlayListItem &item, const CMPath &path, const PagePointer &page)
 {
     if (m_addresses.contains(item.url()))
         return false;
     m_addresses.insert(item.url());
-    if (!hasTags(item) || !isNamedInAddress(path, item.url()))
+    if (!hasLookalikes(item, path))
         return true;
     QVector<File> &lookalikes = m_lookalikes[looksOf(item, path)];
     const File file{objectOf(path), page};
@@ -67,45 +74,51 @@ bool KnownFiles::add(
     return true;
 }
 
+KnownFiles::PagePointer KnownFiles::wanted(
+    const OrkaPlayListItem &item, const CMPath &path, const PagePointer &page) const
+{
+    if (m_addresses.contains(item.url()) || !hasLookalikes(item, path))
+        return nullptr;
+    const File file{objectOf(path), page};
+    const QVector<File> lookalikes = m_lookalikes.value(looksOf(item, path));
+    for (const File &known : lookalikes) {
+        if (!mayBeSame(known, file))
+            continue;
+        if (!page->asked)
+            return page;
+        if (sizeOf(file) > 0 && !known.page->asked)
+            return known.page;
+    }
+    return nullptr;
+}
+
 /// No folder holds a file twice.
+bool KnownFiles::mayBeSame(const File &a, const File &b)
+{
+    return a.page && b.page && a.page->folder.base() != b.page->folder.base();
+}
+
 bool KnownFiles::isSame(const File &a, const File &b)
 {
-    if (!a.page || !b.page || a.page->folder.base() == b.page->folder.base())
-        return false;
-    const qint64 size = sizeOf(a);
-    return size > 0 && size == sizeOf(b);
+    return mayBeSame(a, b) && sizeOf(a) > 0 && sizeOf(a) == sizeOf(b);
 }
 
 qint64 KnownFiles::sizeOf(const File &file)
 {
-    if (!file.page->asked)
-        askSizes(file.page.get());
     return file.page->sizes.value(file.object);
 }
 
-void KnownFiles::askSizes(Page *page)
+void KnownFiles::takeSizes(const ServiceAnswer &answer, Page *page)
 {
-    page->asked = true;
-    const QString folder = serviceObject(page->folder);
-    if (folder.isEmpty())
-        return;
-    const QString path = QStringLiteral("Path");
-    const QString size = QStringLiteral("Size");
-    const ServiceAnswer answer =
-        ServiceCalls(m_limit).children(folder, uint(page->first), uint(page->rows), {path, size});
     for (const QVariantMap &child : childrenOf(answer)) {
-        const QString object = child.value(path).value<QDBusObjectPath>().path();
-        page->sizes.insert(object.section(QLatin1Char('/'), -1), child.value(size).toLongLong());
+        const QString object = child.value(pathProperty).value<QDBusObjectPath>().path();
+        page->sizes.insert(objectOf(object), child.value(sizeProperty).toLongLong());
     }
 }
 
-QString KnownFiles::serviceObject(const CMPath &folder)
+QDBusMessage KnownFiles::sizesCall(const QString &server, const Page &page)
 {
-    const QString server = ServerList::serverBase(folder);
-    if (!m_servers.contains(server)) {
-        const ServiceCalls service(m_limit);
-        m_servers.insert(server, service.objectOf(server, objectPaths(service.servers())));
-    }
-    const QString object = m_servers.value(server);
-    return object.isEmpty() ? object : object + folder.base().mid(server.size());
+    const QString base = page.folder.base();
+    return ServiceCalls::childrenCall(server + base.mid(ServerList::serverBase(page.folder).size()),
+        uint(page.first), uint(page.rows), {pathProperty, sizeProperty});
 }
