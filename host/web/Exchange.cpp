@@ -6,6 +6,8 @@
 
 #include <QCryptographicHash>
 
+#include <poll.h>
+
 namespace {
 
 constexpr int worthCompressing = 1400; // bytes: one packet holds less
@@ -70,6 +72,15 @@ void Exchange::onWroteChunk(SoupServerMessage *, gpointer exchange)
     --self->m_unsent;
     if (self->m_written)
         self->m_written();
+}
+
+bool Exchange::isWanted() const
+{
+    GSocket *socket = isOpen() ? soup_server_message_get_socket(m_message.get()) : nullptr;
+    if (socket == nullptr)
+        return false;
+    pollfd descriptor{g_socket_get_fd(socket), POLLRDHUP, 0};
+    return poll(&descriptor, 1, 0) <= 0;
 }
 
 QString Exchange::parameter(const QString &name) const
@@ -161,6 +172,7 @@ void Exchange::refuse(const CMError &error)
     const QString name = error.name();
     answer(errorDocument(error),
         name == QLatin1String("noAnswer")             ? 504
+            : name == QLatin1String("notPlayable")    ? 400
             : name == QLatin1String("noMediaService") ? 503
                                                       : 502);
 }

@@ -46,6 +46,9 @@ public:
 
     /// False where the client has left, or was answered.
     bool isOpen() const { return !m_isAnswered && !m_hasFinished; }
+    /// The same, looking at the connection: while a request waits for its answer, nobody hears that
+    /// its client leaves.
+    bool isWanted() const;
     /// Told when the client has left or has all of the answer.
     void setFinished(std::function<void()> finished) { m_finished = std::move(finished); }
 

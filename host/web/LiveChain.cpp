@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Interrupt.h"
+#include "chain/ServiceCalls.h"
 #include "web/ErrorReason.h"
 
 #include <api/core/CMRoot.h>
@@ -94,6 +95,21 @@ void LiveChain::tryAgain()
         return; // who waits for the end of the program hears of it, too
     }
     emit changed();
+}
+
+QStringList LiveChain::serviceObjects() const
+{
+    return isThere() ? m_session->mediaService().servers().paths() : QStringList();
+}
+
+QString LiveChain::serviceObject(const CMPath &path) const
+{
+    const QString udn = path.base().section(QLatin1Char('/'), 1, 1);
+    for (const QString &object : serviceObjects()) {
+        if (isPathOf(object, udn))
+            return object;
+    }
+    return QString();
 }
 
 void LiveChain::await(const CMVoidReply &reply, Done done)

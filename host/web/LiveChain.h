@@ -31,6 +31,10 @@ public:
     bool isThere() const { return bool(m_session) && !m_isLost; }
     /// Why it isn't there, a sentence.
     QString trouble() const { return m_trouble; }
+    /// The media service's objects of its servers.
+    QStringList serviceObjects() const;
+    /// That of a node's server; empty where it isn't listed.
+    QString serviceObject(const CMPath &path) const;
 
     void rows(const CMPath &path, int first, int last, const QStringList &roles,
         std::function<void(const CMError &, const OrkaRowsRoles &)> done);

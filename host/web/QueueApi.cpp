@@ -5,6 +5,15 @@
 #include "tree/Place.h"
 #include "web/QueueWalk.h"
 
+#include <algorithm>
+
+namespace {
+
+constexpr int mostWalks = 2;
+constexpr std::size_t mostWaiting = 16;
+
+} // namespace
+
 QVariantList itemsOfBody(const Exchange &exchange)
 {
     const QVariant body = valueFromJson(QString::fromUtf8(exchange.body()));
@@ -23,8 +32,40 @@ QueueApi::QueueApi(LiveChain &chain, CarriedAddresses &carried, HttpServer &serv
 void QueueApi::gather(const ExchangePointer &exchange)
 {
     const CMPath path = parsePath(exchange->parameter(QStringLiteral("path")));
-    new QueueWalk(m_chain, m_carried, path,
-        [exchange](const CMError &error, const PlayListItems &items, const QStringList &problems) {
+    const auto hasLeft = [](const auto &waiting) {
+        return !waiting.first->isWanted();
+    };
+    m_waiting.erase(std::remove_if(m_waiting.begin(), m_waiting.end(), hasLeft), m_waiting.end());
+    if (m_waiting.size() >= mostWaiting) {
+        exchange->setHeader("Retry-After", "10");
+        exchange->refuse(503, "tooMany",
+            QStringLiteral("Too many queues are being made at once. Try again in a moment."));
+        return;
+    }
+    m_waiting.emplace_back(exchange, path);
+    walkNext();
+}
+
+void QueueApi::walkNext()
+{
+    while (m_walks < mostWalks && !m_waiting.empty()) {
+        const auto [exchange, path] = m_waiting.front();
+        m_waiting.pop_front();
+        if (!exchange->isWanted())
+            continue;
+        ++m_walks;
+        walk(exchange, path);
+    }
+}
+
+void QueueApi::walk(const ExchangePointer &exchange, const CMPath &path)
+{
+    new QueueWalk(
+        m_chain, m_carried, path, [exchange] { return exchange->isWanted(); },
+        [this, exchange](
+            const CMError &error, const PlayListItems &items, const QStringList &problems) {
+            --m_walks;
+            QTimer::singleShot(0, &m_chain, [this] { walkNext(); });
             if (error.isError()) {
                 exchange->refuse(error);
                 return;

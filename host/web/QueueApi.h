@@ -4,7 +4,10 @@
 #include "web/HttpServer.h"
 #include "web/LiveChain.h"
 
-/// /api/queue: every track below a node (GET), and tracks as a playlist file (POST).
+#include <deque>
+
+/// /api/queue: every track below a node (GET), and tracks as a playlist file (POST). Few are
+/// gathered for at once, and some wait; one more is to come again.
 class QueueApi
 {
 public:
@@ -12,10 +15,14 @@ public:
 
 private:
     void gather(const ExchangePointer &exchange);
+    void walkNext();
+    void walk(const ExchangePointer &exchange, const CMPath &path);
     static void write(const ExchangePointer &exchange);
 
     LiveChain &m_chain;
     CarriedAddresses &m_carried;
+    std::deque<std::pair<ExchangePointer, CMPath>> m_waiting;
+    int m_walks = 0;
 };
 
 /// The items of a body {"items":[…]}. Throws Failure (wrong usage).

@@ -1,10 +1,15 @@
 #include "web/QueueWalk.h"
 
+#include "Failure.h"
 #include "Text.h"
 #include "output/SafeText.h"
 #include "tree/PlayableRow.h"
 #include "tree/ServerList.h"
 #include "web/NodeApi.h"
+
+#include <api/core/orka.h>
+
+#include <QDBusPendingCallWatcher>
 
 namespace {
 
@@ -12,57 +17,102 @@ constexpr int smallPage = 50;
 constexpr int smallestPage = 5;
 constexpr int mostItems = 20'000;
 constexpr int mostFolders = 5'000;
+constexpr int mostRows = 200'000;
+constexpr qint64 mostCharacters = 32'000'000;
 constexpr int mostProblems = 10;
+constexpr int mostNamed = 5;
+constexpr int longestTitle = 100; // characters
 // Milliseconds:
 constexpr qint64 longest = 60'000;
 constexpr qint64 longestRefusal = 3'000;
 
+/// By its path alone, which says "container" of films and pictures, too.
+bool isFolder(const CMPath &path)
+{
+    return path.hasParam(QStringLiteral("search")) || path.base().count(QLatin1Char('/')) < 2;
+}
+
+qint64 charactersOf(const OrkaPlayListItem &item)
+{
+    return item.orkaRoles().size() + item.title().size() + item.artist().size()
+        + item.album().size() + item.url().size() + item.artworkUrl().size();
+}
+
 } // namespace
 
-QueueWalk::QueueWalk(LiveChain &chain, CarriedAddresses &carried, const CMPath &path, Done done)
+QueueWalk::QueueWalk(
+    LiveChain &chain, CarriedAddresses &carried, const CMPath &path, IsWanted isWanted, Done done)
     : QObject(&chain)
     , m_chain(chain)
     , m_carried(carried)
+    , m_isWanted(std::move(isWanted))
     , m_done(std::move(done))
 {
     m_clock.start();
-    if (path.param(QStringLiteral("itemType")) == QLatin1String("track")) {
-        readTrack(path);
-        return;
+    if (isFolder(path)) {
+        OrkaRoles folder;
+        folder.setPath(path);
+        folder.setType(OrkaRolesType::Container);
+        takeNode(folder);
+    } else {
+        readNode(path);
     }
-    OrkaRoles folder;
-    folder.setPath(path);
-    folder.setType(OrkaRolesType::Container);
-    m_work.push_back({folder});
-    step();
 }
 
-void QueueWalk::readTrack(const CMPath &path)
+void QueueWalk::readNode(const CMPath &path)
 {
     m_chain.data(
         path, OrkaRoles::all(), [this, path](const CMError &error, const QVariantList &values) {
-            OrkaRoles track = recordOf(OrkaRoles::all(), values);
-            track.setPath(path);
-            if (!error.isError())
-                add(track);
-            finish(error);
+            OrkaRoles node = recordOf(OrkaRoles::all(), values);
+            node.setPath(path);
+            if (error.isError()) {
+                finish(error);
+            } else {
+                takeNode(node);
+            }
         });
+}
+
+void QueueWalk::takeNode(const OrkaRoles &node)
+{
+    const PlayableKind kind = playableKind(node);
+    if (node.type() == OrkaRolesType::Container) {
+        m_work.push_back({node});
+        step();
+    } else if (kind == PlayableKind::Audio || kind == PlayableKind::Video) {
+        add({node});
+        finish({});
+    } else {
+        finish(Failure(WrongUsage, QStringLiteral("notPlayable"),
+            QStringLiteral("%1 is neither music nor a film, so it can't be played.")
+                .arg(quoted(node.title().toString())))
+                   .error());
+    }
+}
+
+bool QueueWalk::isAtLimit() const
+{
+    return m_items.size() >= mostItems || m_folders.size() >= mostFolders
+        || m_rows.size() >= mostRows || m_characters >= mostCharacters
+        || m_clock.elapsed() > longest;
 }
 
 void QueueWalk::step()
 {
     while (!m_work.empty()) {
         const Work work = m_work.front();
-        if (m_items.size() >= mostItems || m_folders.size() >= mostFolders
-            || m_clock.elapsed() > longest) {
-            addProblem(QStringLiteral("A queue ends after %1 tracks, %2 folders or a minute.")
-                           .arg(Text::number(mostItems), Text::number(mostFolders)));
+        if (isAtLimit()) {
+            addProblem(QStringLiteral("A queue ends after %1 tracks, %2 folders, %3 rows, %4 "
+                                      "characters or a minute.")
+                           .arg(Text::number(mostItems), Text::number(mostFolders),
+                               Text::number(mostRows), Text::number(mostCharacters)));
             finish({});
             return;
         }
         m_work.pop_front();
         if (playableKind(work.row) == PlayableKind::Audio) {
-            add(work.row);
+            if (!add(work))
+                return;
         } else if (work.row.type() == OrkaRolesType::Container) {
             const QString path = work.row.path().toEncoded();
             if (work.first == 0 && work.page == pageSize && m_folders.contains(path))
@@ -77,6 +127,12 @@ void QueueWalk::step()
 
 void QueueWalk::readFolder(const Work &folder)
 {
+    if (!m_isWanted()) {
+        m_items.clear();
+        finish(Failure(Missing, QStringLiteral("left"), QStringLiteral("The client has left."))
+                   .error());
+        return;
+    }
     const qint64 start = m_clock.elapsed();
     m_chain.rows(folder.row.path(), folder.first, folder.first + folder.page - 1, OrkaRoles::all(),
         [this, folder, start](const CMError &error, const OrkaRowsRoles &answer) {
@@ -127,13 +183,15 @@ void QueueWalk::fail(const CMError &error)
 void QueueWalk::take(Work folder, const OrkaRowsRoles &answer)
 {
     const QVector<OrkaRoles> rows = rowsOf(answer, OrkaRoles::all()).rows;
+    const auto page = std::make_shared<KnownFiles::Page>(
+        KnownFiles::Page{folder.row.path(), folder.first, rows.size()});
     std::deque<Work> taken;
     for (const OrkaRoles &row : rows) {
         // One that comes again stands in the place of another.
         const int before = m_rows.size();
         m_rows.insert(row.path().toEncoded());
         folder.lacking += folder.first > 0 && m_rows.size() == before ? 1 : 0;
-        taken.push_back({row});
+        taken.push_back({row, 0, pageSize, 0, page});
     }
     folder.first += rows.size();
     if (!rows.isEmpty() && folder.first < answer.rowsCount()) {
@@ -161,18 +219,61 @@ void QueueWalk::addProblem(const QString &sentence)
         m_problems.append(sentence);
 }
 
-void QueueWalk::add(const OrkaRoles &track)
+/// False where it goes on when the sizes of some files have come.
+bool QueueWalk::add(const Work &track)
 {
-    m_carried.note(track);
-    const OrkaPlayListItem item = itemOfRow(track);
-    if (!isPlayableUrl(item.url()) || m_urls.contains(item.url()))
+    const OrkaPlayListItem item = itemOfRow(track.row);
+    if (!isPlayableUrl(item.url())) {
+        m_withoutAddress.append(shortened(track.row.title().toString(), longestTitle));
+        return true;
+    }
+    const KnownFiles::PagePointer wanted = m_known.wanted(item, track.row.path(), track.rows);
+    if (wanted) {
+        askSizes(track, wanted);
+        return false;
+    }
+    m_carried.note(track.row);
+    if (m_known.add(item, track.row.path(), track.rows)) {
+        m_items.append(item);
+        m_characters += charactersOf(item);
+    }
+    return true;
+}
+
+void QueueWalk::askSizes(const Work &track, const KnownFiles::PagePointer &page)
+{
+    page->asked = true;
+    m_work.push_front(track);
+    const QString server = m_chain.serviceObject(page->folder);
+    const auto limit = m_chain.options().timeout.count();
+    const QDBusMessage question = KnownFiles::sizesCall(server, *page);
+    auto *call =
+        new QDBusPendingCallWatcher(orkaDBusConnection().asyncCall(question, int(limit)), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, page] {
+        call->deleteLater();
+        KnownFiles::takeSizes(ServiceCalls::answerOf(call->reply()), page.get());
+        step();
+    });
+}
+
+void QueueWalk::tellWithoutAddress()
+{
+    const int count = m_withoutAddress.size();
+    if (count == 0)
         return;
-    m_urls.insert(item.url());
-    m_items.append(item);
+    QStringList named;
+    for (const QString &title : m_withoutAddress.mid(0, mostNamed))
+        named.append(quoted(title));
+    if (count > mostNamed)
+        named.append(Text::tr("%Ln more", nullptr, count - mostNamed));
+    addProblem(QStringLiteral("The media server gives no address for these tracks, so nobody can "
+                              "play them: %1.")
+                   .arg(named.join(QStringLiteral(", "))));
 }
 
 void QueueWalk::finish(const CMError &error)
 {
     deleteLater();
+    tellWithoutAddress();
     std::exchange(m_done, nullptr)(error, m_items, m_problems);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "output/Playlist.h"
+#include "tree/KnownFiles.h"
 #include "web/CarriedAddresses.h"
 #include "web/LiveChain.h"
 
@@ -10,7 +11,8 @@
 #include <deque>
 
 /// Collects every track below a node, in the order of the listings, each file once, a page of rows
-/// after the other. Ends itself when it has told.
+/// after the other; of a node that is no folder, itself, where it is sound or a film. Ends itself
+/// when it has told, or when nobody wants to know any more.
 class QueueWalk : public QObject
 {
 public:
@@ -18,7 +20,11 @@ public:
     using Done = std::function<void(
         const CMError &, const PlayListItems &items, const QStringList &problems)>;
 
-    QueueWalk(LiveChain &chain, CarriedAddresses &carried, const CMPath &path, Done done);
+    /// Asked before each page of rows. Where it says no, `done` is told of an error.
+    using IsWanted = std::function<bool()>;
+
+    QueueWalk(LiveChain &chain, CarriedAddresses &carried, const CMPath &path, IsWanted isWanted,
+        Done done);
 
 private:
     /// Rows; where a page of a folder fails, smaller ones may not.
@@ -33,26 +39,37 @@ private:
         int page = pageSize;
         /// How many haven't come so far, though they are counted.
         int lacking = 0;
+        /// Those that a row was read with; null for one that was named.
+        KnownFiles::PagePointer rows = {};
     };
 
     void step();
-    void readTrack(const CMPath &path);
+    bool isAtLimit() const;
+    void readNode(const CMPath &path);
+    void takeNode(const OrkaRoles &node);
     void readFolder(const Work &folder);
     void readSmaller(Work folder, const CMError &error);
     void askServer(const CMPath &path, const CMError &silence);
     void fail(const CMError &error);
     void take(Work folder, const OrkaRowsRoles &answer);
     void tellLacking(const Work &folder);
-    void add(const OrkaRoles &track);
+    bool add(const Work &track);
+    void askSizes(const Work &track, const KnownFiles::PagePointer &page);
+    void tellWithoutAddress();
     void addProblem(const QString &sentence);
     void finish(const CMError &error);
 
     LiveChain &m_chain;
     CarriedAddresses &m_carried;
+    IsWanted m_isWanted;
     Done m_done;
     std::deque<Work> m_work;
     PlayListItems m_items;
-    QSet<QString> m_urls;
+    /// Of all texts of the items.
+    qint64 m_characters = 0;
+    KnownFiles m_known;
+    /// Titles of tracks that nobody can play.
+    QStringList m_withoutAddress;
     QSet<QString> m_folders;
     /// Of every row, by path.
     QSet<QString> m_rows;
