@@ -39,20 +39,22 @@ QByteArray tagOf(const QByteArray &body)
 
 } // namespace
 
-Exchange::Exchange(SoupServerMessage *message)
+Exchange::Exchange(SoupServerMessage *message, bool isWhole)
     : m_message(shareRef(message))
+    , m_isWhole(isWhole)
 {
     GUri *uri = soup_server_message_get_uri(message);
     m_rawPath = g_uri_get_path(uri);
     m_query.setQuery(QString::fromUtf8(g_uri_get_query(uri)));
     g_signal_connect(message, "finished", G_CALLBACK(onFinished), this);
     g_signal_connect(message, "wrote-chunk", G_CALLBACK(onWroteChunk), this);
-    soup_server_message_pause(message);
+    if (isWhole)
+        soup_server_message_pause(message);
 }
 
 Exchange::~Exchange()
 {
-    if (isOpen())
+    if (m_isWhole && isOpen())
         refuse(500, "internal", QStringLiteral("The program lost this request. Try again."));
     g_signal_handlers_disconnect_by_data(m_message.get(), this);
 }
@@ -227,6 +229,6 @@ void Exchange::cut()
 
 void Exchange::resume()
 {
-    if (!m_hasFinished)
+    if (m_isWhole && !m_hasFinished)
         soup_server_message_unpause(m_message.get());
 }

@@ -28,7 +28,8 @@ public:
         Never
     };
 
-    explicit Exchange(SoupServerMessage *message);
+    /// One that isn't whole has its headers only. It may be refused, and else is forgotten.
+    explicit Exchange(SoupServerMessage *message, bool isWhole = true);
     ~Exchange();
     Exchange(const Exchange &) = delete;
     Exchange &operator=(const Exchange &) = delete;
@@ -86,6 +87,7 @@ private:
     std::function<void()> m_finished;
     std::function<void()> m_written;
     int m_unsent = 0;
+    const bool m_isWhole;
     bool m_isAnswered = false;
     bool m_hasFinished = false;
 };

@@ -5,21 +5,41 @@
 
 namespace {
 
-constexpr goffset mostBody = 8 << 20;
+constexpr goffset mostBodies = 32 << 20; // of all requests at once
 constexpr int mostAddress = 8192;
 
-/// Why a request is refused before its body is read; 0 where it isn't.
-int refusalOfSize(SoupServerMessage *message)
+/// What a request needs, in bytes.
+goffset mostBody(const QByteArray &path)
+{
+    if (path == "/api/queue" || path == "/api/player")
+        return 8 << 20;
+    return path == "/api/set" ? 1 << 20 : 4096;
+}
+
+struct BodyShare
+{
+    std::shared_ptr<goffset> all;
+    goffset size;
+    ~BodyShare() { *all -= size; }
+};
+
+void freeShare(gpointer share)
+{
+    delete static_cast<BodyShare *>(share);
+}
+
+goffset bodySize(SoupServerMessage *message)
 {
     SoupMessageHeaders *headers = soup_server_message_get_request_headers(message);
-    const SoupEncoding encoding = soup_message_headers_get_encoding(headers);
-    if (encoding == SOUP_ENCODING_CHUNKED)
-        return 411;
-    if (encoding == SOUP_ENCODING_CONTENT_LENGTH
-        && soup_message_headers_get_content_length(headers) > mostBody) {
-        return 413;
-    }
-    return 0;
+    return soup_message_headers_get_encoding(headers) == SOUP_ENCODING_CONTENT_LENGTH
+        ? soup_message_headers_get_content_length(headers)
+        : 0;
+}
+
+bool isChunked(SoupServerMessage *message)
+{
+    return soup_message_headers_get_encoding(soup_server_message_get_request_headers(message))
+        == SOUP_ENCODING_CHUNKED;
 }
 
 } // namespace
@@ -67,16 +87,45 @@ void HttpServer::setCertificate(GTlsCertificate *certificate)
     soup_server_set_tls_certificate(m_server.get(), certificate);
 }
 
+/// Of who is refused no body is kept.
 void HttpServer::onEarly(
-    SoupServer *, SoupServerMessage *message, const char *, GHashTable *, gpointer)
+    SoupServer *, SoupServerMessage *message, const char *, GHashTable *, gpointer server)
 {
-    const int status = refusalOfSize(message);
-    if (status == 0)
+    auto *self = static_cast<HttpServer *>(server);
+    Exchange exchange(message, false);
+    const goffset size = bodySize(message);
+    if (self->admits(exchange)) {
+        *self->m_bodies += size;
+        g_object_set_data_full(
+            G_OBJECT(message), "body", new BodyShare{self->m_bodies, size}, freeShare);
         return;
+    }
     soup_message_body_set_accumulate(soup_server_message_get_request_body(message), FALSE);
-    soup_message_headers_replace(
-        soup_server_message_get_response_headers(message), "Connection", "close");
-    soup_server_message_set_status(message, guint(status), nullptr);
+    if (size > 0 || isChunked(message))
+        exchange.setHeader("Connection", "close");
+}
+
+bool HttpServer::admits(Exchange &exchange)
+{
+    const char *query = g_uri_get_query(soup_server_message_get_uri(exchange.message()));
+    const goffset size = bodySize(exchange.message());
+    const goffset most = mostBody(exchange.rawPath());
+    if (exchange.rawPath().size() + (query != nullptr ? qstrlen(query) : 0) > mostAddress) {
+        exchange.refuse(414, "tooLong",
+            QStringLiteral("This address is longer than %1 characters. Ask for less at once.")
+                .arg(mostAddress));
+    } else if (isChunked(exchange.message())) {
+        exchange.refuse(411, "noLength",
+            QStringLiteral("Say how long the body is, with the header \"Content-Length\"."));
+    } else if (size > most) {
+        exchange.refuse(413, "tooLong",
+            QStringLiteral("This body is longer than %1 bytes. Send less at once.").arg(most));
+    } else if (m_guard.admits(exchange) && *m_bodies + size > mostBodies) {
+        exchange.setHeader("Retry-After", "1");
+        exchange.refuse(503, "tooMany",
+            QStringLiteral("Too many long requests come at once. Try again in a moment."));
+    }
+    return exchange.isOpen();
 }
 
 void HttpServer::onRequest(
@@ -87,16 +136,10 @@ void HttpServer::onRequest(
 
 void HttpServer::dispatch(const ExchangePointer &exchange)
 {
+    const bool wasAdmitted = g_object_get_data(G_OBJECT(exchange->message()), "body") != nullptr;
+    if (!wasAdmitted && !admits(*exchange))
+        return;
     const QByteArray path = exchange->rawPath();
-    const char *query = g_uri_get_query(soup_server_message_get_uri(exchange->message()));
-    if (path.size() + (query != nullptr ? qstrlen(query) : 0) > mostAddress) {
-        exchange->refuse(414, "tooLong",
-            QStringLiteral("This address is longer than %1 characters. Ask for less at once.")
-                .arg(mostAddress));
-        return;
-    }
-    if (!m_guard.admits(*exchange))
-        return;
     const QByteArray method = exchange->method() == "HEAD" ? "GET" : exchange->method();
     bool isKnown = false;
     for (const Route &route : m_routes) {

@@ -38,10 +38,13 @@ private:
         SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer server);
     static void onRequest(
         SoupServer *, SoupServerMessage *message, const char *path, GHashTable *, gpointer server);
+    bool admits(Exchange &exchange);
     void dispatch(const ExchangePointer &exchange);
 
     RequestGuard &m_guard;
     GRef<SoupServer> m_server;
     Connections m_connections;
     std::vector<Route> m_routes;
+    /// Bytes of the bodies that are on their way or are being answered.
+    std::shared_ptr<goffset> m_bodies = std::make_shared<goffset>(0);
 };

@@ -10,9 +10,6 @@
 namespace {
 
 constexpr int tokenSize = 18; // bytes
-constexpr int mostWrongTries = 10;
-constexpr qint64 minute = 60'000'000; // microseconds
-const char cookieName[] = "orka-token=";
 
 /// Takes the same time wherever they differ.
 bool isSame(const QByteArray &a, const QByteArray &b)
@@ -29,6 +26,31 @@ QByteArray nameOf(const QByteArray &host)
     if (host.startsWith('['))
         return host.mid(1, host.indexOf(']') - 1);
     return host.left(host.indexOf(':') < 0 ? host.size() : host.indexOf(':'));
+}
+
+/// Cookies are a host's, whatever the port; each program of it has its own.
+QByteArray cookieName(const Exchange &exchange)
+{
+    GSocketAddress *local = soup_server_message_get_local_address(exchange.message());
+    const guint16 port = local != nullptr && G_IS_INET_SOCKET_ADDRESS(local)
+        ? g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(local))
+        : guint16(0);
+    return "orka-token-" + QByteArray::number(port) + '=';
+}
+
+/// The tokens that a request carries.
+QList<QByteArray> tokensOf(const Exchange &exchange)
+{
+    const QByteArray authorization = exchange.header("Authorization");
+    if (authorization.startsWith("Bearer "))
+        return {authorization.mid(7)};
+    QList<QByteArray> tokens;
+    const QByteArray name = cookieName(exchange);
+    for (const QByteArray &cookie : exchange.header("Cookie").split(';')) {
+        if (cookie.trimmed().startsWith(name))
+            tokens.append(cookie.trimmed().mid(name.size()));
+    }
+    return tokens;
 }
 
 } // namespace
@@ -66,43 +88,40 @@ void RequestGuard::openToNetwork()
     m_token = bytes.toBase64(QByteArray::Base64UrlEncoding);
 }
 
-bool RequestGuard::hasToken(const Exchange &exchange) const
+/// False after it has refused the request.
+bool RequestGuard::isRight(Exchange &exchange, const QList<QByteArray> &said)
 {
-    const QByteArray authorization = exchange.header("Authorization");
-    if (authorization.startsWith("Bearer "))
-        return isSame(authorization.mid(7), m_token);
-    for (const QByteArray &cookie : exchange.header("Cookie").split(';')) {
-        if (cookie.trimmed().startsWith(cookieName))
-            return isSame(cookie.trimmed().mid(int(qstrlen(cookieName))), m_token);
+    if (!said.isEmpty() && m_tries.areUsedUp(exchange)) {
+        exchange.setHeader("Retry-After", "60");
+        exchange.refuse(429, "tooManyTries",
+            QStringLiteral("Too many wrong tokens came from your address. Wait a minute, and scan "
+                           "the code again."));
+        return false;
     }
+    for (const QByteArray &token : said) {
+        if (isSame(token, m_token))
+            return true;
+    }
+    for (const QByteArray &token : said)
+        m_tries.note(exchange, token);
     return false;
 }
 
 void RequestGuard::unlock(Exchange &exchange)
 {
-    const qint64 now = g_get_monotonic_time();
-    if (now - m_minute > minute) {
-        m_minute = now;
-        m_wrongTries = 0;
-    }
-    if (m_wrongTries >= mostWrongTries) {
-        exchange.refuse(429, "tooManyTries",
-            QStringLiteral("Too many wrong tokens. Wait a minute, and scan the code again."));
-        return;
-    }
     const OrkaHash body = OrkaHash::fromVariant(valueFromJson(QString::fromUtf8(exchange.body())));
-    if (!isSame(body.value(QStringLiteral("token")).toString().toUtf8(), m_token)) {
-        ++m_wrongTries;
+    const QString token = body.value(QStringLiteral("token")).toString();
+    if (!isRight(exchange, {token.toUtf8()})) {
         exchange.refuse(401, "wrongToken",
             QStringLiteral("That is not the token that this run of the program printed."));
         return;
     }
-    exchange.setHeader(
-        "Set-Cookie", cookieName + m_token + "; Path=/; HttpOnly; Secure; SameSite=Strict");
+    exchange.setHeader("Set-Cookie",
+        cookieName(exchange) + m_token + "; Path=/; HttpOnly; Secure; SameSite=Strict");
     exchange.answer(valueDocument(true));
 }
 
-bool RequestGuard::admits(Exchange &exchange) const
+bool RequestGuard::admits(Exchange &exchange)
 {
     if (!isOurName(exchange.header("Host"))) {
         exchange.refuse(421, "wrongHost",
@@ -124,7 +143,7 @@ bool RequestGuard::admits(Exchange &exchange) const
     }
     const QByteArray path = exchange.rawPath();
     const bool isPublic = path == "/api/session" || path.count('/') == 1; // the page's own files
-    if (!m_token.isEmpty() && !isPublic && !hasToken(exchange)) {
+    if (!m_token.isEmpty() && !isPublic && !isRight(exchange, tokensOf(exchange))) {
         exchange.refuse(401, "noToken",
             QStringLiteral("This needs the token that the program printed: open the address in its "
                            "code, or send it as \"Authorization: Bearer TOKEN\"."));

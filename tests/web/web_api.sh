@@ -103,11 +103,17 @@ session() {
 }
 check "the right token" 200 "$(session "$token")"
 refused 200 -b "$WORLD_DIR/cookies" "$URL/api/rows?path=upnp:"
+refused 401 -b "orka-token-${URL##*:}=old" -b "orka-token-8=$token" "$URL/api/rows?path=upnp:"
+refused 401 -H "Content-Type: application/json" -H "Expect: 100-continue" -d '""' "$URL/api/set?path=upnp:"
 kill -9 "${server_pid[nas]}"
 wait "${server_pid[nas]}" 2>/dev/null || true
 refused 502 -b "$WORLD_DIR/cookies" "$URL/api/rows?path=$SERVER"
 check "an error says what is the matter" '"Test Music" could not be read' \
     "$(jq -r .error.message "$WORLD_DIR/body" | grep -o '"Test Music" could not be read')"
-check "wrong tokens, and then none" "401 401 401 401 401 401 401 401 401 401 429" \
-    "$(for i in $(seq 11); do session "wrong$i"; echo; done | xargs)"
+check "wrong tokens, wherever, and then none" "401 401 401 401 401 401 401 401 401 429 429" \
+    "$(for i in $(seq 5); do session "wrong$i"; echo; done | xargs) $(for i in $(seq 6); do
+        status_of -H "Authorization: Bearer Wrong$i" "$URL/api/rows?path=upnp:"; echo; done | xargs)"
+world_host other 8
+check "others have their own tries" 200 \
+    "$(on_host other curl -sk -o "$OUT" -w '%{http_code}' -H "Authorization: Bearer $token" "$URL/api/rows?path=upnp:")"
 finish
