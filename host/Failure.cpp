@@ -2,6 +2,8 @@
 
 namespace {
 const QString leftName = QStringLiteral("serviceLeft");
+/// The service's bus ended, which another run may find again.
+const QString busLeftName = QStringLiteral("busLeft");
 } // namespace
 
 Failure::Failure(int status, const QString &name, const QString &sentence)
@@ -37,7 +39,7 @@ Failure serviceLeft(const QString &sentence)
 
 bool Failure::isServiceLeft() const
 {
-    return m_error.name() == leftName;
+    return m_error.name() == leftName || m_error.name() == busLeftName;
 }
 
 bool Failure::isServiceMissing() const

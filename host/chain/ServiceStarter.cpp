@@ -172,6 +172,13 @@ void ServiceStarter::requireSameOwner()
 
 void ServiceStarter::requireThere() const
 {
+    if (!m_there && !orkaDBusConnection().isConnected()) {
+        throw missing(QStringLiteral("busLeft"),
+            Text::tr("The connection to %1 has ended: the bus crashed or was stopped. What was "
+                     "asked of the media service is lost; run the command again when the bus is "
+                     "back. A private bus is started anew.")
+                .arg(busDescription()));
+    }
     if (!m_there) {
         throw serviceLeft(
             Text::tr("The media service has left %1: it crashed or was stopped. What was "

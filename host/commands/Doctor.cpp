@@ -254,7 +254,7 @@ bool checkKeptAddresses(Findings &findings)
 QString partOf(const Failure &failure)
 {
     const QString name = failure.error().name();
-    if (name == QLatin1String("noBus"))
+    if (name == QLatin1String("noBus") || name == QLatin1String("busLeft"))
         return Text::tr("bus");
     if (name == QLatin1String("noMediaService") || failure.isServiceLeft())
         return Text::tr("media service");

@@ -1635,5 +1635,9 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>(isn&apos;t there)</source>
         <translation>(nicht vorhanden)</translation>
     </message>
+    <message>
+        <source>The connection to %1 has ended: the bus crashed or was stopped. What was asked of the media service is lost; run the command again when the bus is back. A private bus is started anew.</source>
+        <translation>Die Verbindung zum Bus ist beendet (%1): Er ist abgestürzt oder wurde angehalten. Was der Mediendienst gefragt wurde, ist verloren; führen Sie den Befehl erneut aus, wenn der Bus wieder da ist. Ein privater Bus wird neu gestartet.</translation>
+    </message>
 </context>
 </TS>

@@ -9,6 +9,7 @@
 #include <QTemporaryFile>
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
 
 /// The program and the plug-in before a media service that fails: what people are told, and that it
@@ -133,6 +134,20 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
             look->start(1);
         },
         "ls Den/Mu,sic", 0, "Song");
+    row(
+        "bus ends",
+        [=](auto &s) {
+            s.hold(listing);
+            auto *look = new QTimer(&s);
+            QObject::connect(look, &QTimer::timeout, look, [this, &s, look] {
+                if (s.held() == 0)
+                    return;
+                look->stop();
+                ::kill(pid_t(m_bus->pid()), SIGKILL);
+            });
+            look->start(1);
+        },
+        "ls Den/Mu,sic", 3, "has ended: the bus crashed or was stopped");
     const auto counted = [=](FakeMediaService &s) {
         s.answer({"Get", music, "ChildCount"}, QVariantList{QVariant::fromValue(QDBusVariant(2U))});
     };
