@@ -47,12 +47,19 @@ void TreeWalk::walk(const CMPath &path, int depth)
         const bool isOver = failure.error().name() == QLatin1String("output");
         if (isOver || (depth == 0 && pages.position() == 0))
             throw;
-        m_session.renewTime();
-        const CMPath server = m_session.path(ServerList::serverBase(path));
-        const bool isNodeSilent = failure.status() == NoAnswer && m_session.givesRow(server, 0);
-        m_fail((isNodeSilent ? m_session.silenceOf(path) : failure).sentence());
-        // Else each folder that is left would be waited for.
-        m_isSilent = failure.status() == NoAnswer && !isNodeSilent;
+        if (!m_isSilent)
+            fail(path, failure);
     }
     m_way.removeLast();
+}
+
+void TreeWalk::fail(const CMPath &path, const Failure &failure)
+{
+    m_session.renewTime();
+    const CMPath server = m_session.path(ServerList::serverBase(path));
+    const bool isNodeSilent = failure.status() == NoAnswer && m_session.givesRow(server, 0);
+    m_fail((isNodeSilent ? m_session.silenceOf(path) : failure).sentence());
+    // Else each folder that is left would be waited for, or said to be gone, too.
+    const bool isSilent = failure.status() == NoAnswer || failure.status() == Missing;
+    m_isSilent = isSilent && !isNodeSilent;
 }

@@ -2,6 +2,7 @@
 
 #include "tree/RowsReader.h"
 
+class Failure;
 class Session;
 
 /// Goes down from a node, folder by folder in the server's order, to a depth.
@@ -21,6 +22,7 @@ public:
 
 private:
     void walk(const CMPath &path, int depth);
+    void fail(const CMPath &path, const Failure &failure);
 
     Session &m_session;
     const int m_depth;
