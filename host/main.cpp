@@ -183,7 +183,9 @@ int runProgram(int argc, char **argv)
 {
     occupyStandardDescriptors();
     provideHome();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is seen where something is written
+    // A reader that has gone, and a file that may not grow, are seen where something is written.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     int applicationArgc = 1; // all others are the parser's
     const QCoreApplication application(applicationArgc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("orka"));
