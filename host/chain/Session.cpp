@@ -138,10 +138,13 @@ void Session::requireSignOfLifeOf(const CMPath &path)
 {
     m_mediaService->requireSameOwner();
     m_asked.start();
+    const bool isHurried = remaining() < shortestQuestion;
     const Diagnosis diagnosis = diagnoseRow(path, 0);
-    if (diagnosis.verdict == Diagnosis::ServerSilent
-        || diagnosis.verdict == Diagnosis::ServiceSilent)
-        throw failureOf(diagnosis, patient(path));
+    if (diagnosis.verdict != Diagnosis::ServerSilent
+        && diagnosis.verdict != Diagnosis::ServiceSilent)
+        return;
+    throw isHurried ? noAnswer(nameOf(path), m_options.timeout)
+                    : failureOf(diagnosis, patient(path));
 }
 
 bool Session::givesRow(const CMPath &path, int position)

@@ -168,6 +168,7 @@ QVector<Failure> gatherQuick(
     for (const CMPath &path : qAsConst(playable))
         session.requireSignOfLifeOf(path);
     const std::vector<QuickSearch> searches = startSearches(session, playable);
+    session.setName(session.path(OrkaPlayListPrepareItems()), places.first().text);
     const QVariantList items =
         session.set(session.path(OrkaPlayListPrepareItems()), encoded, Text::tr("Collecting"))
             .toList();
