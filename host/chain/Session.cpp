@@ -8,6 +8,8 @@
 
 #include <api/core/CMRoot.h>
 
+#include <QRegularExpression>
+
 namespace {
 
 using Milliseconds = std::chrono::milliseconds;
@@ -25,11 +27,18 @@ QString withoutStop(QString text)
     return text;
 }
 
-Failure errorAnswer(const CMError &error, const QString &node)
+/// A path in the error is the node's, whatever its parameters: people are told its name.
+Failure errorAnswer(const CMError &error, const CMPath &path, const QString &node)
 {
-    return Failure(error,
-        Text::tr("%1 was answered with an error: %2.")
-            .arg(node, withoutStop(safeText(error.message().toString()))));
+    const QString bare = CMPath(path.prefix(), path.base()).toEncoded();
+    const QRegularExpression itsPath(
+        QRegularExpression::escape(bare) + QStringLiteral("(\\?\\S*[^\\s.])?(?=\\.?$)"));
+    QString text = safeText(error.message().toString());
+    const QRegularExpressionMatch match = itsPath.match(text);
+    if (match.hasMatch() && !path.base().isEmpty())
+        text.replace(match.capturedStart(), match.capturedLength(), node);
+    return Failure(
+        error, Text::tr("%1 was answered with an error: %2.").arg(node, withoutStop(text)));
 }
 
 Failure noAnswer(const QString &node, Milliseconds limit)
@@ -170,7 +179,7 @@ int Session::explain(const CMError &error, const CMPath &path, int position)
     m_mediaService->requireSameOwner();
     const QString text = error.message().sourceString();
     if (m_errors == Plain || !text.startsWith(unexplained))
-        throw errorAnswer(error, nameOf(path));
+        throw errorAnswer(error, path, nameOf(path));
     if (text == unexplained && remaining() < shortestQuestion)
         throw noAnswer(nameOf(path), m_options.timeout);
     const Diagnosis diagnosis = text == unexplained ? diagnoseRow(path, position)
@@ -178,7 +187,7 @@ int Session::explain(const CMError &error, const CMPath &path, int position)
     if (diagnosis.isTrouble())
         throw failureOf(diagnosis, patient(path));
     if (diagnosis.verdict != Diagnosis::Empty)
-        throw errorAnswer(error, nameOf(path));
+        throw errorAnswer(error, path, nameOf(path));
     return diagnosis.childCount;
 }
 
@@ -231,7 +240,7 @@ void Session::requireNoError(const CMError &error, const CMPath &path)
     if (!error.isError())
         return;
     explain(error, path, 0);
-    throw errorAnswer(error, nameOf(path)); // nothing there is no answer about one node
+    throw errorAnswer(error, path, nameOf(path)); // nothing there is no answer about one node
 }
 
 OrkaRoles recordOf(const QStringList &roles, const QVariantList &values)

@@ -106,6 +106,9 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
         "behind the last", [=](auto &s) { s.fail(listing, noRows); }, "ls Den/Mu,sic --rows 5-9", 0,
         "None of 1 rows is in this range.\n");
     row(
+        "sample of nothing", [=](auto &s) { s.answer(listing, QVariantList{propertyMaps({})}); },
+        "sample Den/Mu,sic 0,5,1", 1, "There is no row 0 at \"Den/Mu,sic\".");
+    row(
         "search refused",
         [=](auto &s) { s.fail({"SearchObjectsEx"}, "Search operation failed: No"); },
         "search Den --title x", 1, "\"Den\" could not be searched: No.\n");
