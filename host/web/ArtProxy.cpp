@@ -1,5 +1,6 @@
 #include "web/ArtProxy.h"
 
+#include "Failure.h"
 #include "web/Fetch.h"
 #include "web/Picture.h"
 
@@ -17,6 +18,19 @@ constexpr int mostWidth = 1024;
 QByteArray keyOf(const QByteArray &url, int width)
 {
     return QByteArray::number(width) + ' ' + url;
+}
+
+/// 0 where none is asked for. Throws Failure (wrong usage).
+int widthOf(const Exchange &exchange)
+{
+    const QString text = exchange.parameter(QStringLiteral("w"));
+    bool isNumber = false;
+    const int width = text.toInt(&isNumber);
+    if (text.isEmpty())
+        return 0;
+    if (!isNumber || width < 1 || width > mostWidth)
+        throw wrongUsage(QStringLiteral("\"w\" is a number from 1 to %1.").arg(mostWidth));
+    return width;
 }
 
 void give(const ExchangePointer &exchange, const QByteArray &picture)
@@ -125,9 +139,9 @@ private:
     QByteArray m_picture;
 };
 
-ArtProxy::ArtProxy(const CarriedAddresses &carried, HttpServer &server)
+ArtProxy::ArtProxy(const CarriedAddresses &carried, const LocalServers &local, HttpServer &server)
     : m_carried(carried)
-    , m_session(newFetchSession())
+    , m_session(newFetchSession(local))
     , m_cache(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
           + QStringLiteral("/orka/art"))
 {
@@ -143,18 +157,18 @@ ArtProxy::~ArtProxy()
 void ArtProxy::answer(const ExchangePointer &exchange)
 {
     const QByteArray url = addressInPath(*exchange, "/proxy/");
-    if (!url.startsWith("http://") || !m_carried.hasArt(url)) {
+    if (url.left(7).toLower() != "http://" || !m_carried.hasArt(url)) {
         exchange->refuse(404, "unknownPicture",
             QStringLiteral("No row has named this picture since the program was started."));
         return;
     }
-    const int width = qBound(0, exchange->parameter(QStringLiteral("w")).toInt(), mostWidth);
-    const QByteArray kept = m_cache.find(keyOf(url, width));
+    const int width = widthOf(*exchange);
+    const QByteArray kept = width > 0 ? m_cache.find(keyOf(url, width)) : QByteArray();
     if (!kept.isEmpty()) {
         give(exchange, kept);
         return;
     }
-    const QByteArray original = width > 0 ? m_cache.find(keyOf(url, 0)) : QByteArray();
+    const QByteArray original = m_cache.find(keyOf(url, 0));
     if (!original.isEmpty()) {
         giveFromOriginal(exchange, url, width, original);
         return;
@@ -190,8 +204,6 @@ void ArtProxy::finish(const QByteArray &url, const QByteArray &picture, const QS
     for (const auto &[exchange, width] : job->waiting) {
         if (picture.isEmpty()) {
             giveNone(exchange, problem);
-        } else if (width == 0) {
-            give(exchange, picture);
         } else {
             giveFromOriginal(exchange, url, width, picture);
         }
@@ -217,6 +229,7 @@ void ArtProxy::finishScaling(std::unique_ptr<Scaling> scaling)
         giveNone(scaling->exchange, QStringLiteral("it can't be read, or is too large."));
         return;
     }
-    m_cache.keep(keyOf(scaling->url, scaling->width), scaling->scaled);
+    if (scaling->width > 0)
+        m_cache.keep(keyOf(scaling->url, scaling->width), scaling->scaled);
     give(scaling->exchange, scaling->scaled);
 }

@@ -3,6 +3,7 @@
 #include "web/ArtCache.h"
 #include "web/CarriedAddresses.h"
 #include "web/HttpServer.h"
+#include "web/LocalServers.h"
 
 #include <QHash>
 #include <QThreadPool>
@@ -16,7 +17,7 @@
 class ArtProxy
 {
 public:
-    ArtProxy(const CarriedAddresses &carried, HttpServer &server);
+    ArtProxy(const CarriedAddresses &carried, const LocalServers &local, HttpServer &server);
     ~ArtProxy();
 
 private:

@@ -20,11 +20,12 @@ bool isSamePlace(GUri *a, GUri *b)
 
 } // namespace
 
-GRef<SoupSession> newFetchSession()
+GRef<SoupSession> newFetchSession(const LocalServers &local)
 {
     SoupSession *session = soup_session_new_with_options(
         "max-conns", 64, "max-conns-per-host", 8, "timeout", 10, "user-agent", "orka", nullptr);
     soup_session_set_proxy_resolver(session, nullptr);
+    g_object_set_data(G_OBJECT(session), "local", const_cast<LocalServers *>(&local));
     soup_session_remove_feature_by_type(session, SOUP_TYPE_CONTENT_DECODER);
     return GRef<SoupSession>(session);
 }
@@ -42,12 +43,36 @@ Fetch::Fetch(SoupSession *session, const QByteArray &url,
 
 Fetch::~Fetch()
 {
+    forgetMessage();
     g_object_set_data(G_OBJECT(m_cancellable.get()), "fetch", nullptr);
     g_cancellable_cancel(m_cancellable.get());
 }
 
+void Fetch::forgetMessage()
+{
+    if (m_message)
+        g_signal_handlers_disconnect_by_data(m_message.get(), this);
+}
+
+/// Before each connection, to whatever address the name has led.
+void Fetch::onEvent(SoupMessage *, GSocketClientEvent event, GIOStream *connection, gpointer fetch)
+{
+    if (event != G_SOCKET_CLIENT_CONNECTING)
+        return;
+    auto *self = static_cast<Fetch *>(fetch);
+    auto *socket = G_SOCKET_CONNECTION(connection);
+    const GRef<GSocketAddress> address(g_socket_connection_get_remote_address(socket, nullptr));
+    const auto *local = static_cast<const LocalServers *>(
+        g_object_get_data(G_OBJECT(self->m_session.get()), "local"));
+    if (local->admits(address.get()))
+        return;
+    self->m_isRefused = true;
+    g_socket_close(g_socket_connection_get_socket(socket), nullptr);
+}
+
 void Fetch::send(GUri *uri)
 {
+    forgetMessage();
     const bool isHttp = uri != nullptr && qstrcmp(g_uri_get_scheme(uri), "http") == 0
         && g_uri_get_host(uri) != nullptr;
     m_message.reset(isHttp ? soup_message_new_from_uri("GET", uri) : nullptr);
@@ -57,6 +82,7 @@ void Fetch::send(GUri *uri)
         return;
     }
     soup_message_set_flags(m_message.get(), SOUP_MESSAGE_NO_REDIRECT);
+    g_signal_connect(m_message.get(), "network-event", G_CALLBACK(onEvent), this);
     SoupMessageHeaders *headers = soup_message_get_request_headers(m_message.get());
     for (const auto &[name, value] : qAsConst(m_headers))
         soup_message_headers_replace(headers, name.constData(), value.constData());
@@ -80,7 +106,9 @@ void Fetch::onSent(GObject *session, GAsyncResult *result, gpointer data)
     const Told told = std::exchange(self->m_told, nullptr);
     Answer answer;
     if (!self->m_body) {
-        answer.problem = problem;
+        answer.problem = self->m_isRefused
+            ? QStringLiteral("Its address leads to this machine, where no such media server is.")
+            : problem;
     } else {
         answer.status = int(soup_message_get_status(self->m_message.get()));
         answer.headers = soup_message_get_response_headers(self->m_message.get());

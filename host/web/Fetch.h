@@ -1,6 +1,6 @@
 #pragma once
 
-#include "web/Soup.h"
+#include "web/LocalServers.h"
 
 #include <QByteArray>
 #include <QList>
@@ -9,8 +9,9 @@
 #include <functional>
 
 /// Gets what an http address of a media server gives, for somebody else: of http alone, following
-/// five redirects at most, and those only to the same host and port. Tells once; who drops it hears
-/// nothing.
+/// five redirects at most, and those only to the same host and port; of this machine's loopback
+/// only what a media server there gives, by the address that is connected to. Tells once; who drops
+/// it hears nothing.
 class Fetch
 {
 public:
@@ -38,7 +39,10 @@ public:
 
 private:
     static void onSent(GObject *session, GAsyncResult *result, gpointer fetch);
+    static void onEvent(
+        SoupMessage *, GSocketClientEvent event, GIOStream *connection, gpointer fetch);
     void send(GUri *uri);
+    void forgetMessage();
     bool follow();
 
     GRef<SoupSession> m_session;
@@ -48,7 +52,8 @@ private:
     GRef<SoupMessage> m_message;
     GRef<GInputStream> m_body;
     int m_redirects = 0;
+    bool m_isRefused = false;
 };
 
 /// A session for this: few connections to one host, no proxy, no cookies, nothing kept.
-GRef<SoupSession> newFetchSession();
+GRef<SoupSession> newFetchSession(const LocalServers &local);

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr gsize pieceSize = 65536;
+constexpr std::chrono::seconds longestSilence(10);
 
 bool isMedia(const QByteArray &type)
 {
@@ -34,6 +35,9 @@ public:
     {
         m_exchange->setFinished([this] { endLater(); });
         m_exchange->setWritten([this] { read(); });
+        QObject::connect(&m_silence, &QTimer::timeout, &m_silence, [this] { giveUp(); });
+        m_silence.setSingleShot(true);
+        m_silence.start(longestSilence);
         QList<QPair<QByteArray, QByteArray>> headers;
         if (!rangeOf(*m_exchange).isEmpty())
             headers.append({"Range", rangeOf(*m_exchange)});
@@ -48,8 +52,19 @@ private:
         MediaStream *stream;
     };
 
+    void giveUp()
+    {
+        if (!m_exchange->isOpen())
+            m_exchange->cut(); // it has begun
+        m_exchange->refuse(504, "noAnswer",
+            QStringLiteral("Its server has sent nothing for 10 seconds. Try again, or play another "
+                           "track."));
+        endLater();
+    }
+
     void begin(const Fetch::Answer &answer)
     {
+        m_silence.stop();
         const QByteArray type = answer.headers != nullptr
             ? soup_message_headers_get_content_type(answer.headers, nullptr)
             : nullptr;
@@ -80,6 +95,7 @@ private:
         if (m_isReading || m_body == nullptr || m_exchange->unsent() > 1)
             return;
         m_isReading = true;
+        m_silence.start(longestSilence);
         auto *read = new Read{shareRef(m_fetch->cancellable()), this};
         g_input_stream_read_bytes_async(
             m_body, pieceSize, G_PRIORITY_DEFAULT, m_fetch->cancellable(), onRead, read);
@@ -99,6 +115,7 @@ private:
     void take(GBytes *bytes)
     {
         m_isReading = false;
+        m_silence.stop();
         gsize size = 0;
         const auto *data =
             bytes != nullptr ? static_cast<const char *>(g_bytes_get_data(bytes, &size)) : nullptr;
@@ -115,6 +132,7 @@ private:
 
     void endLater()
     {
+        m_silence.stop();
         m_body = nullptr;
         m_exchange->setFinished(nullptr);
         m_exchange->setWritten(nullptr);
@@ -124,6 +142,7 @@ private:
     ExchangePointer m_exchange;
     std::unique_ptr<Fetch> m_fetch;
     GInputStream *m_body = nullptr;
+    QTimer m_silence;
     goffset m_length = -1;
     goffset m_sent = 0;
     bool m_isReading = false;
@@ -131,9 +150,10 @@ private:
 
 } // namespace
 
-MediaProxy::MediaProxy(const CarriedAddresses &carried, HttpServer &server)
+MediaProxy::MediaProxy(
+    const CarriedAddresses &carried, const LocalServers &local, HttpServer &server)
     : m_carried(carried)
-    , m_session(newFetchSession())
+    , m_session(newFetchSession(local))
 {
     // A player that is paused reads nothing for long.
     g_object_set(m_session.get(), "timeout", 300, nullptr);
@@ -143,7 +163,13 @@ MediaProxy::MediaProxy(const CarriedAddresses &carried, HttpServer &server)
 void MediaProxy::answer(const ExchangePointer &exchange)
 {
     const QByteArray url = addressInPath(*exchange, "/media/");
-    if (!url.startsWith("http://") || !m_carried.hasMedia(url)) {
+    if (m_carried.hasMedia(url) && url.left(8).toLower() == "https://") {
+        exchange->refuse(502, "noMedia",
+            QStringLiteral("This track's address is https, which the page can't play. Play it on "
+                           "this machine."));
+        return;
+    }
+    if (url.left(7).toLower() != "http://" || !m_carried.hasMedia(url)) {
         exchange->refuse(404, "unknownMedia",
             QStringLiteral("No row has named this track since the program was started."));
         return;

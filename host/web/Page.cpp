@@ -100,8 +100,9 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
     CarriedAddresses carried;
     const NodeApi nodes(chain, carried, server);
     const QueueApi queue(chain, carried, server);
-    const ArtProxy art(carried, server);
-    const MediaProxy media(carried, server);
+    const LocalServers local(chain);
+    const ArtProxy art(carried, local, server);
+    const MediaProxy media(carried, local, server);
     EventStreams events(chain, server);
     const MachinePlayer player(carried, events, server);
     const quint16 port = server.listen(options.listen, options.port, options.mayTakeNextPort);

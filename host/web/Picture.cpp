@@ -14,6 +14,7 @@ struct Wanted
 {
     int width;
     bool isTooBig = false;
+    bool isMeasured = false;
 };
 
 /// Called before there are pixels: JPEG is then read at the size that is wanted.
@@ -21,7 +22,8 @@ void onSize(GdkPixbufLoader *loader, int width, int height, gpointer data)
 {
     auto *wanted = static_cast<Wanted *>(data);
     wanted->isTooBig = qint64(width) * height > mostPixels;
-    if (wanted->isTooBig) {
+    wanted->isMeasured = true;
+    if (wanted->isTooBig || wanted->width == 0) {
         gdk_pixbuf_loader_set_size(loader, 0, 0); // read no further
         return;
     }
@@ -72,13 +74,20 @@ QByteArray scaledPicture(const QByteArray &bytes, int width)
     Wanted wanted{width};
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(onSize), &wanted);
     bool isFine = true;
-    for (int at = 0; at < bytes.size() && isFine && !wanted.isTooBig; at += piece) {
+    const auto isEnough = [&] {
+        return wanted.isTooBig || (width == 0 && wanted.isMeasured);
+    };
+    for (int at = 0; at < bytes.size() && isFine && !isEnough(); at += piece) {
         isFine = gdk_pixbuf_loader_write(loader.get(),
                      reinterpret_cast<const guchar *>(bytes.constData()) + at,
                      gsize(std::min(piece, bytes.size() - at)), nullptr)
             != FALSE;
     }
-    isFine = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE && isFine && !wanted.isTooBig;
+    isFine = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE && isFine;
+    if (wanted.isTooBig)
+        return {};
+    if (width == 0)
+        return wanted.isMeasured ? bytes : QByteArray();
     GdkPixbuf *pixbuf = isFine ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
     return pixbuf != nullptr ? saved(pixbuf) : QByteArray();
 }

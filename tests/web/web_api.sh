@@ -66,6 +66,7 @@ refused 502 "$URL/api/rows?path=upnp:/nix"
 
 refused 404 "$URL/proxy/$(printf %s http://10.77.0.2:8200/icons/lrg.png | base64 -w 0)"
 refused 404 "$URL/proxy/$(printf %s file:///etc/passwd | base64 -w 0)"
+refused 400 "$URL/proxy/$(printf %s "$ART" | base64 -w 0)?w=99999"
 refused 404 "$URL/media/$(printf %s "$ART" | base64 -w 0)"
 
 # Idle clients take nobody's place.
