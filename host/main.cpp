@@ -62,7 +62,8 @@ QString unknownArgument(const CLI::App &app, const QString &text)
 /// What the parser has to say: help on standard output, a mistake on standard error.
 int reportParsing(CLI::App &app, const Settings &settings, const CLI::ParseError &error)
 {
-    translateHelp(app); // which every other start does without
+    if (error.get_name() != "CallForVersion")
+        translateHelp(app); // which every other start does without
     std::ostringstream help;
     std::ostringstream mistake;
     const int status = app.exit(error, help, mistake);
