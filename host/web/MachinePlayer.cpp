@@ -83,10 +83,18 @@ void MachinePlayer::play(const QVariantList &items, int position)
     checkCarried(items);
     m_items = items;
     m_failures = 0;
+    m_message.clear();
     if (!m_mpv) {
         m_mpv = std::make_unique<Mpv>();
         connect(m_mpv.get(), &Mpv::said, this, &MachinePlayer::hear);
-        connect(m_mpv.get(), &Mpv::ended, this, &MachinePlayer::lose, Qt::QueuedConnection);
+        // Later, since it is let go of.
+        connect(
+            m_mpv.get(), &Mpv::ended, this,
+            [this] { lose(QStringLiteral("mpv has ended. Play again.")); }, Qt::QueuedConnection);
+        connect(
+            m_mpv.get(), &Mpv::silent, this,
+            [this] { lose(QStringLiteral("mpv did not answer and was ended. Play again.")); },
+            Qt::QueuedConnection);
         int id = 0;
         for (const char *property : {"time-pos", "duration", "pause", "volume"})
             m_mpv->send({"observe_property", ++id, property});
@@ -144,8 +152,12 @@ void MachinePlayer::stop()
     publish();
 }
 
-void MachinePlayer::lose()
+void MachinePlayer::lose(const QString &sentence)
 {
+    if (!m_mpv)
+        return;
+    if (m_position >= 0)
+        m_message = sentence;
     stop();
     m_mpv.reset();
 }

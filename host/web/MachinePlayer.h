@@ -24,7 +24,7 @@ private:
     void checkCarried(const QVariantList &items) const;
     void load(int position);
     void stop();
-    void lose();
+    void lose(const QString &sentence);
     void hear(const QJsonObject &event);
     void fileEnded(const QString &reason);
     void publish();

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int longestLine = 1 << 20;
+constexpr std::chrono::seconds pulse(2);
+constexpr std::chrono::seconds patience(6);
 
 } // namespace
 
@@ -34,6 +36,11 @@ Mpv::Mpv(QObject *parent)
     });
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &Mpv::read);
+    connect(&m_pulse, &QTimer::timeout, this, [this] { send({"get_property", "pid"}); });
+    m_pulse.start(pulse);
+    connect(&m_patience, &QTimer::timeout, this, &Mpv::silent);
+    m_patience.setSingleShot(true);
+    m_patience.start(patience);
     m_process.start(QStringLiteral("mpv"),
         {QStringLiteral("--idle"), QStringLiteral("--no-video"), QStringLiteral("--no-terminal"),
             QStringLiteral("--ytdl=no"), QStringLiteral("--load-scripts=no"),
@@ -66,6 +73,7 @@ void Mpv::read()
         m_notifier->setEnabled(false); // the process's end says the rest
     if (size <= 0)
         return;
+    m_patience.start();
     m_unread.append(buffer, int(size));
     for (int end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
         const QJsonObject event = QJsonDocument::fromJson(m_unread.left(end)).object();

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <memory>
 
@@ -25,6 +26,8 @@ public:
 signals:
     void said(const QJsonObject &event);
     void ended();
+    /// It runs, and has answered nothing for some seconds.
+    void silent();
 
 private:
     void read();
@@ -33,4 +36,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     int m_socket = -1;
     QByteArray m_unread;
+    /// Asks it something, so that there is an answer to wait for.
+    QTimer m_pulse;
+    QTimer m_patience;
 };
