@@ -3,6 +3,7 @@ import { count, h, short } from './dom.js';
 import { live } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, placeHash, serverOf } from './place.js';
+import { mayFollow } from './rows.js';
 
 const mostShown = 24;
 
@@ -18,6 +19,7 @@ export function showSearch(main, path, text, actions, trail) {
   const request = new AbortController();
   /** @type {Set<string>} */
   const problems = new Set();
+  let isCounted = true;
   document.title = `${short(text)} – orka`;
   main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, 'Search ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
   search();
@@ -31,7 +33,7 @@ export function showSearch(main, path, text, actions, trail) {
       }
       const found = await Promise.all(menu.rows.map(searchOne));
       const total = found.reduce((sum, number) => sum + number, 0);
-      said.textContent = count(total, 'match', 'matches');
+      said.textContent = (isCounted ? '' : 'At least ') + count(total, 'match', 'matches');
       if (request.signal.aborted) return;
       if (problems.size) say([...problems].join(' '));
       else if (total === 0) say(`Nothing matches “${short(text)}”. A part of a word is enough; fewer letters find more.`);
@@ -55,13 +57,19 @@ export function showSearch(main, path, text, actions, trail) {
       const answer = await readRows(place, 0, mostShown - 1, request.signal);
       if (request.signal.aborted) return 0;
       section.hidden = !answer.rows.length;
-      section.replaceChildren(h('h2', {}, `${kind.title} `, h('small', {}, answer.rowsCount.toLocaleString('en'))));
+      const { length } = answer.rows;
+      const isMore = mayFollow(answer.rowsCount, length, length === mostShown);
+      const matches = Math.max(answer.rowsCount, length);
+      // Some media servers don't count what they find.
+      if (isMore && matches === length) isCounted = false;
+      const number = matches.toLocaleString('en') + (isMore && matches === length ? '+' : '');
+      section.replaceChildren(h('h2', {}, `${kind.title} `, h('small', {}, number)));
       addGroup(section, 'Folders', answer.rows.filter(isFolder));
       addGroup(section, 'Tracks', answer.rows.filter((row) => !isFolder(row)));
-      if (answer.rowsCount > answer.rows.length) {
-        section.append(h('a', { class: 'all', href: placeHash(place) }, `All ${answer.rowsCount.toLocaleString('en')} by ${kind.title.toLowerCase()}`));
+      if (isMore) {
+        section.append(h('a', { class: 'all', href: placeHash(place) }, `All ${number} by ${kind.title.toLowerCase()}`));
       }
-      return answer.rowsCount;
+      return matches;
     } catch (error) {
       section.remove();
       problems.add(/** @type {Error} */ (error).message);

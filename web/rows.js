@@ -5,6 +5,15 @@ const mostPages = 16;
 const mostRequests = 3;
 
 /**
+ * Whether rows may follow the first ones of a node. A count that isn't known (0), or that what
+ * came disproves, ends nothing; then the first page that isn't full does.
+ * @param {number} rowsCount @param {number} next @param {boolean} isPageFull
+ */
+export function mayFollow(rowsCount, next, isPageFull) {
+  return rowsCount > 0 && next <= rowsCount ? next < rowsCount : isPageFull;
+}
+
+/**
  * The rows of one node, read in pages as they come into view; pages far from it are forgotten.
  * Tells "change" when rows have come, "problem" (its detail is an Error) when they haven't.
  * @implements {Source<Row>}
@@ -67,8 +76,7 @@ export class NodeRows extends EventTarget {
     try {
       const answer = await readRows(this.path, page * pageSize, page * pageSize + pageSize - 1, request.signal);
       this.#pages.set(page, answer.rows);
-      const counted = page * pageSize + answer.rows.length;
-      this.total = Math.max(answer.rowsCount, answer.rows.length ? counted : 0);
+      this.total = this.#totalAfter(page, answer);
       this.dispatchEvent(new Event('change'));
     } catch (error) {
       if (!request.signal.aborted) {
@@ -78,6 +86,14 @@ export class NodeRows extends EventTarget {
     }
     this.#requests.delete(page);
     this.#request();
+  }
+
+  /** Where the count says nothing, one row more than there are, until the last. @param {number} page @param {RowsAnswer} answer */
+  #totalAfter(page, { rows, rowsCount }) {
+    const next = page * pageSize + rows.length;
+    if (!rows.length) return rowsCount || Math.min(this.total, next);
+    if (!mayFollow(rowsCount, next, rows.length === pageSize)) return next;
+    return rowsCount > next ? rowsCount : Math.max(this.total, next + 1);
   }
 
   #forgetFar() {

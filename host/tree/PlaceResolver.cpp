@@ -227,7 +227,7 @@ CMPath PlaceResolver::findChild(const CMPath &parent, const QString &title, Kind
 {
     constexpr int few = PageSize::first;
     Entries entries = readEntries(parent, {0, few - 1});
-    const bool isMore = entries.count > few || (entries.count == 0 && entries.nodes.size() == few);
+    const bool isMore = mayFollow(entries.count, entries.nodes.size(), entries.nodes.size() == few);
     if (isMore && entries.failure.isEmpty()) {
         const CMPath path = searchByTitle(m_session, parent, title, wanted == Folder);
         if (!path.isEmpty())

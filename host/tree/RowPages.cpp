@@ -122,8 +122,7 @@ bool RowPages::next(Rows *page)
     m_count = std::max(m_count, page->rowsCount);
     page->rowsCount = m_count;
     m_next += std::min(came, asked);
-    // A count that what came disproves isn't believed.
-    const bool more = m_count > 0 && m_next <= m_count ? m_next < m_count : came == asked;
+    const bool more = mayFollow(m_count, m_next, came == asked);
     leaveOutKnown(page);
     m_given += page->rows.size();
     if (!page->rows.isEmpty() && more && m_next <= m_range.last)

@@ -16,6 +16,11 @@ Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles)
     return rows;
 }
 
+bool mayFollow(int rowsCount, int next, bool isPageFull)
+{
+    return rowsCount > 0 && next <= rowsCount ? next < rowsCount : isPageFull;
+}
+
 Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const QStringList &roles)
 {
     return rowsOf(session.rows(path, range.first, range.last, roles), roles);

@@ -24,6 +24,11 @@ struct Rows
 /// What a worker answered when it was asked for these roles.
 Rows rowsOf(const OrkaRowsRoles &answer, const QStringList &roles);
 
+/// Whether more rows may follow the first `next` ones of a node that its worker counts `rowsCount`
+/// rows in. A count that isn't known (0), or that what came disproves, ends nothing; then the first
+/// page that isn't full does.
+bool mayFollow(int rowsCount, int next, bool isPageFull);
+
 /// Rows in one request.
 Rows readRowsAtOnce(Session &session, const CMPath &path, RowRange range, const QStringList &roles);
 

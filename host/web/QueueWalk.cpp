@@ -4,6 +4,7 @@
 #include "Text.h"
 #include "output/SafeText.h"
 #include "tree/PlayableRow.h"
+#include "tree/RowsReader.h"
 #include "tree/ServerList.h"
 #include "web/NodeApi.h"
 
@@ -186,15 +187,17 @@ void QueueWalk::take(Work folder, const OrkaRowsRoles &answer)
     const auto page = std::make_shared<KnownFiles::Page>(
         KnownFiles::Page{folder.row.path(), folder.first, rows.size()});
     std::deque<Work> taken;
+    const int before = m_rows.size();
     for (const OrkaRoles &row : rows) {
-        // One that comes again stands in the place of another.
-        const int before = m_rows.size();
         m_rows.insert(row.path().toEncoded());
-        folder.lacking += folder.first > 0 && m_rows.size() == before ? 1 : 0;
         taken.push_back({row, 0, pageSize, 0, page});
     }
+    // Rows that come again stand in the place of others.
+    const int again = folder.first > 0 ? before + rows.size() - m_rows.size() : 0;
     folder.first += rows.size();
-    if (!rows.isEmpty() && folder.first < answer.rowsCount()) {
+    folder.lacking += answer.rowsCount() >= folder.first ? again : 0;
+    const bool isFull = rows.size() >= folder.page && again < rows.size();
+    if (!rows.isEmpty() && mayFollow(answer.rowsCount(), folder.first, isFull)) {
         taken.push_back(folder);
     } else {
         folder.lacking += std::max(0, answer.rowsCount() - folder.first);

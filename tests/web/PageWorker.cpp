@@ -8,8 +8,9 @@ namespace {
 
 constexpr int bigCount = 100'000;
 
-/// Two media servers: "Big", a sorted list of very many tracks with covers, and "Hostile", whose
-/// titles and pictures mean harm. Pictures are at the address in ORKA_TEST_ART.
+/// Media servers: "Big", a sorted list of very many tracks with covers; "Uncounted", its first 150
+/// without a count; and "Hostile", whose titles and pictures mean harm. Pictures are at the address
+/// in ORKA_TEST_ART.
 class PageWorker : public CMNodesWorker
 {
 public:
@@ -17,7 +18,7 @@ public:
         : CMNodesWorker(config, QStringLiteral("PageWorker"))
     {
         CMListRowsNode *root = CMListRowsNode::create(nodes(), addPrefix(QString()));
-        for (const char *name : {"Big", "Hostile"}) {
+        for (const char *name : {"Big", "Uncounted", "Hostile"}) {
             OrkaRoles server;
             server.setPath(path(QLatin1Char('/') + QLatin1String(name), "server"));
             server.setTitle(QString::fromLatin1(name));
@@ -36,7 +37,7 @@ public:
             answer.setRows(PlayListHelper::playListRows(request));
             answer.setRowsCount(3);
         } else {
-            answer = children(base == QLatin1String("/Big"), request);
+            answer = children(base.mid(1), request);
         }
         request.reply().setValue(answer);
     }
@@ -99,20 +100,22 @@ private:
             titles.value(position, QString::number(position)), pictures.at(position));
     }
 
-    OrkaRowsRoles children(bool isBig, const CMGetRowsRequest &request) const
+    OrkaRowsRoles children(const QString &server, const CMGetRowsRequest &request) const
     {
         const QStringList sample = request.path().param(QStringLiteral("sample")).split(',');
         const int step = sample.size() == 3 ? sample.at(2).toInt() : 1;
-        const int count = isBig ? bigCount : 9;
+        const bool isHostile = server == QLatin1String("Hostile");
+        const bool isCounted = server != QLatin1String("Uncounted");
+        const int count = isHostile ? 9 : isCounted ? bigCount : 150;
         QVariantList rows;
         for (qint64 i = request.firstRow(); i <= request.lastRow() && i * step < count; ++i) {
             const int position = int(i) * step;
             rows.append(QVariant(CMGlobal::itemRolesToList(
-                request.roles(), isBig ? big(position) : hostile(position))));
+                request.roles(), isHostile ? hostile(position) : big(position))));
         }
         OrkaRowsRoles answer;
         answer.setRows(rows);
-        answer.setRowsCount(count);
+        answer.setRowsCount(isCounted ? count : 0);
         return answer;
     }
 };

@@ -81,6 +81,14 @@ check('few elements', scroll.elements < 1500, scroll.elements);
 check('a jump is quick, covers come', median('rows') < 5000 && jumps.every((jump) => jump.covers < 10000), JSON.stringify(jumps));
 
 await page.locator('#home').click();
+await page.getByText('Uncounted').click();
+const toEnd = () => page.evaluate(() => { const list = document.querySelector('row-list'); list.scrollTop = list.scrollHeight; });
+await until('the last row of a place that isn’t counted', async () => (await toEnd(), page.getByText('A 000149').isVisible()));
+await until('its number of rows', () => page.getByText('150 rows').isVisible());
+const queued = await page.evaluate(async () => (await (await fetch('/api/queue?path=upnp:/Uncounted%3FitemType%3Dserver')).json()).items.length);
+check('its queue is whole', queued === 150, queued);
+
+await page.locator('#home').click();
 await page.getByText('Hostile').click();
 await until('markup in a title is text', () => page.getByText('<img src=x').isVisible());
 await page.waitForTimeout(1500);

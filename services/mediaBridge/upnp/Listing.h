@@ -18,7 +18,7 @@ struct ListEnd
     /// How many there are beyond offset and max, as the server says, and never below what was seen;
     /// 0 where it can't count them, or counts fewer than come, and not all were asked for.
     uint32_t total = 0;
-    /// Whether the server gave a total at all.
+    /// Whether the server gave a total, and what came doesn't disprove it.
     bool isTotalKnown = false;
 };
 
