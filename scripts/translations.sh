@@ -5,6 +5,7 @@
 #                                       language that is named is begun
 #   translations.sh check               status 1 where an update would change something, a text isn't finished or isn't
 #                                       marked as one, or a translation hasn't the same %1 and %n as its text
+# The page's are in web/text-LANGUAGE.js, by hand; they are checked with the others.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d "${TMPDIR:-/tmp}/orka-translations.XXXXXX")
@@ -64,8 +65,37 @@ unmarked() {
         grep -Pzo '\n[^\n]*QStringLiteral\(\s*"(%1|[A-Z][a-z]*) [a-z]+ [a-z][^"]*' {} + | tr '\0' '\n'
 }
 
+# page_texts: what the page says by itself.
+page_texts() {
+    grep -ohP "(?<![\\w.])tr\\('\\K[^']*" "$root"/web/*.js
+    grep -oP '((aria-label|placeholder|description" content)="|class="skip"[^>]*>)\K[^"<]*' "$root/web/index.html"
+}
+
+# page_entries FILE: the texts that a translation of the page has, and of which words in braces aren't the same as its own.
+page_entries() {
+    sed -n "/texts = {/,/^};/s/^  '\(.*\)': '.*',\$/\1/p" "$1"
+}
+wrong_braces() {
+    grep "^  '" "$1" | while IFS= read -r line; do
+        own=$(printf '%s' "${line%%\': \'*}" | grep -o '{[a-z]*}' | sort -u)
+        [ "$own" = "$(printf '%s' "${line#*\': \'}" | grep -o '{[a-z]*}' | sort -u)" ] || echo "$line"
+    done
+}
+
+check_page() {
+    page_texts | LC_ALL=C sort -u >said
+    for file in "$root"/web/text-*.js; do
+        page_entries "$file" | LC_ALL=C sort >translated
+        if LC_ALL=C comm -3 said translated | grep . || wrong_braces "$file" | grep .; then
+            echo "$file hasn't these texts of the page (left), or has too many (right), or their words in braces differ."
+            status=1
+        fi
+    done
+}
+
 check() {
     status=0
+    check_page
     if unmarked | grep .; then
         echo "A text for people is written as Text::tr(\"…\")."
         status=1

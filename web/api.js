@@ -1,3 +1,4 @@
+import { tr, translateTold } from './text.js';
 /** Why something didn't work, as a sentence. */
 export class Problem extends Error {
   /** @param {string} sentence @param {number} status @param {string} name */
@@ -15,12 +16,12 @@ async function ask(address, options) {
     answer = await fetch(address, options);
   } catch (error) {
     if (/** @type {Error} */ (error).name === 'AbortError') throw error;
-    throw new Problem('The program orka doesn’t answer. Start “orka serve” again; this page waits for it.', 0, 'away');
+    throw new Problem(tr('The program orka doesn’t answer. Start “orka serve” again; this page waits for it.'), 0, 'away');
   }
   if (answer.ok) return answer;
   const document = await answer.json().catch(() => ({}));
-  const tooLong = 'That is more at once than the program takes, which is 8 MiB. Choose less.';
-  const said = document.error?.message || (answer.status === 413 ? tooLong : `The program orka answered “${answer.status}”.`);
+  const tooLong = tr('That is more at once than the program takes, which is 8 MiB. Choose less.');
+  const said = document.error?.message || (answer.status === 413 ? tooLong : tr('The program orka answered “{status}”.', { status: String(answer.status) }));
   if (answer.status === 401) dispatchEvent(new Event('locked'));
   throw new Problem(sentence(said), answer.status, document.error?.name || 'error');
 }
@@ -29,9 +30,9 @@ async function ask(address, options) {
 function sentence(text) {
   if (text.startsWith('Failed to retrieve content')) {
     const why = text.slice('Failed to retrieve content: '.length);
-    return `The media server didn’t give what it was asked for${why ? ': ' + why : ''}.`.replace(/\.+$/, '.');
+    return tr('The media server didn’t give what it was asked for{why}.', { why: why ? ': ' + why.replace(/\.+$/, '') : '' });
   }
-  return /[.?!]$/.test(text) ? text : text + '.';
+  return translateTold(/[.?!]$/.test(text) ? text : text + '.');
 }
 
 /** @param {Record<string, string|number>} parameters */

@@ -1,3 +1,5 @@
+import { tr } from './text.js';
+
 /**
  * Makes an element. Texts become text nodes, whatever they hold; nothing here reads markup.
  * @param {string} name
@@ -51,7 +53,7 @@ export function iconButton(shape, label, action) {
 
 /** A title as it is shown: never longer than a screen can use. @param {string|undefined} text */
 export function short(text) {
-  const shown = text || 'Untitled';
+  const shown = text || tr('Untitled');
   return shown.length > 300 ? shown.slice(0, 300) + '…' : shown;
 }
 
@@ -63,9 +65,4 @@ export function clock(seconds) {
   const hours = Math.floor(whole / 3600);
   const tail = String(whole % 60).padStart(2, '0');
   return hours ? `${hours}:${String(minutes).padStart(2, '0')}:${tail}` : `${minutes}:${tail}`;
-}
-
-/** "1,234 rows" @param {number} number @param {string} one @param {string} many */
-export function count(number, one, many) {
-  return `${number.toLocaleString('en')} ${number === 1 ? one : many}`;
 }

@@ -1,9 +1,10 @@
 import { readRows, setValue } from './api.js';
-import { count, h, short } from './dom.js';
+import { h, short } from './dom.js';
 import { live } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, placeHash, serverOf } from './place.js';
 import { mayFollow } from './rows.js';
+import { language, number, tr, translateTold } from './text.js';
 
 const mostShown = 24;
 
@@ -13,30 +14,30 @@ const mostShown = 24;
  * @param {import('./looks.js').RowActions} actions @param {Crumb[]} trail
  */
 export function showSearch(main, path, text, actions, trail) {
-  const said = h('small', { role: 'status' }, 'Searching …');
-  const results = h('div', { class: 'results', tabindex: 0, role: 'region', 'aria-label': 'Results' });
+  const said = h('small', { role: 'status' }, tr('Searching …'));
+  const results = h('div', { class: 'results', tabindex: 0, role: 'region', 'aria-label': tr('Results') });
   const server = live.find(serverOf(path));
   const request = new AbortController();
   /** @type {Set<string>} */
   const problems = new Set();
   let isCounted = true;
   document.title = `${short(text)} – orka`;
-  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, 'Search ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
+  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, tr('Search') + ' ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
   search();
 
   async function search() {
     try {
       const menu = await readRows(`${serverOf(path)}?search=menu`, 0, 9, request.signal);
       if (!menu.rows.length) {
-        say('This media server can’t search. Its folders can be browsed, and long ones have an index at the side.');
+        say(tr('This media server can’t search. Its folders can be browsed, and long ones have an index at the side.'));
         return;
       }
       const found = await Promise.all(menu.rows.map(searchOne));
       const total = found.reduce((sum, number) => sum + number, 0);
-      said.textContent = (isCounted ? '' : 'At least ') + count(total, 'match', 'matches');
+      said.textContent = isCounted ? tr('{n} match|{n} matches', { n: total }) : tr('At least {n} matches', { n: total });
       if (request.signal.aborted) return;
       if (problems.size) say([...problems].join(' '));
-      else if (total === 0) say(`Nothing matches “${short(text)}”. A part of a word is enough; fewer letters find more.`);
+      else if (total === 0) say(tr('Nothing matches “{text}”. A part of a word is enough; fewer letters find more.', { text: short(text) }));
     } catch (error) {
       if (!request.signal.aborted) say(/** @type {Error} */ (error).message);
     }
@@ -45,12 +46,13 @@ export function showSearch(main, path, text, actions, trail) {
   /** @param {string} sentence */
   function say(sentence) {
     said.textContent = '';
-    results.append(h('div', { class: 'empty' }, h('p', {}, sentence), h('a', { href: placeHash(path) }, 'To the folders')));
+    results.append(h('div', { class: 'empty' }, h('p', {}, sentence), h('a', { href: placeHash(path) }, tr('To the folders'))));
   }
 
   /** One section; returns how many rows there are. @param {Row} kind */
   async function searchOne(kind) {
-    const section = h('section', {}, h('h2', {}, `${kind.title} `, h('small', {}, 'searching …')));
+    const title = translateTold(kind.title);
+    const section = h('section', {}, h('h2', {}, `${title} `, h('small', {}, tr('searching …'))));
     results.append(section);
     try {
       const place = await setValue(kind.path, { string_: text });
@@ -62,12 +64,12 @@ export function showSearch(main, path, text, actions, trail) {
       const matches = Math.max(answer.rowsCount, length);
       // Some media servers don't count what they find.
       if (isMore && matches === length) isCounted = false;
-      const number = matches.toLocaleString('en') + (isMore && matches === length ? '+' : '');
-      section.replaceChildren(h('h2', {}, `${kind.title} `, h('small', {}, number)));
-      addGroup(section, 'Folders', answer.rows.filter(isFolder));
-      addGroup(section, 'Tracks', answer.rows.filter((row) => !isFolder(row)));
+      const shown = number(matches) + (isMore && matches === length ? '+' : '');
+      section.replaceChildren(h('h2', {}, `${title} `, h('small', {}, shown)));
+      addGroup(section, tr('Folders'), answer.rows.filter(isFolder));
+      addGroup(section, tr('Tracks'), answer.rows.filter((row) => !isFolder(row)));
       if (isMore) {
-        section.append(h('a', { class: 'all', href: placeHash(place) }, `All ${number} by ${kind.title.toLowerCase()}`));
+        section.append(h('a', { class: 'all', href: placeHash(place) }, tr('All {shown} by {kind}', { shown, kind: language === 'en' ? title.toLowerCase() : title })));
       }
       return matches;
     } catch (error) {
@@ -80,7 +82,7 @@ export function showSearch(main, path, text, actions, trail) {
   /** @param {HTMLElement} section @param {string} name @param {Row[]} rows */
   function addGroup(section, name, rows) {
     if (!rows.length) return;
-    const look = nodeLook(actions, name === 'Folders' && rows.some((row) => row.icon) ? 'covers' : 'list');
+    const look = nodeLook(actions, rows.every(isFolder) && rows.some((row) => row.icon) ? 'covers' : 'list');
     const list = h('ul', { class: look.width ? 'still covers' : 'still', 'aria-label': name });
     rows.forEach((row, i) => {
       const element = look.make();

@@ -1,5 +1,6 @@
 import { clock, h, iconButton, short } from './dom.js';
 import { artAddress, isFolder, placeHash } from './place.js';
+import { tr } from './text.js';
 
 /** A picture, over a tile made of the title for as long as there is none. */
 export function makeArt() {
@@ -78,7 +79,7 @@ export function nodeLook(actions, form) {
     height: isCovers ? 236 : 60,
     width: isCovers ? 176 : 0,
     make() {
-      const more = iconButton('more', 'More', menu);
+      const more = iconButton('more', tr('More'), menu);
       const link = h('a', { onclick: open }, makeArt(), h('span', { class: 'text' }, h('bdi'), h('small')), h('time'));
       return h('li', { class: isCovers ? 'cover' : 'row', oncontextmenu: menu }, link, more);
     },
@@ -93,7 +94,7 @@ export function nodeLook(actions, form) {
       time.textContent = seconds ? clock(seconds) : '';
       link.setAttribute('href', row && isFolder(row) ? placeHash(row.path) : '#');
       link.toggleAttribute('data-folder', Boolean(row && isFolder(row)));
-      more.setAttribute('aria-label', `More about ${title}`);
+      more.setAttribute('aria-label', tr('More about {title}', { title }));
       fillArt(art, row?.title || '', row?.icon, isCovers ? 320 : 96);
     },
   };

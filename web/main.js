@@ -13,6 +13,7 @@ import { queue } from './queue.js';
 import { setUpQueue } from './queue-panel.js';
 import './row-list.js';
 import { GivenRows } from './rows.js';
+import { tr, translateDocument, translateTold } from './text.js';
 
 /** @param {string} id @returns {any} */
 const part = (id) => document.getElementById(id);
@@ -38,7 +39,7 @@ const actions = {
   open(row) {
     if (isFolder(row)) go(placeHash(row.path), [...trailNow(), { path: row.path, title: row.title }]);
     else if (isTrack(row)) enqueue('playlist/playNow', row);
-    else notify(`“${short(row.title)}” is no music; this page plays music.`);
+    else notify(tr('“{title}” is no music; this page plays music.', { title: short(row.title) }));
   },
   /** @param {Row} row @param {HTMLElement} anchor */
   menu(row, anchor) {
@@ -52,21 +53,21 @@ async function enqueue(action, row, path, title) {
   try {
     if (!action.startsWith('playlist/')) {
       await setValue(path || '', '');
-      notify(`${title}: done.`);
+      notify(tr('{title}: done.', { title: title || '' }));
       return;
     }
     const { items, lacking } = await queue.tracksBelow(row.path);
     if (!items.length) {
-      notify(lacking || `There is no music in “${short(row.title)}”.`);
+      notify(lacking || tr('There is no music in “{title}”.', { title: short(row.title) }));
       return;
     }
     if (lacking) notify(lacking);
     const next = queue.current + 1;
     queue.insert(items, action === 'playlist/addToQueue' ? queue.items.length : next);
     if (action === 'playlist/playNow') player.play(next);
-    else notify(`${items.length === 1 ? `“${short(items[0].title)}” is` : `${items.length.toLocaleString('en')} tracks are`} queued.`);
+    else notify(tr('“{title}” is queued.|{n} tracks are queued.', { n: items.length, title: short(items[0].title) }));
   } catch (error) {
-    notify(/** @type {Error} */ (error).message, 'Try again', () => enqueue(action, row, path, title));
+    notify(/** @type {Error} */ (error).message, tr('Try again'), () => enqueue(action, row, path, title));
   }
 }
 
@@ -90,17 +91,17 @@ function showServers() {
   const list = h('row-list');
   const rows = new GivenRows(/** @type {Row[]} */ ([]));
   const empty = h('p', { class: 'empty' });
-  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, 'Media servers')), empty, list);
+  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, tr('Media servers'))), empty, list);
   document.title = 'orka';
-  list.show('Media servers', rows, nodeLook(actions, 'list'));
+  list.show(tr('Media servers'), rows, nodeLook(actions, 'list'));
   return {
     leave() {},
     update() {
       rows.rows = live.servers || [];
       empty.hidden = rows.rows.length > 0;
       empty.textContent = live.servers
-        ? 'No media server has shown up yet. Start one on this network; it appears here by itself.'
-        : 'Looking for media servers …';
+        ? tr('No media server has shown up yet. Start one on this network; it appears here by itself.')
+        : tr('Looking for media servers …');
       list.update(true);
     },
   };
@@ -126,11 +127,11 @@ function drawTrail() {
 }
 
 function drawStanding() {
-  stand('away', live.isConnected ? '' : 'The program orka has stopped or can’t be reached. Start “orka serve” again; this page goes on by itself.');
-  stand('service', live.service.there ? '' : live.service.message || 'The media service is not there.');
+  stand('away', live.isConnected ? '' : tr('The program orka has stopped or can’t be reached. Start “orka serve” again; this page goes on by itself.'));
+  stand('service', live.service.there ? '' : translateTold(live.service.message || 'The media service is not there.'));
   const server = serverOf(place.path);
   const isGone = place.path && live.isConnected && live.service.there && live.servers && !live.find(server);
-  stand('server', isGone ? 'This media server has left the network. When it is back, this page goes on by itself.' : '');
+  stand('server', isGone ? tr('This media server has left the network. When it is back, this page goes on by itself.') : '');
   main.classList.toggle('stale', Boolean(isGone || !live.isConnected || !live.service.there));
 }
 
@@ -149,7 +150,7 @@ function search() {
   const text = findText.value.trim();
   const server = live.find(serverOf(place.path));
   const path = server?.path || `${serverOf(place.path)}?itemType=server`;
-  const trail = [{ path, title: server?.title || 'Media server' }];
+  const trail = [{ path, title: server?.title || tr('Media server') }];
   if (!text) {
     if (place.view === 'find') go(placeHash(path), trail);
   } else if (place.view === 'find') {
@@ -168,7 +169,7 @@ async function unlockFromAddress() {
 
 function askForToken() {
   if (document.querySelector('.token')) return;
-  const field = h('input', { autocomplete: 'off', 'aria-label': 'Token' });
+  const field = h('input', { autocomplete: 'off', 'aria-label': tr('Token') });
   const form = h('form', { class: 'token', onsubmit: async (/** @type {Event} */ event) => {
     event.preventDefault();
     try {
@@ -177,7 +178,7 @@ function askForToken() {
     } catch (error) {
       notify(/** @type {Error} */ (error).message);
     }
-  } }, h('p', {}, 'This page needs the token that “orka serve” printed.'), field, h('button', {}, 'Open'));
+  } }, h('p', {}, tr('This page needs the token that “orka serve” printed.')), field, h('button', {}, tr('Open')));
   document.body.append(form);
   field.focus();
 }
@@ -206,6 +207,7 @@ for (const name of ['servers', 'service', 'connection']) {
   });
 }
 
+translateDocument();
 setUpQueue(part('queue'), part('queue-button'));
 setUpPlayer(part('player'));
 await unlockFromAddress();

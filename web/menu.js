@@ -1,6 +1,7 @@
 import { readRows } from './api.js';
 import { h, short } from './dom.js';
 import { notify } from './notice.js';
+import { tr, translateTold } from './text.js';
 
 /** @type {HTMLElement|null} */
 let open = null;
@@ -26,7 +27,7 @@ export async function showMenu(row, anchor, prefix, choose) {
     entries = (await readRows(`${prefix}:context?path=${encodeURIComponent(row.path)}`, 0, 19)).rows;
   } catch (error) {
     const isPlain = /** @type {Error} */ (error).message.startsWith('Invalid context menu');
-    notify(isPlain ? `Nothing can be done with “${short(row.title)}” here: it is no music.` : /** @type {Error} */ (error).message);
+    notify(isPlain ? tr('Nothing can be done with “{title}” here: it is no music.', { title: short(row.title) }) : /** @type {Error} */ (error).message);
     return;
   }
   const buttons = entries.map((entry) => h('button', {
@@ -35,7 +36,7 @@ export async function showMenu(row, anchor, prefix, choose) {
       close();
       choose(entry.path, entry.title);
     },
-  }, short(entry.title)));
+  }, translateTold(short(entry.title))));
   opener = anchor;
   open = h('div', { class: 'menu', role: 'menu', 'aria-label': short(row.title), onkeydown: key }, ...buttons);
   (anchor.closest('main') || document.body).append(/** @type {HTMLElement} */ (open));

@@ -1,11 +1,12 @@
 import { readNode } from './api.js';
-import { count, h, iconButton, short } from './dom.js';
+import { h, iconButton, short } from './dom.js';
 import { live } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, serverOf } from './place.js';
 import { NodeRows } from './rows.js';
 import { keep, keptOneOf } from './settings.js';
 import './scroll-index.js';
+import { tr } from './text.js';
 
 /** @param {Row|undefined} row the first one */
 const kindOf = (row) => (row && !isFolder(row) ? 'tracks' : 'folders');
@@ -27,9 +28,9 @@ export function showPlace(main, path, actions, trail) {
   const first = Number(history.state?.first || 0);
   const title = trail.at(-1)?.title || live.find(serverOf(path))?.title || '';
   const heading = h('h1', {}, h('bdi', {}, short(title || ' ')));
-  const said = h('small', { role: 'status' }, 'Reading …');
-  const toggle = iconButton('covers', 'Show covers', () => switchForm());
-  const more = iconButton('more', 'More about this folder', () => actions.menu({ path, title: heading.textContent || '' }, more));
+  const said = h('small', { role: 'status' }, tr('Reading …'));
+  const toggle = iconButton('covers', tr('Show covers'), () => switchForm());
+  const more = iconButton('more', tr('More about this folder'), () => actions.menu({ path, title: heading.textContent || '' }, more));
   const trouble = h('div', { class: 'empty', hidden: true });
   const list = h('row-list');
   const index = h('scroll-index', { hidden: true });
@@ -45,13 +46,13 @@ export function showPlace(main, path, actions, trail) {
     document.title = `${short(text)} – orka`;
   }
   if (title && trail.length) name(title);
-  else readNode(path).then((row) => name(row.title || title), () => name(title || 'Folder'));
+  else readNode(path).then((row) => name(row.title || title), () => name(title || tr('Folder')));
 
   function draw() {
     const wanted = rows.get(0) || form === '' ? formOf(rows) : form;
-    said.textContent = rows.total < 0 ? 'Reading …' : count(rows.total, 'row', 'rows');
+    said.textContent = rows.total < 0 ? tr('Reading …') : tr('{n} row|{n} rows', { n: rows.total });
     trouble.hidden = rows.total !== 0;
-    if (rows.total === 0) trouble.replaceChildren('This folder is empty.');
+    if (rows.total === 0) trouble.replaceChildren(tr('This folder is empty.'));
     if (wanted !== form) setForm(/** @type {'list'|'covers'} */ (wanted), form === '' ? first : list.first);
     if (rows.total >= 0 && rows.total !== indexed) {
       indexed = rows.total;
@@ -62,7 +63,7 @@ export function showPlace(main, path, actions, trail) {
   /** @param {'list'|'covers'} next @param {number} top */
   function setForm(next, top) {
     form = next;
-    toggle.setAttribute('aria-label', form === 'covers' ? 'Show a list' : 'Show covers');
+    toggle.setAttribute('aria-label', form === 'covers' ? tr('Show a list') : tr('Show covers'));
     toggle.title = toggle.getAttribute('aria-label');
     list.show(heading.textContent, rows, nodeLook(actions, form), top);
   }
@@ -75,7 +76,7 @@ export function showPlace(main, path, actions, trail) {
 
   function retry() {
     trouble.hidden = true;
-    said.textContent = 'Reading …';
+    said.textContent = tr('Reading …');
     rows.reload();
   }
 
@@ -91,7 +92,7 @@ export function showPlace(main, path, actions, trail) {
     const error = /** @type {CustomEvent} */ (event).detail;
     said.textContent = '';
     trouble.hidden = false;
-    trouble.replaceChildren(h('p', {}, error.message), h('button', { type: 'button', onclick: retry }, 'Try again'));
+    trouble.replaceChildren(h('p', {}, error.message), h('button', { type: 'button', onclick: retry }, tr('Try again')));
   });
   rows.need(first, first + 63);
 

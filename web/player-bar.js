@@ -3,21 +3,22 @@ import { live } from './live.js';
 import { fillArt, makeArt } from './looks.js';
 import { player } from './player.js';
 import { queue } from './queue.js';
+import { tr } from './text.js';
 
 /** @param {HTMLElement} bar */
 export function setUpPlayer(bar) {
   const art = makeArt();
   const title = h('bdi');
   const artist = h('small');
-  const play = iconButton('play', 'Play', () => player.toggle());
+  const play = iconButton('play', tr('Play'), () => player.toggle());
   const time = h('time');
   const length = h('time');
-  const seek = h('input', { type: 'range', min: 0, max: 1, step: 1, value: 0, 'aria-label': 'Position in the track' });
-  const volume = h('input', { type: 'range', min: 0, max: 100, value: 100, class: 'volume', 'aria-label': 'Volume' });
-  const output = h('select', { 'aria-label': 'Where to play' }, h('option', { value: 'here' }, 'Here'), h('option', { value: 'machine' }, 'This machine'));
+  const seek = h('input', { type: 'range', min: 0, max: 1, step: 1, value: 0, 'aria-label': tr('Position in the track') });
+  const volume = h('input', { type: 'range', min: 0, max: 100, value: 100, class: 'volume', 'aria-label': tr('Volume') });
+  const output = h('select', { 'aria-label': tr('Where to play') }, h('option', { value: 'here' }, tr('Here')), h('option', { value: 'machine' }, tr('This machine')));
   bar.append(
     h('div', { class: 'playing' }, art, h('span', { class: 'text' }, title, artist)),
-    h('div', { class: 'buttons' }, iconButton('previous', 'Previous', () => player.previous()), play, iconButton('next', 'Next', () => player.next())),
+    h('div', { class: 'buttons' }, iconButton('previous', tr('Previous'), () => player.previous()), play, iconButton('next', tr('Next'), () => player.next())),
     h('div', { class: 'seek' }, time, seek, length),
     h('div', { class: 'output' }, volume, output),
   );
@@ -38,10 +39,10 @@ export function setUpPlayer(bar) {
     const state = player.state;
     bar.hidden = !state.active && !queue.items.length && !live.player?.active;
     if (bar.hidden) return;
-    title.textContent = state.title ? short(state.title) : 'Nothing plays';
+    title.textContent = state.title ? short(state.title) : tr('Nothing plays');
     artist.textContent = short(state.artist || ' ').trim();
     fillArt(art, state.title, state.icon, 96);
-    const label = state.paused ? 'Play' : 'Pause';
+    const label = state.paused ? tr('Play') : tr('Pause');
     if (said !== label) {
       said = label;
       play.setAttribute('aria-label', label);
@@ -54,12 +55,12 @@ export function setUpPlayer(bar) {
       seek.value = String(state.time);
       time.textContent = clock(state.time);
     }
-    seek.setAttribute('aria-valuetext', `${clock(state.time)} of ${clock(state.duration)}`);
+    seek.setAttribute('aria-valuetext', tr('{time} of {length}', { time: clock(state.time), length: clock(state.duration) }));
     length.textContent = clock(state.duration);
     volume.value = String(state.volume);
     output.value = player.isHere ? 'here' : 'machine';
     output.options[1].disabled = !live.player?.available;
-    output.options[1].textContent = live.player?.available ? 'This machine' : 'This machine (needs mpv)';
+    output.options[1].textContent = live.player?.available ? tr('This machine') : tr('This machine (needs mpv)');
     const session = navigator.mediaSession;
     if (session) {
       const known = session.metadata?.title;

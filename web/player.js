@@ -1,4 +1,3 @@
-import { short } from './dom.js';
 import { freshen } from './freshen.js';
 import { live } from './live.js';
 import { machine } from './machine.js';
@@ -6,6 +5,7 @@ import { notify } from './notice.js';
 import { queue } from './queue.js';
 import { keep, keptOneOf } from './settings.js';
 import { sound } from './sound.js';
+import { tr, translateTold } from './text.js';
 
 /** Plays the queue: in this page, or on the machine that the program runs on. Tells "change". */
 class Player extends EventTarget {
@@ -79,16 +79,16 @@ class Player extends EventTarget {
     queue.play(place);
   }
 
-  /** @param {string} detail what became of the track */
-  #failed(detail) {
+  /** @param {string} sentence what became of the track */
+  #failed(sentence) {
     if (this.#wanted) return; // it is being left
     if (++this.#failures > 3) {
-      notify('Several tracks in a row can’t be played. Is their media server still there?', 'Try again', () => this.play(queue.current));
+      notify(tr('Several tracks in a row can’t be played. Is their media server still there?'), tr('Try again'), () => this.play(queue.current));
       this.#failures = 0;
       sound.stop();
       return;
     }
-    notify(`“${short(sound.item?.title)}” ${detail}.`);
+    notify(sentence);
     if (this.#index + 1 < queue.items.length) this.next();
     else sound.stop();
   }
@@ -146,7 +146,7 @@ class Player extends EventTarget {
 
   #followMachine() {
     const message = live.player?.message || '';
-    if (message && message !== this.#told) notify(message);
+    if (message && message !== this.#told) notify(translateTold(message));
     this.#told = message;
     if (this.#isOnMachine) queue.follow(machine.index);
     this.#changed();

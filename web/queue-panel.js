@@ -1,47 +1,48 @@
 import { savePlaylist } from './api.js';
-import { clock, count, h, iconButton, short } from './dom.js';
+import { clock, h, iconButton, short } from './dom.js';
 import { fillArt, makeArt } from './looks.js';
 import { notify } from './notice.js';
 import { player } from './player.js';
 import { queue } from './queue.js';
 import { RowList } from './row-list.js';
 import { GivenRows } from './rows.js';
+import { number, tr } from './text.js';
 
 /** @param {HTMLElement} panel @param {HTMLElement} button */
 export function setUpQueue(panel, button) {
-  const heading = h('h2', {}, 'Queue');
+  const heading = h('h2', {}, tr('Queue'));
   const said = h('small');
   const list = /** @type {RowList} */ (h('row-list'));
   /** @param {string} format */
-  const saveAs = (format) => h('button', { type: 'button', onclick: () => save(format) }, `Save as ${format.toUpperCase()}`);
+  const saveAs = (format) => h('button', { type: 'button', onclick: () => save(format) }, tr('Save as {format}', { format: format.toUpperCase() }));
   const clear = h('button', { type: 'button', onclick: () => {
     const old = queue.items;
     queue.replace([]);
-    notify('The queue is empty now.', 'Undo', () => queue.replace(old));
-  } }, 'Clear');
-  const empty = h('p', { class: 'empty' }, 'Nothing is queued. Choose “Add to queue” from the menu of a track or folder.');
+    notify(tr('The queue is empty now.'), tr('Undo'), () => queue.replace(old));
+  } }, tr('Clear'));
+  const empty = h('p', { class: 'empty' }, tr('Nothing is queued. Choose “Add to queue” from the menu of a track or folder.'));
   panel.append(h('div', { class: 'panel-head' }, heading, said), h('div', { class: 'panel-tools' }, saveAs('m3u8'), saveAs('xspf'), clear), empty, list,
-    h('p', { id: 'queue-keys', hidden: true }, 'Alt with an arrow key moves it, Delete removes it.'));
+    h('p', { id: 'queue-keys', hidden: true }, tr('Alt with an arrow key moves it, Delete removes it.')));
 
   const look = queueLook(list);
   const rows = new GivenRows(queue.items);
   let isShown = false;
   function draw() {
-    button.textContent = queue.items.length ? `Queue ${queue.items.length.toLocaleString('en')}` : 'Queue';
+    button.textContent = queue.items.length ? `${tr('Queue')} ${number(queue.items.length)}` : tr('Queue');
     if (panel.hidden) return;
     const seconds = queue.items.reduce((sum, item) => sum + item.seconds, 0);
-    said.textContent = queue.items.length ? `${count(queue.items.length, 'track', 'tracks')}, ${clock(seconds)}` : '';
+    said.textContent = queue.items.length ? tr('{n} track, {time}|{n} tracks, {time}', { n: queue.items.length, time: clock(seconds) }) : '';
     empty.hidden = queue.items.length > 0;
     for (const tool of /** @type {any} */ (panel.querySelectorAll('.panel-tools button'))) tool.disabled = !queue.items.length;
     rows.rows = queue.items;
-    if (!isShown) list.show('Queued tracks', rows, look, Math.max(0, queue.current));
+    if (!isShown) list.show(tr('Queued tracks'), rows, look, Math.max(0, queue.current));
     else list.update(true);
     isShown = true;
   }
   queue.addEventListener('change', draw);
   queue.addEventListener('unkept', (event) => {
     const most = /** @type {CustomEvent} */ (event).detail;
-    notify(`The browser has room for ${count(most, 'track', 'tracks')} of this queue: when the page is closed, the others are lost.`);
+    notify(tr('The browser has room for one track of this queue: when the page is closed, the others are lost.|The browser has room for {n} tracks of this queue: when the page is closed, the others are lost.', { n: most }));
   });
   button.addEventListener('click', () => {
     panel.hidden = !panel.hidden;
@@ -105,7 +106,7 @@ function queueLook(list) {
     }, h('a', { href: '#', onclick: (/** @type {MouseEvent} */ event) => {
       event.preventDefault();
       player.play(indexOf(event));
-    } }, makeArt(), h('span', { class: 'text' }, h('bdi'), h('small')), h('time')), iconButton('remove', 'Remove', (event) => queue.remove(indexOf(event)))),
+    } }, makeArt(), h('span', { class: 'text' }, h('bdi'), h('small')), h('time')), iconButton('remove', tr('Remove'), (event) => queue.remove(indexOf(event)))),
     fill(element, item, index) {
       const [link, remove] = /** @type {HTMLElement[]} */ ([...element.children]);
       const [art, text, time] = /** @type {HTMLElement[]} */ ([...link.children]);
@@ -114,7 +115,7 @@ function queueLook(list) {
       text.children[1].textContent = item ? [item.artist, item.album].filter(Boolean).map(short).join(' — ') : '';
       time.textContent = item?.seconds ? clock(item.seconds) : '';
       link.setAttribute('aria-describedby', 'queue-keys');
-      remove.setAttribute('aria-label', `Remove ${title}`);
+      remove.setAttribute('aria-label', tr('Remove {title}', { title }));
       if (index === queue.current) link.setAttribute('aria-current', 'true');
       else link.removeAttribute('aria-current');
       fillArt(art, item?.title || '', item?.icon, 96);

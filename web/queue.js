@@ -1,6 +1,7 @@
 import { readQueue } from './api.js';
 import { Pages } from './pages.js';
 import { kept, store } from './settings.js';
+import { tr, translateTold } from './text.js';
 
 /** @param {any} item an item as the media device prepares it @returns {QueueItem} */
 function itemOf(item) {
@@ -57,7 +58,7 @@ class Queue extends EventTarget {
   /** Every track below a node; where some are lacking, why. @param {string} path */
   async tracksBelow(path) {
     const answer = await readQueue(path);
-    const lacking = answer.complete ? '' : answer.error?.message || 'Not every track of this place could be queued.';
+    const lacking = answer.complete ? '' : translateTold(answer.error?.message || '') || tr('Not every track of this place could be queued.');
     return { items: answer.items.map(itemOf), lacking };
   }
 

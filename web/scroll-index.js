@@ -1,6 +1,7 @@
 import { readRows } from './api.js';
 import { h } from './dom.js';
 import { withParameter } from './place.js';
+import { tr } from './text.js';
 
 const mostMarks = 26;
 const worthAnIndex = 120; // rows
@@ -53,10 +54,10 @@ export class ScrollIndex extends HTMLElement {
     this.hidden = this.#marks.length < 3;
     const isSorted = this.#marks.some((mark) => mark.before >= 0);
     this.setAttribute('role', 'group');
-    this.setAttribute('aria-label', isSorted ? 'Jump to a letter' : 'Jump to a row');
+    this.setAttribute('aria-label', isSorted ? tr('Jump to a letter') : tr('Jump to a row'));
     this.replaceChildren(...this.#marks.map((mark) => h('button', {
       type: 'button',
-      'aria-label': isSorted ? `Titles with ${mark.label}` : `Row ${mark.label}`,
+      'aria-label': isSorted ? tr('Titles with {label}', mark) : tr('Row {label}', mark),
       onclick: async () => {
         this.#chosen = mark;
         jump(mark.index);

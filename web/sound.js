@@ -1,11 +1,13 @@
+import { short } from './dom.js';
 import { mediaAddress } from './place.js';
 import { keep, kept } from './settings.js';
+import { tr } from './text.js';
 
 const longestSilence = 15000;
 
 /**
- * One track as it sounds in this page. Tells "change", "ended", "playing", and "failed": its detail says what became of
- * the track, as the end of a sentence.
+ * One track as it sounds in this page. Tells "change", "ended", "playing", and "failed": its detail is a sentence about
+ * what became of the track.
  */
 class Sound extends EventTarget {
   #audio = new Audio();
@@ -27,8 +29,12 @@ class Sound extends EventTarget {
     }
     for (const name of ['playing', 'ended']) audio.addEventListener(name, () => this.#tell(name));
     audio.addEventListener('error', () => {
-      if (this.item) this.#fail('can’t be played here: it can’t be had, or this browser doesn’t know its format');
+      if (this.item) this.#fail(tr('“{title}” can’t be played here: it can’t be had, or this browser doesn’t know its format.', this.#named));
     });
+  }
+
+  get #named() {
+    return { title: short(this.item?.title) };
   }
 
   get state() {
@@ -74,12 +80,12 @@ class Sound extends EventTarget {
   #listen() {
     clearTimeout(this.#silence);
     if (!this.item || this.#audio.paused) return;
-    this.#silence = setTimeout(() => this.#fail('doesn’t go on: its media server is silent'), longestSilence);
+    this.#silence = setTimeout(() => this.#fail(tr('“{title}” doesn’t go on: its media server is silent.', this.#named)), longestSilence);
   }
 
-  /** @param {string} detail */
-  #fail(detail) {
-    this.dispatchEvent(new CustomEvent('failed', { detail }));
+  /** @param {string} sentence */
+  #fail(sentence) {
+    this.dispatchEvent(new CustomEvent('failed', { detail: sentence }));
   }
 
   /** @param {string} name */

@@ -101,4 +101,13 @@ await until('on a phone', () => shows('Nightfall'));
 await page.waitForTimeout(500);
 await findings(page, 'a phone, dark');
 await picture(page, 'phone');
+
+await page.addInitScript(() => Object.defineProperty(navigator, 'languages', { value: ['de-AT', 'en'] }));
+await page.goto(address);
+await until('in German', () => shows('Medienserver'));
+await row('Test Music').locator('a').click();
+await row('Music').locator('a').click();
+await row('Album').locator('button').click();
+await until('what the program says, too', () => shows('Als Nächstes abspielen'));
+await findings(page, 'in German');
 await finish();
