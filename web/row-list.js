@@ -1,6 +1,7 @@
 // A list of any length: only the rows in view have elements.
 
-const tallest = 8_000_000; // pixels that every browser can scroll
+// Pixels that every browser can scroll, which counts them as the screen does.
+const tallest = () => Math.min(8_000_000, 30_000_000 / devicePixelRatio);
 const spare = 4; // lines above and below the view
 
 export class RowList extends HTMLElement {
@@ -80,7 +81,7 @@ export class RowList extends HTMLElement {
   /** Real pixels for each that is scrolled. */
   #scale() {
     const real = this.#realHeight() - this.clientHeight;
-    return real > tallest ? real / (tallest - this.clientHeight) : 1;
+    return real > tallest() ? real / (tallest() - this.clientHeight) : 1;
   }
   #realTop() {
     return this.scrollTop * this.#scale();
@@ -93,7 +94,7 @@ export class RowList extends HTMLElement {
   #layOut() {
     const width = this.#look?.width || 0;
     this.#columns = width ? Math.max(1, Math.floor(this.#list.clientWidth / width)) : 1;
-    this.#list.style.height = `${Math.min(tallest, this.#realHeight())}px`;
+    this.#list.style.height = `${Math.min(tallest(), this.#realHeight())}px`;
   }
 
   #soon() {
@@ -158,6 +159,9 @@ export class RowList extends HTMLElement {
     const isNew = !element;
     if (!element) {
       element = this.#pool.pop() || this.#makeElement(look);
+      const before = this.#shown.get(index - 1); // they are read aloud as they stand in the document
+      if (before) before.after(element);
+      else this.#list.prepend(element);
       element.hidden = false;
       element.dataset.index = String(index);
       element.setAttribute('aria-posinset', String(index + 1));
@@ -180,7 +184,6 @@ export class RowList extends HTMLElement {
   #makeElement(look) {
     const element = look.make();
     element.setAttribute('role', 'listitem');
-    this.#list.append(element);
     return element;
   }
 

@@ -5,6 +5,7 @@ import { tr } from './text.js';
 
 const mostMarks = 26;
 const worthAnIndex = 120; // rows
+const markHeight = 24; // pixels
 
 /** The letter under which a title is looked for. @param {string} title */
 function letterOf(title) {
@@ -23,6 +24,15 @@ export class ScrollIndex extends HTMLElement {
   #path = '';
   /** The mark that was chosen last; a slower answer about another changes nothing. @type {object|null} */
   #chosen = null;
+  #sizes = new ResizeObserver(() => this.#fit());
+
+  connectedCallback() {
+    this.#sizes.observe(this);
+  }
+
+  disconnectedCallback() {
+    this.#sizes.disconnect();
+  }
 
   /** @param {string} path @param {number} total @param {(index: number) => void} jump */
   async show(path, total, jump) {
@@ -66,11 +76,19 @@ export class ScrollIndex extends HTMLElement {
         if (this.#chosen === mark && first !== mark.index) jump(first);
       },
     }, mark.label)));
+    this.#fit();
     this.onpointermove = (/** @type {PointerEvent} */ event) => {
       const target = event.buttons && document.elementFromPoint(event.clientX, event.clientY);
       const mark = target && this.#marks[[...this.children].indexOf(target)];
       if (mark) jump(mark.index);
     };
+  }
+
+  /** As many marks as there is room for. */
+  #fit() {
+    const marks = /** @type {HTMLElement[]} */ ([...this.children]);
+    const every = Math.ceil((marks.length * markHeight) / Math.max(markHeight, this.clientHeight - markHeight));
+    marks.forEach((mark, i) => (mark.hidden = i % every > 0));
   }
 
   /** Halves the way between two samples until the letter's first row is found. @param {{label: string, index: number, before: number}} mark */

@@ -73,10 +73,12 @@ const scroll = await page.evaluate(async () => {
   const before = memory();
   await pass();
   await new Promise((resolve) => setTimeout(resolve, 500));
-  return { grown: (memory() - before) / 1e6, longest, elements: document.querySelectorAll('*').length };
+  return { grown: (memory() - before) / 1e6, longest, elements: document.querySelectorAll('*').length,
+    order: String([...list.querySelectorAll('li:not([hidden])')].map((li) => li.dataset.index)) };
 });
 console.log(`figure scroll: ${scroll.grown.toFixed(1)} MB grown, longest frame ${scroll.longest.toFixed(0)} ms, ${scroll.elements} elements`);
 check('memory stays flat over 100,000 rows', scroll.grown < 10, `${scroll.grown} MB`);
+check('read aloud in order', scroll.order === String(scroll.order.split(',').sort((a, b) => a - b)), scroll.order);
 check('few elements', scroll.elements < 1500, scroll.elements);
 check('a jump is quick, covers come', median('rows') < 5000 && jumps.every((jump) => jump.covers < 10000), JSON.stringify(jumps));
 

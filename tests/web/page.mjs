@@ -98,9 +98,14 @@ await row('Test Music').locator('a').click();
 await row('Music').locator('a').click();
 await row('Album').locator('a').click();
 await until('on a phone', () => shows('Nightfall'));
+await choose('Punctuation', 'Add to queue');
 await page.waitForTimeout(500);
 await findings(page, 'a phone, dark');
 await picture(page, 'phone');
+await page.locator('#queue-button').click();
+await page.getByRole('button', { name: 'Clear' }).click();
+await page.getByRole('button', { name: 'Undo' }).click();
+await until('nothing lies over what is to be touched', async () => (await queued()).length > 0);
 
 await page.addInitScript(() => Object.defineProperty(navigator, 'languages', { value: ['de-AT', 'en'] }));
 await page.goto(address);
