@@ -7,6 +7,7 @@ import { tr, translateTold } from './text.js';
 let open = null;
 /** @type {HTMLElement|null} */
 let opener = null;
+let asked = 0;
 
 function close() {
   open?.remove();
@@ -22,6 +23,7 @@ function close() {
  */
 export async function showMenu(row, anchor, prefix, choose) {
   close();
+  const mine = ++asked;
   let entries;
   try {
     entries = (await readRows(`${prefix}:context?path=${encodeURIComponent(row.path)}`, 0, 19)).rows;
@@ -30,6 +32,7 @@ export async function showMenu(row, anchor, prefix, choose) {
     notify(isPlain ? tr('Nothing can be done with “{title}” here: it is no music.', { title: short(row.title) }) : /** @type {Error} */ (error).message);
     return;
   }
+  if (mine !== asked || !anchor.isConnected) return; // another was asked for, or its row has gone
   const buttons = entries.map((entry) => h('button', {
     type: 'button', role: 'menuitem', tabindex: -1,
     onclick: () => {
