@@ -1,6 +1,6 @@
 import { readRows, setValue } from './api.js';
 import { h, short } from './dom.js';
-import { live } from './live.js';
+import { live, whenBack } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, placeHash, serverOf } from './place.js';
 import { mayFollow } from './rows.js';
@@ -11,18 +11,19 @@ const mostShown = 24;
 /**
  * What a media server finds, by everything that its search menu offers, as the answers come.
  * @param {HTMLElement} main @param {string} path @param {string} text
- * @param {import('./looks.js').RowActions} actions @param {Crumb[]} trail
+ * @param {import('./looks.js').RowActions} actions @param {Crumb[]} trail @param {() => void} again
  */
-export function showSearch(main, path, text, actions, trail) {
+export function showSearch(main, path, text, actions, trail, again) {
   const said = h('small', { role: 'status' }, tr('Searching …'));
   const results = h('div', { class: 'results', tabindex: 0, role: 'region', 'aria-label': tr('Results') });
-  const server = live.find(serverOf(path));
+  const where = h('bdi');
+  const update = whenBack(path, again);
   const request = new AbortController();
   /** @type {Set<string>} */
   const problems = new Set();
   let isCounted = true;
   document.title = `${short(text)} – orka`;
-  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, tr('Search') + ' ', h('bdi', {}, short(trail[0]?.title || server?.title || ''))), said), results);
+  main.replaceChildren(h('div', { class: 'head' }, h('h1', {}, tr('Search') + ' ', where), said), results);
   search();
 
   async function search() {
@@ -94,6 +95,9 @@ export function showSearch(main, path, text, actions, trail) {
 
   return {
     leave: () => request.abort(),
-    update() {},
+    update() {
+      where.textContent = short(trail[0]?.title || live.find(serverOf(path))?.title || ' ').trim();
+      update();
+    },
   };
 }

@@ -1,4 +1,8 @@
+import { serverOf } from './place.js';
+
 // What changes by itself: media servers, the media service, the machine's player, and whether the program is there.
+
+const longestSilence = 40000; // of a program that tells at least that it is there, every 15 s
 
 class Live extends EventTarget {
   /** @type {Row[]|null} null until the program has told */
@@ -10,6 +14,7 @@ class Live extends EventTarget {
   /** @type {EventSource|null} */
   #source = null;
   #again = 0;
+  #silence = 0;
 
   start() {
     // A browser has few connections to one address: a page that nobody sees needs none.
@@ -19,17 +24,19 @@ class Live extends EventTarget {
 
   #open() {
     if (this.#source) return;
-    clearTimeout(this.#again);
     const source = new EventSource('/api/servers');
     this.#source = source;
+    this.#listen();
     /** @param {string} name @param {(value: any) => void} take */
     const on = (name, take) => source.addEventListener(name, (event) => {
+      this.#listen();
       take(JSON.parse(/** @type {MessageEvent} */ (event).data));
       this.dispatchEvent(new Event(name));
     });
     on('servers', (answer) => (this.servers = answer.rows));
     on('service', (service) => (this.service = service));
     on('player', (state) => (this.player = state));
+    on('pulse', () => {});
     source.onopen = () => this.#setConnected(true);
     source.onerror = async () => {
       this.#stop();
@@ -41,7 +48,19 @@ class Live extends EventTarget {
     };
   }
 
+  /** A program that hangs, or a network that is gone, ends no stream. */
+  #listen() {
+    clearTimeout(this.#silence);
+    this.#silence = setTimeout(() => {
+      this.#stop();
+      this.#setConnected(false);
+      this.#open();
+    }, longestSilence);
+  }
+
   #stop() {
+    clearTimeout(this.#again);
+    clearTimeout(this.#silence);
     this.#source?.close();
     this.#source = null;
   }
@@ -60,3 +79,13 @@ class Live extends EventTarget {
 }
 
 export const live = new Live();
+
+/** To be called when something has changed: acts where the media server of a path is back. @param {string} path @param {() => void} act */
+export function whenBack(path, act) {
+  let wasThere = true;
+  return () => {
+    const isThere = live.isConnected && live.service.there && Boolean(live.find(serverOf(path)));
+    if (isThere && !wasThere) act();
+    if (live.servers) wasThere = isThere;
+  };
+}

@@ -76,7 +76,7 @@ function render() {
   view.leave();
   place = parseHash(location.hash);
   if (place.view === 'servers') view = showServers();
-  else if (place.view === 'find') view = showSearch(main, place.path, place.text, actions, trailNow());
+  else if (place.view === 'find') view = showSearch(main, place.path, place.text, actions, trailNow(), render);
   else view = showPlace(main, place.path, actions, trailNow());
   if (findText.value.trim() !== place.text) findText.value = place.text;
   drawTrail();
@@ -159,12 +159,12 @@ function search() {
   } else go(findHash(path, text), trail);
 }
 
-/** Beyond this machine the program wants to know that its page may be seen. */
+/** Beyond this machine the program wants to know that its page may be seen. Whether it knows it from the address now. */
 async function unlockFromAddress() {
   const token = /^#token=([\w-]+)$/.exec(location.hash)?.[1];
-  if (!token) return;
+  if (!token) return false;
   history.replaceState(null, '', '#/');
-  await unlock(token).catch((error) => notify(error.message));
+  return unlock(token).then(() => true, (error) => notify(error.message));
 }
 
 function askForToken() {
@@ -173,7 +173,7 @@ function askForToken() {
   const form = h('form', { class: 'token', onsubmit: async (/** @type {Event} */ event) => {
     event.preventDefault();
     try {
-      await unlock(field.value.trim());
+      await unlock(field.value.trim().replace(/^.*#token=/, '')); // the whole address will do
       location.reload();
     } catch (error) {
       notify(/** @type {Error} */ (error).message);
@@ -191,7 +191,7 @@ part('home').addEventListener('click', (/** @type {MouseEvent} */ event) => {
   event.preventDefault(); // the address is that of a place
   main.focus();
 });
-addEventListener('popstate', render);
+addEventListener('popstate', async () => ((await unlockFromAddress()) ? location.reload() : render()));
 addEventListener('locked', askForToken);
 addEventListener('keydown', (event) => {
   const isTyping = /^(INPUT|SELECT)$/.test(/** @type {HTMLElement} */ (event.target).tagName);

@@ -1,6 +1,6 @@
 import { readNode } from './api.js';
 import { h, iconButton, short } from './dom.js';
-import { live } from './live.js';
+import { live, whenBack } from './live.js';
 import { nodeLook } from './looks.js';
 import { isFolder, serverOf } from './place.js';
 import { NodeRows } from './rows.js';
@@ -39,14 +39,16 @@ export function showPlace(main, path, actions, trail) {
   /** @type {'list'|'covers'|''} */
   let form = '';
   let indexed = -1;
-  let wasThere = true;
 
   function name(/** @type {string} */ text) {
-    heading.firstElementChild.textContent = short(text);
-    document.title = `${short(text)} – orka`;
+    const shown = short(live.find(path.split('?')[0])?.title || text); // a media server's is that of its device
+    heading.firstElementChild.textContent = shown;
+    document.title = `${shown} – orka`;
   }
-  if (title && trail.length) name(title);
-  else readNode(path).then((row) => name(row.title || title), () => name(title || tr('Folder')));
+  function readName() {
+    if (title && trail.length) name(title);
+    else readNode(path).then((row) => name(row.title || title), () => name(title || tr('Folder')));
+  }
 
   function draw() {
     const wanted = rows.get(0) || form === '' ? formOf(rows) : form;
@@ -75,6 +77,7 @@ export function showPlace(main, path, actions, trail) {
   }
 
   function retry() {
+    readName();
     trouble.hidden = true;
     said.textContent = tr('Reading …');
     rows.reload();
@@ -94,6 +97,7 @@ export function showPlace(main, path, actions, trail) {
     trouble.hidden = false;
     trouble.replaceChildren(h('p', {}, error.message), h('button', { type: 'button', onclick: retry }, tr('Try again')));
   });
+  readName();
   rows.need(first, first + 63);
 
   return {
@@ -103,10 +107,6 @@ export function showPlace(main, path, actions, trail) {
       clearTimeout(remember);
     },
     /** A media server that is back, or a program, has the rows anew. */
-    update() {
-      const isThere = live.isConnected && live.service.there && Boolean(live.servers && live.find(serverOf(path)));
-      if (isThere && !wasThere) retry();
-      if (live.servers) wasThere = isThere;
-    },
+    update: whenBack(path, retry),
   };
 }

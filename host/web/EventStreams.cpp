@@ -33,8 +33,10 @@ EventStreams::EventStreams(LiveChain &chain, HttpServer &server)
     m_soon.setSingleShot(true);
     m_soon.setInterval(20);
     connect(&m_soon, &QTimer::timeout, this, &EventStreams::readServers);
-    // Finds clients that have left, and keeps what lies between from closing quiet connections.
-    connect(&m_pulse, &QTimer::timeout, this, [this] { sendAll(": still here\n\n"); });
+    // Finds clients that have left, keeps what lies between from closing quiet connections, and
+    // tells clients that we are there.
+    connect(
+        &m_pulse, &QTimer::timeout, this, [this] { sendAll("event: pulse\ndata: {}\n\n"); });
     m_pulse.start(pulse);
     publishService();
 }
