@@ -1639,5 +1639,21 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>The connection to %1 has ended: the bus crashed or was stopped. What was asked of the media service is lost; run the command again when the bus is back. A private bus is started anew.</source>
         <translation>Die Verbindung zum Bus ist beendet (%1): Er ist abgestürzt oder wurde angehalten. Was der Mediendienst gefragt wurde, ist verloren; führen Sie den Befehl erneut aus, wenn der Bus wieder da ist. Ein privater Bus wird neu gestartet.</translation>
     </message>
+    <message>
+        <source>the key is not that of the certificate</source>
+        <translation>der Schlüssel gehört nicht zum Zertifikat</translation>
+    </message>
+    <message>
+        <source>The certificate %1 has expired, and browsers say so. Name another with --cert.</source>
+        <translation>Das Zertifikat %1 ist abgelaufen, was Browser bemängeln. Nennen Sie ein anderes mit --cert.</translation>
+    </message>
+    <message>
+        <source>--key is the key of the certificate that --cert names.</source>
+        <translation>--key ist der Schlüssel des Zertifikats, das --cert nennt.</translation>
+    </message>
+    <message>
+        <source>HTTPS is spoken beyond loopback alone: name an address for it with --listen, or leave --cert out.</source>
+        <translation>HTTPS wird nur jenseits von Loopback gesprochen: Nennen Sie dafür mit --listen eine Adresse, oder lassen Sie --cert weg.</translation>
+    </message>
 </context>
 </TS>

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "output/Output.h"
 #include "output/SafeText.h"
 
 #include <QCryptographicHash>
@@ -19,7 +20,9 @@
 
 namespace {
 
+// Seconds:
 constexpr time_t validFor = 825 * 86400L; // the longest that browsers take
+constexpr qint64 shortestLeft = 7 * 86400;
 
 Failure notMade(const QString &why)
 {
@@ -118,16 +121,43 @@ void save(const QString &name, const QByteArray &pem)
     }
 }
 
+qint64 secondsLeft(GTlsCertificate *certificate)
+{
+    const std::unique_ptr<GDateTime, decltype(&g_date_time_unref)> end(
+        g_tls_certificate_get_not_valid_after(certificate), g_date_time_unref);
+    return end ? g_date_time_to_unix(end.get()) - QDateTime::currentSecsSinceEpoch() : 0;
+}
+
+/// GLib takes any two, with which no browser can then connect.
+void requirePair(const QByteArray &certificateFile, const QByteArray &keyFile)
+{
+    gnutls_certificate_credentials_t pair = nullptr;
+    require(gnutls_certificate_allocate_credentials(&pair));
+    const int result = gnutls_certificate_set_x509_key_file(
+        pair, certificateFile.constData(), keyFile.constData(), GNUTLS_X509_FMT_PEM);
+    gnutls_certificate_free_credentials(pair);
+    if (result == GNUTLS_E_CERTIFICATE_KEY_MISMATCH)
+        throw notMade(Text::tr("the key is not that of the certificate"));
+    require(result);
+}
+
 } // namespace
 
 GRef<GTlsCertificate> certificateOf(const QString &certificateFile, const QString &keyFile)
 {
+    const QByteArray first = QFile::encodeName(certificateFile);
+    const QByteArray second = keyFile.isEmpty() ? first : QFile::encodeName(keyFile);
     GError *error = nullptr;
     GRef<GTlsCertificate> certificate(
-        g_tls_certificate_new_from_files(QFile::encodeName(certificateFile).constData(),
-            QFile::encodeName(keyFile.isEmpty() ? certificateFile : keyFile).constData(), &error));
+        g_tls_certificate_new_from_files(first.constData(), second.constData(), &error));
     if (!certificate)
         throw notMade(takeMessage(error));
+    requirePair(first, second);
+    if (secondsLeft(certificate.get()) <= 0) {
+        tell(Text::tr("The certificate %1 has expired, and browsers say so. Name another with "
+                      "--cert.")
+                 .arg(quoted(certificateFile)));
+    }
     return certificate;
 }
 
@@ -139,9 +169,10 @@ GRef<GTlsCertificate> ownCertificate(const QStringList &addresses)
         + QStringLiteral("/orka/page-%1.pem")
               .arg(QString::fromLatin1(
                   QCryptographicHash::hash(names, QCryptographicHash::Sha256).toHex().left(12)));
-    const bool isFresh =
-        QFileInfo(file).lastModified().secsTo(QDateTime::currentDateTime()) < validFor - 86400 * 7;
-    if (!QFileInfo::exists(file) || !isFresh)
+    const QByteArray name = QFile::encodeName(file);
+    const GRef<GTlsCertificate> kept(
+        g_tls_certificate_new_from_files(name.constData(), name.constData(), nullptr));
+    if (!kept || secondsLeft(kept.get()) < shortestLeft)
         save(file, newCertificate(addresses));
     return certificateOf(file, file);
 }

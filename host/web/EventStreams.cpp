@@ -35,8 +35,7 @@ EventStreams::EventStreams(LiveChain &chain, HttpServer &server)
     connect(&m_soon, &QTimer::timeout, this, &EventStreams::readServers);
     // Finds clients that have left, keeps what lies between from closing quiet connections, and
     // tells clients that we are there.
-    connect(
-        &m_pulse, &QTimer::timeout, this, [this] { sendAll("event: pulse\ndata: {}\n\n"); });
+    connect(&m_pulse, &QTimer::timeout, this, [this] { sendAll("event: pulse\ndata: {}\n\n"); });
     m_pulse.start(pulse);
     publishService();
 }

@@ -51,6 +51,17 @@ bool isBeyondLoopback(const QString &listen)
     return g_inet_address_get_is_loopback(address.get()) == FALSE;
 }
 
+/// Of the certificate that was named.
+void requireUse(const PageOptions &options, bool isOpen)
+{
+    if (!options.key.isEmpty() && options.certificate.isEmpty())
+        throw wrongUsage(Text::tr("--key is the key of the certificate that --cert names."));
+    if (!isOpen && !options.certificate.isEmpty()) {
+        throw wrongUsage(Text::tr("HTTPS is spoken beyond loopback alone: name an address for it "
+                                  "with --listen, or leave --cert out."));
+    }
+}
+
 void tellAddress(const PageOptions &options, bool isOpen, quint16 port, const QByteArray &token)
 {
     const QStringList own = ownAddresses();
@@ -83,9 +94,10 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
             Text::tr("The page needs GLib's main loop, which QT_NO_GLIB switches off. "
                      "Unset that variable."));
     }
+    const bool isOpen = isBeyondLoopback(options.listen);
+    requireUse(options, isOpen);
     RequestGuard guard;
     HttpServer server(guard);
-    const bool isOpen = isBeyondLoopback(options.listen);
     if (isOpen) {
         guard.openToNetwork();
         server.setCertificate(

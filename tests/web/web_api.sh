@@ -117,4 +117,9 @@ check "wrong tokens, wherever, and then none" "401 401 401 401 401 401 401 401 4
 world_host other 8
 check "others have their own tries" 200 \
     "$(on_host other curl -sk -o "$OUT" -w '%{http_code}' -H "Authorization: Bearer $token" "$URL/api/rows?path=upnp:")"
+kill "$serve_pid"
+wait "$serve_pid" || true
+echo damaged >"$(echo "$XDG_CONFIG_HOME"/orka/page-*.pem)"
+serve --listen 10.77.0.1
+check "a certificate of our own that was damaged is made anew" 200 "$(status_of "${URL%/#*}/")"
 finish
