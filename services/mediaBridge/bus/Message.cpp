@@ -2,6 +2,8 @@
 
 #include "core/Glib.h"
 
+#include <cstring>
+
 namespace bridge {
 
 namespace {
@@ -37,14 +39,14 @@ struct MessageWriter::Adder
     void operator()(int32_t value) { to.addBasic(DBUS_TYPE_INT32, &value); }
     void operator()(uint32_t value) { to.addBasic(DBUS_TYPE_UINT32, &value); }
     void operator()(int64_t value) { to.addBasic(DBUS_TYPE_INT64, &value); }
-    void operator()(const std::string &value) { to.addText(DBUS_TYPE_STRING, value); }
+    void operator()(const std::string &value) { to.addText(value); }
     void operator()(const ObjectPath &value) { to.addPath(value.text); }
     void operator()(const FlagMap &map) { to.addFlags(DBUS_TYPE_DICT_ENTRY, map.flags); }
     void operator()(const FlagList &list) { to.addFlags(DBUS_TYPE_STRUCT, list.flags); }
     void operator()(const PropertyMap &map)
     {
         for (const auto &[name, value] : map)
-            to.addEntry(name.c_str(), value);
+            to.addEntry(name, value);
     }
     void operator()(const std::vector<PropertyMap> &maps)
     {
@@ -102,7 +104,16 @@ void MessageWriter::addEntry(const char *name, const Value &value)
     if (value.isNone())
         return;
     MessageWriter entry(*this, DBUS_TYPE_DICT_ENTRY, nullptr);
-    entry.addText(DBUS_TYPE_STRING, name);
+    entry.addBasic(DBUS_TYPE_STRING, &name, std::strlen(name));
+    entry.addVariant(value);
+}
+
+void MessageWriter::addEntry(const std::string &name, const Value &value)
+{
+    if (value.isNone())
+        return;
+    MessageWriter entry(*this, DBUS_TYPE_DICT_ENTRY, nullptr);
+    entry.addText(name);
     entry.addVariant(value);
 }
 
@@ -113,18 +124,18 @@ void MessageWriter::addBasic(int type, const void *value, size_t size)
     m_bytes += mostOfFixed + size;
 }
 
-void MessageWriter::addText(int type, const std::string &text)
+void MessageWriter::addText(const std::string &text)
 {
     // libdbus ends the program over a text that isn't UTF-8.
     const auto size = static_cast<gssize>(text.size());
     const char *bytes = text.c_str();
     if (g_utf8_validate(bytes, size, nullptr) != FALSE) {
-        addBasic(type, &bytes, text.size());
+        addBasic(DBUS_TYPE_STRING, &bytes, text.size());
         return;
     }
     const std::string valid = takeString(g_utf8_make_valid(bytes, size));
     bytes = valid.c_str();
-    addBasic(type, &bytes, valid.size());
+    addBasic(DBUS_TYPE_STRING, &bytes, valid.size());
 }
 
 void MessageWriter::addPath(const std::string &path)

@@ -32,8 +32,10 @@ public:
     void add(const Value &value);
     /// As a variant; not none.
     void addVariant(const Value &value);
-    /// As an entry of an a{sv}; nothing for none.
+    /// As an entry of an a{sv}; nothing for none. The name is one of ours, which isn't checked.
     void addEntry(const char *name, const Value &value);
+    /// The same with a name that may be a server's.
+    void addEntry(const std::string &name, const Value &value);
 
     /// At least the bytes that were appended, those of closed containers included; of the whole
     /// body where this is its writer.
@@ -42,7 +44,7 @@ public:
 private:
     struct Adder;
     void addBasic(int type, const void *value, size_t size = 0);
-    void addText(int type, const std::string &text);
+    void addText(const std::string &text);
     void addPath(const std::string &path);
     void addFlags(int type, const std::vector<std::pair<std::string, bool>> &flags);
 
