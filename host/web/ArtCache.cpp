@@ -1,5 +1,7 @@
 #include "web/ArtCache.h"
 
+#include "web/Picture.h"
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
@@ -10,6 +12,7 @@
 namespace {
 
 constexpr qint64 mostBytes = 64 << 20;
+constexpr qint64 freshFor = 86'400; // seconds: an address may become that of another picture
 
 } // namespace
 
@@ -31,10 +34,17 @@ QString ArtCache::fileOf(const QByteArray &key) const
 QByteArray ArtCache::find(const QByteArray &key) const
 {
     QFile file(fileOf(key));
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+    const QDateTime kept = file.fileTime(QFileDevice::FileModificationTime);
+    if (std::abs(kept.secsTo(QDateTime::currentDateTime())) > freshFor
+        || !file.open(QIODevice::ReadOnly))
         return {};
-    file.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime);
-    return file.readAll();
+    const QByteArray bytes = file.readAll();
+    return pictureType(bytes) != nullptr ? bytes : QByteArray();
+}
+
+void ArtCache::forget(const QByteArray &key)
+{
+    QFile::remove(fileOf(key));
 }
 
 /// Whole or not at all, but without waiting for the disk, as QSaveFile does: after a power failure

@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
-/// Pictures on disk, up to a limit; those that nobody has asked for longest go first. A cache that
-/// can't be written is an empty one.
+/// Pictures on disk, for a day and up to a limit; the eldest go first. A cache that can't be
+/// written is an empty one.
 class ArtCache
 {
 public:
@@ -13,6 +13,7 @@ public:
     /// Empty where it isn't there.
     QByteArray find(const QByteArray &key) const;
     void keep(const QByteArray &key, const QByteArray &picture);
+    void forget(const QByteArray &key);
 
 private:
     QString fileOf(const QByteArray &key) const;

@@ -8,6 +8,8 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int mostBytes = 10 << 20;
@@ -177,9 +179,29 @@ void ArtProxy::answer(const ExchangePointer &exchange)
         giveNone(exchange, QStringLiteral("it could not be had a moment ago."));
         return;
     }
+    dropUnwanted();
     if (m_jobs.count(url) == 0)
         begin(url);
     m_jobs[url]->waiting.emplace_back(exchange, width);
+}
+
+/// What was scrolled past would take the connections, and the time, of what is in view.
+void ArtProxy::dropUnwanted()
+{
+    for (auto job = m_jobs.begin(); job != m_jobs.end();) {
+        const auto &waiting = job->second->waiting;
+        const bool isWanted = std::any_of(
+            waiting.begin(), waiting.end(), [](const auto &one) { return one.first->isWanted(); });
+        job = isWanted ? std::next(job) : m_jobs.erase(job);
+    }
+}
+
+/// It isn't asked for again at once.
+void ArtProxy::fail(const QByteArray &url)
+{
+    if (m_failed.size() > 1000)
+        m_failed.clear();
+    m_failed.insert(url, g_get_monotonic_time() + failedFor);
 }
 
 void ArtProxy::begin(const QByteArray &url)
@@ -195,9 +217,7 @@ void ArtProxy::finish(const QByteArray &url, const QByteArray &picture, const QS
     const auto node = m_jobs.extract(url);
     const std::unique_ptr<Job> &job = node.mapped();
     if (picture.isEmpty()) {
-        if (m_failed.size() > 1000)
-            m_failed.clear();
-        m_failed.insert(url, g_get_monotonic_time() + failedFor);
+        fail(url);
     } else {
         m_cache.keep(keyOf(url, 0), picture);
     }
@@ -226,6 +246,8 @@ void ArtProxy::giveFromOriginal(
 void ArtProxy::finishScaling(std::unique_ptr<Scaling> scaling)
 {
     if (scaling->scaled.isEmpty()) {
+        m_cache.forget(keyOf(scaling->url, 0));
+        fail(scaling->url);
         giveNone(scaling->exchange, QStringLiteral("it can't be read, or is too large."));
         return;
     }

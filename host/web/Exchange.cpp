@@ -133,7 +133,7 @@ void Exchange::answer(int status, const char *type, const QByteArray &body, Cach
     m_isAnswered = true;
     setCommonHeaders(type);
     setHeader("Cache-Control",
-        caching == Keep        ? "private, max-age=86400"
+        caching == Keep        ? "private, max-age=3600"
             : caching == Never ? "no-store"
                                : "no-cache");
     QByteArray sent = body;
