@@ -189,10 +189,12 @@ void Exchange::begin(int status, const char *type, goffset length)
     m_isAnswered = true;
     setCommonHeaders(type);
     SoupMessageHeaders *headers = soup_server_message_get_response_headers(m_message.get());
+    const bool knowsChunks = soup_server_message_get_http_version(m_message.get()) != SOUP_HTTP_1_0;
     if (length >= 0) {
         soup_message_headers_set_content_length(headers, length);
     } else {
-        soup_message_headers_set_encoding(headers, SOUP_ENCODING_CHUNKED);
+        soup_message_headers_set_encoding(
+            headers, knowsChunks ? SOUP_ENCODING_CHUNKED : SOUP_ENCODING_EOF);
     }
     soup_message_body_set_accumulate(soup_server_message_get_response_body(m_message.get()), FALSE);
     soup_server_message_set_status(m_message.get(), guint(status), nullptr);

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "output/JsonOutput.h"
+#include "output/SafeText.h"
 #include "tree/Place.h"
 #include "web/QueueWalk.h"
 
@@ -14,10 +15,12 @@ constexpr std::size_t mostWaiting = 16;
 
 } // namespace
 
-QVariantList itemsOfBody(const Exchange &exchange)
+QVariantList itemsOf(const OrkaHash &body)
 {
-    const QVariant body = valueFromJson(QString::fromUtf8(exchange.body()));
-    return OrkaHash::fromVariant(body).value(QStringLiteral("items")).toList();
+    const QVariant items = body.value(QStringLiteral("items"));
+    if (items.type() != QVariant::List)
+        throw wrongUsage(QStringLiteral("\"items\" is a list of tracks."));
+    return items.toList();
 }
 
 QueueApi::QueueApi(LiveChain &chain, CarriedAddresses &carried, HttpServer &server)
@@ -84,10 +87,15 @@ void QueueApi::walk(const ExchangePointer &exchange, const CMPath &path)
 void QueueApi::write(const ExchangePointer &exchange)
 {
     PlayListItems items;
-    for (const QVariant &entry : itemsOfBody(*exchange)) {
+    const QVariant body = valueFromJson(QString::fromUtf8(exchange->body()));
+    for (const QVariant &entry : itemsOf(OrkaHash::fromVariant(body))) {
         const OrkaPlayListItem item = OrkaHash::fromVariant(entry);
-        if (isPlayableUrl(item.url()))
-            items.append(item);
+        if (!isPlayableUrl(item.url())) {
+            throw wrongUsage(QStringLiteral("The track %1 has no address that a player may be "
+                                            "given (http, https or rtsp). Leave it out.")
+                                 .arg(quoted(itemName(item))));
+        }
+        items.append(item);
     }
     const QString format = exchange->parameter(QStringLiteral("format"));
     if (format == QLatin1String("m3u8")) {

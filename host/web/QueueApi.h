@@ -25,5 +25,5 @@ private:
     int m_walks = 0;
 };
 
-/// The items of a body {"items":[…]}. Throws Failure (wrong usage).
-QVariantList itemsOfBody(const Exchange &exchange);
+/// The items of {"items":[…]}. Throws Failure (wrong usage).
+QVariantList itemsOf(const OrkaHash &body);
