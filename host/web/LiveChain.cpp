@@ -6,6 +6,7 @@
 #include "web/ErrorReason.h"
 
 #include <api/core/CMRoot.h>
+#include <api/core/orka.h>
 
 namespace {
 
@@ -76,8 +77,11 @@ void LiveChain::begin()
 void LiveChain::lose()
 {
     m_isLost = true;
-    m_trouble = QStringLiteral("The media service has left the bus: it crashed or was stopped. It "
-                               "is being started again.");
+    m_trouble = orkaDBusConnection().isConnected()
+        ? QStringLiteral("The media service has left the bus: it crashed or was stopped. It is "
+                         "being started again.")
+        : QStringLiteral("The bus of the media service has ended: it crashed or was stopped. "
+                         "Another is being looked for.");
     emit changed();
     m_again.start(0); // not from inside the session that is to go
 }
