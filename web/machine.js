@@ -1,13 +1,12 @@
 import { commandPlayer } from './api.js';
-import { freshen, freshenAll } from './freshen.js';
 import { live } from './live.js';
 import { notify } from './notice.js';
 import { queue } from './queue.js';
 
-const mostSent = 500;
-const mostBefore = 50; // of those, for going back
+const mostAtOnce = 1000;
+const mostBefore = 50; // for going back
 
-/** The queue as it plays on the machine that the program runs on: that has the part of it around what plays. */
+/** The queue as it plays on the machine that the program runs on: that has all of it from shortly before what plays. */
 class Machine {
   /** @type {QueueItem|null} what plays there, where it is one of the queue */
   item = null;
@@ -15,13 +14,10 @@ class Machine {
   index = -1;
   /** @type {QueueItem[]} what the machine has */
   #sent = [];
-  /** @type {Set<QueueItem>} what can't be had */
-  #lost = new Set();
-  /** @type {QueueItem|null} */
-  #wanted = null;
   #goOnAt = 0;
   #isToBeTold = false;
   #work = Promise.resolve();
+  #latest = 0;
 
   constructor() {
     live.addEventListener('player', () => this.#hear());
@@ -39,75 +35,48 @@ class Machine {
   }
 
   /** @param {number} index @param {number} seconds from where on */
-  async play(index, seconds) {
+  play(index, seconds) {
     const item = queue.items[index];
-    this.#wanted = item;
-    const hasMoved = (await freshen(item)) === 'new';
-    if (this.#wanted !== item || !queue.items.includes(item)) return; // another was chosen meanwhile
     this.#next(async () => {
-      const part = this.#part(item);
-      try {
-        await this.#send('play', hasMoved ? [item] : part, item);
-      } catch (error) {
-        // A program that was started anew knows no address from before.
-        if (/** @type {any} */ (error).status !== 400) throw error;
-        await this.#send('play', [item], item);
-      }
-      this.#goOnAt = seconds;
-      if (this.#sent !== part) this.#freshen(part);
+      if (queue.items.includes(item)) await this.#send('play', item, seconds); // else it has been removed meanwhile
     });
   }
 
   /** The lists one after the other, as they were made. @param {() => Promise<void>} step */
   #next(step) {
+    ++this.#latest;
     this.#work = this.#work.then(step).catch((error) => notify(error.message));
   }
 
-  /** @param {QueueItem} item */
-  #part(item) {
-    const first = Math.max(0, queue.items.indexOf(item) - mostBefore);
-    return queue.items.slice(first, first + mostSent).filter((one) => one === item || !this.#lost.has(one));
-  }
-
-  /** @param {string} command @param {QueueItem[]} part @param {QueueItem} item */
-  async #send(command, part, item) {
-    const items = part.map(({ title, artist, url, icon, path }) => ({ title, artist, url, icon, path }));
-    await commandPlayer({ command, items, position: part.indexOf(item) });
-    this.#sent = part;
+  /** What plays and what is near it; then what follows, unless another list does. @param {string} command @param {QueueItem} item @param {number} [seconds] */
+  async #send(command, item, seconds = this.#goOnAt) {
+    const mine = this.#latest;
+    const all = queue.items.slice(Math.max(0, queue.items.indexOf(item) - mostBefore));
+    const part = (/** @type {number} */ at) => all.slice(at, at + mostAtOnce).map(({ title, artist, url, icon, path }) => ({ title, artist, url, icon, path }));
+    await commandPlayer({ command, items: part(0), position: all.indexOf(item) });
+    this.#sent = all;
     this.item = item;
+    this.#goOnAt = seconds;
+    for (let at = mostAtOnce; at < all.length && mine === this.#latest; at += mostAtOnce) {
+      await commandPlayer({ command: 'append', items: part(at) });
+    }
   }
 
   /** What comes before and after the track that plays has changed. */
-  #tell(isFresh = false) {
+  #tell() {
     if (this.#isToBeTold) return;
     this.#isToBeTold = true;
     this.#next(async () => {
       this.#isToBeTold = false;
-      if (!this.item) return;
-      const part = this.#part(this.item);
-      await this.#send('queue', part, this.item).catch((error) => {
-        if (error.status !== 400 || isFresh) throw error;
-        this.#freshen(part);
-      });
+      if (this.item) await this.#send('queue', this.item);
     });
-  }
-
-  /** @param {QueueItem[]} part */
-  async #freshen(part) {
-    this.#lost = await freshenAll(part);
-    this.#tell(true);
   }
 
   #hear() {
     this.#find();
-    const { duration, position } = live.player || { duration: 0, position: 0 };
-    if (!this.item) return;
-    if (this.#goOnAt && duration > 0) {
-      this.command({ command: 'seek', seconds: this.#goOnAt });
-      this.#goOnAt = 0;
-    }
-    const isNearEnd = position > this.#sent.length - mostBefore && this.#sent.length > mostSent / 2;
-    if (isNearEnd && this.#sent[position] === this.item) this.#tell();
+    if (!this.item || !this.#goOnAt || !((live.player?.duration || 0) > 0)) return;
+    this.command({ command: 'seek', seconds: this.#goOnAt });
+    this.#goOnAt = 0;
   }
 
   /** What the machine tells of is found by its path: what it has may come from another page. */

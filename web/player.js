@@ -1,4 +1,4 @@
-import { freshen } from './freshen.js';
+import { readNode } from './api.js';
 import { live } from './live.js';
 import { machine } from './machine.js';
 import { notify } from './notice.js';
@@ -6,6 +6,12 @@ import { queue } from './queue.js';
 import { keep, keptOneOf } from './settings.js';
 import { sound } from './sound.js';
 import { tr, translateTold } from './text.js';
+
+/** The media server may have moved, or the program been started anew, since the item was queued. @param {QueueItem} item */
+async function freshen(item) {
+  const row = await readNode(item.path, AbortSignal.timeout(5000)).catch(() => null); // it may play all the same
+  Object.assign(item, { url: row?.mediaData?.resources?.[0]?.uri || item.url, icon: row?.icon || item.icon });
+}
 
 /** Plays the queue: in this page, or on the machine that the program runs on. Tells "change". */
 class Player extends EventTarget {
@@ -83,7 +89,10 @@ class Player extends EventTarget {
   #failed(sentence) {
     if (this.#wanted) return; // it is being left
     if (++this.#failures > 3) {
-      notify(tr('Several tracks in a row can’t be played. Is their media server still there?'), tr('Try again'), () => this.play(queue.current));
+      const following = this.#index + 1;
+      const goesOn = following < queue.items.length;
+      notify(tr('Several tracks in a row can’t be played. Is their media server still there?'),
+        goesOn ? tr('Go on behind them') : tr('Try again'), () => this.play(goesOn ? following : queue.current));
       this.#failures = 0;
       sound.stop();
       return;

@@ -76,6 +76,7 @@ export const texts = {
   '“{title}” doesn’t go on: its media server is silent.': '„{title}“ geht nicht weiter: Der Medienserver schweigt.',
   'Several tracks in a row can’t be played. Is their media server still there?': 'Mehrere Titel hintereinander lassen sich nicht abspielen. Ist ihr Medienserver noch da?',
   'Try again': 'Noch einmal',
+  'Go on behind them': 'Dahinter weitermachen',
 
   'The program orka doesn’t answer. Start “orka serve” again; this page waits for it.': 'Das Programm orka antwortet nicht. Starten Sie „orka serve“ neu; diese Seite wartet darauf.',
   'The program orka has stopped or can’t be reached. Start “orka serve” again; this page goes on by itself.': 'Das Programm orka ist beendet oder nicht erreichbar. Starten Sie „orka serve“ neu; diese Seite macht von selbst weiter.',
@@ -97,6 +98,7 @@ export const told = {
   'Album': 'Album',
   'Title': 'Titel',
   'The media service is not there.': 'Der Mediendienst ist nicht da.',
+  'The bus of the media service has ended: it crashed or was stopped. Another is being looked for.': 'Der Bus des Mediendienstes ist beendet: Er ist abgestürzt oder wurde angehalten. Ein anderer wird gesucht.',
   'The media service has left the bus: it crashed or was stopped. It is being started again.': 'Der Mediendienst hat den Bus verlassen: Er ist abgestürzt oder wurde beendet. Er wird neu gestartet.',
   'The media service did not answer within {time}. End it, or start it again; "orka doctor" tells which program it is.': 'Der Mediendienst hat nicht innerhalb von {time} geantwortet. Beenden Sie ihn oder starten Sie ihn neu; „orka doctor“ sagt, welches Programm es ist.',
   '{subject} did not answer within {time}. It may be busy, asleep or switched off; try again, or restart it.': '{subject} hat nicht innerhalb von {time} geantwortet. Er ist vielleicht beschäftigt, im Ruhezustand oder ausgeschaltet; versuchen Sie es erneut oder starten Sie ihn neu.',

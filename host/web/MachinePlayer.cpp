@@ -3,12 +3,16 @@
 #include "Failure.h"
 #include "output/JsonOutput.h"
 #include "output/Playlist.h"
+#include "tree/PlayableRow.h"
+#include "web/QueueApi.h"
 
 #include <cmath>
 
 namespace {
 
 constexpr int mostFailures = 3;
+constexpr int mostItems = 50'000;
+constexpr std::chrono::seconds longestQuestion(5);
 
 QVariant field(const QVariant &item, const char *name)
 {
@@ -28,11 +32,19 @@ double number(const OrkaHash &command, const char *name, double least, double mo
     return value;
 }
 
+int positionOf(const OrkaHash &command, const QVariantList &items)
+{
+    if (items.isEmpty())
+        throw wrongUsage(QStringLiteral("\"items\" is empty. Name a track to play."));
+    return int(number(command, "position", 0, items.size() - 1));
+}
+
 } // namespace
 
 MachinePlayer::MachinePlayer(
-    const CarriedAddresses &carried, EventStreams &events, HttpServer &server)
-    : m_carried(carried)
+    LiveChain &chain, CarriedAddresses &carried, EventStreams &events, HttpServer &server)
+    : m_chain(chain)
+    , m_carried(carried)
     , m_events(events)
 {
     server.route(
@@ -46,14 +58,16 @@ void MachinePlayer::command(const ExchangePointer &exchange)
         OrkaHash::fromVariant(valueFromJson(QString::fromUtf8(exchange->body())));
     const QString name = command.value(QStringLiteral("command")).toString();
     if (name == QLatin1String("play")) {
-        const QVariantList items = command.value(QStringLiteral("items")).toList();
-        play(items, int(number(command, "position", 0, items.size() - 1)));
+        const QVariantList items = itemsOf(command);
+        play(items, positionOf(command, items));
     } else if (m_position < 0 || !m_mpv) {
         throw missing(QStringLiteral("notPlaying"),
             QStringLiteral("Nothing plays on this machine. Play something first."));
     } else if (name == QLatin1String("queue")) {
-        const QVariantList items = command.value(QStringLiteral("items")).toList();
-        requeue(items, int(number(command, "position", 0, items.size() - 1)));
+        const QVariantList items = itemsOf(command);
+        requeue(items, positionOf(command, items));
+    } else if (name == QLatin1String("append")) {
+        append(itemsOf(command));
     } else if (name == QLatin1String("pause") || name == QLatin1String("resume")) {
         m_mpv->send({"set_property", "pause", name == QLatin1String("pause")});
     } else if (name == QLatin1String("seek")) {
@@ -67,9 +81,9 @@ void MachinePlayer::command(const ExchangePointer &exchange)
     } else if (name == QLatin1String("stop")) {
         stop();
     } else {
-        throw wrongUsage(
-            QStringLiteral("\"command\" is play, queue, pause, resume, seek, next, previous, "
-                           "volume or stop."));
+        throw wrongUsage(QStringLiteral(
+            "\"command\" is play, queue, append, pause, resume, seek, next, previous, "
+            "volume or stop."));
     }
     exchange->answer(valueDocument(true));
 }
@@ -80,7 +94,7 @@ void MachinePlayer::play(const QVariantList &items, int position)
         throw missing(QStringLiteral("noPlayer"),
             QStringLiteral("This machine has no mpv, which plays here. Install it."));
     }
-    checkCarried(items);
+    check(items);
     m_items = items;
     m_failures = 0;
     m_message.clear();
@@ -111,17 +125,35 @@ void MachinePlayer::requeue(const QVariantList &items, int position)
     if (field(named, "url") != field(playing, "url")
         && field(named, "path") != field(playing, "path"))
         throw wrongUsage(QStringLiteral("The item at \"position\" is not the one that plays."));
-    checkCarried(items);
+    check(items);
     m_items = items;
     m_position = position;
     publish();
 }
 
-void MachinePlayer::checkCarried(const QVariantList &items) const
+void MachinePlayer::append(const QVariantList &items)
+{
+    check(items);
+    if (m_items.size() + items.size() > mostItems) {
+        throw wrongUsage(
+            QStringLiteral("This machine takes %1 tracks at most. The others are left out.")
+                .arg(mostItems));
+    }
+    m_items += items;
+    publish();
+}
+
+bool MachinePlayer::isCarried(const QVariant &item) const
+{
+    const QString url = field(item, "url").toString();
+    return isPlayableUrl(url) && m_carried.hasMedia(url.toUtf8());
+}
+
+void MachinePlayer::check(const QVariantList &items) const
 {
     for (const QVariant &item : items) {
-        const QString url = field(item, "url").toString();
-        if (!isPlayableUrl(url) || !m_carried.hasMedia(url.toUtf8())) {
+        const CMPath path = CMPath::fromEncoded(field(item, "path").toString());
+        if (path.isEmpty() && !isCarried(item)) {
             throw wrongUsage(QStringLiteral("No row has named the track \"%1\" since the program "
                                             "was started. Queue it anew.")
                                  .arg(field(item, "title").toString()));
@@ -138,13 +170,43 @@ void MachinePlayer::load(int position)
         return;
     }
     m_position = position;
-    m_mpv->send({"loadfile", field(m_items.at(position), "url").toString()});
     publish();
+    const int question = ++m_questions;
+    const auto answer = [this, question](const QString &url) {
+        if (question == m_questions)
+            loadFile(url);
+    };
+    const QVariant item = m_items.at(position);
+    const QString known = isCarried(item) ? field(item, "url").toString() : QString();
+    const CMPath path = CMPath::fromEncoded(field(item, "path").toString());
+    if (path.isEmpty()) {
+        answer(known);
+        return;
+    }
+    const QStringList roles = OrkaRoles::all();
+    m_chain.data(path, roles, [=](const CMError &, const QVariantList &values) {
+        const OrkaRoles row = recordOf(roles, values);
+        m_carried.note(row);
+        const QString url = itemOfRow(row).url();
+        answer(isPlayableUrl(url) ? url : known);
+    });
+    QTimer::singleShot(longestQuestion, this, [=] { answer(known); });
+}
+
+/// An empty address is that of a track that nobody can play.
+void MachinePlayer::loadFile(const QString &url)
+{
+    ++m_questions; // has been answered
+    if (url.isEmpty())
+        fileEnded(QStringLiteral("error"));
+    else if (m_mpv)
+        m_mpv->send({"loadfile", url});
 }
 
 void MachinePlayer::stop()
 {
     m_mpv->send({"stop"});
+    ++m_questions;
     m_items.clear();
     m_position = -1;
     m_isPaused = true;

@@ -44,6 +44,8 @@ Mpv::Mpv(QObject *parent)
     m_process.start(QStringLiteral("mpv"),
         {QStringLiteral("--idle"), QStringLiteral("--no-video"), QStringLiteral("--no-terminal"),
             QStringLiteral("--ytdl=no"), QStringLiteral("--load-scripts=no"),
+            // Whatever the user's own mpv does: the next track follows.
+            QStringLiteral("--keep-open=no"), QStringLiteral("--loop-file=no"),
             QStringLiteral("--input-ipc-client=fd://%1").arg(pair[1])});
     close(pair[1]);
 }

@@ -116,7 +116,7 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
     const ArtProxy art(carried, local, server);
     const MediaProxy media(carried, local, server);
     EventStreams events(chain, server);
-    const MachinePlayer player(carried, events, server);
+    const MachinePlayer player(chain, carried, events, server);
     const quint16 port = server.listen(options.listen, options.port, options.mayTakeNextPort);
     tellAddress(options, isOpen, port, guard.token());
     Language::becomeEnglish(); // the page translates what it shows; other programs read the answers, too

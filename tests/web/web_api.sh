@@ -63,11 +63,18 @@ refused 414 "$URL/api/rows?path=upnp:$(printf 'x%.0s' $(seq 9000))"
 refused 413 -H "Content-Type: application/json" --data-binary "@$WORLD_DIR/nine" "$URL/api/set?path=upnp:"
 refused 411 -H "Content-Type: application/json" -H "Transfer-Encoding: chunked" -d '""' "$URL/api/set?path=upnp:"
 refused 502 "$URL/api/rows?path=upnp:/nix"
+refused 400 -H "Content-Type: application/json" -d '{"items":[{"title":"B"}]}' "$URL/api/queue?format=m3u8"
 
 refused 404 "$URL/proxy/$(printf %s http://10.77.0.2:8200/icons/lrg.png | base64 -w 0)"
 refused 404 "$URL/proxy/$(printf %s file:///etc/passwd | base64 -w 0)"
 refused 400 "$URL/proxy/$(printf %s "$ART" | base64 -w 0)?w=99999"
 refused 404 "$URL/media/$(printf %s "$ART" | base64 -w 0)"
+
+for file in "$XDG_CACHE_HOME"/orka/art/*; do
+    echo damaged >"$file"
+done
+check "a damaged cache is an empty one" image/jpeg \
+    "$(curl -fsS "$URL/proxy/$(printf %s "$ART" | base64 -w 0)?w=160" -o "$OUT" -w '%{content_type}')"
 
 # Idle clients take nobody's place.
 exec 7<"$WORLD_DIR/serve.out"
