@@ -64,6 +64,10 @@ CMError ServerNotes::lacking()
     if (!m_signs)
         return CMError();
     m_servers = std::make_unique<ServerList>(m_session);
+    if (!m_servers->isOfServers()) {
+        m_signs.reset();
+        return CMError();
+    }
     const NetworkReport report = NetworkReport::read();
     m_lacking = lackingServers(m_session, *m_servers, report);
     m_others = report.absent;

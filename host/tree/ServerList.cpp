@@ -78,6 +78,14 @@ QString ServerList::serverBase(const CMPath &path)
     return QLatin1Char('/') + path.base().section(QLatin1Char('/'), 1, 1);
 }
 
+bool ServerList::isOfServers()
+{
+    const auto isServer = [](const OrkaRoles &row) {
+        return row.path().param(QStringLiteral("itemType")) == QLatin1String("server");
+    };
+    return servers().isEmpty() || std::any_of(servers().begin(), servers().end(), isServer);
+}
+
 bool ServerList::waitUntil(const std::function<bool()> &done, Milliseconds limit) const
 {
     Wait wait(limit, Text::tr("Looking for media servers"));
@@ -152,7 +160,7 @@ bool ServerList::isComplete()
 {
     const bool hasServers = !servers().isEmpty();
     const ServiceServers &service = m_session.mediaService().servers();
-    if (service.state() != ServiceServers::Listed)
+    if (service.state() != ServiceServers::Listed || !isOfServers())
         return hasServers && m_sinceChange.elapsed() >= stillFor.count();
     mend();
     const QStringList lacking = missing();
@@ -173,6 +181,8 @@ bool ServerList::isAwaiting() const
 QStringList ServerList::missing()
 {
     QStringList lacking;
+    if (!isOfServers())
+        return lacking;
     const QStringList paths = m_session.mediaService().servers().paths();
     for (const QString &path : paths) {
         const auto isRow = [&](const OrkaRoles &server) {

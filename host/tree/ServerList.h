@@ -46,6 +46,9 @@ public:
     /// Makes the worker anew where it lacks a server of which the media service tells all that a
     /// worker asks. To be called again while isWhole() is false.
     void mend();
+    /// False for a worker of another kind, whose root has rows and no server among them: what the
+    /// media service lists is none of its affair.
+    bool isOfServers();
     /// Whether every server that the media service lists has its row.
     bool isWhole() { return missing().isEmpty(); }
     /// Object paths of the servers that have none.

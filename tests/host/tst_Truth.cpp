@@ -34,8 +34,9 @@ private slots:
 private:
     std::unique_ptr<OrkaRun> run(const QStringList &arguments)
     {
+        const QStringList plugin{"--plugin", PLUGIN};
         return std::make_unique<OrkaRun>(
-            m_bus->address(), QStringList{"--plugin", PLUGIN} + arguments);
+            m_bus->address(), arguments.contains(plugin[0]) ? arguments : plugin + arguments);
     }
 
     std::unique_ptr<PrivateBus> m_bus;
@@ -201,6 +202,9 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
             s.fail({"Get", den, "SearchCaps"}, "none", "com.intel.dleyna.UnknownProperty");
         },
         "search Den --title x", 1, "\"Den\" has not said yet what it can search");
+    row(
+        "a worker of another kind", [](auto &) {}, "--plugin " RADIO " --prefix radio ls radio:", 0,
+        "Station One");
     row(
         "no such rows", [](auto &) {}, "rows upnp:/uuid:1 --first 5 --last 2", 2, "no rows from 5");
     row(
