@@ -16,7 +16,7 @@ cd "$root"
 cp -r host sdk modules "$work"
 find "$work" -name '*.cpp' -exec sed -i ":again; s/\([0-9]\)'\([0-9]\)/\1\2/; t again" {} +
 cd "$work"
-PATH=/usr/lib/qt5/bin:$PATH
+PATH=/usr/lib/qt5/bin:$root/build/tools/usr/lib/qt5/bin:$PATH
 
 # update NAME FOLDER…: the files of that name, with the texts in these folders, in the order of their sources' names.
 update() {
@@ -93,9 +93,33 @@ check_page() {
     done
 }
 
+# unknown: what the media service says to people, between the values in it, that host/KnownSentences.cpp lacks. What a
+# program gets that asks wrongly stays English, as do log lines.
+unknown() {
+    cd "$root"
+    perl -0777 -ne '
+        my $literal = qr/"(?:[^"\\]|\\.)*"/;
+        s/\blog(?:Debug|Info|Warning)\((?:[^";]|$literal)*;//g;
+        s{^(?:#|\s*//).*|\x27"\x27}{}mg;
+        s/(?<!\\)"\s+"//g;
+        my @texts = /$literal/g;
+        if ($ARGV =~ /KnownSentences/) { $known = "@texts"; next }
+        for (grep { /[a-z] [a-z]/ } @texts) {
+            s/^"(\w* operation failed: )?(Query string is not valid\. )?|\.?"$//g;
+            push @unknown, "$ARGV: $_\n" if index($known, $_) < 0;
+        }
+        END { print @unknown }' host/KnownSentences.cpp services/*.cpp services/mediaBridge/upnp/*.cpp \
+        services/mediaBridge/bus/Bus*.cpp services/mediaBridge/bus/ListAnswer.cpp
+    cd "$work"
+}
+
 check() {
     status=0
     check_page
+    if unknown | grep .; then
+        echo "A text of the media service for people stands in host/KnownSentences.cpp, too."
+        status=1
+    fi
     if unmarked | grep .; then
         echo "A text for people is written as Text::tr(\"…\")."
         status=1

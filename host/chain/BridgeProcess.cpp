@@ -1,5 +1,6 @@
 #include "chain/BridgeProcess.h"
 
+#include "KnownSentences.h"
 #include "Text.h"
 #include "chain/Bus.h"
 #include "chain/BusDaemon.h"
@@ -75,6 +76,8 @@ QString reasonIn(const QByteArray &said)
 {
     QStringList lines = QString::fromUtf8(said).split(QLatin1Char('\n'));
     lines = lines.filter(QRegularExpression(QStringLiteral("^(?!.*Failed to set fd limit)")));
+    for (QString &line : lines)
+        line = translatedSentence(line.remove(QStringLiteral("orka-media-bridge: ")));
     return lines.join(QLatin1Char('\n')).trimmed();
 }
 

@@ -1,5 +1,6 @@
 #include "chain/Diagnosis.h"
 
+#include "KnownSentences.h"
 #include "Text.h"
 #include "chain/ServiceCalls.h"
 #include "output/SafeText.h"
@@ -41,6 +42,11 @@ constexpr std::chrono::milliseconds answerLimit(10'000);
 constexpr std::chrono::milliseconds shortestQuestion(500);
 
 } // namespace
+
+QString Diagnosis::reason() const
+{
+    return translatedSentence(safeText(text));
+}
 
 std::chrono::milliseconds diagnosisLimit(std::chrono::milliseconds waited)
 {
@@ -93,10 +99,10 @@ Diagnosis diagnosisOf(const QString &error)
     for (const char *sign : {"did not answer within", "did not receive a reply", "timed out",
              "time-out", "timeout was reached"}) {
         if (contains(error, sign))
-            return {Diagnosis::ServerSilent};
+            return {Diagnosis::ServerSilent, reasonIn(error)};
     }
     if (contains(error, "Operation cancelled") || contains(error, "Operation was cancelled"))
-        return {Diagnosis::ServerGone};
+        return {Diagnosis::ServerGone, reasonIn(error)};
     return {Diagnosis::Refused, reasonIn(error)};
 }
 
@@ -122,6 +128,6 @@ Failure failureOf(const Diagnosis &diagnosis, const Patient &patient)
         return Failure(AnsweredWithError, QStringLiteral("refused"),
             (patient.isSearched ? Text::tr("%1 could not be searched: %2.")
                                 : Text::tr("%1 could not be read: %2."))
-                .arg(patient.node, safeText(diagnosis.text)));
+                .arg(patient.node, diagnosis.reason()));
     }
 }

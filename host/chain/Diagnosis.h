@@ -16,7 +16,7 @@ struct Diagnosis
         /// There is nothing at that position: some servers say so with a list that the real media
         /// service takes for an error.
         Empty,
-        /// `text` says why the service refused.
+        /// `text` says why.
         Refused,
         /// The media server didn't answer in time.
         ServerSilent,
@@ -27,11 +27,12 @@ struct Diagnosis
         Unknown
     };
     Verdict verdict = Unknown;
-    /// Why, in the service's words, as part of a sentence.
+    /// What the service said, as part of a sentence, where it did; `reason()` is for people.
     QString text = {};
     /// How many children the node has, where it is Empty.
     int childCount = 0;
 
+    QString reason() const;
     bool isTrouble() const { return verdict != Answers && verdict != Empty && verdict != Unknown; }
 };
 

@@ -45,7 +45,7 @@ Failure problemOf(const QString &address, const QDBusError &error)
     return Failure(AnsweredWithError, name,
         Text::tr("This media service can't be told to look at %1: %2. The bridge can: "
                  "--media-service bridge.")
-            .arg(KeptAddresses::shown(address), safeText(error.message())));
+            .arg(KeptAddresses::shown(address), translatedSentence(safeText(error.message()))));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "chain/Session.h"
 
 #include "Failure.h"
+#include "KnownSentences.h"
 #include "Text.h"
 #include "chain/PluginLoader.h"
 #include "chain/Wait.h"
@@ -33,7 +34,7 @@ Failure errorAnswer(const CMError &error, const CMPath &path, const QString &nod
     const QString bare = CMPath(path.prefix(), path.base()).toEncoded();
     const QRegularExpression itsPath(
         QRegularExpression::escape(bare) + QStringLiteral("(\\?\\S*[^\\s.])?(?=\\.?$)"));
-    QString text = safeText(error.message().toString());
+    QString text = translatedSentence(safeText(error.message().toString()));
     const QRegularExpressionMatch match = itsPath.match(text);
     if (match.hasMatch() && !path.base().isEmpty())
         text.replace(match.capturedStart(), match.capturedLength(), node);

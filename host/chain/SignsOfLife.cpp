@@ -24,7 +24,7 @@ QString problemOf(const QString &server, const Diagnosis &diagnosis)
     const QString title = quoted(name.isValid() ? name.toString() : server);
     return diagnosis.verdict == Diagnosis::Refused
         ? Text::tr("The media server %1 is listed, but can't be reached: %2.")
-              .arg(title, safeText(diagnosis.text))
+              .arg(title, diagnosis.reason())
         : Text::tr("The media server %1 is listed, but does not answer. It may be busy, "
                    "asleep or switched off.")
               .arg(title);

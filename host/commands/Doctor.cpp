@@ -158,9 +158,12 @@ QHash<QString, QString> askServers(Session &session, const ServerList::Servers &
             problems[base] = Text::tr("%1 is listed, but does not answer within %2 seconds. It may "
                                       "be busy, asleep or switched off.")
                                  .arg(names.value(base), Text::number(lookLimit.count() / 1000));
-        } else if (call->isError() && diagnosisOf(call->error().message()).isTrouble()) {
-            problems[base] = Text::tr("%1 is listed, but can't be read: %2")
-                                 .arg(names.value(base), safeText(call->error().message()));
+            continue;
+        }
+        const Diagnosis diagnosis = diagnosisOf(call->error().message());
+        if (call->isError() && diagnosis.isTrouble()) {
+            problems[base] = Text::tr("%1 is listed, but can't be read: %2.")
+                                 .arg(names.value(base), diagnosis.reason());
         }
     }
     return problems;

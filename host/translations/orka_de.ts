@@ -236,10 +236,6 @@ durch / (&quot;Mein NAS/Musik/Alben&quot;)</translation>
         <translation>%1 ist aufgeführt, antwortet aber nicht innerhalb von %2 Sekunden. Der Server ist vielleicht beschäftigt, im Ruhezustand oder ausgeschaltet.</translation>
     </message>
     <message>
-        <source>%1 is listed, but can&apos;t be read: %2</source>
-        <translation>%1 ist aufgeführt, lässt sich aber nicht lesen: %2</translation>
-    </message>
-    <message>
         <source>media servers</source>
         <translation>Medienserver</translation>
     </message>
@@ -1415,68 +1411,8 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>Die Dateien der Seite sind nicht in %1. Installieren Sie orka neu oder bauen Sie es.</translation>
     </message>
     <message>
-        <source>The media server &quot;%1&quot; was there before, at %2, but does not answer now.</source>
-        <translation>Der Medienserver &quot;%1&quot; war früher da, unter %2, antwortet jetzt aber nicht.</translation>
-    </message>
-    <message>
-        <source>The media server &quot;%1&quot; is there, at %2, but is not heard, neither announcing itself nor answering the search: multicast doesn&apos;t get through, or a firewall drops the answers.</source>
-        <translation>Der Medienserver &quot;%1&quot; ist da, unter %2, aber nicht zu hören: Weder meldet er sich, noch antwortet er auf die Suche. Multicast kommt nicht durch, oder eine Firewall verwirft die Antworten.</translation>
-    </message>
-    <message>
-        <source>The network has just come up or changed, and media servers are still being searched for.</source>
-        <translation>Das Netzwerk ist eben erst da oder hat sich geändert, und Medienserver werden noch gesucht.</translation>
-    </message>
-    <message>
-        <source>A media server at %1 has announced itself and not described itself yet.</source>
-        <translation>Ein Medienserver unter %1 hat sich gemeldet, aber noch nicht beschrieben.</translation>
-    </message>
-    <message>
-        <source>%1 media servers at %2 have announced themselves and not described themselves yet.</source>
-        <translation>%1 Medienserver unter %2 haben sich gemeldet, aber noch nicht beschrieben.</translation>
-    </message>
-    <message>
-        <source>Media servers can&apos;t be heard at %1 (%2).</source>
-        <translation>Medienserver sind über %1 nicht zu hören (%2).</translation>
-    </message>
-    <message>
-        <source>A media server at %1 has not answered yet; it is still looked for.</source>
-        <translation>Ein Medienserver unter %1 hat noch nicht geantwortet; er wird weiter gesucht.</translation>
-    </message>
-    <message>
-        <source>Nothing answered the search at %1, port 1900, and of the usual descriptions %2; if a media server runs there, name its port, as in &quot;%3&quot;, or the URL of its description.</source>
-        <translation>Auf die Suche unter %1, Port 1900, antwortete nichts, und von den üblichen Beschreibungen gilt: %2. Läuft dort ein Medienserver, nennen Sie seinen Port wie in &quot;%3&quot; oder die URL seiner Beschreibung.</translation>
-    </message>
-    <message>
         <source>%1 can&apos;t be read (%2)</source>
         <translation>%1 ist nicht lesbar (%2)</translation>
-    </message>
-    <message>
-        <source>%1 can&apos;t be read (%2).</source>
-        <translation>%1 ist nicht lesbar (%2).</translation>
-    </message>
-    <message>
-        <source>The name &quot;%1&quot; can&apos;t be resolved (%2).</source>
-        <translation>Der Name &quot;%1&quot; lässt sich nicht auflösen (%2).</translation>
-    </message>
-    <message>
-        <source>%1 is no address of a media server: %2</source>
-        <translation>%1 ist keine Adresse eines Medienservers: %2</translation>
-    </message>
-    <message>
-        <source>give a host (nas, 10.0.0.2), a host and its port (nas:8200) or the URL of a description (http://nas:8200/rootDesc.xml).</source>
-        <translation>Nennen Sie einen Rechner (nas, 10.0.0.2), einen Rechner und seinen Port (nas:8200) oder die URL einer Beschreibung (http://nas:8200/rootDesc.xml).</translation>
-    </message>
-    <message>
-        <source>media servers are asked over http:// alone.</source>
-        <translation>Medienserver werden nur über http:// gefragt.</translation>
-    </message>
-    <message>
-        <source>media servers are asked without a user name; leave it out.</source>
-        <translation>Medienserver werden ohne Benutzernamen gefragt; lassen Sie ihn weg.</translation>
-    </message>
-    <message>
-        <source>ports go from 1 to 65535.</source>
-        <translation>Ports gehen von 1 bis 65535.</translation>
     </message>
     <message>
         <source>no more than %1 are looked at, and so many are kept already. Take one away with &quot;orka servers --forget ADDRESS&quot;</source>
@@ -1654,6 +1590,318 @@ Mit --help gibt es mehr Informationen.</translation>
     <message>
         <source>HTTPS is spoken beyond loopback alone: name an address for it with --listen, or leave --cert out.</source>
         <translation>HTTPS wird nur jenseits von Loopback gesprochen: Nennen Sie dafür mit --listen eine Adresse, oder lassen Sie --cert weg.</translation>
+    </message>
+    <message>
+        <source>The media server &quot;%1&quot; was there before, at %2, but does not answer now</source>
+        <translation>Der Medienserver &quot;%1&quot; war früher da, unter %2, antwortet jetzt aber nicht</translation>
+    </message>
+    <message>
+        <source>The media server &quot;%1&quot; is there, at %2, but is not heard, neither announcing itself nor answering the search: multicast doesn&apos;t get through, or a firewall drops the answers</source>
+        <translation>Der Medienserver &quot;%1&quot; ist da, unter %2, aber nicht zu hören: Weder meldet er sich, noch antwortet er auf die Suche. Multicast kommt nicht durch, oder eine Firewall verwirft die Antworten</translation>
+    </message>
+    <message>
+        <source>The network has just come up or changed, and media servers are still being searched for</source>
+        <translation>Das Netzwerk ist eben erst da oder hat sich geändert, und Medienserver werden noch gesucht</translation>
+    </message>
+    <message>
+        <source>A media server at %1 has announced itself and not described itself yet</source>
+        <translation>Ein Medienserver unter %1 hat sich gemeldet, aber noch nicht beschrieben</translation>
+    </message>
+    <message>
+        <source>%1 media servers at %2 have announced themselves and not described themselves yet</source>
+        <translation>%1 Medienserver unter %2 haben sich gemeldet, aber noch nicht beschrieben</translation>
+    </message>
+    <message>
+        <source>Media servers can&apos;t be heard at %1 (%2)</source>
+        <translation>Medienserver sind über %1 nicht zu hören (%2)</translation>
+    </message>
+    <message>
+        <source>The media server %1, heard from %2, names another machine for its description (%3), which isn&apos;t asked</source>
+        <translation>Der Medienserver %1, der sich von %2 meldet, nennt für seine Beschreibung einen anderen Rechner (%3), der nicht gefragt wird</translation>
+    </message>
+    <message>
+        <source>Media servers can&apos;t be remembered in %1 (%2): one that is off at the next start won&apos;t be missed</source>
+        <translation>Medienserver lassen sich nicht in %1 merken (%2): Einer, der beim nächsten Start aus ist, wird nicht vermisst</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no address of a media server: %2</source>
+        <translation>&quot;%1&quot; ist keine Adresse eines Medienservers: %2</translation>
+    </message>
+    <message>
+        <source>give a host (nas, 10.0.0.2), a host and its port (nas:8200) or the URL of a description (http://nas:8200/rootDesc.xml)</source>
+        <translation>Nennen Sie einen Rechner (nas, 10.0.0.2), einen Rechner und seinen Port (nas:8200) oder die URL einer Beschreibung (http://nas:8200/rootDesc.xml)</translation>
+    </message>
+    <message>
+        <source>media servers are asked over http:// alone</source>
+        <translation>Medienserver werden nur über http:// gefragt</translation>
+    </message>
+    <message>
+        <source>media servers are asked without a user name; leave it out</source>
+        <translation>Medienserver werden ohne Benutzernamen gefragt; lassen Sie ihn weg</translation>
+    </message>
+    <message>
+        <source>ports go from 1 to 65535</source>
+        <translation>Ports gehen von 1 bis 65535</translation>
+    </message>
+    <message>
+        <source>it is good on one link only; name the network interface, as in &quot;fe80::1%eth0&quot;</source>
+        <translation>Sie gilt nur an einem Anschluss; nennen Sie die Netzwerkschnittstelle wie in &quot;fe80::1%eth0&quot;</translation>
+    </message>
+    <message>
+        <source>only addresses that begin with fe80 have a network interface (%); leave it out</source>
+        <translation>Nur Adressen, die mit fe80 beginnen, haben eine Netzwerkschnittstelle (%); lassen Sie sie weg</translation>
+    </message>
+    <message>
+        <source>Servers are looked for at %1 addresses already; forget one of them first</source>
+        <translation>Server werden schon unter %1 Adressen gesucht; vergessen Sie erst eine davon</translation>
+    </message>
+    <message>
+        <source>A media server at %1 has not answered yet; it is still looked for</source>
+        <translation>Ein Medienserver unter %1 hat noch nicht geantwortet; er wird weiter gesucht</translation>
+    </message>
+    <message>
+        <source>The name &quot;%1&quot; can&apos;t be resolved (%2)</source>
+        <translation>Der Name &quot;%1&quot; lässt sich nicht auflösen (%2)</translation>
+    </message>
+    <message>
+        <source>no answer within 5 s</source>
+        <translation>keine Antwort in 5 s</translation>
+    </message>
+    <message>
+        <source>The name &quot;%1&quot; stands for %2, which is good on one link only; name its network interface, as in &quot;%3&quot;</source>
+        <translation>Der Name &quot;%1&quot; steht für %2, was nur an einem Anschluss gilt; nennen Sie dessen Netzwerkschnittstelle wie in &quot;%3&quot;</translation>
+    </message>
+    <message>
+        <source>There is no network interface &quot;%1&quot; now, on which %2 could be reached</source>
+        <translation>Es gibt jetzt keine Netzwerkschnittstelle &quot;%1&quot;, über die %2 zu erreichen wäre</translation>
+    </message>
+    <message>
+        <source>No search can be sent to %1 (%2)</source>
+        <translation>An %1 lässt sich keine Suche senden (%2)</translation>
+    </message>
+    <message>
+        <source>The media server at %1 names another machine for its description (%2), which isn&apos;t asked; name that URL itself to use it</source>
+        <translation>Der Medienserver unter %1 nennt für seine Beschreibung einen anderen Rechner (%2), der nicht gefragt wird; nennen Sie diese URL selbst, um ihn zu nutzen</translation>
+    </message>
+    <message>
+        <source>Nothing answered the search at %1, port 1900, and of the usual descriptions %2; if a media server runs there, name its port, as in &quot;%3&quot;, or the URL of its description</source>
+        <translation>Auf die Suche unter %1, Port 1900, antwortete nichts, und von den üblichen Beschreibungen gilt: %2. Läuft dort ein Medienserver, nennen Sie seinen Port wie in &quot;%3&quot; oder die URL seiner Beschreibung</translation>
+    </message>
+    <message>
+        <source>%1 describes &quot;%2&quot;, which is no media server: it has no content directory</source>
+        <translation>%1 beschreibt &quot;%2&quot;, das kein Medienserver ist: Es hat kein Inhaltsverzeichnis</translation>
+    </message>
+    <message>
+        <source>%1 describes &quot;%2&quot;, whose content directory is at another machine, which isn&apos;t asked</source>
+        <translation>%1 beschreibt &quot;%2&quot;, dessen Inhaltsverzeichnis auf einem anderen Rechner liegt, der nicht gefragt wird</translation>
+    </message>
+    <message>
+        <source>%1 describes &quot;%2&quot;, which has no UDN</source>
+        <translation>%1 beschreibt &quot;%2&quot;, das keine UDN hat</translation>
+    </message>
+    <message>
+        <source>%1 gives no description, but the HTTP status %2</source>
+        <translation>%1 liefert keine Beschreibung, sondern den HTTP-Status %2</translation>
+    </message>
+    <message>
+        <source>%1 is no description of a device</source>
+        <translation>%1 ist keine Gerätebeschreibung</translation>
+    </message>
+    <message>
+        <source>%1 doesn&apos;t describe %2</source>
+        <translation>%1 beschreibt nicht %2</translation>
+    </message>
+    <message>
+        <source>Nobody listens at %1, the address for calls of &quot;%2&quot;</source>
+        <translation>Unter %1, der Adresse für Aufrufe von &quot;%2&quot;, ist niemand zu erreichen</translation>
+    </message>
+    <message>
+        <source>%1 was forgotten meanwhile</source>
+        <translation>%1 wurde inzwischen vergessen</translation>
+    </message>
+    <message>
+        <source>%1 is no longer announced</source>
+        <translation>%1 wird nicht mehr gemeldet</translation>
+    </message>
+    <message>
+        <source>the media server &quot;%1&quot; did not answer within %2 seconds. It may be busy or hanging; try again, or restart it</source>
+        <translation>der Medienserver &quot;%1&quot; antwortete nicht binnen %2 Sekunden. Vielleicht ist er beschäftigt oder hängt; versuchen Sie es noch einmal, oder starten Sie ihn neu</translation>
+    </message>
+    <message>
+        <source>Could not connect to the media server &quot;%1&quot;: %2</source>
+        <translation>keine Verbindung zum Medienserver &quot;%1&quot;: %2</translation>
+    </message>
+    <message>
+        <source>The connection to the media server &quot;%1&quot; broke: %2</source>
+        <translation>Die Verbindung zum Medienserver &quot;%1&quot; riss ab: %2</translation>
+    </message>
+    <message>
+        <source>The answer of the media server &quot;%1&quot; is too large: %2</source>
+        <translation>Die Antwort des Medienservers &quot;%1&quot; ist zu groß: %2</translation>
+    </message>
+    <message>
+        <source>The answer of the media server &quot;%1&quot; can&apos;t be read (HTTP status %2)</source>
+        <translation>Die Antwort des Medienservers &quot;%1&quot; ist nicht lesbar (HTTP-Status %2)</translation>
+    </message>
+    <message>
+        <source>it is longer than %1 KiB</source>
+        <translation>sie ist länger als %1 KiB</translation>
+    </message>
+    <message>
+        <source>it begins over and over</source>
+        <translation>sie beginnt immer wieder von vorn</translation>
+    </message>
+    <message>
+        <source>too many long answers come at once</source>
+        <translation>zu viele lange Antworten kommen zugleich</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a URL</source>
+        <translation>&quot;%1&quot; ist keine URL</translation>
+    </message>
+    <message>
+        <source>The list that &quot;%1&quot; sent can&apos;t be read</source>
+        <translation>Die Liste, die &quot;%1&quot; gesandt hat, ist nicht lesbar</translation>
+    </message>
+    <message>
+        <source>The list was not complete after 20 seconds (%1 objects so far). Ask for fewer objects at a time</source>
+        <translation>Die Liste war nach 20 Sekunden nicht vollständig (bis dahin %1 Objekte). Verlangen Sie weniger Objekte auf einmal</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; counts %2 objects here, but none came behind the first %3</source>
+        <translation>&quot;%1&quot; zählt hier %2 Objekte, aber nach den ersten %3 kam keines</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; counts %2 objects here, but only %3 came. Ask for a range to get those</source>
+        <translation>&quot;%1&quot; zählt hier %2 Objekte, aber nur %3 kamen. Verlangen Sie einen Bereich, um diese zu bekommen</translation>
+    </message>
+    <message>
+        <source>The server described no object</source>
+        <translation>Der Server beschrieb kein Objekt</translation>
+    </message>
+    <message>
+        <source>Too many long lists are asked for at once. Try again when the others are answered, or ask for fewer objects at a time</source>
+        <translation>Zu viele lange Listen werden zugleich verlangt. Versuchen Sie es noch einmal, wenn die anderen beantwortet sind, oder verlangen Sie weniger Objekte auf einmal</translation>
+    </message>
+    <message>
+        <source>Too many calls at once: wait for the answers of those that are under way</source>
+        <translation>Zu viele Aufrufe zugleich: Warten Sie, bis die laufenden beantwortet sind</translation>
+    </message>
+    <message>
+        <source>The answer is too long for one D-Bus message (%1 MiB). Ask for fewer objects at a time, or for fewer properties</source>
+        <translation>Die Antwort ist zu lang für eine D-Bus-Nachricht (%1 MiB). Verlangen Sie weniger Objekte auf einmal oder weniger Eigenschaften</translation>
+    </message>
+    <message>
+        <source>A query of %1 bytes is too long: %2 are allowed</source>
+        <translation>Eine Suchanfrage von %1 Bytes ist zu lang: %2 sind erlaubt</translation>
+    </message>
+    <message>
+        <source>Query string is not valid. It is too long or nested too deeply</source>
+        <translation>Die Suchanfrage ist ungültig. Sie ist zu lang oder zu tief geschachtelt</translation>
+    </message>
+    <message>
+        <source>Operation cancelled</source>
+        <translation>Der Aufruf wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>The media bridge gave the call up</source>
+        <translation>Die Brücke gab den Aufruf auf</translation>
+    </message>
+    <message>
+        <source>the server refused</source>
+        <translation>der Server lehnte ab</translation>
+    </message>
+    <message>
+        <source>Can&apos;t reach the D-Bus &quot;%1&quot;: %2. Start a bus (dbus-run-session does) or name one with --bus</source>
+        <translation>Der D-Bus &quot;%1&quot; ist nicht zu erreichen: %2. Starten Sie einen Bus (etwa mit dbus-run-session) oder nennen Sie einen mit --bus</translation>
+    </message>
+    <message>
+        <source>The bus doesn&apos;t give the name %1: %2</source>
+        <translation>Der Bus gibt den Namen %1 nicht her: %2</translation>
+    </message>
+    <message>
+        <source>Another media service is running: %1 is taken on this bus. Use that one, or stop it first</source>
+        <translation>Ein anderer Mediendienst läuft: %1 ist auf diesem Bus vergeben. Nutzen Sie jenen, oder beenden Sie ihn erst</translation>
+    </message>
+    <message>
+        <source>The bus has gone away</source>
+        <translation>Der Bus ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>Another media service has taken the name</source>
+        <translation>Ein anderer Mediendienst hat den Namen übernommen</translation>
+    </message>
+    <message>
+        <source>Could not connect to %1: %2</source>
+        <translation>keine Verbindung zu %1: %2</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <translation>Verbindung abgelehnt</translation>
+    </message>
+    <message>
+        <source>Connection terminated unexpectedly</source>
+        <translation>Verbindung unerwartet beendet</translation>
+    </message>
+    <message>
+        <source>Connection reset by peer</source>
+        <translation>Verbindung von der Gegenseite beendet</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <translation>keine Antwort in der vorgesehenen Zeit</translation>
+    </message>
+    <message>
+        <source>Socket I/O timed out</source>
+        <translation>keine Antwort in der vorgesehenen Zeit</translation>
+    </message>
+    <message>
+        <source>No route to host</source>
+        <translation>kein Weg zum Rechner</translation>
+    </message>
+    <message>
+        <source>Network is unreachable</source>
+        <translation>Netzwerk nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>Error resolving “%1”: %2</source>
+        <translation>&quot;%1&quot; lässt sich nicht auflösen: %2</translation>
+    </message>
+    <message>
+        <source>Name or service not known</source>
+        <translation>Name unbekannt</translation>
+    </message>
+    <message>
+        <source>Temporary failure in name resolution</source>
+        <translation>Namen lassen sich derzeit nicht auflösen</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Dateisystem nur lesbar</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>kein Platz mehr auf dem Gerät</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be read: its XML is cut off or broken</source>
+        <translation>%1 ist nicht lesbar: Das XML ist abgeschnitten oder kaputt</translation>
+    </message>
+    <message>
+        <source>%1 (UPnP error %2)</source>
+        <translation>%1 (UPnP-Fehler %2)</translation>
+    </message>
+    <message>
+        <source>%1 doesn&apos;t answer</source>
+        <translation>%1 antwortet nicht</translation>
+    </message>
+    <message>
+        <source>%1 is listed, but can&apos;t be read: %2.</source>
+        <translation>%1 ist aufgeführt, lässt sich aber nicht lesen: %2.</translation>
     </message>
 </context>
 </TS>
