@@ -57,6 +57,7 @@ wait_indexed nas "$(library_size)"
 expect "orka lists the media server" "Packaged Music" in_session orka servers
 expect "orka lists an album" "Say \"Hello\"" in_session orka ls "Packaged Music/Music/Album/Punctuation"
 expect "orka doctor has nothing to complain of" "media server: \"Packaged Music\"" doctor
+expect "it speaks German, and so does the plug-in" "Interpret" in_session env LC_ALL=de_DE.UTF-8 orka menu "Packaged Music"
 expect "man finds the pages" "browse, search and play" chroot "$system" sh -c 'zcat /usr/share/man/man1/orka.1.gz'
 expect "Grilo browses through the bridge that it starts" "Music" in_session sh -c '
     export GRL_PLUGIN_LIST=grl-dleyna
