@@ -42,12 +42,39 @@ switch_off_service() {
     fi
 }
 
+# Qt's tools for translations, where they aren't installed, without the 27 packages that come with them.
+tools_need() {
+    tools=$root/build/tools
+    PATH=$tools/usr/lib/qt5/bin:$PATH
+    if [ -x /usr/lib/qt5/bin/lrelease ] || [ -x "$tools/usr/lib/qt5/bin/lrelease" ]; then
+        return
+    fi
+    mkdir -p "$tools"
+    for package in $(packages_of unpacked); do
+        echo "Unpacking this Debian package into build/tools: $package" >&2
+        if ! { apt_download "$package" || { as_root apt-get update -q && apt_download "$package"; }; } >&2; then
+            echo "This Debian package is needed and could not be fetched: $package" >&2
+            echo "Install it as root: apt-get install $package" >&2
+            exit 3
+        fi
+    done
+}
+
+apt_download() {
+    (cd "$tools" && apt-get download -q "$1" && dpkg-deb -x "$1"_*.deb . && rm "$1"_*.deb)
+}
+
 # packages_need SECTION…: installs what is missing; a sentence and status 3 where that can't be done.
 packages_need() {
     if ! command -v dpkg-query >/dev/null; then
         echo "This is not a Debian machine, so nothing is installed; packages.txt says what is needed." >&2
         return
     fi
+    packages_install "$@"
+    case " $* " in *" build "*) tools_need ;; esac
+}
+
+packages_install() {
     missing=$(packages_missing "$@")
     [ -n "$missing" ] || return 0 # the usual case asks apt nothing
     echo "Installing these Debian packages:$missing" >&2
