@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # run.sh PROGRAMS [--quick | --record]: measures everything and prints a table of target, measured, ratio, and
 # pass or short; the figures are in PROGRAMS/figures.json afterwards. PROGRAMS is the bench folder of a build.
-#   --quick    only the instruction counts, which hardly vary; status 1 when one is more than 10 % above recorded.json
+#   --quick    only the instruction counts, which hardly vary; status 1 when one is more than 10 % above recorded.json;
+#               nothing on another system than that one's
 #   --record   the same, and records them
 # Status of the whole run: 0 also when a target is missed; the table tells.
 set -euo pipefail
@@ -49,13 +50,19 @@ regressions() {
 }
 
 quick() {
-    measure "instructions" "$here/instructions.sh" "$programs"
-    save
-    if [ "${1:-}" = --record ]; then
-        save >"$here/recorded.json"
+    local worse system recorded
+    system=$(sed -n 's/^PRETTY_NAME="\([^"(]*[^"( ]\).*/\1/p' /etc/os-release)
+    recorded=$(jq -r .system "$here/recorded.json")
+    if [ "$1" = --quick ] && [ "$system" != "$recorded" ]; then
+        echo "Not compared: another compiler and library execute other counts, and those recorded are of $recorded." >&2
         return
     fi
-    local worse
+    measure "instructions" "$here/instructions.sh" "$programs"
+    save
+    if [ "$1" = --record ]; then
+        save | jq --arg system "$system" '{$system} + .' >"$here/recorded.json"
+        return
+    fi
     worse=$(regressions)
     [ -z "$worse" ] || {
         printf 'More than 10 %% over the recorded figures:\n%s\nIf that is meant, record them: ./run bench --record\n' \
