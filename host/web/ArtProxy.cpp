@@ -8,8 +8,6 @@
 #include <QStandardPaths>
 #include <QTimer>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int mostBytes = 10 << 20;
@@ -179,21 +177,9 @@ void ArtProxy::answer(const ExchangePointer &exchange)
         giveNone(exchange, QStringLiteral("it could not be had a moment ago."));
         return;
     }
-    dropUnwanted();
     if (m_jobs.count(url) == 0)
         begin(url);
     m_jobs[url]->waiting.emplace_back(exchange, width);
-}
-
-/// What was scrolled past would take the connections, and the time, of what is in view.
-void ArtProxy::dropUnwanted()
-{
-    for (auto job = m_jobs.begin(); job != m_jobs.end();) {
-        const auto &waiting = job->second->waiting;
-        const bool isWanted = std::any_of(
-            waiting.begin(), waiting.end(), [](const auto &one) { return one.first->isWanted(); });
-        job = isWanted ? std::next(job) : m_jobs.erase(job);
-    }
 }
 
 /// It isn't asked for again at once.

@@ -32,7 +32,6 @@ private:
     };
     void answer(const ExchangePointer &exchange);
     void begin(const QByteArray &url);
-    void dropUnwanted();
     void fail(const QByteArray &url);
     void finish(const QByteArray &url, const QByteArray &picture, const QString &problem);
     void giveFromOriginal(const ExchangePointer &exchange, const QByteArray &url, int width,
