@@ -3,6 +3,7 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <malloc.h>
 
 namespace {
 
@@ -12,12 +13,20 @@ constexpr size_t mostConnections = 512;
 // tries again after a second.
 constexpr int mostWaiting = 512;
 constexpr qint64 longestIdle = 30'000'000; // microseconds
+constexpr size_t worthGivingBack = 4 << 20;
 constexpr guint longestSilence = 60; // seconds, of a client that doesn't read its answer
 
 void hangUp(GSocket *socket)
 {
     // The reader sees the end of the stream and lets go of it.
     g_socket_shutdown(socket, TRUE, TRUE, nullptr);
+}
+
+/// A long queue takes many times what the program needs between requests.
+void giveBackSpareMemory()
+{
+    if (mallinfo2().fordblks > worthGivingBack)
+        malloc_trim(0);
 }
 
 GRef<GSocket> listeningSocket(GSocketAddress *address, GError **error)
@@ -41,6 +50,8 @@ Connections::Connections(SoupServer *server)
     g_signal_connect(server, "request-aborted", G_CALLBACK(onDone), this);
     QObject::connect(&m_sweep, &QTimer::timeout, &m_sweep, [this] { sweep(); });
     m_sweep.start(5000);
+    QObject::connect(&m_spare, &QTimer::timeout, giveBackSpareMemory);
+    m_spare.setSingleShot(true);
 }
 
 Connections::~Connections()
@@ -92,6 +103,8 @@ void Connections::onDone(SoupServer *, SoupServerMessage *message, gpointer conn
     auto *self = static_cast<Connections *>(connections);
     if (self->m_connections.erase(G_OBJECT(message)) > 0)
         g_object_weak_unref(G_OBJECT(message), onGone, self);
+    if (!self->m_spare.isActive()) // not put off by the next one: there may always be one
+        self->m_spare.start(2000);
 }
 
 void Connections::onGone(gpointer connections, GObject *message)

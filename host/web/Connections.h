@@ -39,4 +39,5 @@ private:
     /// too.
     std::unordered_map<GObject *, Connection> m_connections;
     QTimer m_sweep;
+    QTimer m_spare;
 };
