@@ -56,7 +56,11 @@ async function enqueue(action, row, path, title) {
       notify(tr('{title}: done.', { title: title || '' }));
       return;
     }
-    const { items, lacking } = await queue.tracksBelow(row.path);
+    const saying = setTimeout(() => stand(row.path, tr('The tracks of “{title}” are being gathered …', { title: short(row.title) })), 700);
+    const { items, lacking } = await queue.tracksBelow(row.path).finally(() => {
+      clearTimeout(saying);
+      stand(row.path, '');
+    });
     if (!items.length) {
       notify(lacking || tr('There is no music in “{title}”.', { title: short(row.title) }));
       return;

@@ -27,6 +27,8 @@ function keptItem(item) {
   };
 }
 
+const many = 1000; // tracks
+
 /** @param {QueueItem} item */
 const keyOf = (item) => item.path || item.url;
 
@@ -41,6 +43,8 @@ class Queue extends EventTarget {
   current = -1;
   /** How many tracks the browser had room for. */
   #room = Infinity;
+  #soon = 0;
+  #isUntold = false;
   #pages = new Pages('queue', () => ({ items: this.items, current: this.current }), (value) => this.#take(value));
 
   constructor() {
@@ -52,6 +56,7 @@ class Queue extends EventTarget {
     } catch {
       // What can't be read is as good as nothing.
     }
+    document.addEventListener('visibilitychange', () => this.#write()); // a hidden page may be ended at any time
     if (!(this.current >= 0)) this.current = this.items.length ? 0 : -1;
   }
 
@@ -97,6 +102,7 @@ class Queue extends EventTarget {
   /** An item plays in this page. @param {number} index */
   play(index) {
     this.current = index;
+    this.#isUntold = false;
     this.#pages.tell({ isPlayed: true });
     this.#changed();
   }
@@ -115,19 +121,30 @@ class Queue extends EventTarget {
     for (const item of this.items.reverse()) known.get(keyOf(item))?.push(item);
     this.items = items.map((item) => Object.assign(known.get(keyOf(item))?.pop() || item, item));
     this.current = current;
+    this.#isUntold = false;
     if (isPlayed) this.dispatchEvent(new Event('played'));
     this.dispatchEvent(new Event('change'));
   }
 
   #edited() {
-    this.#pages.tell();
+    this.#isUntold = true;
     this.dispatchEvent(new Event('edited'));
     this.#changed();
   }
 
   #changed() {
-    this.#keep();
+    clearTimeout(this.#soon);
+    if (this.items.length < many) this.#write();
+    else this.#soon = setTimeout(() => this.#write(), 300);
     this.dispatchEvent(new Event('change'));
+  }
+
+  /** To the other pages, and to the browser: of many tracks that takes longer than a key that is held down. */
+  #write() {
+    clearTimeout(this.#soon);
+    if (this.#isUntold) this.#pages.tell();
+    this.#isUntold = false;
+    this.#keep();
   }
 
   /** As much as the browser has room for; from the mark on, where that isn't all. */

@@ -46,6 +46,7 @@ export const texts = {
   '{n} track, {time}|{n} tracks, {time}': '{n} Titel, {time}',
   '“{title}” is queued.|{n} tracks are queued.': '„{title}“ ist eingereiht.|{n} Titel sind eingereiht.',
   'Nothing is queued. Choose “Add to queue” from the menu of a track or folder.': 'Die Warteschlange ist leer. Wählen Sie „An die Warteschlange anhängen“ im Menü eines Titels oder Ordners.',
+  'The tracks of “{title}” are being gathered …': 'Die Titel von „{title}“ werden gesammelt …',
   'Not every track of this place could be queued.': 'Nicht jeder Titel von hier ließ sich einreihen.',
   'There is no music in “{title}”.': 'In „{title}“ ist keine Musik.',
   '“{title}” is no music; this page plays music.': '„{title}“ ist keine Musik; diese Seite spielt Musik.',

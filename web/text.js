@@ -37,7 +37,8 @@ export function translateTold(text) {
 function fill(form, values) {
   return form.replace(/\{(\w+)\}/g, (_, name) => {
     const value = values[name];
-    return typeof value === 'number' ? number(value) : value;
+    if (typeof value === 'number') return number(value);
+    return name === 'title' || name === 'text' ? `\u2068${value}\u2069` : value; // whatever direction it is written in
   });
 }
 
