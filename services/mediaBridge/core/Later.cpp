@@ -3,6 +3,8 @@
 #include "core/Timer.h"
 #include "core/TurnQueue.h"
 
+#include <glib.h>
+
 namespace bridge {
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <malloc.h>
+#include <utility>
 
 namespace bridge {
 
