@@ -99,13 +99,14 @@ void HostileServer::converse(int connection)
     --m_threads;
 }
 
-void announce(const std::string &udn, const char *host, unsigned short port)
+void announce(
+    const std::string &udn, const char *host, unsigned short port, const std::string &moreHeaders)
 {
     const std::string type = "urn:schemas-upnp-org:device:MediaServer:1";
     const std::string text = "NOTIFY * HTTP/1.1\r\nHOST: 239.255.255.250:1900\r\nCACHE-CONTROL: "
                              "max-age=1800\r\nLOCATION: http://"
         + (host + (':' + std::to_string(port))) + '/' + udn + "\r\nNT: " + type
-        + "\r\nNTS: ssdp:alive\r\nUSN: " + udn + "::" + type + "\r\nSERVER: x\r\n\r\n";
+        + "\r\nNTS: ssdp:alive\r\nUSN: " + udn + "::" + type + "\r\n" + moreHeaders + "\r\n";
     const int udp = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0), yes = 1;
     setsockopt(udp, SOL_IP, IP_TRANSPARENT, &yes, sizeof yes);
     const in_addr lan = address("10.77.0.1", 0).sin_addr;

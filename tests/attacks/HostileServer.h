@@ -34,7 +34,8 @@ private:
 };
 
 /// Announces a device, also from an address that no interface has.
-void announce(const std::string &udn, const char *host, unsigned short port);
+void announce(const std::string &udn, const char *host, unsigned short port,
+    const std::string &moreHeaders = {});
 /// A complete answer.
 std::string httpAnswer(const std::string &body, const std::string &moreHeaders = {});
 /// A description with this in front of the end of its device element.

@@ -49,14 +49,16 @@ inline constexpr unsigned farewellMs = 500;
 
 // --- what announces itself ---
 
-/// Bytes of one announcement, and of what it says; real ones have some 400.
-inline constexpr size_t packetBytes = 8192;
+/// Bytes and lines of one announcement, and of what it says; real ones have some 400 and 12.
+/// Reading one takes a hundredth of a millisecond.
+inline constexpr size_t packetBytes = 2048;
+inline constexpr std::ptrdiff_t packetLines = 64;
 inline constexpr size_t udnBytes = 128;
 inline constexpr size_t locationBytes = 1024;
 /// How long an announcement holds at most, in seconds.
 inline constexpr unsigned announcementSeconds = 86'400;
-/// Announcements that are read before everything else has its turn.
-inline constexpr int packetsInOneTurn = 16;
+/// Announcements that are read at one address in two milliseconds.
+inline constexpr int packetsAtOnce = 8;
 /// Addresses of the machine that are listened on, and those at which one server is heard.
 inline constexpr size_t ownAddresses = 64;
 inline constexpr size_t addressesOfOneServer = 8;

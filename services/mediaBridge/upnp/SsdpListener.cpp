@@ -96,16 +96,26 @@ void UdpSocket::listen()
 gboolean UdpSocket::readable(int, GIOCondition, gpointer self)
 {
     auto *socket = static_cast<UdpSocket *>(self);
-    for (int i = 0; i < limits::packetsInOneTurn; ++i) {
-        if (socket->receive())
+    socket->m_source = 0;
+    socket->readSome();
+    return G_SOURCE_REMOVE;
+}
+
+/// Rests afterwards, so that a flood of packets neither takes all the time nor makes the main loop
+/// turn for each.
+void UdpSocket::readSome()
+{
+    constexpr unsigned restMs = 2;
+    for (int i = 0; i < limits::packetsAtOnce; ++i) {
+        if (receive())
             continue;
-        if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR)
-            return G_SOURCE_CONTINUE;
-        socket->m_source = 0;
-        socket->onBroken();
-        return G_SOURCE_REMOVE;
+        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) {
+            onBroken();
+            return;
+        }
+        break;
     }
-    return G_SOURCE_CONTINUE;
+    m_rest.start(restMs, [this] { listen(); });
 }
 
 bool UdpSocket::receive() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Timer.h"
 #include "upnp/LocalAddress.h"
 #include "upnp/SsdpMessage.h"
 
@@ -35,11 +36,13 @@ public:
 
 private:
     static gboolean readable(int, GIOCondition, gpointer self);
+    void readSome();
     bool receive() const;
 
     int m_fd = -1;
     int m_family = AF_INET;
     guint m_source = 0;
+    Timer m_rest;
 };
 
 /// Hears what media servers say at one address of this machine, and searches from there. UPnP's

@@ -62,7 +62,8 @@ Headers parseHeaders(const std::string &packet, bool isNotify)
 std::optional<SsdpMessage> parseSsdp(std::string_view packet)
 {
     // Most of what is said on a network is about other things.
-    if (packet.find(mediaServer) == std::string_view::npos)
+    if (packet.find(mediaServer) == std::string_view::npos
+        || std::count(packet.begin(), packet.end(), '\n') > limits::packetLines)
         return std::nullopt;
     const size_t end = packet.find("\r\n\r\n");
     const std::string text(packet.substr(0, end == std::string_view::npos ? end : end + 2));
