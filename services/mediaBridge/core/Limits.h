@@ -99,6 +99,13 @@ inline constexpr unsigned interimAnswers = 8;
 inline constexpr size_t bodiesBytes = size_t{24} << 20;
 /// Long answers that are received at a time; the bytes with which one keeps its place for so many
 /// milliseconds more, or others have their turn: slow ones are not to hold up all.
+/// Pieces in which an answer with so many bytes may come; each takes as long as a kilobyte.
+inline constexpr size_t pieces(size_t bytes)
+{
+    constexpr size_t fixed = 4'000;
+    constexpr size_t bytesOfPiece = 64;
+    return fixed + bytes / bytesOfPiece;
+}
 inline constexpr unsigned longAnswersAtOnce = 4;
 inline constexpr unsigned seatMs = 20;
 inline constexpr size_t seatBytes = size_t{256} << 10;

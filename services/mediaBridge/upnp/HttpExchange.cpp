@@ -188,6 +188,8 @@ void HttpExchange::append(const char *data, size_t size)
     if (m_reply.body.size() > m_request.maxBytes) {
         finish(HttpOutcome::TooLarge,
             "it is longer than " + std::to_string(m_request.maxBytes >> 10) + " KiB");
+    } else if (++m_pieces > limits::pieces(m_reply.body.size())) {
+        finish(HttpOutcome::TooLarge, "it comes in too many small pieces");
     } else if (size == 0) {
         m_reply.status = soup_message_get_status(m_message.get());
         finish(HttpOutcome::Answered, {});

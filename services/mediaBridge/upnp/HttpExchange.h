@@ -110,6 +110,7 @@ private:
     std::string m_host;
     bool m_isSecondTry = false;
     unsigned m_interimAnswers = 0;
+    size_t m_pieces = 0;
     /// Nothing is under way: it goes on when others' answers have been read.
     bool m_isPaused = false;
     Backlog::Seat m_seat;
