@@ -80,6 +80,8 @@ inline constexpr size_t serversOfOneHost = 128;
 /// Descriptions that are fetched at a time, in all and from one host.
 inline constexpr unsigned looks = 16;
 inline constexpr unsigned looksAtOneHost = 4;
+/// Looks that begin at once; after these one each 20 ms. One takes one to three.
+inline constexpr unsigned looksAtOnce = 16;
 /// Hosts whose looks are counted; beyond it the count begins anew.
 inline constexpr size_t hostsLookedAt = 1024;
 

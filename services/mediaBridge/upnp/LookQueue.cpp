@@ -37,7 +37,8 @@ std::list<LookQueue::Waiting>::iterator LookQueue::next()
         const Host &host = m_hosts[bestHost(*it)];
         if (host.underWay >= limits::looksAtOneHost)
             continue;
-        if (best == m_waiting.end() || host.started < fewest) {
+        if (best == m_waiting.end() || host.started < fewest
+            || (m_takesOldest && host.started == fewest)) {
             best = it;
             fewest = host.started;
         }
@@ -50,22 +51,38 @@ void LookQueue::startWaiting()
     if (m_isStarting)
         return;
     m_isStarting = true;
-    while (m_underWay < m_most) {
+    while (m_underWay < m_most && m_begun < limits::looksAtOnce) {
         const auto it = next();
         if (it == m_waiting.end())
             break;
+        m_takesOldest = !m_takesOldest;
         const Waiting waiting = std::move(*it);
         m_waiting.erase(it);
         const auto owner = waiting.owner.lock();
         if (!owner)
             continue;
         const std::string host = bestHost(waiting);
+        ++m_begun;
+        restLater();
         ++m_underWay;
         ++m_hosts[host].underWay;
         ++m_hosts[host].started;
         waiting.start(Place(nullptr, [this, host](void *) { giveBack(host); }));
     }
     m_isStarting = false;
+}
+
+/// So that looks take a small part of the time, however often there is a reason for them.
+void LookQueue::restLater()
+{
+    constexpr unsigned restMs = 20;
+    if (m_rest.isRunning())
+        return;
+    m_rest.start(restMs, [this] {
+        if (--m_begun > 0)
+            restLater();
+        startWaiting();
+    });
 }
 
 void LookQueue::giveBack(const std::string &host)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Timer.h"
+
 #include <functional>
 #include <list>
 #include <map>
@@ -9,10 +11,11 @@
 
 namespace bridge {
 
-/// Lets few looks at servers be under way at a time, in all and at one host, so that whoever
-/// announces thousands of servers takes neither descriptors nor time from those in use. Hosts that
-/// had fewer looks come first, of these the one that was heard last. Owned by one registry; must
-/// outlive every place it gave.
+/// Lets few looks at servers be under way at a time, in all and at one host, and few begin, so that
+/// whoever announces thousands of servers, or takes them back, gets neither descriptors nor time
+/// from those in use. Hosts that had fewer looks come first, of these in turn the one that has
+/// waited least, which comes after a flood, and the one that has waited longest, which came before
+/// it. Owned by one registry; must outlive every place it gave.
 class LookQueue
 {
 public:
@@ -47,6 +50,7 @@ private:
     const std::string &bestHost(const Waiting &waiting);
     std::list<Waiting>::iterator next();
     void startWaiting();
+    void restLater();
     void giveBack(const std::string &host);
 
     std::list<Waiting> m_waiting;
@@ -54,6 +58,10 @@ private:
     size_t m_most;
     size_t m_underWay = 0;
     bool m_isStarting = false;
+    bool m_takesOldest = false;
+    /// Looks that began, but for one each 20 ms.
+    unsigned m_begun = 0;
+    Timer m_rest;
 };
 
 } // namespace bridge

@@ -25,6 +25,7 @@ std::string faultSentence(const SoapAnswer &answer)
 MediaServer::MediaServer(DeviceDescription description, std::shared_ptr<HttpSession> session)
     : m_description(std::move(description))
     , m_host(hostOf(m_description.location))
+    , m_port(parseHttpUrl(m_description.location).value_or(HttpUrl()).port)
     , m_context{serverPathFromUdn(m_description.udn), m_description.baseUrl}
     , m_session(std::move(session))
 {

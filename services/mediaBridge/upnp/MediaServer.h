@@ -57,6 +57,7 @@ public:
     const DeviceDescription &description() const { return m_description; }
     /// The machine; those of one share the time that is spent on their answers.
     const std::string &host() const { return m_host; }
+    int port() const { return m_port; }
     /// D-Bus path and URL base, for mapping its objects.
     const ServerContext &context() const { return m_context; }
 
@@ -104,6 +105,7 @@ private:
 
     DeviceDescription m_description;
     std::string m_host;
+    int m_port;
     ServerContext m_context;
     std::shared_ptr<HttpSession> m_session;
     std::shared_ptr<MediaServer> m_newer;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <sys/resource.h>
+#include <tuple>
 
 namespace bridge {
 
@@ -267,9 +268,7 @@ bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned 
     if (tracker == m_trackers.end()) {
         const std::string host = hostOf(route.location);
         if (!makeRoomFor(host)) {
-            if (!std::exchange(m_wasFull, true))
-                logWarning("more media servers are announced than can be followed; new ones of "
-                    + host + " are ignored");
+            refuse(host);
             return false;
         }
         tracker = m_trackers.emplace(path, newTracker(udn, path, host)).first;
@@ -279,30 +278,48 @@ bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned 
 }
 
 /// A server that was heard for the first time takes the place of one that never answered, of its
-/// own host where that has all its places.
+/// own host where that has all its places. Where all of them answered, a host that has several
+/// gives one up, or who was listed and doesn't answer now.
 bool ServerRegistry::makeRoomFor(const std::string &host)
 {
-    const auto isOfHost = [&](const auto &entry) {
-        return entry.second->host() == host;
-    };
-    const bool isHostFull = std::count_if(m_trackers.begin(), m_trackers.end(), isOfHost)
-        >= static_cast<std::ptrdiff_t>(limits::serversOfOneHost);
+    std::map<std::string, size_t> ofHost;
+    for (const auto &[path, tracker] : m_trackers)
+        ++ofHost[tracker->host()];
+    const size_t own = ofHost[host];
+    const bool isHostFull = own >= limits::serversOfOneHost;
     if (!isHostFull && m_trackers.size() < m_maxServers)
         return true;
     // Not at once where it is of the same host: who keeps making names up would be asked for ever.
-    const unsigned fewest = isHostFull ? failuresToGiveWay : 0;
-    auto stranger = m_trackers.end();
-    for (auto it = m_trackers.begin(); it != m_trackers.end(); ++it) {
-        const unsigned failures = it->second->failures();
-        if (!it->second->isStranger() || failures < fewest || (isHostFull && !isOfHost(*it)))
-            continue;
-        if (stranger == m_trackers.end() || stranger->second->failures() < failures)
-            stranger = it;
-    }
-    if (stranger == m_trackers.end())
+    const unsigned fewest = isHostFull ? failuresToGiveWay : 1;
+    // Greater is sooner; nothing for who stays.
+    const auto rank = [&](const ServerTracker &tracker) -> std::tuple<int, size_t, unsigned> {
+        const size_t count = ofHost[tracker.host()];
+        const unsigned failures = tracker.failures();
+        if (tracker.isStranger() && failures >= fewest && (!isHostFull || tracker.host() == host))
+            return {3, failures, 0};
+        if (!isHostFull && count >= own + 2)
+            return {2, count, tracker.isStranger() ? failuresToGiveWay : failures};
+        return {isHostFull || failures == 0 ? 0 : 1, failures, 0};
+    };
+    const auto leaving = std::max_element(m_trackers.begin(), m_trackers.end(),
+        [&](const auto &a, const auto &b) { return rank(*a.second) < rank(*b.second); });
+    if (leaving == m_trackers.end() || std::get<0>(rank(*leaving->second)) == 0)
         return false;
-    m_trackers.erase(stranger);
+    const auto tracker = std::move(leaving->second);
+    m_trackers.erase(leaving);
+    tracker->withdraw();
     return true;
+}
+
+/// Whoever is refused is searched for again; by then it is known who still answers.
+void ServerRegistry::refuse(const std::string &host)
+{
+    constexpr unsigned againMs = 10'000;
+    if (!std::exchange(m_wasFull, true))
+        logWarning("more media servers are announced than can be followed; new ones of " + host
+            + " are ignored");
+    if (!m_review.isRunning())
+        m_review.start(againMs, [this] { rescan(); });
 }
 
 std::shared_ptr<ServerTracker> ServerRegistry::newTracker(

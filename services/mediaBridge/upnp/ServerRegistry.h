@@ -11,7 +11,8 @@
 namespace bridge {
 
 /// Every media server that was heard of, one entry per UDN; so many in all and by host as this
-/// process has descriptors for. Servers that never answered properly make room for others.
+/// process has descriptors for. Servers that never answered properly make room for others, and so
+/// do those of a host that has several.
 class ServerRegistry
 {
 public:
@@ -71,6 +72,7 @@ private:
     void changed(const std::shared_ptr<MediaServer> &server, bool isThere);
     void failed(const std::string &path, const std::string &problem);
     bool makeRoomFor(const std::string &host);
+    void refuse(const std::string &host);
     std::shared_ptr<ServerTracker> newTracker(
         const std::string &udn, const std::string &path, const std::string &host);
 
@@ -79,6 +81,7 @@ private:
     std::map<std::string, std::shared_ptr<ServerTracker>> m_trackers;
     size_t m_maxServers;
     bool m_wasFull = false;
+    Timer m_review;
     int64_t m_startedAt = 0;
     ServerMemory m_memory;
     Timer m_remember;

@@ -33,6 +33,8 @@ constexpr unsigned strangersRetries = 10;
 constexpr unsigned usualPatienceMs = 4'000;
 constexpr unsigned longestPatienceMs = 20'000;
 constexpr unsigned patientLooks = 3;
+// Looks at others wait so long for a stranger's: he may be slow on purpose.
+constexpr unsigned strangersPlaceMs = 500;
 
 constexpr unsigned firstCapabilityMs = 2'000;
 constexpr unsigned capabilityRetryMs = 5'000;
@@ -165,7 +167,8 @@ void ServerTracker::lookLater(unsigned ms)
 void ServerTracker::lookAt(LookQueue::Place place)
 {
     m_place = std::move(place);
-    m_placeTime.start(usualPatienceMs, [this] { m_place = nullptr; });
+    m_placeTime.start(
+        isStranger() ? strangersPlaceMs : usualPatienceMs, [this] { m_place = nullptr; });
     m_lookedAt = g_get_monotonic_time();
     m_look = std::make_shared<DescriptionLook>(
         m_udn, m_routes.inOrder(), patienceMs(), [weak = weak_from_this()](LookResult result) {
@@ -363,11 +366,8 @@ void ServerTracker::forgetIfNothingIsLeft()
 
 bool ServerTracker::isAtPlaceOf(const MediaServer &other) const
 {
-    if (!m_isAnnounced || m_server.get() == &other)
-        return false;
-    const auto own = parseHttpUrl(m_server->description().location);
-    const auto its = parseHttpUrl(other.description().location);
-    return own && its && own->host == its->host && own->port == its->port;
+    return m_isAnnounced && m_server.get() != &other && m_server->port() == other.port()
+        && m_server->host() == other.host();
 }
 
 bool ServerTracker::isHopeless() const
