@@ -60,9 +60,10 @@ void addTexts(DBusMessageIter *to, int type, size_t count, const char *text)
     dbus_message_iter_close_container(to, &array);
 }
 
-DBusMessage *newListing(const std::string &path, unsigned max, size_t filterNames)
+DBusMessage *newListing(
+    const std::string &path, unsigned max, size_t filterNames, const char *method = "ListChildren")
 {
-    DBusMessage *call = newCall(path, "org.gnome.UPnP.MediaContainer2", "ListChildren");
+    DBusMessage *call = newCall(path, "org.gnome.UPnP.MediaContainer2", method);
     const unsigned offset = 0;
     dbus_message_append_args(
         call, DBUS_TYPE_UINT32, &offset, DBUS_TYPE_UINT32, &max, DBUS_TYPE_INVALID);
@@ -78,6 +79,17 @@ void listOnce(DBusConnection *bus, const std::string &server, unsigned max = 20)
     if (DBusMessage *answer = dbus_connection_send_with_reply_and_block(bus, call, 9000, nullptr))
         dbus_message_unref(answer);
     dbus_message_unref(call);
+}
+
+void sortOnce(DBusConnection *bus, const std::string &server)
+{
+    const std::string order = times(8 * mebibyte / 5, "Date,");
+    const char *text = order.c_str();
+    DBusMessage *call = newListing(server, 20, 1, "ListChildrenEx");
+    dbus_message_append_args(call, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+    send(bus, call);
+    dbus_connection_flush(bus);
+    usleep(300'000);
 }
 
 void browseMany(DBusConnection *bus, const std::string &server, size_t count)
@@ -199,11 +211,13 @@ std::vector<Attack> attacks()
         [](DBusConnection *bus, const std::string &server) {
             listOnce(bus, server, 0);
         }});
-    all.push_back({"capabilities of 60 MiB", {}, [](const std::string &request, const Send &send) {
-                       return request.find("Capabilities") != std::string::npos
-                           && send(httpAnswer(soapResult("GetSearchCapabilities",
-                               "<SearchCaps>" + times(30 * mebibyte, "a,") + "</SearchCaps>")));
-                   }});
+    all.push_back({"100 times capabilities of 60 KiB", {},
+        [](const std::string &request, const Send &send) {
+            return request.find("#GetSearchCapabilities") != std::string::npos
+                && send(httpAnswer(soapResult("GetSearchCapabilities",
+                    "<SearchCaps>" + times(30'000, "a,") + "</SearchCaps>")));
+        },
+        100});
     all.push_back(
         {"80 calls with 16 descriptors", {}, {}, 0, [](DBusConnection *bus, const std::string &) {
              sendDescriptors(bus);
@@ -222,6 +236,10 @@ std::vector<Attack> attacks()
             dbus_connection_flush(bus);
             usleep(200000);
         }});
+    all.push_back(
+        {"a sort order of 8 MiB", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
+             sortOnce(bus, server);
+         }});
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});

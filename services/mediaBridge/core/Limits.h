@@ -30,7 +30,7 @@ inline constexpr size_t errorTextBytes = 1024;
 inline constexpr size_t pathBytes = 12 << 10;
 /// Names in a filter; there are some thirty properties.
 inline constexpr size_t filterNames = 256;
-/// Bytes of a search query; those of real clients have some hundred.
+/// Bytes of a search query and of a sort order; those of real clients have some hundred.
 inline constexpr size_t queryBytes = 4 << 10;
 /// Objects of one BrowseObjects: what a server answers one by one within 20 seconds.
 inline constexpr size_t objectsPerCall = 5'000;
@@ -165,7 +165,7 @@ inline constexpr size_t urlBytes = size_t{4} << 10;
 inline constexpr std::ptrdiff_t objectBytes = 64 << 10;
 /// Values that an answer to an action may have; the standard's have four.
 inline constexpr size_t outputs = 16;
-/// Names of what a server can search or sort by.
+/// Names of what a server can search or sort by; those that mean nothing here aren't kept.
 inline constexpr size_t capabilities = 256;
 
 } // namespace bridge::limits

@@ -1,6 +1,7 @@
 #include "core/SearchCriteria.h"
 
 #include "core/Glib.h"
+#include "core/Limits.h"
 #include "core/MediaClass.h"
 #include "core/ObjectAddress.h"
 #include "core/Properties.h"
@@ -185,6 +186,11 @@ Criteria sortCriteria(
                 [&](const std::string &cap) { return cap == "*" || cap == name; });
     };
     Criteria criteria;
+    if (sort.size() > limits::queryBytes) {
+        criteria.problem = "A sort order of " + std::to_string(sort.size())
+            + " bytes is too long: " + std::to_string(limits::queryBytes) + " are allowed.";
+        return criteria;
+    }
     for (const std::string &term : splitList(sort)) {
         const bool hasSign = term.front() == '+' || term.front() == '-';
         const std::string_view name = std::string_view(term).substr(hasSign ? 1 : 0);
@@ -218,10 +224,21 @@ std::vector<std::string> capabilityNames(const std::vector<std::string> &didlNam
     return names;
 }
 
-std::vector<std::string> splitList(std::string_view list)
+std::vector<std::string> knownCapabilities(std::string_view list)
+{
+    std::vector<std::string> known;
+    for (std::string &name : splitList(list, limits::capabilities)) {
+        const bool isNew = std::find(known.begin(), known.end(), name) == known.end();
+        if (isNew && (name == "*" || !propertiesOfDidlName(name).empty()))
+            known.push_back(std::move(name));
+    }
+    return known;
+}
+
+std::vector<std::string> splitList(std::string_view list, size_t most)
 {
     std::vector<std::string> parts;
-    while (!list.empty()) {
+    while (!list.empty() && parts.size() < most) {
         const size_t comma = std::min(list.find(','), list.size());
         std::string_view part = list.substr(0, comma);
         list.remove_prefix(std::min(comma + 1, list.size()));

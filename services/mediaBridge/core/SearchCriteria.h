@@ -36,7 +36,12 @@ Criteria sortCriteria(
 /// has no name here. "*" stays "*".
 std::vector<std::string> capabilityNames(const std::vector<std::string> &didlNames);
 
-/// Splits a comma-separated list; white space around the parts and empty parts are left out.
-std::vector<std::string> splitList(std::string_view list);
+/// Of a server's list of what it can search or sort by, the names that have one here, and "*", each
+/// once.
+std::vector<std::string> knownCapabilities(std::string_view list);
+
+/// Splits a comma-separated list; white space around the parts and empty parts are left out, and
+/// what stands behind so many parts.
+std::vector<std::string> splitList(std::string_view list, size_t most = std::string_view::npos);
 
 } // namespace bridge

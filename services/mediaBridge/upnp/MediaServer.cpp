@@ -47,9 +47,7 @@ void MediaServer::readCapability(const char *action, const char *output, unsigne
         [self = shared_from_this(), both, output, member](const ActionReply &reply) {
             if (reply.isError())
                 return;
-            auto names = splitList(reply.answer.value(output));
-            names.resize(std::min(names.size(), limits::capabilities));
-            (*self).*member = std::move(names);
+            (*self).*member = knownCapabilities(reply.answer.value(output));
         });
 }
 
