@@ -270,11 +270,11 @@ std::vector<Attack> attacks()
     all.push_back({"names of 1,250 machines", {}, {}, 0, [](DBusConnection *, const std::string &) {
                        announceMany();
                    }});
-    all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
-    return all;
-}
     all.push_back({"announcements of 8 KiB", {}, {}, 0, [](DBusConnection *, const std::string &) {
                        for (int i = 0; i < 100; ++i)
                            announce(hostileUdn, "10.77.0.1", 9, times(1'900, "a:\r\n"));
                        usleep(5'000);
                    }});
+    all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
+    return all;
+}

@@ -99,8 +99,6 @@ inline constexpr unsigned interimAnswers = 8;
 /// Bytes of all answers that are being received; where they are more, the longest ends of the host
 /// whose answers have most.
 inline constexpr size_t bodiesBytes = size_t{24} << 20;
-/// Long answers that are received at a time; the bytes with which one keeps its place for so many
-/// milliseconds more, or others have their turn: slow ones are not to hold up all.
 /// Pieces in which an answer with so many bytes may come; each takes as long as a kilobyte.
 inline constexpr size_t pieces(size_t bytes)
 {
@@ -108,6 +106,8 @@ inline constexpr size_t pieces(size_t bytes)
     constexpr size_t bytesOfPiece = 64;
     return fixed + bytes / bytesOfPiece;
 }
+/// Long answers that are received at a time; the bytes with which one keeps its place for so many
+/// milliseconds more, or others have their turn: slow ones are not to hold up all.
 inline constexpr unsigned longAnswersAtOnce = 4;
 inline constexpr unsigned seatMs = 20;
 inline constexpr size_t seatBytes = size_t{256} << 10;
@@ -115,6 +115,9 @@ inline constexpr size_t seatBytes = size_t{256} << 10;
 inline constexpr size_t backlogBytes = size_t{16} << 20;
 /// Bytes of a device description; real ones have 2 to 10 KiB.
 inline constexpr size_t descriptionBytes = size_t{1} << 20;
+/// Bytes of a text or URL of it, which are kept as long as the server is; real ones have less than
+/// a tenth.
+inline constexpr size_t deviceTextBytes = 1024;
 /// Bytes of an answer that holds no objects, such as what a server can search.
 inline constexpr size_t capabilityBytes = size_t{64} << 10;
 /// Bytes of an answer with so many objects. A track takes 1 to 4 KiB.
@@ -151,7 +154,8 @@ inline constexpr size_t tags(size_t objects)
 }
 /// Attributes of a document, for each of these tags; every equals sign counts, those in URLs, too.
 inline constexpr size_t attributesOfTag = 2;
-/// Resources of one object, and artists, and classes that may be created in it.
+/// Resources of one object, and artists, and classes that may be created in it, and DLNA abilities
+/// of a device.
 inline constexpr size_t repeated = 64;
 /// Objects of one listing that are left out since they are malformed themselves.
 inline constexpr uint32_t lostObjects = 20;

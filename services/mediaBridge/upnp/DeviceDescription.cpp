@@ -19,7 +19,7 @@ constexpr size_t longestName = 100;
 
 std::string childText(pugi::xml_node parent, std::string_view name)
 {
-    return shortened(elementText(childElement(parent, name)), limits::textBytes);
+    return shortened(elementText(childElement(parent, name)), limits::deviceTextBytes);
 }
 
 void readTexts(DeviceDescription &description, pugi::xml_node device)
@@ -114,7 +114,7 @@ void readContentDirectory(DeviceDescription &description, pugi::xml_node device)
 
 void readDlnaCaps(DeviceDescription &description, pugi::xml_node device)
 {
-    for (std::string &name : splitList(childText(device, "X_DLNACAP"))) {
+    for (std::string &name : splitList(childText(device, "X_DLNACAP"), limits::repeated)) {
         // "content-synchronization" is a flag, "srs-rt-retention-period-3600" a name and a figure.
         const size_t digits = name.find_last_not_of("0123456789");
         uint32_t value = 0;
