@@ -93,9 +93,8 @@ void QueueWalk::takeNode(const OrkaRoles &node)
 
 bool QueueWalk::isAtLimit() const
 {
-    return m_items.size() >= mostItems || m_folders.size() >= mostFolders
-        || m_rows.size() >= mostRows || m_characters >= mostCharacters
-        || m_clock.elapsed() > longest;
+    return m_items.size() >= mostItems || m_folders.size() >= mostFolders || m_rows >= mostRows
+        || m_characters >= mostCharacters || m_clock.elapsed() > longest;
 }
 
 void QueueWalk::step()
@@ -119,7 +118,10 @@ void QueueWalk::step()
             if (work.first == 0 && work.page == pageSize && m_folders.contains(path))
                 continue;
             m_folders.insert(path);
-            readFolder(work);
+            Work folder = work;
+            if (!folder.seen)
+                folder.seen = std::make_shared<QSet<QString>>();
+            readFolder(folder);
             return;
         }
     }
@@ -187,33 +189,34 @@ void QueueWalk::take(Work folder, const OrkaRowsRoles &answer)
     const auto page = std::make_shared<KnownFiles::Page>(
         KnownFiles::Page{folder.row.path(), folder.first, rows.size()});
     std::deque<Work> taken;
-    const int before = m_rows.size();
+    QSet<QString> paths;
+    int fresh = 0; // rows that come again, on another page, stand in the place of others
     for (const OrkaRoles &row : rows) {
-        m_rows.insert(row.path().toEncoded());
+        const QString path = row.path().toEncoded();
+        fresh += folder.seen->contains(path) ? 0 : 1;
+        paths.insert(path);
         taken.push_back({row, 0, pageSize, 0, page});
     }
-    // Rows that come again stand in the place of others.
-    const int again = folder.first > 0 ? before + rows.size() - m_rows.size() : 0;
+    folder.seen->unite(paths);
+    m_rows += rows.size();
     folder.first += rows.size();
-    folder.lacking += answer.rowsCount() >= folder.first ? again : 0;
-    const bool isFull = rows.size() >= folder.page && again < rows.size();
-    if (!rows.isEmpty() && mayFollow(answer.rowsCount(), folder.first, isFull)) {
+    folder.came += fresh;
+    const bool isFull = rows.size() >= folder.page && fresh > 0;
+    if (!rows.isEmpty() && mayFollow(answer.rowsCount(), folder.first, isFull))
         taken.push_back(folder);
-    } else {
-        folder.lacking += std::max(0, answer.rowsCount() - folder.first);
-        tellLacking(folder);
-    }
+    else
+        tellLacking(folder.row, answer.rowsCount() - folder.came);
     m_work.insert(m_work.begin(), taken.begin(), taken.end());
 }
 
-void QueueWalk::tellLacking(const Work &folder)
+void QueueWalk::tellLacking(const OrkaRoles &folder, int lacking)
 {
-    if (folder.lacking == 0)
+    if (lacking <= 0)
         return;
-    const QString title = folder.row.title().toString();
-    addProblem(Text::tr(
-        "The media server counts %Ln more rows in %1 than it gives.", nullptr, folder.lacking)
-                   .arg(title.isEmpty() ? QStringLiteral("this folder") : quoted(title)));
+    const QString title = folder.title().toString();
+    addProblem(
+        Text::tr("The media server counts %Ln more rows in %1 than it gives.", nullptr, lacking)
+            .arg(title.isEmpty() ? QStringLiteral("this folder") : quoted(title)));
 }
 
 void QueueWalk::addProblem(const QString &sentence)

@@ -37,10 +37,12 @@ private:
         int first = 0;
         /// How many of them are asked for at once.
         int page = pageSize;
-        /// How many haven't come so far, though they are counted.
-        int lacking = 0;
+        /// How many have come, those that came again left out.
+        int came = 0;
         /// Those that a row was read with; null for one that was named.
         KnownFiles::PagePointer rows = {};
+        /// Of a folder, the paths of its rows on the pages before.
+        std::shared_ptr<QSet<QString>> seen = {};
     };
 
     void step();
@@ -52,7 +54,7 @@ private:
     void askServer(const CMPath &path, const CMError &silence);
     void fail(const CMError &error);
     void take(Work folder, const OrkaRowsRoles &answer);
-    void tellLacking(const Work &folder);
+    void tellLacking(const OrkaRoles &folder, int lacking);
     bool add(const Work &track);
     void askSizes(const Work &track, const KnownFiles::PagePointer &page);
     void tellWithoutAddress();
@@ -71,8 +73,8 @@ private:
     /// Titles of tracks that nobody can play.
     QStringList m_withoutAddress;
     QSet<QString> m_folders;
-    /// Of every row, by path.
-    QSet<QString> m_rows;
+    /// How many have come.
+    int m_rows = 0;
     QStringList m_problems;
     /// Why the last folder that failed gave no rows.
     CMError m_error;
