@@ -205,6 +205,7 @@ addEventListener('keydown', (event) => {
 });
 for (const name of ['servers', 'service', 'connection']) {
   live.addEventListener(name, () => {
+    if (name === 'servers') document.querySelector('.token')?.remove(); // who is told of them needs none
     drawStanding();
     view.update();
     drawTrail();
