@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::chrono::seconds betweenTries(2);
+constexpr std::chrono::milliseconds busEnd(100);
 
 CMError errorOf(const QString &name, const QString &sentence)
 {
@@ -77,13 +78,17 @@ void LiveChain::begin()
 void LiveChain::lose()
 {
     m_isLost = true;
-    m_trouble = orkaDBusConnection().isConnected()
-        ? QStringLiteral("The media service has left the bus: it crashed or was stopped. It is "
-                         "being started again.")
-        : QStringLiteral("The bus of the media service has ended: it crashed or was stopped. "
-                         "Another is being looked for.");
-    emit changed();
-    m_again.start(0); // not from inside the session that is to go
+    m_trouble = QStringLiteral("The media service has left the bus: it crashed or was stopped. It "
+                               "is being started again.");
+    // A bus that ends tells first that its clients leave.
+    QTimer::singleShot(busEnd, this, [this] {
+        if (!orkaDBusConnection().isConnected()) {
+            m_trouble = QStringLiteral("The bus of the media service has ended: it crashed or was "
+                                       "stopped. Another is being looked for.");
+        }
+        emit changed();
+        m_again.start(0); // not from inside the session that is to go
+    });
 }
 
 void LiveChain::tryAgain()
