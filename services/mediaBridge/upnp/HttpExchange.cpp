@@ -118,7 +118,8 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
         return;
     }
     if (error) {
-        self->fail(error);
+        // Hundreds of connections may break at one time.
+        later([self, error] { self->fail(error); });
         return;
     }
     self->m_host = hostOf(self->m_request.url);
@@ -148,7 +149,7 @@ void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
     GError *error = nullptr;
     GBytes *bytes = g_input_stream_read_bytes_finish(self->m_stream.get(), result, &error);
     if (error) {
-        self->fail(error);
+        later([self, error] { self->fail(error); });
         return;
     }
     gsize size = 0;
@@ -240,7 +241,7 @@ void HttpExchange::stop(HttpOutcome outcome, std::string problem)
 
 void HttpExchange::fail(GError *error)
 {
-    const HttpOutcome outcome = outcomeOf(error);
+    const HttpOutcome outcome = isStopped() ? m_stopOutcome : outcomeOf(error);
     std::string problem = takeMessage(error);
     finish(outcome, isStopped() ? std::move(m_stopProblem) : std::move(problem));
 }

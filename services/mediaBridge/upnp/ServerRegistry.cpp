@@ -7,6 +7,7 @@
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
+#include <limits>
 #include <sys/resource.h>
 #include <tuple>
 
@@ -301,9 +302,15 @@ bool ServerRegistry::makeRoomFor(const std::string &host)
             return {2, count, tracker.isStranger() ? failuresToGiveWay : failures};
         return {isHostFull || failures == 0 ? 0 : 1, failures, 0};
     };
-    const auto leaving = std::max_element(m_trackers.begin(), m_trackers.end(),
-        [&](const auto &a, const auto &b) { return rank(*a.second) < rank(*b.second); });
-    if (leaving == m_trackers.end() || std::get<0>(rank(*leaving->second)) == 0)
+    auto leaving = m_trackers.end();
+    std::tuple<int, size_t, unsigned> best{0, std::numeric_limits<size_t>::max(), 0};
+    for (auto it = m_trackers.begin(); it != m_trackers.end(); ++it) {
+        if (const auto its = rank(*it->second); its > best) {
+            best = its;
+            leaving = it;
+        }
+    }
+    if (leaving == m_trackers.end())
         return false;
     const auto tracker = std::move(leaving->second);
     m_trackers.erase(leaving);
