@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdio>
 #include <glib.h>
+#include <poll.h>
+#include <unistd.h>
 
 namespace bridge {
 
@@ -36,6 +38,13 @@ std::string plainLine(std::string_view text)
     }
     g_free(valid);
     return text.size() > longestLine ? line + "…" : line;
+}
+
+/// Whether a line can be written without waiting for whoever reads the log.
+bool hasRoom()
+{
+    pollfd log{STDERR_FILENO, POLLOUT, 0};
+    return poll(&log, 1, 0) != 0;
 }
 
 /// Warnings of the libraries are shown, some a minute.
@@ -80,7 +89,7 @@ bool isLogged(LogLevel level)
 void logLine(LogLevel level, const std::string &text)
 {
     static constexpr const char *names[] = {"warning", "info", "debug"};
-    if (!isLogged(level))
+    if (!isLogged(level) || !hasRoom())
         return;
     const std::string line = std::string("orka-media-bridge: ") + names[static_cast<int>(level)]
         + ": " + plainLine(text) + "\n";
