@@ -5,6 +5,7 @@
 #include "core/Background.h"
 #include "core/Limits.h"
 
+#include <csignal>
 #include <cstdio>
 #include <glib-unix.h>
 #include <malloc.h>
@@ -93,6 +94,9 @@ int serve(const Options &options, GMainLoop *loop)
         warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
         logInfo("serving " + std::string(mediaService::busName));
+        // Before, the signals end the program at once: it may wait for a bus that stands still.
+        g_unix_signal_add(SIGTERM, quit, loop);
+        g_unix_signal_add(SIGINT, quit, loop);
         g_main_loop_run(loop);
         bus.onCall = [](const BusCallPtr &) {
         };
@@ -124,11 +128,11 @@ int run(int argc, char **argv)
     }
     setLogLevel(options.logLevel);
     captureLibraryLog();
+    // Whoever reads the log may end.
+    std::signal(SIGPIPE, SIG_IGN);
     watchLoop();
     keepHeapSmall();
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
-    g_unix_signal_add(SIGTERM, quit, loop);
-    g_unix_signal_add(SIGINT, quit, loop);
     const int status = serve(options, loop);
     g_main_loop_unref(loop);
     return status;

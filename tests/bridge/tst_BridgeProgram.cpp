@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QTest>
 
+#include <csignal>
+
 namespace {
 
 struct Ended
@@ -84,11 +86,18 @@ void tst_BridgeProgram::replacesWhenAskedTo()
 
 void tst_BridgeProgram::endsWithTheBus()
 {
-    ChildProcess program;
+    ChildProcess program, early;
     {
         BridgeFixture bus(BridgeFixture::Activated);
         program.start(BRIDGE_PROGRAM, {"--bus", bus.address()});
         QTRY_VERIFY(bus.bus().interface()->isServiceRegistered(names::service));
+        kill(pid_t(bus.busPid()), SIGSTOP);
+        early.start(BRIDGE_PROGRAM, {"--bus", bus.address()});
+        QTest::qWait(200);
+        early.terminate();
+        const bool hasEnded = early.waitForFinished(1000);
+        kill(pid_t(bus.busPid()), SIGCONT);
+        QVERIFY(hasEnded);
     }
     QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(5000));
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
