@@ -12,7 +12,8 @@
 namespace {
 
 constexpr int widestColumn = 40;
-constexpr int narrowestColumn = 12;
+constexpr int narrowColumn = 12;
+constexpr int narrowestColumn = 4; // where the terminal has no room for that
 constexpr int longestCell = 300;
 constexpr int enoughLines = 50;
 
@@ -114,10 +115,12 @@ void Table::measure()
     int tooWide =
         std::accumulate(m_widths.begin(), m_widths.end(), 2 * m_widths.size()) - m_columns;
     m_spare = qMax(0, -tooWide);
-    for (const int column : qAsConst(m_leastUseful)) {
-        const int less = qBound(0, tooWide, qMax(0, m_widths[column] - narrowestColumn));
-        m_widths[column] -= less;
-        tooWide -= less;
+    for (const int narrow : {narrowColumn, narrowestColumn}) {
+        for (const int column : qAsConst(m_leastUseful)) {
+            const int less = qBound(0, tooWide, qMax(0, m_widths[column] - narrow));
+            m_widths[column] -= less;
+            tooWide -= less;
+        }
     }
 }
 
