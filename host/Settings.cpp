@@ -8,9 +8,15 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
+#include <sstream>
+
 namespace {
 
 const std::string noFile = "/dev/null";
+constexpr std::size_t longestFile = 1'000'000; // bytes
+/// A list whose bracket isn't closed takes in all that follows, and so this entry, too.
+const std::string lastEntry = "\x01";
 
 QString usersFile()
 {
@@ -29,6 +35,16 @@ std::string variableOf(std::string name)
 bool takesSeveral(const CLI::Option &option)
 {
     return option.get_items_expected_max() > 1;
+}
+
+/// What the file holds, one byte more than `longestFile` at most, without an editor's byte order
+/// mark.
+std::string textOf(std::istream &file)
+{
+    std::string text(longestFile + 1, '\0');
+    file.read(text.data(), std::streamsize(text.size()));
+    text.resize(std::size_t(file.gcount()));
+    return text.compare(0, 3, "\xef\xbb\xbf") == 0 ? text.substr(3) : text;
 }
 
 /// One text, or the words of it for an option that takes several.
@@ -76,12 +92,14 @@ void Settings::addEnvironment(std::vector<CLI::ConfigItem> &entries) const
     for (const CLI::Option *option : app.get_options()) {
         if (option->get_lnames().empty() || !option->get_configurable())
             continue;
-        const std::string name = option->get_lnames().front();
-        const std::string variable = variableOf(name);
-        const QByteArray text = qgetenv(variable.c_str());
-        const CLI::ConfigItem item{{}, name, valuesOf(*option, text.toStdString())};
-        if (!text.isEmpty() && take(item, QString::fromStdString(variable)))
-            entries.push_back(item);
+        for (const std::string &name : option->get_lnames()) {
+            const std::string variable = variableOf(name);
+            const QByteArray text = qgetenv(variable.c_str());
+            const CLI::ConfigItem item{
+                {}, option->get_lnames().front(), valuesOf(*option, text.toStdString())};
+            if (!text.isEmpty() && take(item, QString::fromStdString(variable)))
+                entries.push_back(item);
+        }
     }
 }
 
@@ -95,10 +113,36 @@ QString Settings::problemOf(const CLI::ConfigItem &item) const
             "The entry %1 in %2 is no global option; \"orka --help\" lists them, and they stand "
             "there without --.");
     }
+    if (item.inputs.empty())
+        return Text::tr("The entry %1 in %2 has no value.");
     if (item.inputs.size() > 1 && !takesSeveral(*option))
         return Text::tr(
             "The entry %1 in %2 has several values; put a text with spaces into double quotes.");
     return {};
+}
+
+/// What stands in the file; where that can't be told, nothing, and there is a problem.
+std::vector<CLI::ConfigItem> Settings::entriesOf(std::istream &file, const QString &fileName) const
+{
+    const std::string text = textOf(file);
+    if (text.size() > longestFile) {
+        m_problem = Text::tr("The configuration file %1 takes more than 1 MB, which is more than "
+                             "is read. Shorten it.")
+                        .arg(quoted(fileName));
+        return {};
+    }
+    std::istringstream lines(text + '\n' + lastEntry + " = 1\n");
+    std::vector<CLI::ConfigItem> entries = CLI::ConfigBase::from_config(lines);
+    const auto last = std::find_if(entries.begin(), entries.end(),
+        [](const CLI::ConfigItem &item) { return item.name == lastEntry; });
+    if (last == entries.end()) {
+        m_problem =
+            Text::tr("A list in the configuration file %1 has no end. Close it with a bracket.")
+                .arg(quoted(fileName));
+        return {};
+    }
+    entries.erase(last);
+    return entries;
 }
 
 std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
@@ -108,7 +152,7 @@ std::vector<CLI::ConfigItem> Settings::from_config(std::istream &file) const
     fileOption->default_str(""); // help would show it
     std::vector<CLI::ConfigItem> entries;
     addEnvironment(entries);
-    for (CLI::ConfigItem &item : CLI::ConfigBase::from_config(file)) {
+    for (CLI::ConfigItem &item : entriesOf(file, fileName)) {
         if (item.name == "++" || item.name == "--")
             continue; // where a section begins and ends
         const QString problem = problemOf(item);

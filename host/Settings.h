@@ -36,6 +36,7 @@ private:
     };
 
     explicit Settings(CLI::App &app);
+    std::vector<CLI::ConfigItem> entriesOf(std::istream &file, const QString &fileName) const;
     void addEnvironment(std::vector<CLI::ConfigItem> &entries) const;
     /// Whether the option was left open until now.
     bool take(const CLI::ConfigItem &item, const QString &place) const;

@@ -78,8 +78,8 @@ int reportParsing(CLI::App &app, const Settings &settings, const CLI::ParseError
         tell(Text::tr("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
         tell(Text::tr("%1\nRun with --help for more information.")
-                 .arg(translatedSentence(QString::fromStdString(error.what())))
-            + settings.originOf(mistake.str()));
+                 .arg(translatedSentence(QString::fromStdString(error.what()))
+                     + settings.originOf(mistake.str())));
     }
     return WrongUsage;
 }

@@ -1903,5 +1903,17 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>%1 is listed, but can&apos;t be read: %2.</source>
         <translation>%1 ist aufgeführt, lässt sich aber nicht lesen: %2.</translation>
     </message>
+    <message>
+        <source>The entry %1 in %2 has no value.</source>
+        <translation>Der Eintrag %1 in %2 hat keinen Wert.</translation>
+    </message>
+    <message>
+        <source>The configuration file %1 takes more than 1 MB, which is more than is read. Shorten it.</source>
+        <translation>Die Konfigurationsdatei %1 umfasst mehr als 1 MB, und so viel wird nicht gelesen. Kürzen Sie sie.</translation>
+    </message>
+    <message>
+        <source>A list in the configuration file %1 has no end. Close it with a bracket.</source>
+        <translation>Eine Liste in der Konfigurationsdatei %1 hat kein Ende. Schließen Sie sie mit einer Klammer.</translation>
+    </message>
 </context>
 </TS>

@@ -55,6 +55,7 @@ refused 2 --artist search Shelf --artist a --title b
 refused 2 JSON set upnp:/shelf "{"
 refused 2 contradict queue Shelf --json --format xspf
 refused 2 /nonexistent servers --log-config /nonexistent
+refused 2 "1 MB" --config /dev/zero servers
 refused 3 'mean "Shelf"' --wait 0.5 ls Shelv
 refused 3 'no media server "\[Shelf\]"' --wait 0.5 queue "[Shelf]"
 refused 3 'mean "Big"' ls Shelf/Bigg
@@ -147,11 +148,11 @@ check "a value behind others" "<A=1><orka><--wait=5><ls><--kind=folder,track>" "
 mkdir -p "$WORLD_DIR/config/orka"
 script configured "printf '%s\n' \"\$1\" >'$WORLD_DIR/config/orka/orka.conf'
 XDG_CONFIG_HOME='$WORLD_DIR/config' ORKA_WAIT=0.2 ORKA_TIMEOUT=3 orka --timeout 1 doctor"
-told=$(configured $'# mine\nwait = 9\nservice-id = "a b"' 2>&1 || true)
+told=$(configured $'\xef\xbb\xbf# mine\nwait = 9\nservice-id = "a b"' 2>&1 || true)
 for part in "wait 0.2 (ORKA_WAIT)" "timeout (command line)" "service-id a b ($WORLD_DIR/config/orka/orka.conf)"; do
     check "doctor tells of $part" "$part" "$(grep -oF "$part" <<<"$told" || echo "$told")"
 done
-for wrong in 'prefix = "/"' 'wiat = 9' $'[ls]\nrows = 1'; do
+for wrong in 'prefix = "/"' 'wiat = 9' $'[ls]\nrows = 1' 'server = []' 'server = [a, b'; do
     check_fails "orka.conf: $wrong" 2 "orka.conf" configured "$wrong"
 done
 rm "$WORLD_DIR/config/orka/orka.conf"
