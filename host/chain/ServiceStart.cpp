@@ -1,6 +1,7 @@
 #include "chain/ServiceStart.h"
 
 #include "Failure.h"
+#include "KnownSentences.h"
 #include "Text.h"
 #include "chain/Bus.h"
 #include "chain/ServiceStarter.h"
@@ -73,7 +74,8 @@ bool ServiceStart::opensNamedBus()
     throw missing(QStringLiteral("noBus"),
         Text::tr("There is no media service, since %1 can't be reached: %2. Start the bus, "
                  "or name another with --bus.")
-            .arg(m_busDescription, safeText(orkaDBusConnection().lastError().message())));
+            .arg(m_busDescription,
+                translatedSentence(safeText(orkaDBusConnection().lastError().message()))));
 }
 
 /// False where the bridge has to do it; throws where it mustn't.

@@ -1,6 +1,7 @@
 #include "output/JsonOutput.h"
 
 #include "Failure.h"
+#include "KnownSentences.h"
 #include "Text.h"
 #include "output/Output.h"
 
@@ -125,7 +126,8 @@ QVariant valueFromJson(const QString &text)
     if (document.isNull() || document.array().size() != 1) {
         const QString why = document.isNull()
             ? Text::tr("%1 at character %2")
-                  .arg(error.errorString(), Text::number(qMin(error.offset, text.size())))
+                  .arg(translatedSentence(error.errorString()),
+                      Text::number(qMin(error.offset, text.size())))
             : Text::tr("it holds %Ln values", nullptr, document.array().size());
         throw wrongUsage(Text::tr("The value is not one JSON value: %1. Write an object, a "
                                   "list or a string, like '{\"string_\":\"abba\"}'.")

@@ -164,7 +164,7 @@ durch / (&quot;Mein NAS/Musik/Alben&quot;)</translation>
     </message>
     <message>
         <source>is one of %1</source>
-        <translation>ist eines von %1</translation>
+        <translation>möglich ist: %1</translation>
     </message>
     <message>
         <source>ok</source>
@@ -384,15 +384,15 @@ stellt: höchstens die ersten 100 Titel eines Ordners</translation>
     </message>
     <message>
         <source>Plays tracks, folders and servers</source>
-        <translation>Spielt Titel, Ordner und Server ab</translation>
+        <translation>Spielt Titel, Ordner und ganze Server ab</translation>
     </message>
     <message>
         <source>The player (mpv), with its own options; it is given an
 M3U8 file as last argument, and its exit status becomes
 ours</source>
         <translation>Das Abspielprogramm (mpv) mit seinen eigenen Optionen; es
-erhält als letztes Argument eine M3U8-Datei, und sein
-Rückgabewert wird der unsere</translation>
+erhält als letztes Argument eine M3U8-Datei, und orka
+endet mit seinem Rückgabewert</translation>
     </message>
     <message>
         <source>There is nothing to play there. &quot;orka ls&quot; shows what is.</source>
@@ -408,7 +408,7 @@ Rückgabewert wird der unsere</translation>
     </message>
     <message>
         <source>One rows request as it is</source>
-        <translation>Eine Zeilenanfrage (rows), wie sie ist</translation>
+        <translation>Eine einzelne Zeilenanfrage (rows), unverändert</translation>
     </message>
     <message>
         <source>First row, counted from 0 (0)</source>
@@ -424,11 +424,11 @@ Rückgabewert wird der unsere</translation>
     </message>
     <message>
         <source>One data request as it is</source>
-        <translation>Eine Datenanfrage (data), wie sie ist</translation>
+        <translation>Eine einzelne Datenanfrage (data), unverändert</translation>
     </message>
     <message>
         <source>One set-data request as it is</source>
-        <translation>Eine Setzanfrage (set-data), wie sie ist</translation>
+        <translation>Eine einzelne Setzanfrage (set-data), unverändert</translation>
     </message>
     <message>
         <source>The value: an object becomes a hash, an array a list</source>
@@ -642,11 +642,11 @@ Gehen und Wiederkommen des Mediendienstes wird gemeldet:
     </message>
     <message>
         <source>is made of letters, digits, &quot;.&quot;, &quot;_&quot; and &quot;-&quot;</source>
-        <translation>besteht aus Buchstaben, Ziffern, &quot;.&quot;, &quot;_&quot; und &quot;-&quot;</translation>
+        <translation>erlaubt sind Buchstaben, Ziffern, &quot;.&quot;, &quot;_&quot; und &quot;-&quot;</translation>
     </message>
     <message>
         <source>is a number of seconds from 0 to 86400</source>
-        <translation>ist eine Zahl von Sekunden zwischen 0 und 86400</translation>
+        <translation>verlangt ist eine Anzahl von Sekunden zwischen 0 und 86400</translation>
     </message>
     <message>
         <source>The worker&apos;s library; this installation&apos;s where none is
@@ -720,7 +720,7 @@ geschieht, -vv Einzelheiten, -vvv alles</translation>
     </message>
     <message>
         <source>Browses, searches and plays UPnP media servers through a media device&apos;s worker.</source>
-        <translation>Blättert und sucht in UPnP-Medienservern und spielt sie ab, über den Worker eines Mediengeräts.</translation>
+        <translation>Findet und spielt, was auf UPnP-Medienservern liegt, über den Worker eines Mediengeräts.</translation>
     </message>
     <message>
         <source>Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media service, no such
@@ -729,7 +729,7 @@ place or no plug-in; 4 no answer in time; 130 interrupted. &quot;orka COMMAND --
 Example:
   orka ls &quot;My NAS/Music/Albums&quot;</source>
         <translation>Rückgabewert: 0 beantwortet; 1 mit einem Fehler beantwortet; 2 falscher Aufruf; 3 kein
-Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine Antwort in der Zeit; 130 abgebrochen.
+Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine rechtzeitige Antwort; 130 abgebrochen.
 &quot;orka COMMAND --help&quot; sagt mehr.
 
 Beispiel:
@@ -1372,7 +1372,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>Nothing can be asked: %1 takes the connection but doesn&apos;t answer. End it (&quot;orka stop&quot; ends a private bus of ours), or name another with --bus.</source>
-        <translation>Es lässt sich nichts fragen: Der Bus nimmt die Verbindung an, antwortet aber nicht (%1). Beenden Sie ihn (&quot;orka stop&quot; beendet einen eigenen privaten Bus) oder nennen Sie mit --bus einen anderen.</translation>
+        <translation>Es lässt sich nichts erfragen: Der Bus nimmt die Verbindung an, antwortet aber nicht (%1). Beenden Sie ihn (&quot;orka stop&quot; beendet einen eigenen privaten Bus) oder nennen Sie mit --bus einen anderen.</translation>
     </message>
     <message>
         <source>The certificate for HTTPS can&apos;t be had: %1. Name one with --cert FILE and --key FILE.</source>
@@ -1416,11 +1416,11 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>no more than %1 are looked at, and so many are kept already. Take one away with &quot;orka servers --forget ADDRESS&quot;</source>
-        <translation>mehr als %1 werden nicht angesehen, und so viele sind schon gemerkt. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus</translation>
+        <translation>mehr als %1 werden nicht angesehen, und so viele sind schon gemerkt. Mit &quot;orka servers --forget ADDRESS&quot; nehmen Sie eine heraus</translation>
     </message>
     <message>
         <source>No more than %1 addresses are looked at; these are left out: %2. &quot;orka servers --forget ADDRESS&quot; takes one away.</source>
-        <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus.</translation>
+        <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADDRESS&quot; nehmen Sie eine heraus.</translation>
     </message>
     <message>
         <source>The addresses in %1 can&apos;t be written: %2.</source>
@@ -1725,7 +1725,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>the media server &quot;%1&quot; did not answer within %2 seconds. It may be busy or hanging; try again, or restart it</source>
-        <translation>der Medienserver &quot;%1&quot; antwortete nicht binnen %2 Sekunden. Vielleicht ist er beschäftigt oder hängt; versuchen Sie es noch einmal, oder starten Sie ihn neu</translation>
+        <translation>der Medienserver &quot;%1&quot; antwortete nicht innerhalb von %2 Sekunden. Vielleicht ist er beschäftigt oder hängt; versuchen Sie es noch einmal oder starten Sie ihn neu</translation>
     </message>
     <message>
         <source>Could not connect to the media server &quot;%1&quot;: %2</source>
@@ -1761,7 +1761,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>The list that &quot;%1&quot; sent can&apos;t be read</source>
-        <translation>Die Liste, die &quot;%1&quot; gesandt hat, ist nicht lesbar</translation>
+        <translation>Die Liste, die &quot;%1&quot; geschickt hat, ist nicht lesbar</translation>
     </message>
     <message>
         <source>The list was not complete after 20 seconds (%1 objects so far). Ask for fewer objects at a time</source>
@@ -1817,11 +1817,11 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>The bus doesn&apos;t give the name %1: %2</source>
-        <translation>Der Bus gibt den Namen %1 nicht her: %2</translation>
+        <translation>Der Bus vergibt den Namen %1 nicht: %2</translation>
     </message>
     <message>
         <source>Another media service is running: %1 is taken on this bus. Use that one, or stop it first</source>
-        <translation>Ein anderer Mediendienst läuft: %1 ist auf diesem Bus vergeben. Nutzen Sie jenen, oder beenden Sie ihn erst</translation>
+        <translation>Ein anderer Mediendienst läuft: %1 ist auf diesem Bus vergeben. Nutzen Sie diesen oder beenden Sie ihn zuerst</translation>
     </message>
     <message>
         <source>The bus has gone away</source>
@@ -1889,7 +1889,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>%1 can&apos;t be read: its XML is cut off or broken</source>
-        <translation>%1 ist nicht lesbar: Das XML ist abgeschnitten oder kaputt</translation>
+        <translation>%1 ist nicht lesbar: Das XML ist abgeschnitten oder beschädigt</translation>
     </message>
     <message>
         <source>%1 (UPnP error %2)</source>
@@ -1904,6 +1904,54 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>%1 ist aufgeführt, lässt sich aber nicht lesen: %2.</translation>
     </message>
     <message>
+        <source>Failed to connect to socket %1: %2</source>
+        <translation>keine Verbindung zum Socket %1: %2</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Ordner nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>%1 was not readable (missing?)</source>
+        <translation>%1 ist nicht lesbar (nicht vorhanden?)</translation>
+    </message>
+    <message>
+        <source>unterminated object</source>
+        <translation>nicht abgeschlossenes Objekt</translation>
+    </message>
+    <message>
+        <source>unterminated array</source>
+        <translation>nicht abgeschlossenes Array</translation>
+    </message>
+    <message>
+        <source>unterminated string</source>
+        <translation>nicht abgeschlossene Zeichenkette</translation>
+    </message>
+    <message>
+        <source>missing name separator</source>
+        <translation>Doppelpunkt fehlt</translation>
+    </message>
+    <message>
+        <source>missing value separator</source>
+        <translation>Komma fehlt</translation>
+    </message>
+    <message>
+        <source>illegal value</source>
+        <translation>ungültiger Wert</translation>
+    </message>
+    <message>
+        <source>illegal number</source>
+        <translation>ungültige Zahl</translation>
+    </message>
+    <message>
+        <source>object is missing after a comma</source>
+        <translation>nach einem Komma fehlt etwas</translation>
+    </message>
+    <message>
+        <source>garbage at the end of the document</source>
+        <translation>überzählige Zeichen am Ende</translation>
+    </message>
+    <message>
         <source>The entry %1 in %2 has no value.</source>
         <translation>Der Eintrag %1 in %2 hat keinen Wert.</translation>
     </message>
@@ -1914,6 +1962,10 @@ Mit --help gibt es mehr Informationen.</translation>
     <message>
         <source>A list in the configuration file %1 has no end. Close it with a bracket.</source>
         <translation>Eine Liste in der Konfigurationsdatei %1 hat kein Ende. Schließen Sie sie mit einer Klammer.</translation>
+    </message>
+    <message>
+        <source>it comes in too many small pieces</source>
+        <translation>sie kommt in zu vielen kleinen Stücken</translation>
     </message>
 </context>
 </TS>
