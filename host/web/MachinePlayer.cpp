@@ -172,6 +172,8 @@ void MachinePlayer::load(int position)
     m_position = position;
     publish();
     const int question = ++m_questions;
+    m_isAsking = true;
+    m_mpv->send({"stop"}); // else the track before might end meanwhile, as if it were this one
     const auto answer = [this, question](const QString &url) {
         if (question == m_questions)
             loadFile(url);
@@ -197,6 +199,7 @@ void MachinePlayer::load(int position)
 void MachinePlayer::loadFile(const QString &url)
 {
     ++m_questions; // has been answered
+    m_isAsking = false;
     if (url.isEmpty())
         fileEnded(QStringLiteral("error"));
     else if (m_mpv)
@@ -207,6 +210,7 @@ void MachinePlayer::stop()
 {
     m_mpv->send({"stop"});
     ++m_questions;
+    m_isAsking = false;
     m_items.clear();
     m_position = -1;
     m_isPaused = true;
@@ -228,6 +232,8 @@ void MachinePlayer::hear(const QJsonObject &event)
 {
     const QString kind = event.value(QStringLiteral("event")).toString();
     if (kind == QLatin1String("end-file")) {
+        if (m_isAsking)
+            return; // that of the track before
         fileEnded(event.value(QStringLiteral("reason")).toString());
         return;
     }

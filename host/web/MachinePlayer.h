@@ -44,6 +44,7 @@ private:
     int m_failures = 0;
     /// How many addresses were asked for: an answer about an earlier track comes too late.
     int m_questions = 0;
+    bool m_isAsking = false;
     double m_time = 0;
     double m_duration = 0;
     double m_volume = 100;
