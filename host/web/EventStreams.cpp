@@ -12,6 +12,7 @@ namespace {
 constexpr int mostUnsent = 32;
 constexpr unsigned mostStreams = 128;
 constexpr std::chrono::seconds pulse(15);
+const char stillHere[] = "event: pulse\ndata: {}\n\n";
 
 QByteArray eventText(const QByteArray &name, const OrkaHash &document)
 {
@@ -35,7 +36,7 @@ EventStreams::EventStreams(LiveChain &chain, HttpServer &server)
     connect(&m_soon, &QTimer::timeout, this, &EventStreams::readServers);
     // Finds clients that have left, keeps what lies between from closing quiet connections, and
     // tells clients that we are there.
-    connect(&m_pulse, &QTimer::timeout, this, [this] { sendAll("event: pulse\ndata: {}\n\n"); });
+    connect(&m_pulse, &QTimer::timeout, this, [this] { sendAll(stillHere); });
     m_pulse.start(pulse);
     publishService();
 }
@@ -50,6 +51,7 @@ void EventStreams::publish(const QByteArray &name, const OrkaHash &document)
 void EventStreams::open(const ExchangePointer &exchange)
 {
     if (m_streams.size() >= mostStreams) {
+        sendAll(stillHere); // of which clients that have left are found, for who tries again
         exchange->refuse(503, "tooMany",
             QStringLiteral("Too many pages are open at once. Close some and load this one again."));
         return;
