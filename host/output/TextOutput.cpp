@@ -13,7 +13,7 @@ namespace {
 
 constexpr int widestColumn = 40;
 constexpr int narrowColumn = 12;
-constexpr int narrowestColumn = 4; // where the terminal has no room for that
+constexpr int narrowestColumn = 8; // where the table then fits
 constexpr int longestCell = 300;
 constexpr int enoughLines = 50;
 
@@ -112,16 +112,23 @@ void Table::measure()
     }
     if (m_columns == 0)
         return;
-    int tooWide =
+    const int tooWide =
         std::accumulate(m_widths.begin(), m_widths.end(), 2 * m_widths.size()) - m_columns;
     m_spare = qMax(0, -tooWide);
-    for (const int narrow : {narrowColumn, narrowestColumn}) {
-        for (const int column : qAsConst(m_leastUseful)) {
-            const int less = qBound(0, tooWide, qMax(0, m_widths[column] - narrow));
-            m_widths[column] -= less;
-            tooWide -= less;
-        }
+    const int stillTooWide = narrow(tooWide, narrowColumn);
+    const QVector<int> legible = m_widths;
+    if (narrow(stillTooWide, narrowestColumn) > 0)
+        m_widths = legible;
+}
+
+int Table::narrow(int tooWide, int least)
+{
+    for (const int column : qAsConst(m_leastUseful)) {
+        const int less = qBound(0, tooWide, qMax(0, m_widths[column] - least));
+        m_widths[column] -= less;
+        tooWide -= less;
     }
+    return tooWide;
 }
 
 QString Table::textOf(const Line &line) const

@@ -34,6 +34,9 @@ private:
     };
 
     void measure();
+    /// Takes `tooWide` from the least useful columns, of which each keeps `least`; gives what is
+    /// still too much.
+    int narrow(int tooWide, int least);
     QString textOf(const Line &line) const;
 
     QVector<Line> m_lines;
