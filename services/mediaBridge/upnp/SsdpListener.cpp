@@ -3,6 +3,7 @@
 #include "Log.h"
 #include "core/Limits.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
@@ -14,6 +15,9 @@ namespace bridge {
 namespace {
 
 constexpr uint16_t ssdpPort = 1900;
+// How long one socket rests; where many hear the same, each rests longer.
+constexpr unsigned shortestRestMs = 2;
+unsigned openSockets = 0;
 // As many routers as UPnP wants its packets to cross.
 constexpr int hops = 4;
 
@@ -59,14 +63,17 @@ UdpSocket::~UdpSocket()
 {
     if (m_source != 0)
         g_source_remove(m_source);
-    if (m_fd >= 0)
-        close(m_fd);
+    if (m_fd < 0)
+        return;
+    close(m_fd);
+    --openSockets;
 }
 
 bool UdpSocket::open(int family)
 {
     m_family = family;
     m_fd = socket(family, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    openSockets += m_fd >= 0 ? 1 : 0;
     return m_fd >= 0;
 }
 
@@ -105,7 +112,6 @@ gboolean UdpSocket::readable(int, GIOCondition, gpointer self)
 /// turn for each.
 void UdpSocket::readSome()
 {
-    constexpr unsigned restMs = 2;
     for (int i = 0; i < limits::packetsAtOnce; ++i) {
         if (receive())
             continue;
@@ -115,7 +121,7 @@ void UdpSocket::readSome()
         }
         break;
     }
-    m_rest.start(restMs, [this] { listen(); });
+    m_rest.start(std::max(shortestRestMs, openSockets / 2), [this] { listen(); });
 }
 
 bool UdpSocket::receive() const
