@@ -38,10 +38,9 @@ constexpr const char *description =
     Text::mark("Browses, searches and plays UPnP media servers through a media device's worker.");
 
 constexpr const char *exitStatuses =
-    Text::mark("Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media "
-               "service, no such\n"
-               "place or no plug-in; 4 no answer in time; 130 interrupted. \"orka COMMAND --help\" "
-               "tells more.\n\n"
+    Text::mark("Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media\n"
+               "service, no such place or no plug-in; 4 no answer in time; 130 interrupted.\n"
+               "\"orka COMMAND --help\" tells more.\n\n"
                "Example:\n  orka ls \"My NAS/Music/Albums\"");
 
 /// What the parser can't place, "orka COMMAND" being what was understood.

@@ -720,16 +720,19 @@ geschieht, -vv Einzelheiten, -vvv alles</translation>
     </message>
     <message>
         <source>Browses, searches and plays UPnP media servers through a media device&apos;s worker.</source>
-        <translation>Findet und spielt, was auf UPnP-Medienservern liegt, über den Worker eines Mediengeräts.</translation>
+        <translation>Findet und spielt, was auf UPnP-Medienservern liegt, über den Worker eines
+Mediengeräts.</translation>
     </message>
     <message>
-        <source>Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media service, no such
-place or no plug-in; 4 no answer in time; 130 interrupted. &quot;orka COMMAND --help&quot; tells more.
+        <source>Exit status: 0 answered; 1 answered with an error; 2 wrong usage; 3 no media
+service, no such place or no plug-in; 4 no answer in time; 130 interrupted.
+&quot;orka COMMAND --help&quot; tells more.
 
 Example:
   orka ls &quot;My NAS/Music/Albums&quot;</source>
-        <translation>Rückgabewert: 0 beantwortet; 1 mit einem Fehler beantwortet; 2 falscher Aufruf; 3 kein
-Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine rechtzeitige Antwort; 130 abgebrochen.
+        <translation>Rückgabewert: 0 beantwortet; 1 mit einem Fehler beantwortet; 2 falscher Aufruf;
+3 kein Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine rechtzeitige
+Antwort; 130 abgebrochen.
 &quot;orka COMMAND --help&quot; sagt mehr.
 
 Beispiel:
