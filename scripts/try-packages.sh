@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages into a clean Debian, uses them as their people would, and removes them again.
-#   try-packages.sh FOLDER SUITE      FOLDER holds the packages, SUITE names the Debian (bookworm)
+#   try-packages.sh FOLDER SUITE      FOLDER holds the packages, SUITE names the Debian that they were built on (bookworm)
 # Needs root. The bare system is fetched once and kept beside FOLDER.
 set -euo pipefail
 
