@@ -9,6 +9,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <array>
 #include <sstream>
 
 namespace {
@@ -37,13 +38,16 @@ bool takesSeveral(const CLI::Option &option)
     return option.get_items_expected_max() > 1;
 }
 
-/// What the file holds, one byte more than `longestFile` at most, without an editor's byte order
+/// What the file holds, a little more than `longestFile` at most, without an editor's byte order
 /// mark.
 std::string textOf(std::istream &file)
 {
-    std::string text(longestFile + 1, '\0');
-    file.read(text.data(), std::streamsize(text.size()));
-    text.resize(std::size_t(file.gcount()));
+    std::string text;
+    std::array<char, 4096> piece;
+    while (text.size() <= longestFile && file) {
+        file.read(piece.data(), std::streamsize(piece.size()));
+        text.append(piece.data(), std::size_t(file.gcount()));
+    }
     return text.compare(0, 3, "\xef\xbb\xbf") == 0 ? text.substr(3) : text;
 }
 
