@@ -91,7 +91,7 @@ export class NodeRows extends EventTarget {
   /** Where the count says nothing, one row more than there are, until the last. @param {number} page @param {RowsAnswer} answer */
   #totalAfter(page, { rows, rowsCount }) {
     const next = page * pageSize + rows.length;
-    if (!rows.length) return rowsCount || Math.min(this.total, next);
+    if (!rows.length) return rowsCount || (this.total < 0 ? next : Math.min(this.total, next));
     if (!mayFollow(rowsCount, next, rows.length === pageSize)) return next;
     return rowsCount > next ? rowsCount : Math.max(this.total, next + 1);
   }

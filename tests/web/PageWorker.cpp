@@ -9,8 +9,8 @@ namespace {
 constexpr int bigCount = 100'000;
 
 /// Media servers: "Big", a sorted list of very many tracks with covers; "Uncounted", its first 150
-/// without a count; and "Hostile", whose titles and pictures mean harm. Pictures are at the address
-/// in ORKA_TEST_ART.
+/// without a count; "Empty"; and "Hostile", whose titles and pictures mean harm. Pictures are at the
+/// address in ORKA_TEST_ART.
 class PageWorker : public CMNodesWorker
 {
 public:
@@ -18,7 +18,7 @@ public:
         : CMNodesWorker(config, QStringLiteral("PageWorker"))
     {
         CMListRowsNode *root = CMListRowsNode::create(nodes(), addPrefix(QString()));
-        for (const char *name : {"Big", "Uncounted", "Hostile"}) {
+        for (const char *name : {"Big", "Uncounted", "Empty", "Hostile"}) {
             OrkaRoles server;
             server.setPath(path(QLatin1Char('/') + QLatin1String(name), "server"));
             server.setTitle(QString::fromLatin1(name));
@@ -106,7 +106,8 @@ private:
         const int step = sample.size() == 3 ? sample.at(2).toInt() : 1;
         const bool isHostile = server == QLatin1String("Hostile");
         const bool isCounted = server != QLatin1String("Uncounted");
-        const int count = isHostile ? 9 : isCounted ? bigCount : 150;
+        const QHash<QString, int> counts{{"Big", bigCount}, {"Uncounted", 150}, {"Hostile", 9}};
+        const int count = counts.value(server);
         QVariantList rows;
         for (qint64 i = request.firstRow(); i <= request.lastRow() && i * step < count; ++i) {
             const int position = int(i) * step;

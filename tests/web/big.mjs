@@ -91,6 +91,10 @@ const queued = await page.evaluate(async () => (await (await fetch('/api/queue?p
 check('its queue is whole', queued === 150, queued);
 
 await page.locator('#home').click();
+await page.getByText('Empty').click();
+await until('an empty place is said to be', () => page.getByText('This folder is empty.').isVisible(), 5000);
+
+await page.locator('#home').click();
 await page.getByText('Hostile').click();
 await until('markup in a title is text', () => page.getByText('<img src=x').isVisible());
 await page.waitForTimeout(1500);
