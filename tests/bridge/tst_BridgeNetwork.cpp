@@ -19,12 +19,13 @@ const QString strangersHost = "10.77.0.66";
 class Stranger
 {
 public:
-    explicit Stranger(const QString &host = strangersHost)
-        : m_host(host)
+    explicit Stranger(const QString &host = strangersHost, const QString &link = "lan0")
+        : m_host(host.contains(':') ? '[' + host + ']' : host)
+        , m_group(host.contains(':') ? "ff02::c%" + link : "239.255.255.250")
     {
-        m_udp.bind(QHostAddress(host), 0);
-        m_udp.setMulticastInterface(QNetworkInterface::interfaceFromName("lan0"));
-        m_http.listen(QHostAddress(host), 0);
+        m_udp.bind(QHostAddress(host.contains(':') ? host + '%' + link : host), 0);
+        m_udp.setMulticastInterface(QNetworkInterface::interfaceFromName(link));
+        m_http.listen(m_udp.localAddress(), 0);
         QObject::connect(&m_http, &QTcpServer::newConnection, &m_http, [this] {
             while (QTcpSocket *connection = m_http.nextPendingConnection())
                 QObject::connect(connection, &QTcpSocket::readyRead, connection,
@@ -47,7 +48,7 @@ public:
     }
     void send(const QByteArray &packet)
     {
-        m_udp.writeDatagram(packet, QHostAddress("239.255.255.250"), 1900);
+        m_udp.writeDatagram(packet, QHostAddress(m_group), 1900);
     }
     void announce(const QString &udn) { say("alive", udn, url()); }
     /// What it says of itself.
@@ -75,7 +76,7 @@ private:
         connection->disconnectFromHost();
     }
 
-    QString m_host;
+    QString m_host, m_group;
     QUdpSocket m_udp;
     QTcpServer m_http;
 };
@@ -193,9 +194,20 @@ void tst_BridgeNetwork::nobodyElseIsAsked()
         stranger("c", {}, url, {});
         stranger("c", {}, {}, url);
     }
+    // On another link, the same address is another machine.
+    for (const char *link : {"lan1", "lan2"})
+        QCOMPARE(addTestInterface(link, {"fe80::7/64"}), QString());
+    const auto listening = [this] {
+        return bridge->get(names::managerPath, names::bridge, "Listening").value().toStringList();
+    };
+    QTRY_COMPARE(listening().filter("fe80::7 on").size(), 2);
+    Stranger here("fe80::7", "lan1");
+    const Stranger there("fe80::7", "lan2");
+    here.say("alive", newUdn(), there.url());
+    here.announce(newUdn());
     QTest::qWait(1500);
-    QCOMPARE(loopback.requests + neighbour.requests, 0);
-    QVERIFY(strangers.front()->requests > 0);
+    QCOMPARE(loopback.requests + neighbour.requests + there.requests, 0);
+    QVERIFY(strangers.front()->requests > 0 && here.requests > 0);
 }
 
 /// The description is there, what it leads to isn't: no reason to ask without a pause.

@@ -172,11 +172,16 @@ bool SsdpListener::openNotifySocket()
     const bool isIPv4 = m_address.family == AF_INET;
     if (!m_notify.open(m_address.family) || !m_notify.set(SOL_SOCKET, SO_REUSEADDR, 1))
         return false;
-    // Only what comes through this interface; each has a listener of its own.
-    if (isIPv4)
+    // Only what comes through this interface; each has a listener of its own. For IPv6 the kernel
+    // looks at the group alone, and the same link-local address is another machine on another link.
+    // (Before Linux 5.7 only the superuser may choose.)
+    const auto index = static_cast<int>(m_address.index);
+    if (isIPv4) {
         m_notify.set(IPPROTO_IP, IP_MULTICAST_ALL, 0);
-    else
+    } else {
         m_notify.set(IPPROTO_IPV6, IPV6_MULTICAST_ALL, 0);
+        m_notify.set(SOL_SOCKET, SO_BINDTOIFINDEX, index);
+    }
     if (!isIPv4 && !m_notify.set(IPPROTO_IPV6, IPV6_V6ONLY, 1))
         return false;
     if (!m_notify.bind(isIPv4 ? m_groups.front() : "::", ssdpPort, 0))
@@ -186,7 +191,7 @@ bool SsdpListener::openNotifySocket()
         if (isIPv4) {
             ip_mreqn membership{};
             inet_pton(AF_INET, group.c_str(), &membership.imr_multiaddr);
-            membership.imr_ifindex = static_cast<int>(m_address.index);
+            membership.imr_ifindex = index;
             isJoined = m_notify.set(IPPROTO_IP, IP_ADD_MEMBERSHIP, &membership, sizeof membership);
         } else {
             ipv6_mreq membership{};
