@@ -132,6 +132,10 @@ inline constexpr size_t answerBytes(uint32_t objects)
 /// Addresses that are named, and servers that one of them may lead to.
 inline constexpr size_t namedServers = 64;
 inline constexpr size_t serversOfOneName = 16;
+/// Names that are resolved at a time. Each takes a thread until DNS answers or is given up, ten
+/// seconds long, while the look ends sooner; with so many, all named addresses have their turn in a
+/// minute.
+inline constexpr unsigned namesAtOnce = 16;
 /// Servers that are remembered, bytes of their names, and bytes of the file that is read.
 inline constexpr size_t rememberedServers = 64;
 inline constexpr size_t rememberedNameBytes = 256;

@@ -22,6 +22,14 @@ constexpr unsigned searchGapsMs[] = {300, 700, 1'200};
 constexpr unsigned descriptionAge = 1'800;
 constexpr size_t maxHosts = 4;
 
+/// Looks whose name is to be resolved.
+std::vector<std::weak_ptr<AddressLook>> &waitingNames()
+{
+    static std::vector<std::weak_ptr<AddressLook>> looks;
+    return looks;
+}
+unsigned namesUnderWay = 0;
+
 /// The interface's number; 0 where there is none now.
 unsigned scopeOf(const std::string &name)
 {
@@ -49,6 +57,14 @@ std::vector<GInetAddress *> inTurns(GList *addresses)
     return ordered;
 }
 
+/// Why a name stands for no address, without the name, which the resolver says first.
+std::string reasonOf(const std::string &resolversMessage)
+{
+    const size_t nameEnd = resolversMessage.rfind("”: ");
+    return nameEnd == std::string::npos ? resolversMessage
+                                        : resolversMessage.substr(nameEnd + std::strlen("”: "));
+}
+
 } // namespace
 
 AddressLook::AddressLook(ServerAddress address, unsigned source, Heard heard, Done done)
@@ -61,38 +77,61 @@ AddressLook::AddressLook(ServerAddress address, unsigned source, Heard heard, Do
 
 AddressLook::~AddressLook()
 {
-    g_cancellable_cancel(m_cancellable.get());
     for (const auto &session : m_sessions)
         session->abort();
 }
 
-void AddressLook::start()
+void AddressLook::start(bool isFirst)
 {
-    const Ref<GResolver> resolver(g_resolver_get_default());
-    g_resolver_lookup_by_name_async(resolver.get(), m_address.host.c_str(), m_cancellable.get(),
-        &AddressLook::resolved, new std::weak_ptr<AddressLook>(weak_from_this()));
-    m_resolving.start(resolveMs, [this] { g_cancellable_cancel(m_cancellable.get()); });
+    auto &waiting = waitingNames();
+    waiting.erase(std::remove_if(waiting.begin(), waiting.end(),
+                      [](const auto &look) { return look.expired(); }),
+        waiting.end());
+    waiting.insert(isFirst ? waiting.end() : waiting.begin(), weak_from_this());
+    resolveWaiting();
 }
 
-void AddressLook::resolved(GObject *resolver, GAsyncResult *result, gpointer data)
+/// The newest first, and those that are looked up again last: DNS may never answer for them.
+void AddressLook::resolveWaiting()
+{
+    while (namesUnderWay < limits::namesAtOnce && !waitingNames().empty()) {
+        const auto next = waitingNames().back().lock();
+        waitingNames().pop_back();
+        if (!next)
+            continue;
+        ++namesUnderWay;
+        next->m_resolving.start(
+            resolveMs, [look = next.get()] { look->resolved(nullptr, "no answer within 5 s"); });
+        const Ref<GResolver> resolver(g_resolver_get_default());
+        g_resolver_lookup_by_name_async(resolver.get(), next->m_address.host.c_str(), nullptr,
+            &AddressLook::gotAddresses, new std::weak_ptr<AddressLook>(next));
+    }
+}
+
+/// Not before its thread is free again, however long nobody has waited for it.
+void AddressLook::gotAddresses(GObject *resolver, GAsyncResult *result, gpointer data)
 {
     const std::unique_ptr<std::weak_ptr<AddressLook>> weak(
         static_cast<std::weak_ptr<AddressLook> *>(data));
     GError *error = nullptr;
     GList *addresses = g_resolver_lookup_by_name_finish(G_RESOLVER(resolver), result, &error);
     const std::string problem = takeMessage(error);
-    if (const auto self = weak->lock()) {
-        const bool isLate = !self->m_resolving.isRunning();
-        self->m_resolving.stop();
-        ++self->m_underWay;
-        if (!problem.empty())
-            self->failed(Reached::Nothing,
-                "The name \"" + self->m_address.host + "\" can't be resolved ("
-                    + (isLate ? "no answer within 5 s" : problem) + ")");
-        self->take(addresses);
-        self->oneEnded();
-    }
+    if (const auto self = weak->lock(); self && self->m_resolving.isRunning())
+        self->resolved(addresses, problem.empty() ? problem : reasonOf(problem));
     g_resolver_free_addresses(addresses);
+    --namesUnderWay;
+    resolveWaiting();
+}
+
+void AddressLook::resolved(GList *addresses, const std::string &problem)
+{
+    m_resolving.stop();
+    ++m_underWay;
+    if (!problem.empty())
+        failed(Reached::Nothing,
+            "The name \"" + m_address.host + "\" can't be resolved (" + problem + ")");
+    take(addresses);
+    oneEnded();
 }
 
 void AddressLook::take(GList *addresses)

@@ -28,8 +28,9 @@ public:
     AddressLook &operator=(const AddressLook &) = delete;
 
     /// Both are called from the main loop, never from inside this call; `done` once, after nine
-    /// seconds at most.
-    void start();
+    /// seconds at most, or more where many other names are looked up. Where it isn't the first look
+    /// at this address, others come before it.
+    void start(bool isFirst);
 
 private:
     /// One address of the machine.
@@ -43,7 +44,9 @@ private:
     /// How far an attempt came; the one that came furthest is told.
     enum class Reached { Nothing, Machine, Service, Description };
 
-    static void resolved(GObject *resolver, GAsyncResult *result, gpointer self);
+    static void resolveWaiting();
+    static void gotAddresses(GObject *resolver, GAsyncResult *result, gpointer self);
+    void resolved(GList *addresses, const std::string &problem);
     void take(GList *addresses);
     void take(GInetAddress *address);
     void startSearch();
@@ -63,7 +66,6 @@ private:
     unsigned m_source;
     Heard m_heard;
     Done m_done;
-    Ref<GCancellable> m_cancellable{g_cancellable_new()};
     std::vector<Host> m_hosts;
     /// By family.
     std::map<int, std::unique_ptr<UdpSocket>> m_sockets;

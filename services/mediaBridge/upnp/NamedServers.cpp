@@ -102,7 +102,7 @@ void NamedServers::look(Named &named)
             heard(named, udn, route, maxAge);
         },
         [this, &named](const std::string &problem) { looked(named, problem); });
-    named.look->start();
+    named.look->start(named.problem.empty());
 }
 
 void NamedServers::lookLater(Named &named)
