@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <glib-unix.h>
 #include <malloc.h>
 #include <net/if.h>
@@ -27,6 +28,12 @@ gboolean quit(gpointer loop)
 {
     g_main_loop_quit(static_cast<GMainLoop *>(loop));
     return G_SOURCE_CONTINUE;
+}
+
+/// What a signal does before the loop runs, since the program may wait for a bus that stands still.
+void endAtOnce(int)
+{
+    std::_Exit(Ended);
 }
 
 /// Ends the loop when there has been no client for a while.
@@ -94,7 +101,6 @@ int serve(const Options &options, GMainLoop *loop)
         warnOfAbsent(options.interfaces);
         watchIdle(bus, idle, loop, options.idleExitSeconds);
         logInfo("serving " + std::string(mediaService::busName));
-        // Before, the signals end the program at once: it may wait for a bus that stands still.
         g_unix_signal_add(SIGTERM, quit, loop);
         g_unix_signal_add(SIGINT, quit, loop);
         g_main_loop_run(loop);
@@ -130,6 +136,8 @@ int run(int argc, char **argv)
     captureLibraryLog();
     // Whoever reads the log may end.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGTERM, endAtOnce);
+    std::signal(SIGINT, endAtOnce);
     watchLoop();
     keepHeapSmall();
     GMainLoop *loop = g_main_loop_new(nullptr, FALSE);

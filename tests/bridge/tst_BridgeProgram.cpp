@@ -3,6 +3,8 @@
 
 #include <QDBusConnectionInterface>
 #include <QDateTime>
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -25,6 +27,13 @@ Ended runBridge(const QStringList &arguments)
     if (!process.waitForFinished(10000) || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+bool catchesTheEnd(const QProcess &program)
+{
+    static const QRegularExpression withSigterm("SigCgt:\\t[0-9a-f]{12}[4-7c-f]");
+    QFile status("/proc/%1/status"_s.arg(program.processId()));
+    return status.open(QIODevice::ReadOnly) && withSigterm.match(status.readAll()).hasMatch();
 }
 
 } // namespace
@@ -93,11 +102,11 @@ void tst_BridgeProgram::endsWithTheBus()
         QTRY_VERIFY(bus.bus().interface()->isServiceRegistered(names::service));
         kill(pid_t(bus.busPid()), SIGSTOP);
         early.start(BRIDGE_PROGRAM, {"--bus", bus.address()});
-        QTest::qWait(200);
+        QTRY_VERIFY(early.waitForStarted() && catchesTheEnd(early));
         early.terminate();
-        const bool hasEnded = early.waitForFinished(1000);
+        const bool hasEnded = early.waitForFinished(5000);
         kill(pid_t(bus.busPid()), SIGCONT);
-        QVERIFY(hasEnded);
+        QVERIFY(hasEnded && early.exitStatus() == QProcess::NormalExit);
     }
     QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(5000));
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
