@@ -141,6 +141,8 @@ void tst_BridgeListing::emptyAnswersAreEmptyLists()
             QCOMPARE(titles(bridge->list(path("numbers"))), trackTitles(0, numberCount));
         }
     }
+    server->behaviour.emptyResult = ServerBehaviour::Uncounted;
+    QVERIFY(!bridge->list(path("empty")).ok());
 }
 
 /// Clients ask for rows and count at once; the server is asked again only where it has to be.

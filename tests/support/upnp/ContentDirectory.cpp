@@ -43,9 +43,14 @@ struct Page
             const MediaObject object = objectAt(int(row));
             objects += didlElement(object, tree.childCount(object.id), base);
         }
+        const bool isUncounted =
+            objects.isEmpty() && behaviour.emptyResult == ServerBehaviour::Uncounted;
+        const auto number = [=](quint32 count) {
+            return isUncounted ? QString() : QString::number(count);
+        };
         return {soapAnswer(action,
-            {{"Result", result(objects)}, {"NumberReturned", QString::number(size())},
-                {"TotalMatches", QString::number(said())}, {"UpdateID", "1"}})};
+            {{"Result", result(objects)}, {"NumberReturned", number(size())},
+                {"TotalMatches", number(said())}, {"UpdateID", "1"}})};
     }
 
     QString result(const QString &objects) const

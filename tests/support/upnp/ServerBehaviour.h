@@ -15,7 +15,8 @@ struct ServerBehaviour
     enum EmptyResult {
         EmptyDidl, ///< a DIDL-Lite element without children
         NoResult, ///< an empty text
-        EmptyWrapped ///< a DIDL-Lite element of white space and a comment
+        EmptyWrapped, ///< a DIDL-Lite element of white space and a comment
+        Uncounted, ///< without any number
     };
 
     /// What an answer says of how many there are.
