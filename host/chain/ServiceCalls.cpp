@@ -32,6 +32,16 @@ QString escaped(const QString &udn)
     return text;
 }
 
+/// The first value of an answer; of another type than `signature` it is none. Qt would go on for
+/// ever taking one type out of an array of another.
+template<typename T>
+T firstOf(const ServiceAnswer &answer, const char *signature)
+{
+    const auto value = answer.values.value(0).value<QDBusArgument>();
+    const bool fits = answer.isGood() && value.currentSignature() == QLatin1String(signature);
+    return fits ? qdbus_cast<T>(value) : T();
+}
+
 } // namespace
 
 ServiceCalls::ServiceCalls(std::chrono::milliseconds limit)
@@ -183,8 +193,7 @@ bool isPathOf(const QString &server, const QString &udn)
 QStringList objectPaths(const ServiceAnswer &answer)
 {
     QStringList paths;
-    const auto list = qdbus_cast<QList<QDBusObjectPath>>(answer.values.value(0));
-    for (const QDBusObjectPath &path : list)
+    for (const QDBusObjectPath &path : firstOf<QList<QDBusObjectPath>>(answer, "ao"))
         paths.append(path.path());
     return paths;
 }
@@ -196,23 +205,10 @@ QVariant valueOf(const ServiceAnswer &answer)
 
 QList<QVariantMap> childrenOf(const ServiceAnswer &answer)
 {
-    const QVariant list = answer.values.value(0);
-    return answer.isGood() && list.canConvert<QDBusArgument>()
-        ? qdbus_cast<QList<QVariantMap>>(list)
-        : QList<QVariantMap>();
-}
-
-int childrenIn(const ServiceAnswer &answer)
-{
-    const auto list = answer.values.value(0).value<QDBusArgument>();
-    return list.currentSignature() == QLatin1String("aa{sv}")
-        ? qdbus_cast<QList<QVariantMap>>(list).size()
-        : 0;
+    return firstOf<QList<QVariantMap>>(answer, "aa{sv}");
 }
 
 QVariantMap propertiesOf(const ServiceAnswer &answer)
 {
-    const QVariant map = answer.values.value(0);
-    return answer.isGood() && map.canConvert<QDBusArgument>() ? qdbus_cast<QVariantMap>(map)
-                                                              : QVariantMap();
+    return firstOf<QVariantMap>(answer, "a{sv}");
 }

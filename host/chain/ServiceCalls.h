@@ -81,13 +81,13 @@ private:
 
 /// Whether a server's object path is made of this UDN, as they are since dLeyna 0.6.
 bool isPathOf(const QString &server, const QString &udn);
-/// The object paths in a good answer of `servers()`.
+// What is read out of an answer is nothing where the answer isn't good, or is of another type.
+
+/// The object paths in an answer of `servers()`.
 QStringList objectPaths(const ServiceAnswer &answer);
-/// The objects in an answer of `children()`; none where it isn't good.
+/// The objects in an answer of `child()`, `children()` or `search()`.
 QList<QVariantMap> childrenOf(const ServiceAnswer &answer);
-/// How many objects a good answer of `child()` holds.
-int childrenIn(const ServiceAnswer &answer);
 /// The value in the answer of `property()` or `childCount()`; invalid where there is none.
 QVariant valueOf(const ServiceAnswer &answer);
-/// The properties in a good answer of `everything()`.
+/// The properties in an answer of `everything()`.
 QVariantMap propertiesOf(const ServiceAnswer &answer);

@@ -197,6 +197,17 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
         },
         "queue Den", 1, "content has changed while it was read");
     row(
+        "numbers of another type",
+        [=](auto &s) {
+            s.answer(listing, [&s](const FakeCall &call) {
+                const bool isWrong = call.arguments().last() == QStringList{"TrackNumber"};
+                const QVariantList numbers{QVariant::fromValue(QList<int>{1})};
+                return isWrong ? FakeReply{numbers}
+                               : s.tree.answer(call.path(), call.member(), call.arguments());
+            });
+        },
+        "ls Den/Mu,sic --sort track", 0, "Song");
+    row(
         "search unknown",
         [=](auto &s) {
             s.fail({"Get", den, "SearchCaps"}, "none", "com.intel.dleyna.UnknownProperty");
