@@ -1,4 +1,5 @@
 import { tr, translateTold } from './text.js';
+
 /** Why something didn't work, as a sentence. */
 export class Problem extends Error {
   /** @param {string} sentence @param {number} status @param {string} name */

@@ -37,7 +37,7 @@ export async function showMenu(row, anchor, prefix, choose) {
     type: 'button', role: 'menuitem', tabindex: -1,
     onclick: () => {
       close();
-      choose(entry.path, entry.title);
+      choose(entry.path, translateTold(entry.title));
     },
   }, translateTold(short(entry.title))));
   opener = anchor;

@@ -50,6 +50,11 @@ export function setUpQueue(panel, button) {
     button.setAttribute('aria-expanded', String(!panel.hidden));
     draw();
   });
+  panel.addEventListener('keydown', (event) => {
+    if (event.key !== 'Escape') return;
+    button.click();
+    button.focus();
+  });
   draw();
 }
 

@@ -37,6 +37,19 @@ QByteArray tagOf(const QByteArray &body)
     return '"' + hash.toBase64(QByteArray::Base64UrlEncoding).left(20) + '"';
 }
 
+/// "gzip;q=0" says that it isn't wanted.
+bool takesGzip(const QByteArray &acceptEncoding)
+{
+    GSList *codings = soup_header_parse_quality_list(acceptEncoding.constData(), nullptr);
+    const auto isGzip = [](gconstpointer coding, gconstpointer name) {
+        return g_ascii_strcasecmp(
+            static_cast<const char *>(coding), static_cast<const char *>(name));
+    };
+    const bool takes = g_slist_find_custom(codings, "gzip", isGzip) != nullptr;
+    soup_header_free_list(codings);
+    return takes;
+}
+
 } // namespace
 
 Exchange::Exchange(SoupServerMessage *message, bool isWhole)
@@ -148,7 +161,7 @@ void Exchange::answer(int status, const char *type, const QByteArray &body, Cach
         }
     }
     const bool isText = !QByteArray(type).startsWith("image/") || QByteArray(type).contains("svg");
-    if (isText && body.size() > worthCompressing && header("Accept-Encoding").contains("gzip")) {
+    if (isText && body.size() > worthCompressing && takesGzip(header("Accept-Encoding"))) {
         sent = gzipped(body);
         setHeader("Content-Encoding", "gzip");
     }

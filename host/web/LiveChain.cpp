@@ -77,6 +77,8 @@ void LiveChain::begin()
 
 void LiveChain::lose()
 {
+    if (m_isLost)
+        return;
     m_isLost = true;
     m_trouble = QStringLiteral("The media service has left the bus: it crashed or was stopped. It "
                                "is being started again.");

@@ -119,7 +119,7 @@ int runPage(const PageOptions &options, const GlobalOptions &global)
     const MachinePlayer player(chain, carried, events, server);
     const quint16 port = server.listen(options.listen, options.port, options.mayTakeNextPort);
     tellAddress(options, isOpen, port, guard.token());
-    Language::becomeEnglish(); // the page translates what it shows; other programs read the answers, too
+    Language::becomeEnglish(); // the page translates; other programs read the answers, too
     for (;;)
         Wait(std::chrono::hours(24)).pass();
 }

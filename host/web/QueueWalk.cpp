@@ -202,10 +202,11 @@ void QueueWalk::take(Work folder, const OrkaRowsRoles &answer)
     folder.first += rows.size();
     folder.came += fresh;
     const bool isFull = rows.size() >= folder.page && fresh > 0;
-    if (!rows.isEmpty() && mayFollow(answer.rowsCount(), folder.first, isFull))
+    const int counted = std::max(answer.rowsCount(), 0); // below 0: more than it can count
+    if (!rows.isEmpty() && mayFollow(counted, folder.first, isFull))
         taken.push_back(folder);
     else
-        tellLacking(folder.row, answer.rowsCount() - folder.came);
+        tellLacking(folder.row, counted - folder.came);
     m_work.insert(m_work.begin(), taken.begin(), taken.end());
 }
 
