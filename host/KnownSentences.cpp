@@ -105,7 +105,6 @@ constexpr const char *sentences[] = {
     Text::mark("Socket I/O timed out"),
     Text::mark("No route to host"),
     Text::mark("Network is unreachable"),
-    Text::mark("Error resolving “%1”: %2"),
     Text::mark("Name or service not known"),
     Text::mark("Temporary failure in name resolution"),
     Text::mark("Permission denied"),
@@ -159,16 +158,19 @@ std::vector<Known> knownSentences()
 QString translatedSentence(const QString &sentence)
 {
     static const std::vector<Known> known = knownSentences();
-    if (sentence.endsWith(QLatin1Char('.')))
-        return translatedSentence(sentence.chopped(1)) + QLatin1Char('.');
+    constexpr int longest = 2000; // characters: parts are looked up, too, and theirs in turn
+    if (sentence.size() > longest)
+        return sentence;
+    const QString end = sentence.endsWith(QLatin1Char('.')) ? QStringLiteral(".") : QString();
+    const QString text = sentence.chopped(end.size());
     for (const Known &one : known) {
-        const QRegularExpressionMatch match = one.form.match(sentence);
+        const QRegularExpressionMatch match = one.form.match(text);
         if (!match.hasMatch())
             continue;
         QStringList parts;
         for (const QString &part : match.capturedTexts().mid(1))
             parts.append(translatedSentence(part));
-        return TrString("Text", one.text, parts).toString();
+        return TrString("Text", one.text, parts).toString() + end;
     }
     return sentence;
 }

@@ -1,7 +1,6 @@
 #include "Failure.h"
 #include "GlobalOptions.h"
 #include "Interrupt.h"
-#include "KnownSentences.h"
 #include "Language.h"
 #include "ParserTexts.h"
 #include "Settings.h"
@@ -20,6 +19,7 @@
 #include <QDeadlineTimer>
 #include <QTextCodec>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -77,8 +77,7 @@ int reportParsing(CLI::App &app, const Settings &settings, const CLI::ParseError
         tell(Text::tr("Name a command, like \"orka servers\"; \"orka --help\" lists them."));
     } else {
         tell(Text::tr("%1\nRun with --help for more information.")
-                 .arg(translatedSentence(QString::fromStdString(error.what()))
-                     + settings.originOf(mistake.str())));
+                 .arg(translatedMistake(error) + settings.originOf(mistake.str())));
     }
     return WrongUsage;
 }
@@ -168,13 +167,27 @@ void requireText(const char *argument)
     }
 }
 
+/// "--name=": for the value that isn't there, the parser would take the next word.
+bool isOptionWithEmptyValue(const std::string &word)
+{
+    return word.size() > 3 && word.compare(0, 2, "--") == 0 && word.find('=') == word.size() - 1;
+}
+
 /// The arguments in reverse, as the parser wants them.
 std::vector<std::string> argumentsOf(int argc, char **argv)
 {
+    const auto isEndOfOptions = [](const char *word) {
+        return std::strcmp(word, "--") == 0;
+    };
+    const auto options = std::find_if(argv + 1, argv + argc, isEndOfOptions) - argv;
     std::vector<std::string> arguments;
     for (int i = argc - 1; i > 0; --i) {
         requireText(argv[i]);
         arguments.push_back(protectBrackets(argv[i]));
+        if (i < options && isOptionWithEmptyValue(arguments.back())) {
+            arguments.back().pop_back();
+            arguments.insert(arguments.end() - 1, std::string());
+        }
     }
     return arguments;
 }
@@ -197,8 +210,7 @@ int runProgram(int argc, char **argv)
     GlobalOptions options;
     CLI::App app(description, "orka");
     app.footer(Text::tr(exitStatuses).toStdString());
-    app.get_formatter()->column_width(24);
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    shapeHelp(app);
     app.set_version_flag(
         "--version", [&options] { return versionText(options.plugin); },
         Text::mark("What this program is and runs with"));

@@ -34,7 +34,8 @@ public:
         : Command(app, "ls",
             Text::mark(
                 "The children of a media server or folder; the servers\nwhere none is named"),
-            "orka ls \"My NAS/Music/All Music\" --rows 0-19\n  orka ls -R --depth 2 \"My NAS\"")
+            Text::mark("orka ls \"My NAS/Music/All Music\" --rows 0-19\n  orka ls -R --depth 2 "
+                       "\"My NAS\""))
     {
         addPlace(m_place)->required(false);
         addRows(m_rows, Text::mark("First and last row, counted from 0 (all)"));
@@ -143,7 +144,7 @@ class Info : public Command
 public:
     explicit Info(CLI::App &app)
         : Command(app, "info", Text::mark("Everything that is known about one node"),
-            "orka info \"My NAS/Music/Albums/Blue/01 First Song\"")
+            Text::mark("orka info \"My NAS/Music/Albums/Blue/01 First Song\""))
     {
         addPlace(m_place);
     }
@@ -166,7 +167,7 @@ class Menu : public Command
 public:
     explicit Menu(CLI::App &app)
         : Command(app, "menu", Text::mark("The search menu of a node, or its context menu"),
-            "orka menu \"My NAS\"\n  orka menu --context \"My NAS/Music/Albums/Blue\"")
+            Text::mark("orka menu \"My NAS\"\n  orka menu --context \"My NAS/Music/Albums/Blue\""))
     {
         addPlace(m_place);
         parser().add_flag(
@@ -212,7 +213,7 @@ class Sample : public Command
 public:
     explicit Sample(CLI::App &app)
         : Command(app, "sample", Text::mark("Rows spread over a big folder"),
-            "orka sample \"My NAS/Music/All Music\" 0,9999,100")
+            Text::mark("orka sample \"My NAS/Music/All Music\" 0,9999,100"))
     {
         addPlace(m_place);
         addText("SAMPLE", m_sample,

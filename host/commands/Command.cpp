@@ -11,7 +11,7 @@ Command::Command(CLI::App &app, const char *name, const char *description, const
     m_parser->group(Text::tr("Commands").toStdString());
     m_parser->footer(
         Text::tr("Example:\n  %1\n\n\"orka --help\" lists the options that every command has.")
-            .arg(QString::fromUtf8(example))
+            .arg(Text::tr(example))
             .toStdString());
 }
 

@@ -44,7 +44,7 @@ class Queue : public PlaylistCommand
 public:
     explicit Queue(CLI::App &app)
         : PlaylistCommand(app, "queue", Text::mark("The playlist of tracks, folders and servers"),
-            "orka queue \"My NAS/Music/Albums/Blue\" --format m3u8 > blue.m3u8")
+            Text::mark("orka queue \"My NAS/Music/Albums/Blue\" --format m3u8 > blue.m3u8"))
     {
         parser()
             .add_option("--format", m_format, Text::mark("How the playlist is written (table)"))
@@ -89,8 +89,8 @@ class Play : public PlaylistCommand
 public:
     explicit Play(CLI::App &app)
         : PlaylistCommand(app, "play", Text::mark("Plays tracks, folders and servers"),
-            "orka play \"My NAS/Music/Albums/Blue\"\n"
-            "  orka play --player \"mpv --shuffle\" \"My NAS\"")
+            Text::mark("orka play \"My NAS/Music/Albums/Blue\"\n"
+                       "  orka play --player \"mpv --shuffle\" \"My NAS\""))
     {
         addText("--player", m_player,
             Text::mark("The player (mpv), with its own options; it is given an\nM3U8 file as last "

@@ -88,7 +88,7 @@ class Search : public Command
 public:
     explicit Search(CLI::App &app)
         : Command(app, "search", Text::mark("Finds tracks by artist, album or title"),
-            "orka search \"My NAS\" --artist abba --rows 0-19")
+            Text::mark("orka search \"My NAS\" --artist abba --rows 0-19"))
     {
         addPlace(m_place);
         for (const Kind &kind : allKinds) {

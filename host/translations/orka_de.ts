@@ -125,7 +125,7 @@ Zeilen der sortierten Liste</translation>
     <message>
         <source>START,END,STEP: first position, last position
 (inclusive), distance of at least 1</source>
-        <translation>START,END,STEP: erste Stelle, letzte Stelle
+        <translation>START,ENDE,ABSTAND: erste Stelle, letzte Stelle
 (einschließlich), Abstand von mindestens 1</translation>
     </message>
     <message>
@@ -265,7 +265,7 @@ durch / (&quot;Mein NAS/Musik/Alben&quot;)</translation>
     </message>
     <message>
         <source>no interface of this machine carries multicast, by which media servers are found. Connect one, or name a server by its address: orka servers --add ADDRESS.</source>
-        <translation>Keine Schnittstelle dieses Rechners überträgt Multicast, womit Medienserver gefunden werden. Schließen Sie eine an oder nennen Sie einen Server mit seiner Adresse: orka servers --add ADDRESS.</translation>
+        <translation>Keine Schnittstelle dieses Rechners überträgt Multicast, womit Medienserver gefunden werden. Schließen Sie eine an oder nennen Sie einen Server mit seiner Adresse: orka servers --add ADRESSE.</translation>
     </message>
     <message>
         <source>media servers are listened for at %1.</source>
@@ -733,7 +733,7 @@ Example:
         <translation>Rückgabewert: 0 beantwortet; 1 mit einem Fehler beantwortet; 2 falscher Aufruf;
 3 kein Mediendienst, kein solcher Ort oder kein Plug-in; 4 keine rechtzeitige
 Antwort; 130 abgebrochen.
-&quot;orka COMMAND --help&quot; sagt mehr.
+&quot;orka BEFEHL --help&quot; sagt mehr.
 
 Beispiel:
   orka ls &quot;Mein NAS/Musik/Alben&quot;</translation>
@@ -1063,7 +1063,7 @@ orka/orka.conf in $XDG_CONFIG_HOME</translation>
     </message>
     <message>
         <source>The media server of %1 hasn&apos;t shown up. &quot;orka servers&quot; lists those that are there; --wait SECONDS waits for one that is starting.</source>
-        <translation>Der Medienserver von %1 hat sich nicht gemeldet. &quot;orka servers&quot; führt die vorhandenen auf; --wait SECONDS wartet auf einen, der gerade startet.</translation>
+        <translation>Der Medienserver von %1 hat sich nicht gemeldet. &quot;orka servers&quot; führt die vorhandenen auf; --wait SEKUNDEN wartet auf einen, der gerade startet.</translation>
     </message>
     <message>
         <source>There is no media server %1.%2 &quot;orka servers&quot; lists those that are there.</source>
@@ -1110,7 +1110,7 @@ orka/orka.conf in $XDG_CONFIG_HOME</translation>
     </message>
     <message>
         <source>%1 is no sample. Write START,END,STEP: positions counted from 0 and the distance between two of them, like 0,9999,100.</source>
-        <translation>%1 ist keine Stichprobe. Schreiben Sie START,END,STEP: ab 0 gezählte Stellen und den Abstand zwischen zweien davon, wie 0,9999,100.</translation>
+        <translation>%1 ist keine Stichprobe. Schreiben Sie START,ENDE,ABSTAND: ab 0 gezählte Stellen und den Abstand zwischen zweien davon, wie 0,9999,100.</translation>
     </message>
     <message>
         <source>A sample with step 0 would take the same row again and again. Write a step of at least 1, like 0,9999,100.</source>
@@ -1195,7 +1195,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>There is no session bus, and no bus could be started instead: %1 Install the package dbus-daemon, or name a bus with --bus ADDRESS.</source>
-        <translation>Es gibt keinen Sitzungsbus, und stattdessen ließ sich kein Bus starten: %1 Installieren Sie das Paket dbus-daemon oder nennen Sie einen Bus mit --bus ADDRESS.</translation>
+        <translation>Es gibt keinen Sitzungsbus, und stattdessen ließ sich kein Bus starten: %1 Installieren Sie das Paket dbus-daemon oder nennen Sie einen Bus mit --bus ADRESSE.</translation>
     </message>
     <message>
         <source>there is no program dbus-daemon.</source>
@@ -1271,7 +1271,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>There is no plug-in %1. Build or install it, or name another with --plugin FILE.</source>
-        <translation>Ein Plug-in %1 gibt es nicht. Bauen oder installieren Sie es oder nennen Sie mit --plugin FILE ein anderes.</translation>
+        <translation>Ein Plug-in %1 gibt es nicht. Bauen oder installieren Sie es oder nennen Sie mit --plugin DATEI ein anderes.</translation>
     </message>
     <message>
         <source>%1 is no file, so it can&apos;t be a plug-in. Name the library itself, a file that ends in .so.</source>
@@ -1379,7 +1379,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>The certificate for HTTPS can&apos;t be had: %1. Name one with --cert FILE and --key FILE.</source>
-        <translation>Das Zertifikat für HTTPS ist nicht zu bekommen: %1. Nennen Sie eines mit --cert FILE und --key FILE.</translation>
+        <translation>Das Zertifikat für HTTPS ist nicht zu bekommen: %1. Nennen Sie eines mit --cert DATEI und --key DATEI.</translation>
     </message>
     <message>
         <source>%1 can&apos;t be written: %2</source>
@@ -1391,7 +1391,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>The page can&apos;t be served at %1, port %2: %3. Name another with --listen ADDRESS and --port N.</source>
-        <translation>Die Seite kann nicht unter %1, Port %2 angeboten werden: %3. Nennen Sie mit --listen ADDRESS und --port N etwas anderes.</translation>
+        <translation>Die Seite kann nicht unter %1, Port %2 angeboten werden: %3. Nennen Sie mit --listen ADRESSE und --port N etwas anderes.</translation>
     </message>
     <message>
         <source>%1 is no IP address.</source>
@@ -1419,11 +1419,11 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>no more than %1 are looked at, and so many are kept already. Take one away with &quot;orka servers --forget ADDRESS&quot;</source>
-        <translation>mehr als %1 werden nicht angesehen, und so viele sind schon gemerkt. Mit &quot;orka servers --forget ADDRESS&quot; nehmen Sie eine heraus</translation>
+        <translation>mehr als %1 werden nicht angesehen, und so viele sind schon gemerkt. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus</translation>
     </message>
     <message>
         <source>No more than %1 addresses are looked at; these are left out: %2. &quot;orka servers --forget ADDRESS&quot; takes one away.</source>
-        <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADDRESS&quot; nehmen Sie eine heraus.</translation>
+        <translation>Mehr als %1 Adressen werden nicht angesehen; diese sind ausgelassen: %2. Mit &quot;orka servers --forget ADRESSE&quot; nehmen Sie eine heraus.</translation>
     </message>
     <message>
         <source>The addresses in %1 can&apos;t be written: %2.</source>
@@ -1516,7 +1516,7 @@ Mit --help gibt es mehr Informationen.</translation>
     </message>
     <message>
         <source>The private bus at %1 was started but can&apos;t be reached: %2. Name a bus with --bus ADDRESS.</source>
-        <translation>Der private Bus unter %1 wurde gestartet, ist aber nicht erreichbar: %2. Nennen Sie einen Bus mit --bus ADDRESS.</translation>
+        <translation>Der private Bus unter %1 wurde gestartet, ist aber nicht erreichbar: %2. Nennen Sie einen Bus mit --bus ADRESSE.</translation>
     </message>
     <message>
         <source>No media service is running on %1.</source>
@@ -1867,10 +1867,6 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>Netzwerk nicht erreichbar</translation>
     </message>
     <message>
-        <source>Error resolving “%1”: %2</source>
-        <translation>&quot;%1&quot; lässt sich nicht auflösen: %2</translation>
-    </message>
-    <message>
         <source>Name or service not known</source>
         <translation>Name unbekannt</translation>
     </message>
@@ -1969,6 +1965,80 @@ Mit --help gibt es mehr Informationen.</translation>
     <message>
         <source>it comes in too many small pieces</source>
         <translation>sie kommt in zu vielen kleinen Stücken</translation>
+    </message>
+    <message>
+        <source>ADDRESS</source>
+        <translation>ADRESSE</translation>
+    </message>
+    <message>
+        <source>session|system|ADDRESS</source>
+        <translation>session|system|ADRESSE</translation>
+    </message>
+    <message>
+        <source>COMMAND</source>
+        <translation>BEFEHL</translation>
+    </message>
+    <message>
+        <source>FILE</source>
+        <translation>DATEI</translation>
+    </message>
+    <message>
+        <source>ID</source>
+        <translation>KENNUNG</translation>
+    </message>
+    <message>
+        <source>INT</source>
+        <translation>ZAHL</translation>
+    </message>
+    <message>
+        <source>PATH</source>
+        <translation>PFAD</translation>
+    </message>
+    <message>
+        <source>PLACE</source>
+        <translation>ORT</translation>
+    </message>
+    <message>
+        <source>SAMPLE</source>
+        <translation>STICHPROBE</translation>
+    </message>
+    <message>
+        <source>SECONDS</source>
+        <translation>SEKUNDEN</translation>
+    </message>
+    <message>
+        <source>orka ls &quot;My NAS/Music/All Music&quot; --rows 0-19
+  orka ls -R --depth 2 &quot;My NAS&quot;</source>
+        <translation>orka ls &quot;Mein NAS/Musik/Alle Titel&quot; --rows 0-19
+  orka ls -R --depth 2 &quot;Mein NAS&quot;</translation>
+    </message>
+    <message>
+        <source>orka info &quot;My NAS/Music/Albums/Blue/01 First Song&quot;</source>
+        <translation>orka info &quot;Mein NAS/Musik/Alben/Blau/01 Erstes Lied&quot;</translation>
+    </message>
+    <message>
+        <source>orka menu &quot;My NAS&quot;
+  orka menu --context &quot;My NAS/Music/Albums/Blue&quot;</source>
+        <translation>orka menu &quot;Mein NAS&quot;
+  orka menu --context &quot;Mein NAS/Musik/Alben/Blau&quot;</translation>
+    </message>
+    <message>
+        <source>orka sample &quot;My NAS/Music/All Music&quot; 0,9999,100</source>
+        <translation>orka sample &quot;Mein NAS/Musik/Alle Titel&quot; 0,9999,100</translation>
+    </message>
+    <message>
+        <source>orka queue &quot;My NAS/Music/Albums/Blue&quot; --format m3u8 &gt; blue.m3u8</source>
+        <translation>orka queue &quot;Mein NAS/Musik/Alben/Blau&quot; --format m3u8 &gt; blau.m3u8</translation>
+    </message>
+    <message>
+        <source>orka play &quot;My NAS/Music/Albums/Blue&quot;
+  orka play --player &quot;mpv --shuffle&quot; &quot;My NAS&quot;</source>
+        <translation>orka play &quot;Mein NAS/Musik/Alben/Blau&quot;
+  orka play --player &quot;mpv --shuffle&quot; &quot;Mein NAS&quot;</translation>
+    </message>
+    <message>
+        <source>orka search &quot;My NAS&quot; --artist abba --rows 0-19</source>
+        <translation>orka search &quot;Mein NAS&quot; --artist abba --rows 0-19</translation>
     </message>
 </context>
 </TS>

@@ -43,7 +43,7 @@ refused 2 'mean "serve" or "servers"' serverz
 refused 2 "doesn't take \"b\"" ls a b
 refused 2 PLACE info
 refused 2 "A tree shows" ls -R --rows 0-1 Shelf
-refused 2 --prefix --prefix "" ls Shelf
+refused 2 --prefix --prefix= ls Shelf
 refused 2 "ends before it begins" ls Shelf --rows 5-4
 refused 2 "--wait: is a number of seconds" ls Shelf --wait soon
 refused 2 --wait ls Shelf --wait nan
