@@ -114,7 +114,7 @@ void tst_BridgeServers::slowServersAreAskedForSmallPages()
     QVERIFY2(largestPage() <= 200, qPrintable(QString::number(answer.milliseconds)));
     server->behaviour.delayPerRow = 0;
     QCOMPARE(rowsOf(server->udn()), 2000);
-    QCOMPARE(largestPage(), 1000);
+    QVERIFY(largestPage() > 200);
 }
 
 /// Every answer takes longer than a look has: it is listed, and its abilities follow.
