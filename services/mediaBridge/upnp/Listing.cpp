@@ -51,17 +51,15 @@ void Listing::proceed()
         return;
     const bool isNewPage = !m_reading && m_waiting;
     if (isNewPage)
-        m_reading = std::exchange(m_waiting, nullptr);
+        m_reading = std::exchange(m_waiting, std::nullopt);
     // Where the server didn't count what it sent, the next position is known once that is read.
     const bool isPositionKnown = !m_reading || m_reading->returned > 0;
     if (!m_isRequesting && !m_waiting && isPositionKnown && wantsMore())
         requestPage();
     if (!m_done)
         return;
-    if (isNewPage && m_reading->isSmall)
-        parse(m_reading);
-    else if (isNewPage && m_reading->isParsed)
-        gotObjects();
+    if (isNewPage)
+        parsePage();
     else if (!m_isRequesting && !m_reading)
         finish();
 }
@@ -131,15 +129,11 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     const uint32_t total = counted.value_or(0);
     const uint32_t returned = sent.value_or(0);
     m_total = std::max(m_total, total < noCount ? total : 0);
-    m_waiting = std::make_shared<Page>(Page{position, asked, std::min(returned, asked),
-        counted || sent, std::move(reply.answer.values["Result"]), std::move(reply.place)});
-    m_waiting->isSmall = m_waiting->didl.size() <= limits::documentAtOnce;
+    m_waiting = Page{position, asked, std::min(returned, asked), counted || sent,
+        std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
     m_pageSize.follow(m_waiting->returned, m_waiting->didl.size(),
         std::chrono::steady_clock::now() - m_pageStart);
-    // A thread takes it apart while the page before it is read.
-    if (!m_waiting->isSmall)
-        parse(m_waiting);
 }
 
 /// Past the end of a list whose length they don't know, some servers call the position invalid.
@@ -163,20 +157,19 @@ bool Listing::retrySmaller(const ActionReply &reply, uint32_t position)
     return true;
 }
 
-void Listing::parse(const std::shared_ptr<Page> &page)
+void Listing::parsePage()
 {
-    m_server->readDidl(std::move(page->didl), page->asked,
-        [self = shared_from_this(), page](std::optional<DidlList> list) {
-            page->list = std::move(list);
-            page->isParsed = true;
-            if (self->m_done && self->m_reading == page)
-                self->gotObjects();
+    const bool isSmall = m_reading->didl.size() <= limits::documentAtOnce;
+    m_server->readDidl(std::move(m_reading->didl), m_reading->asked,
+        [self = shared_from_this(), isSmall](std::optional<DidlList> list) {
+            if (self->m_done)
+                self->gotObjects(std::move(list), isSmall);
         });
 }
 
-void Listing::gotObjects()
+void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 {
-    const auto content = m_reader.take(std::move(m_reading->list), m_reading->returned, m_total);
+    const auto content = m_reader.take(std::move(list), m_reading->returned, m_total);
     const bool saysNothing = content.isLast && !m_reading->isCounted && !m_reader.hasSeenObjects();
     if (content.isUnreadable || saysNothing) {
         failUnreadable();
@@ -189,7 +182,7 @@ void Listing::gotObjects()
         m_waiting.reset();
         m_position = m_reading->position + content.count;
     }
-    if (m_reading->isSmall)
+    if (isSmall)
         readSlice();
     else
         readNextSlice();

@@ -23,12 +23,12 @@ struct ListEnd
 };
 
 /// Gets a whole range of a server's listing, page by page, however small the server's pages are.
-/// The next page is under way, or taken apart, while one is being read; it is as big as the server
-/// can make it in about a second, and read in slices, so that nobody else waits. Ends when the
-/// range is complete, when the server says that there is no more, or with an empty page; a total of
-/// 0 is taken for "unknown". Where fewer came than the server counts, a listing of everything
-/// fails, and so does a range that is left without a row; one with rows is for whoever asks for its
-/// rest. Main thread only.
+/// The next page is under way while one is being read; it is as big as the server can make it in
+/// about a second, and read in slices, so that nobody else waits. Ends when the range is complete,
+/// when the server says that there is no more, or with an empty page; a total of 0 is taken for
+/// "unknown". Where fewer came than the server counts, a listing of everything fails, and so does a
+/// range that is left without a row; one with rows is for whoever asks for its rest. Main thread
+/// only.
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
@@ -57,10 +57,6 @@ private:
         std::string didl;
         /// Held until it is read.
         std::shared_ptr<void> place;
-        bool isSmall = false;
-        bool isParsed = false;
-        /// Of a parsed one; nothing where it can't be read.
-        std::optional<DidlList> list = {};
     };
 
     Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller, RowSink sink,
@@ -72,8 +68,8 @@ private:
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);
     bool isEndOfUnknown(const ActionReply &reply) const;
     bool retrySmaller(const ActionReply &reply, uint32_t position);
-    void parse(const std::shared_ptr<Page> &page);
-    void gotObjects();
+    void parsePage();
+    void gotObjects(std::optional<DidlList> list, bool isSmall);
     void readNextSlice();
     void readSlice();
     void tellTotal();
@@ -105,8 +101,8 @@ private:
     bool m_isRequesting = false;
     bool m_isAtEnd = false;
     /// Came, and waits for the one that is being read.
-    std::shared_ptr<Page> m_waiting;
-    std::shared_ptr<Page> m_reading;
+    std::optional<Page> m_waiting;
+    std::optional<Page> m_reading;
     PageReader m_reader;
 };
 
