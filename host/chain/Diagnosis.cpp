@@ -68,7 +68,7 @@ Diagnosis diagnosisOfChild(const ServiceAnswer &answer)
 {
     Diagnosis diagnosis = diagnosisOf(answer);
     // Others answer with an empty list.
-    if (answer.isGood() && childrenOf(answer).isEmpty())
+    if (listsObjects(answer) && childrenOf(answer).isEmpty())
         diagnosis.verdict = Diagnosis::Empty;
     return diagnosis;
 }

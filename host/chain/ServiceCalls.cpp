@@ -9,6 +9,8 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 
+#include <optional>
+
 namespace {
 
 namespace interfaces = mediaService::interfaces;
@@ -32,14 +34,21 @@ QString escaped(const QString &udn)
     return text;
 }
 
+constexpr const char *objectsSignature = "aa{sv}";
+
 /// The first value of an answer; of another type than `signature` it is none. Qt would go on for
 /// ever taking one type out of an array of another.
-template<typename T>
-T firstOf(const ServiceAnswer &answer, const char *signature)
+std::optional<QDBusArgument> firstOf(const ServiceAnswer &answer, const char *signature)
 {
     const auto value = answer.values.value(0).value<QDBusArgument>();
     const bool fits = answer.isGood() && value.currentSignature() == QLatin1String(signature);
-    return fits ? qdbus_cast<T>(value) : T();
+    return fits ? std::optional(value) : std::nullopt;
+}
+
+template<typename T>
+T decoded(const std::optional<QDBusArgument> &value)
+{
+    return value ? qdbus_cast<T>(*value) : T();
 }
 
 } // namespace
@@ -193,7 +202,7 @@ bool isPathOf(const QString &server, const QString &udn)
 QStringList objectPaths(const ServiceAnswer &answer)
 {
     QStringList paths;
-    for (const QDBusObjectPath &path : firstOf<QList<QDBusObjectPath>>(answer, "ao"))
+    for (const QDBusObjectPath &path : decoded<QList<QDBusObjectPath>>(firstOf(answer, "ao")))
         paths.append(path.path());
     return paths;
 }
@@ -203,12 +212,17 @@ QVariant valueOf(const ServiceAnswer &answer)
     return answer.values.value(0).value<QDBusVariant>().variant();
 }
 
+bool listsObjects(const ServiceAnswer &answer)
+{
+    return firstOf(answer, objectsSignature).has_value();
+}
+
 QList<QVariantMap> childrenOf(const ServiceAnswer &answer)
 {
-    return firstOf<QList<QVariantMap>>(answer, "aa{sv}");
+    return decoded<QList<QVariantMap>>(firstOf(answer, objectsSignature));
 }
 
 QVariantMap propertiesOf(const ServiceAnswer &answer)
 {
-    return firstOf<QVariantMap>(answer, "a{sv}");
+    return decoded<QVariantMap>(firstOf(answer, "a{sv}"));
 }

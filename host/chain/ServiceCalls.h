@@ -85,6 +85,8 @@ bool isPathOf(const QString &server, const QString &udn);
 
 /// The object paths in an answer of `servers()`.
 QStringList objectPaths(const ServiceAnswer &answer);
+/// Whether an answer of `child()`, `children()` or `search()` is a list of objects, be it empty.
+bool listsObjects(const ServiceAnswer &answer);
 /// The objects in an answer of `child()`, `children()` or `search()`.
 QList<QVariantMap> childrenOf(const ServiceAnswer &answer);
 /// The value in the answer of `property()` or `childCount()`; invalid where there is none.

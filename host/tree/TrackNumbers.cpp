@@ -23,7 +23,7 @@ QHash<int, int> trackNumbers(Session &session, const CMPath &folder, RowRange ra
         const uint count = uint(std::min<long long>(page, 1LL + range.last - first));
         const ServiceAnswer answer =
             service.children(object, uint(first), count, {QStringLiteral("TrackNumber")});
-        if (!answer.isGood()) {
+        if (!listsObjects(answer)) {
             throw Failure(answer.came ? AnsweredWithError : NoAnswer, QStringLiteral("noTracks"),
                 Text::tr("%1 doesn't tell the numbers of its tracks, so they can't be sorted "
                          "by them. Try --sort title.")
