@@ -8,7 +8,9 @@ function(compiled_translations variable name)
     find_program(ORKA_LRELEASE NAMES lrelease-qt5 lrelease HINTS ${tools} /usr/lib/qt5/bin)
     # Debian has a link of that name without the tool behind it.
     execute_process(COMMAND ${ORKA_LRELEASE} -version RESULT_VARIABLE status OUTPUT_QUIET ERROR_QUIET)
-    if(status EQUAL 0)
+    if(NOT status EQUAL 0)
+        unset(ORKA_LRELEASE CACHE) # it may be installed later
+    else()
         file(GLOB translations CONFIGURE_DEPENDS translations/${name}_*.ts)
         foreach(translation ${translations})
             get_filename_component(file ${translation} NAME_WE)
