@@ -10,6 +10,8 @@
 #include <QTest>
 #include <QUdpSocket>
 
+#include <sys/resource.h>
+
 namespace {
 
 const QString strangersHost = "10.77.0.66";
@@ -102,6 +104,7 @@ private Q_SLOTS:
     void deadControlAddressesAreAskedSeldom();
     void serversAreAddedByAddress();
     void manyAnnouncementsLeaveRoomForOthers();
+    void whatIsNamedAlwaysHasRoom();
 };
 
 void tst_BridgeNetwork::oddPacketsHurtNobody()
@@ -280,6 +283,36 @@ void tst_BridgeNetwork::manyAnnouncementsLeaveRoomForOthers()
     since.start();
     QVERIFY(!bridge->add(newcomer).isEmpty());
     QVERIFY2(since.elapsed() < 2000, qPrintable(QString::number(since.elapsed())));
+}
+
+/// As many as it follows are there, each alone at its address.
+void tst_BridgeNetwork::whatIsNamedAlwaysHasRoom()
+{
+    const rlimit few{100, 100}; // for this process, too: it has no further tests
+    bridge.reset();
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &few), 0);
+    bridge = std::make_unique<BridgeFixture>();
+    constexpr int room = 6;
+    QStringList udns;
+    std::vector<std::unique_ptr<Stranger>> strangers;
+    for (int i = 0; i <= room; ++i) {
+        const QString host = "10.77.0.%1"_s.arg(70 + i);
+        udns.append(newUdn());
+        QCOMPARE(addTestAddress("lan0", host + "/24"), QString());
+        strangers.push_back(std::make_unique<Stranger>(host));
+        strangers.back()->describe(udns.at(i), "/control");
+        strangers.back()->announce(udns.at(i));
+    }
+    QTRY_COMPARE(bridge->servers().size(), room);
+    // Whichever was refused.
+    for (int i = 0; i <= room; ++i) {
+        if (bridge->servers().contains(serverPath(udns.at(i))))
+            continue;
+        const QString url = strangers.at(size_t(i))->url();
+        const Answer answer = bridge->call(names::managerPath, names::bridge, "AddServer", {url});
+        QCOMPARE(answer.value().toString(), serverPath(udns.at(i)));
+    }
+    QTRY_COMPARE(bridge->servers().size(), room);
 }
 
 BRIDGE_TEST_MAIN(tst_BridgeNetwork)

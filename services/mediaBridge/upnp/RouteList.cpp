@@ -180,6 +180,12 @@ bool RouteList::isOnlyRemembered() const
             [](const Entry &route) { return route.listener == rememberedSource; });
 }
 
+bool RouteList::isNamed() const
+{
+    return std::any_of(
+        m_routes.begin(), m_routes.end(), [](const Entry &route) { return route.isNamed(); });
+}
+
 std::optional<unsigned> RouteList::namedSource() const
 {
     const bool isNamedOnly = !m_routes.empty()

@@ -37,6 +37,8 @@ public:
     std::vector<std::string> hosts() const;
     /// It was announced at the remembered place in an earlier run only.
     bool isOnlyRemembered() const;
+    /// One of them came from a named address.
+    bool isNamed() const;
     /// The first source's number where there are routes of named addresses only.
     std::optional<unsigned> namedSource() const;
     /// When the next route's time is over; 0 where none is waited for.

@@ -268,7 +268,7 @@ bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned 
     auto tracker = m_trackers.find(path);
     if (tracker == m_trackers.end()) {
         const std::string host = hostOf(route.location);
-        if (!makeRoomFor(host)) {
+        if (!makeRoomFor(host, route.isNamed())) {
             refuse(host);
             return false;
         }
@@ -280,8 +280,9 @@ bool ServerRegistry::heard(const std::string &udn, const Route &route, unsigned 
 
 /// A server that was heard for the first time takes the place of one that never answered, of its
 /// own host where that has all its places. Where all of them answered, a host that has several
-/// gives one up, or who was listed and doesn't answer now.
-bool ServerRegistry::makeRoomFor(const std::string &host)
+/// gives one up, or who was listed and doesn't answer now. One that somebody names always has room
+/// among those that were only announced.
+bool ServerRegistry::makeRoomFor(const std::string &host, bool isNamed)
 {
     std::map<std::string, size_t> ofHost;
     for (const auto &[path, tracker] : m_trackers)
@@ -292,8 +293,12 @@ bool ServerRegistry::makeRoomFor(const std::string &host)
         return true;
     // Not at once where it is of the same host: who keeps making names up would be asked for ever.
     const unsigned fewest = isHostFull ? failuresToGiveWay : 1;
-    // Greater is sooner; nothing for who stays.
-    const auto rank = [&](const ServerTracker &tracker) -> std::tuple<int, size_t, unsigned> {
+    using Rank = std::tuple<int, size_t, unsigned>;
+    const Rank stays{isNamed ? -1 : 0, std::numeric_limits<size_t>::max(), 0};
+    // Greater is sooner.
+    const auto rank = [&](const ServerTracker &tracker) -> Rank {
+        if (tracker.isNamed())
+            return stays;
         const size_t count = ofHost[tracker.host()];
         const unsigned failures = tracker.failures();
         if (tracker.isStranger() && failures >= fewest && (!isHostFull || tracker.host() == host))
@@ -303,7 +308,7 @@ bool ServerRegistry::makeRoomFor(const std::string &host)
         return {isHostFull || failures == 0 ? 0 : 1, failures, 0};
     };
     auto leaving = m_trackers.end();
-    std::tuple<int, size_t, unsigned> best{0, std::numeric_limits<size_t>::max(), 0};
+    Rank best = stays;
     for (auto it = m_trackers.begin(); it != m_trackers.end(); ++it) {
         if (const auto its = rank(*it->second); its > best) {
             best = its;

@@ -11,8 +11,8 @@
 namespace bridge {
 
 /// Every media server that was heard of, one entry per UDN; so many in all and by host as this
-/// process has descriptors for. Servers that never answered properly make room for others, and so
-/// do those of a host that has several.
+/// process has descriptors for. Servers that never answered properly make room for others, so do
+/// those of a host that has several, and all but named ones for a server that somebody names.
 class ServerRegistry
 {
 public:
@@ -71,7 +71,7 @@ private:
     void rememberAll();
     void changed(const std::shared_ptr<MediaServer> &server, bool isThere);
     void failed(const std::string &path, const std::string &problem);
-    bool makeRoomFor(const std::string &host);
+    bool makeRoomFor(const std::string &host, bool isNamed);
     void refuse(const std::string &host);
     std::shared_ptr<ServerTracker> newTracker(
         const std::string &udn, const std::string &path, const std::string &host);

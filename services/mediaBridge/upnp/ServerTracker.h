@@ -51,6 +51,7 @@ public:
     bool hasRoute() const { return !m_routes.isEmpty(); }
     /// See RouteList.
     bool isOnlyRemembered() const { return m_routes.isOnlyRemembered(); }
+    bool isNamed() const { return m_routes.isNamed(); }
     std::optional<unsigned> namedSource() const { return m_routes.namedSource(); }
     /// It has never been in the list.
     bool isStranger() const { return !m_server; }
