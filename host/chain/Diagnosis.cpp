@@ -87,8 +87,13 @@ Diagnosis diagnose(const CMPath &path, int position, std::chrono::milliseconds l
     if (path.param(QStringLiteral("itemType")) == QLatin1String("track"))
         return diagnosisOf(service.everything(object));
     Diagnosis diagnosis = diagnosisOfChild(service.child(object, uint(position)));
-    if (diagnosis.verdict == Diagnosis::Empty && position > 0)
-        diagnosis.childCount = valueOf(service.childCount(object)).toInt();
+    if (diagnosis.isTrouble())
+        return diagnosis;
+    // A worker gives no rows without their number.
+    const ServiceAnswer count = service.childCount(object);
+    if (diagnosis.verdict == Diagnosis::Answers)
+        return diagnosisOf(count);
+    diagnosis.childCount = position > 0 ? valueOf(count).toInt() : 0;
     return diagnosis;
 }
 
@@ -124,6 +129,9 @@ Failure failureOf(const Diagnosis &diagnosis, const Patient &patient)
         return missing(QStringLiteral("serverGone"),
             Text::tr("%1 is not there any more. \"orka servers\" lists those that are there.")
                 .arg(patient.server));
+    case Diagnosis::Answers:
+        return Failure(AnsweredWithError, QStringLiteral("refused"),
+            Text::tr("%1 failed once, but answers now. Try again.").arg(patient.server));
     default:
         return Failure(AnsweredWithError, QStringLiteral("refused"),
             (patient.isSearched ? Text::tr("%1 could not be searched: %2.")

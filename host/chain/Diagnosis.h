@@ -61,5 +61,5 @@ struct Patient
     std::chrono::milliseconds waited;
 };
 
-/// Trouble as a sentence, with the status that the program ends with.
+/// Trouble, or that it has passed, as a sentence, with the status that the program ends with.
 Failure failureOf(const Diagnosis &diagnosis, const Patient &patient);

@@ -176,10 +176,17 @@ ServiceAnswer ServiceCalls::children(
     return send(childrenCall(container, first, count, properties));
 }
 
+QDBusMessage ServiceCalls::childCountCall(const QString &container)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        ServiceStarter::busName(), container, propertiesInterface, QStringLiteral("Get"));
+    call.setArguments({containerInterface, QStringLiteral("ChildCount")});
+    return call;
+}
+
 ServiceAnswer ServiceCalls::childCount(const QString &container) const
 {
-    return call(container, propertiesInterface, QStringLiteral("Get"),
-        {containerInterface, QStringLiteral("ChildCount")});
+    return send(childCountCall(container));
 }
 
 QString ServiceCalls::objectOf(const QString &base, const QStringList &servers) const

@@ -63,6 +63,7 @@ public:
         const QString &container, const QString &query, uint most, const QStringList &properties);
     ServiceAnswer search(const QString &container, const QString &query, uint most,
         const QStringList &properties) const;
+    static QDBusMessage childCountCall(const QString &container);
     ServiceAnswer childCount(const QString &container) const;
     /// "/…/server/…/36" for the base of a node path, "/uuid:…/36"; empty where none of `servers`
     /// has this UDN.

@@ -185,7 +185,7 @@ int Session::explain(const CMError &error, const CMPath &path, int position)
         throw noAnswer(nameOf(path), m_options.timeout);
     const Diagnosis diagnosis = text == unexplained ? diagnoseRow(path, position)
                                                     : diagnosisOf(text.mid(unexplained.size() + 2));
-    if (diagnosis.isTrouble())
+    if (diagnosis.isTrouble() || (text == unexplained && diagnosis.verdict == Diagnosis::Answers))
         throw failureOf(diagnosis, patient(path));
     if (diagnosis.verdict != Diagnosis::Empty)
         throw errorAnswer(error, path, nameOf(path));

@@ -1234,6 +1234,10 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>%1 ist nicht mehr da. &quot;orka servers&quot; führt die vorhandenen auf.</translation>
     </message>
     <message>
+        <source>%1 failed once, but answers now. Try again.</source>
+        <translation>%1 hatte kurz eine Störung, antwortet jetzt aber wieder. Versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
         <source>%1 could not be searched: %2.</source>
         <translation>%1 konnte nicht durchsucht werden: %2.</translation>
     </message>

@@ -58,12 +58,14 @@ void ErrorReason::ask(const QString &server, std::chrono::milliseconds limit)
         return watcher;
     };
     m_node = send(node);
+    if (!isTrack(m_question.path))
+        m_count = send(ServiceCalls::childCountCall(object));
     m_name = send(ServiceCalls::propertyCall(server, QStringLiteral("FriendlyName")));
 }
 
 void ErrorReason::lookAtAnswers()
 {
-    if (!m_node->isFinished() || !m_name->isFinished())
+    if (!m_node->isFinished() || !m_name->isFinished() || (m_count && !m_count->isFinished()))
         return;
     const ServiceAnswer name = ServiceCalls::answerOf(m_name->reply());
     const QString text = m_error.message().sourceString().mid(unexplained.size() + 2);
@@ -71,6 +73,8 @@ void ErrorReason::lookAtAnswers()
     Diagnosis diagnosis = !text.isEmpty() ? diagnosisOf(text)
         : isTrack(m_question.path)        ? diagnosisOf(node)
                                           : diagnosisOfChild(node);
+    if (m_count && text.isEmpty() && diagnosis.verdict == Diagnosis::Answers)
+        diagnosis = diagnosisOf(ServiceCalls::answerOf(m_count->reply()));
     if (!name.came)
         diagnosis.verdict = Diagnosis::ServiceSilent;
     tell(diagnosis, valueOf(name).toString());

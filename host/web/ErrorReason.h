@@ -42,6 +42,8 @@ private:
     const Question m_question;
     Done m_done;
     std::unique_ptr<QDBusPendingCallWatcher> m_node;
+    /// A container's number of rows, without which a worker gives none.
+    std::unique_ptr<QDBusPendingCallWatcher> m_count;
     /// The media service knows this by itself: a sign of life.
     std::unique_ptr<QDBusPendingCallWatcher> m_name;
 };

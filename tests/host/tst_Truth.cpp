@@ -79,6 +79,12 @@ void tst_Truth::failuresSayWhatIsTheMatter_data()
         "refused", [=](auto &s) { s.fail(listing, "Browse operation failed: Bad (701)."); },
         "ls Den/Mu,sic", 1, "\"Den/Mu,sic\" could not be read: Bad (701).\n");
     row(
+        "doesn't count",
+        [=](auto &s) {
+            s.fail({"Get", music, "ChildCount"}, "Not counted.");
+        },
+        "ls Den/Mu,sic", 1, "\"Den/Mu,sic\" could not be read: Not counted.\n");
+    row(
         "hangs",
         [=](auto &s) {
             s.hold(listing);
