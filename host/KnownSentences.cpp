@@ -24,8 +24,8 @@ constexpr const char *sentences[] = {
     Text::mark("%1 media servers at %2 have announced themselves and not described themselves yet"),
     Text::mark("Media servers can't be heard at %1 (%2)"),
     Text::mark(
-        "The media server %1, heard from %2, names another machine for its description (%3), "
-        "which isn't asked"),
+        "The media server %1, heard from %2, keeps its description at %3, which is no http:// "
+        "address of its own and isn't asked"),
     Text::mark("Media servers can't be remembered in %1 (%2): one that is off at the next start "
                "won't be missed"),
     // and of addresses
@@ -45,8 +45,8 @@ constexpr const char *sentences[] = {
                "interface, as in \"%3\""),
     Text::mark("There is no network interface \"%1\" now, on which %2 could be reached"),
     Text::mark("No search can be sent to %1 (%2)"),
-    Text::mark("The media server at %1 names another machine for its description (%2), which isn't "
-               "asked; name that URL itself to use it"),
+    Text::mark("The media server at %1 keeps its description at %2, which is no http:// address of "
+               "its own and isn't asked; name that URL itself if it begins with http://"),
     Text::mark(
         "Nothing answered the search at %1, port 1900, and of the usual descriptions %2; if a "
         "media server runs there, name its port, as in \"%3\", or the URL of its description"),

@@ -1623,8 +1623,8 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>Medienserver sind über %1 nicht zu hören (%2)</translation>
     </message>
     <message>
-        <source>The media server %1, heard from %2, names another machine for its description (%3), which isn&apos;t asked</source>
-        <translation>Der Medienserver %1, der sich von %2 meldet, nennt für seine Beschreibung einen anderen Rechner (%3), der nicht gefragt wird</translation>
+        <source>The media server %1, heard from %2, keeps its description at %3, which is no http:// address of its own and isn&apos;t asked</source>
+        <translation>Der Medienserver %1, der sich von %2 meldet, hat seine Beschreibung unter %3; das ist keine http://-Adresse von ihm selbst und wird nicht abgefragt</translation>
     </message>
     <message>
         <source>Media servers can&apos;t be remembered in %1 (%2): one that is off at the next start won&apos;t be missed</source>
@@ -1687,8 +1687,8 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>An %1 lässt sich keine Suche senden (%2)</translation>
     </message>
     <message>
-        <source>The media server at %1 names another machine for its description (%2), which isn&apos;t asked; name that URL itself to use it</source>
-        <translation>Der Medienserver unter %1 nennt für seine Beschreibung einen anderen Rechner (%2), der nicht gefragt wird; nennen Sie diese URL selbst, um ihn zu nutzen</translation>
+        <source>The media server at %1 keeps its description at %2, which is no http:// address of its own and isn&apos;t asked; name that URL itself if it begins with http://</source>
+        <translation>Der Medienserver unter %1 hat seine Beschreibung unter %2; das ist keine http://-Adresse von ihm selbst und wird nicht abgefragt. Beginnt sie mit http://, nennen Sie diese URL selbst</translation>
     </message>
     <message>
         <source>Nothing answered the search at %1, port 1900, and of the usual descriptions %2; if a media server runs there, name its port, as in &quot;%3&quot;, or the URL of its description</source>

@@ -217,8 +217,9 @@ void AddressLook::answeredSearch(std::string_view packet, const std::string &sen
             message->maxAge);
     else
         failed(Reached::Description,
-            "The media server at " + sender + " names another machine for its description ("
-                + message->location + "), which isn't asked; name that URL itself to use it");
+            "The media server at " + sender + " keeps its description at " + message->location
+                + ", which is no http:// address of its own and isn't asked; name that URL itself "
+                  "if it begins with http://");
 }
 
 void AddressLook::askForDescriptions()

@@ -149,8 +149,8 @@ void Discovery::received(unsigned id, const SsdpMessage &message, const std::str
             message.maxAge);
     } else if (m_odd.size() < limits::strangersNamed && m_odd.count(sender) == 0) {
         const std::string &sentence = m_odd[sender] = "The media server " + message.udn
-            + ", heard from " + sender + ", names another machine for its description ("
-            + message.location + "), which isn't asked.";
+            + ", heard from " + sender + ", keeps its description at " + message.location
+            + ", which is no http:// address of its own and isn't asked.";
         logWarning(sentence);
     }
 }
