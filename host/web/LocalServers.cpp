@@ -46,7 +46,7 @@ void LocalServers::read()
 {
     const QStringList objects = m_chain.serviceObjects();
     for (auto port = m_ports.begin(); port != m_ports.end();)
-        port = objects.contains(port.key()) ? port + 1 : m_ports.erase(port);
+        port = objects.contains(port.key()) ? std::next(port) : m_ports.erase(port);
     for (const QString &object : objects)
         ask(object);
 }

@@ -35,7 +35,7 @@ void keepWarning(QtMsgType, const QMessageLogContext &, const QString &message)
 }
 
 /// What is in use at the lowest point of a quarter of the rounds, from 0.
-qint64 base(const QVector<qint64> &heap, int quarter)
+[[maybe_unused]] qint64 base(const QVector<qint64> &heap, int quarter)
 {
     const auto begin = heap.begin() + heap.size() / 4 * quarter;
     return *std::min_element(begin, begin + heap.size() / 4);
