@@ -4,6 +4,7 @@
 #include "Language.h"
 #include "ParserTexts.h"
 #include "Settings.h"
+#include "StandardStreams.h"
 #include "Text.h"
 #include "Version.h"
 #include "chain/StuckBus.h"
@@ -25,7 +26,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <optional>
 #include <pwd.h>
 #include <sstream>
@@ -135,16 +135,6 @@ int run(Command &command, const GlobalOptions &options)
     } catch (const InterruptedBySignal &interrupt) {
         return interrupt.exitStatus();
     }
-}
-
-/// A descriptor that the caller closed would be given to the next file that is opened, and the
-/// answer written into that. Written to this one, it fails.
-void occupyStandardDescriptors()
-{
-    int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-        descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    close(descriptor);
 }
 
 /// Without HOME, as a service may start us, the user's folders would be taken to be those at "/".

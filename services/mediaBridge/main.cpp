@@ -1,6 +1,7 @@
 #include "Log.h"
 #include "LoopWatch.h"
 #include "Options.h"
+#include "StandardStreams.h"
 #include "bus/MediaService.h"
 #include "core/Background.h"
 #include "core/Limits.h"
@@ -152,5 +153,6 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    occupyStandardDescriptors();
     return bridge::run(argc, argv);
 }
