@@ -7,8 +7,11 @@
 #include "core/Properties.h"
 #include "core/RememberedServer.h"
 #include "core/SearchCriteria.h"
+#include "core/SoapMessage.h"
+#include "core/Xml.h"
 
 #include <QTest>
+#include <QTextCodec>
 
 using namespace bridge;
 
@@ -234,6 +237,37 @@ private Q_SLOTS:
             QVERIFY(list && !list->isWhole && list->endsAtFault == (end == bad));
             QCOMPARE(list->objects.size(), size_t(1));
         }
+    }
+
+    void encodingsAndReferencesChangeNoText()
+    {
+        const std::string text = "B\xc3\xa4r \xe4\xb8\x80";
+        const std::string list =
+            "<DIDL-Lite><item id='a'><dc:title>" + text + "</dc:title></item></DIDL-Lite>";
+        const auto titleIn = [](const std::string &didl) {
+            const auto read = parseDidl(didl);
+            return read && !read->objects.empty() ? read->objects.front().title : std::string();
+        };
+        // It was decoded with the answer that it stood in.
+        QCOMPARE(titleIn("<?xml version='1.0' encoding='ISO-8859-1'?>" + list), text);
+        for (const char *encoding : {"UTF-16LE", "UTF-16BE", "UTF-16"}) {
+            QTextCodec::ConverterState plain(QTextCodec::IgnoreHeader);
+            const QString whole = QString::fromStdString("<a>" + text + "</a>");
+            const QByteArray wide =
+                QTextCodec::codecForName(encoding)->fromUnicode(whole.constData(), whole.size(),
+                    encoding == QByteArray("UTF-16") ? nullptr : &plain);
+            QCOMPARE(elementText(XmlDocument(wide.toStdString()).root()), text);
+        }
+        const std::pair<const char *, const char *> references[] = {{"AC&#0;D&#x00;C", "ACDC"},
+            {"&#4294967361;A&#x110000;", "A"}, {"&#65;&#x1f600;", "A\xf0\x9f\x98\x80"},
+            {"&#;&#x;&#0", "&#;&#x;&#0"}};
+        for (const auto &[written, meant] : references)
+            QCOMPARE(titleIn(didl(
+                         "<item id='1'><dc:title>" + std::string(written) + "</dc:title></item>")),
+                std::string(meant));
+        const std::string id = "a\rb\r\n <&\t";
+        const XmlDocument call(soapEnvelope("urn:s", "Browse", {{"ObjectID", id}}));
+        QCOMPARE(rawElementText(call.root().first_child().first_child().child("ObjectID")), id);
     }
 
     void entitiesDoNotBlowUp()

@@ -212,7 +212,8 @@ std::optional<DidlList> parseDidl(std::string didl, size_t maxObjects)
     DidlList list;
     if (didl.find_first_not_of(" \t\r\n") == std::string::npos)
         return list;
-    const XmlDocument document(std::move(didl), limits::tags(maxObjects));
+    const XmlDocument document(
+        std::move(didl), limits::tags(maxObjects), XmlDocument::Encoding::Utf8);
     if (localName(document.root().name()) != "DIDL-Lite")
         return std::nullopt;
     list.isWhole = document.isWhole();

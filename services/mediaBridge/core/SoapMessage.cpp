@@ -33,6 +33,17 @@ bool closes(std::string_view body, std::string_view name)
     return tag != std::string_view::npos && body.substr(tag, 2) == "</";
 }
 
+/// As the text of an element. A parser would read a bare carriage return as a line feed.
+std::string escaped(const std::string &text)
+{
+    const std::string escaped =
+        takeString(g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size())));
+    std::string whole;
+    for (const char c : escaped)
+        c == '\r' ? whole.append("&#13;") : whole.append(1, c);
+    return whole;
+}
+
 } // namespace
 
 std::string soapEnvelope(
@@ -44,7 +55,7 @@ std::string soapEnvelope(
     body += "<u:" + action + " xmlns:u=\"" + serviceType + "\">";
     for (const auto &[name, value] : arguments) {
         body += std::string("<") + name + '>';
-        body += takeString(g_markup_escape_text(value.c_str(), static_cast<gssize>(value.size())));
+        body += escaped(value);
         body += std::string("</") + name + '>';
     }
     return body + "</u:" + action + "></s:Body></s:Envelope>";

@@ -102,6 +102,63 @@ std::string_view withoutLayout(std::string_view text)
     return text.substr(first, (cutsEnd ? end : text.size()) - first);
 }
 
+/// The name of the two-byte encoding that a document begins with, in which nothing could be looked
+/// for; null where it is another.
+const char *wideEncoding(std::string_view text)
+{
+    using namespace std::string_view_literals;
+    for (const std::string_view start : {"\xff\xfe"sv, "<\0"sv}) {
+        if (text.substr(0, start.size()) == start)
+            return "UTF-16LE";
+    }
+    for (const std::string_view start : {"\xfe\xff"sv, "\0<"sv}) {
+        if (text.substr(0, start.size()) == start)
+            return "UTF-16BE";
+    }
+    return nullptr;
+}
+
+/// Empty where it can't be read to its end.
+std::string toUtf8(const std::string &text, const char *encoding)
+{
+    gsize size = 0;
+    char *converted = g_convert(
+        text.data(), static_cast<gssize>(text.size()), "UTF-8", encoding, nullptr, &size, nullptr);
+    const std::string utf8(converted ? converted : "", converted ? size : 0);
+    g_free(converted);
+    return utf8;
+}
+
+/// The end of a reference to what is no character, "&#0;", or `position`: the parser would make a
+/// NUL of it, or another character of a number that is too large.
+size_t behindImpossible(const std::string &text, size_t position)
+{
+    constexpr guint64 lastCharacter = 0x10ffff;
+    const bool isHex = text.compare(position, 3, "&#x") == 0;
+    const char *digits = text.c_str() + position + (isHex ? 3 : 2);
+    char *end = nullptr;
+    const guint64 number = g_ascii_strtoull(digits, &end, isHex ? 16 : 10);
+    const bool isReference = g_ascii_isxdigit(*digits) && *end == ';';
+    const bool isImpossible = isReference && (number == 0 || number > lastCharacter);
+    return isImpossible ? static_cast<size_t>(end - text.c_str()) + 1 : position;
+}
+
+void dropImpossibleReferences(std::string &text)
+{
+    std::string kept;
+    size_t done = 0;
+    for (size_t at = text.find("&#"); at != std::string::npos; at = text.find("&#", at + 1)) {
+        const size_t end = behindImpossible(text, at);
+        if (end == at)
+            continue;
+        kept.append(text, done, at - done);
+        done = end;
+        at = end - 1;
+    }
+    if (done > 0)
+        text = kept.append(text, done, std::string::npos);
+}
+
 bool isText(pugi::xml_node node)
 {
     return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
@@ -109,16 +166,22 @@ bool isText(pugi::xml_node node)
 
 } // namespace
 
-XmlDocument::XmlDocument(std::string text, size_t maxTags)
+XmlDocument::XmlDocument(std::string text, size_t maxTags, Encoding encoding)
     : m_text(std::move(text))
 {
+    const char *wide = encoding == Encoding::Declared ? wideEncoding(m_text) : nullptr;
+    if (wide)
+        m_text = toUtf8(m_text, wide);
     // The parser takes a NUL for the end.
     if (std::memchr(m_text.data(), 0, m_text.size()))
         m_text.erase(std::remove(m_text.begin(), m_text.end(), '\0'), m_text.end());
     cutBehind(m_text, '<', maxTags);
     cutBehind(m_text, '=', std::max(maxTags, maxTags * limits::attributesOfTag));
     escapeStrayBrackets(m_text);
-    const auto result = m_document.load_buffer_inplace(m_text.data(), m_text.size());
+    dropImpossibleReferences(m_text);
+    const bool isUtf8 = wide || encoding == Encoding::Utf8;
+    const auto result = m_document.load_buffer_inplace(m_text.data(), m_text.size(),
+        pugi::parse_default, isUtf8 ? pugi::encoding_utf8 : pugi::encoding_auto);
     m_isWhole = result;
     m_faultAt = static_cast<size_t>(result.offset);
 }
