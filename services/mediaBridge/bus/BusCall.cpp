@@ -6,7 +6,16 @@
 
 namespace bridge {
 
-BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes)
+void ErrorQueue::push(Error error)
+{
+    const std::string caller = error.caller;
+    waiting.push(caller, std::move(error));
+    if (onPushed)
+        onPushed();
+}
+
+BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes,
+    std::shared_ptr<ErrorQueue> errors)
     : m_connection(dbus_connection_ref(connection))
     , m_message(dbus_message_ref(message))
     , m_path(textOrEmpty(dbus_message_get_path(message)))
@@ -16,6 +25,7 @@ BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxByt
     , m_serial(dbus_message_get_serial(message))
     , m_wantsAnswer(dbus_message_get_no_reply(message) == FALSE)
     , m_maxBytes(maxBytes)
+    , m_errors(std::move(errors))
 {
 }
 
@@ -44,10 +54,12 @@ void BusCall::replyVariant(const Value &value)
 
 void BusCall::fail(const Failure &failure)
 {
-    if (m_isAnswered)
+    if (std::exchange(m_isAnswered, true))
         return;
-    logDebug(m_member + " " + m_path + ": " + shortened(failure.text, limits::errorTextBytes));
-    post(newError(m_sender, m_serial, failure));
+    const Failure bounded{failure.name, shortened(failure.text, limits::errorTextBytes)};
+    logDebug(m_member + " " + m_path + ": " + bounded.text);
+    if (m_wantsAnswer)
+        m_errors->push({m_sender, m_serial, bounded});
 }
 
 void BusCall::cancel()

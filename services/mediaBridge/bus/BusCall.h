@@ -4,11 +4,32 @@
 #include "core/Caller.h"
 #include "core/Failure.h"
 #include "core/Glib.h"
+#include "core/TurnQueue.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace bridge {
+
+/// Errors that wait to be sent, those of each caller in turn: answers go out in the order they were
+/// written, and a thousand calls that end at once are not to come before others'.
+struct ErrorQueue
+{
+    struct Error
+    {
+        std::string caller;
+        dbus_uint32_t serial = 0;
+        /// Nothing for one call too many, of which there may be very many.
+        std::optional<Failure> failure;
+    };
+    void push(Error error);
+
+    TurnQueue<Error> waiting;
+    /// One more waits. Called from inside whatever fails.
+    std::function<void()> onPushed;
+};
 
 /// One method call that waits for its answer. Exactly one answer goes out: a second is dropped, and
 /// a call that is let go unanswered is answered with an error, so no caller ever waits for nothing.
@@ -16,7 +37,8 @@ class BusCall
 {
 public:
     /// `maxBytes` is what one message on this bus may hold.
-    BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes);
+    BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes,
+        std::shared_ptr<ErrorQueue> errors);
     ~BusCall();
     BusCall(const BusCall &) = delete;
     BusCall &operator=(const BusCall &) = delete;
@@ -68,6 +90,7 @@ private:
     dbus_uint32_t m_serial;
     bool m_wantsAnswer;
     size_t m_maxBytes;
+    std::shared_ptr<ErrorQueue> m_errors;
     std::shared_ptr<void> m_token;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     bool m_isAnswered = false;

@@ -77,6 +77,7 @@ void BusService::ConnectionCloser::operator()(DBusConnection *connection) const
 
 BusService::~BusService()
 {
+    m_errors->onPushed = nullptr;
     m_loop.reset();
 }
 
@@ -104,6 +105,10 @@ std::string BusService::connect(const std::string &where)
     dbus_bus_add_match(m_connection.get(),
         "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''", nullptr);
     limitSendBuffer(m_connection.get());
+    m_errors->onPushed = [this] {
+        if (!m_nextTurn.isRunning())
+            m_nextTurn.start(0, [this] { handleWaiting(); });
+    };
     m_loop = std::make_unique<BusLoop>(m_connection.get());
     return {};
 }
@@ -159,11 +164,12 @@ void BusService::receiveCall(DBusMessage *message)
     giveBackSpareMemorySoon();
     Calls &calls = m_calls[sender];
     if (mayCall(calls)) {
-        const auto call = std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes);
+        const auto call =
+            std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes, m_errors);
         keepCall(calls, call);
         m_waiting.push(sender, call);
     } else if (dbus_message_get_no_reply(message) == FALSE) {
-        m_refused.push(sender, {sender, dbus_message_get_serial(message)});
+        m_errors->waiting.push(sender, {sender, dbus_message_get_serial(message), std::nullopt});
     }
     handleSoon();
 }
@@ -189,14 +195,14 @@ void BusService::handleWaiting()
     const bool isBehind =
         dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS;
     const int64_t end = g_get_monotonic_time() + (isBehind ? shortUs : longestUs);
-    while (!m_waiting.isEmpty() || !m_refused.isEmpty()) {
+    while (!m_waiting.isEmpty() || !m_errors->waiting.isEmpty()) {
         if (unsentBytes() > limits::unsentBytes) {
             m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });
             return;
         }
         if (!m_waiting.isEmpty())
             handle(m_waiting.pop());
-        refuseSome();
+        sendErrors();
         if (g_get_monotonic_time() > end) {
             m_nextTurn.start(0, [this] { handleWaiting(); });
             return;
@@ -204,16 +210,17 @@ void BusService::handleWaiting()
     }
 }
 
-/// Answers are sent in the order they were written; those of a flood aren't to come before others'.
-void BusService::refuseSome()
+/// A few, since answers are sent in the order they were written.
+void BusService::sendErrors()
 {
     constexpr int some = 8;
-    for (int i = 0; i < some && !m_refused.isEmpty(); ++i) {
-        const Refused refused = m_refused.pop();
-        const Message error = newError(refused.sender, refused.serial,
-            {errors::limitsExceeded,
-                "Too many calls at once: wait for the answers of those that are under way."});
-        dbus_connection_send(m_connection.get(), error.get(), nullptr);
+    static const Failure tooMany{errors::limitsExceeded,
+        "Too many calls at once: wait for the answers of those that are under way."};
+    for (int i = 0; i < some && !m_errors->waiting.isEmpty(); ++i) {
+        const ErrorQueue::Error error = m_errors->waiting.pop();
+        const Message message =
+            newError(error.caller, error.serial, error.failure ? *error.failure : tooMany);
+        dbus_connection_send(m_connection.get(), message.get(), nullptr);
     }
 }
 
@@ -265,7 +272,7 @@ void BusService::clientLeft(const std::string &name)
         }
         m_calls.erase(calls);
     }
-    m_refused.drop(name);
+    m_errors->waiting.drop(name);
     releaseClient(name);
     giveBackSpareMemorySoon();
 }
@@ -316,7 +323,11 @@ void BusService::finishSending(unsigned ms)
 {
     Timer enough;
     enough.start(ms, [] {});
-    while (dbus_connection_has_messages_to_send(m_connection.get()) != FALSE && enough.isRunning())
+    const auto areAllSent = [this] {
+        return m_errors->waiting.isEmpty()
+            && dbus_connection_has_messages_to_send(m_connection.get()) == FALSE;
+    };
+    while (!areAllSent() && enough.isRunning())
         g_main_context_iteration(nullptr, TRUE);
 }
 

@@ -68,20 +68,13 @@ private:
         /// have ended since.
         std::vector<std::weak_ptr<BusCall>> begun;
     };
-    /// A call that the client may not make now.
-    struct Refused
-    {
-        std::string sender;
-        dbus_uint32_t serial = 0;
-    };
-
     bool receive(DBusMessage *message);
     void receiveCall(DBusMessage *message);
     bool mayCall(const Calls &calls) const;
     void keepCall(Calls &calls, const BusCallPtr &call);
     void handleSoon();
     void handle(const BusCallPtr &call);
-    void refuseSome();
+    void sendErrors();
     void clientLeft(const std::string &name);
     void handleWaiting();
 
@@ -96,8 +89,8 @@ private:
     std::shared_ptr<size_t> m_callCount = std::make_shared<size_t>(0);
     /// Calls that were not looked at yet, by the caller's unique name.
     TurnQueue<BusCallPtr> m_waiting;
-    /// As many of a client as the bus lets wait for an answer.
-    TurnQueue<Refused> m_refused;
+    /// As many of a client as the bus lets wait for an answer. The calls have it, too.
+    std::shared_ptr<ErrorQueue> m_errors = std::make_shared<ErrorQueue>();
     Timer m_nextTurn;
 };
 

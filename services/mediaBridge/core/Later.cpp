@@ -9,6 +9,8 @@ namespace bridge {
 
 namespace {
 
+/// Of a turn; what is done at once may take more.
+constexpr int64_t turnUs = 1'000;
 constexpr int64_t longestUs = 3'000;
 
 struct Queue
@@ -28,7 +30,7 @@ Queue &queue()
 
 void workOn()
 {
-    const int64_t end = g_get_monotonic_time() + longestUs;
+    const int64_t end = g_get_monotonic_time() + turnUs;
     auto &waiting = queue().waiting;
     while (!waiting.isEmpty() && g_get_monotonic_time() < end) {
         // Taken out before it runs: it may add more, or end what it belongs to.
