@@ -143,17 +143,18 @@ size_t behindImpossible(const std::string &text, size_t position)
     return isImpossible ? static_cast<size_t>(end - text.c_str()) + 1 : position;
 }
 
+/// Looks for "#", which is rarer than "&".
 void dropImpossibleReferences(std::string &text)
 {
     std::string kept;
     size_t done = 0;
-    for (size_t at = text.find("&#"); at != std::string::npos; at = text.find("&#", at + 1)) {
-        const size_t end = behindImpossible(text, at);
-        if (end == at)
+    for (size_t at = nextOf('#', text, 1); at < text.size(); at = nextOf('#', text, at + 1)) {
+        const size_t start = at - 1;
+        const size_t end = text[start] == '&' ? behindImpossible(text, start) : start;
+        if (end == start)
             continue;
-        kept.append(text, done, at - done);
+        kept.append(text, done, start - done);
         done = end;
-        at = end - 1;
     }
     if (done > 0)
         text = kept.append(text, done, std::string::npos);
