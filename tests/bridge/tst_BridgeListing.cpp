@@ -76,6 +76,9 @@ void tst_BridgeListing::initTestCase()
     server->tree.addTrack("t1", "m", "Say \"Hello\"");
     server->tree.addTrack("t2", "m", "Back\\slash & <more>");
     server->tree.addTrack("t3", "m", "100 % Ärger");
+    server->tree.addFolder("twice", "away from the others", "Twice");
+    for (const char *id : {"a", "b", "c", "c"})
+        server->tree.addTrack(id, "twice", id);
     server->behaviour.bareAmpersands = true;
     root = bridge->add(*server);
     QVERIFY(!root.isEmpty());
@@ -221,10 +224,21 @@ void tst_BridgeListing::oddObjectsNeverCostTheirNeighbours()
 /// Either the bridge gets what is missing, or it says so.
 void tst_BridgeListing::cutAnswersAreNeverCutLists()
 {
-    server->behaviour.overlap = 2;
     server->behaviour.pageCap = 7;
-    const QString lacking = titles(bridge->list(path("numbers"))).join(' ');
-    QVERIFY2(lacking.contains("counts 25 objects here, but only"), qPrintable(lacking));
+    for (const uint overlap : {1U, 2U}) {
+        server->behaviour.overlap = overlap;
+        QCOMPARE(titles(bridge->list(path("numbers"))), trackTitles(0, numberCount));
+        QCOMPARE(
+            titles(bridge->list(path("numbers"), 5, 12)), trackTitles(5 - overlap, 17 - overlap));
+    }
+    // Not to be told from a server that sends one row for two.
+    server->behaviour.overlap = 0;
+    server->behaviour.pageCap = 3;
+    for (const auto total : {ServerBehaviour::Counted, ServerBehaviour::Zero}) {
+        server->behaviour.total = total;
+        const QString lacking = titles(bridge->list(path("twice"))).join(' ');
+        QVERIFY2(lacking.contains("objects here, but only 3 came"), qPrintable(lacking));
+    }
     server->behaviour = {};
     server->behaviour.cutResult = true;
     const Answer answer = bridge->list(path("numbers"));

@@ -64,20 +64,33 @@ void Listing::proceed()
         finish();
 }
 
+/// Where in the server's list what has come ends. Rows that came twice are behind none others.
+uint32_t Listing::reached() const
+{
+    return m_position - m_reader.repeatedCount();
+}
+
+/// What came twice may have stood for another object, where the server's count doesn't say that all
+/// are there.
+uint32_t Listing::lostCount() const
+{
+    return m_reader.lostCount() + (isTotalKnown() ? 0 : m_reader.repeatedCount());
+}
+
 /// Of a count that what has come disproves nothing is believed.
 bool Listing::isTotalKnown() const
 {
-    return m_total > 0 && (m_position <= m_total || !m_reader.hasSeenObjects());
+    return m_total > 0 && (reached() <= m_total || !m_reader.hasSeenObjects());
 }
 
 bool Listing::wantsMore() const
 {
-    if (m_isAtEnd || (isTotalKnown() && m_position >= m_total))
+    if (m_isAtEnd || (isTotalKnown() && reached() >= m_total))
         return false;
     if (m_request.max == 0)
         return true;
     if (!m_request.isFiltered())
-        return m_position - m_request.offset < m_request.max;
+        return reached() - m_request.offset < m_request.max;
     return m_reader.rowCount() < m_request.max;
 }
 
@@ -85,7 +98,7 @@ void Listing::requestPage()
 {
     uint32_t count = m_pageSize.objects();
     if (m_request.max > 0 && !m_request.isFiltered())
-        count = std::min(count, m_request.max - (m_position - m_request.offset));
+        count = std::min(count, m_request.max - (reached() - m_request.offset));
     const unsigned timeoutMs = std::min(remainingMs(), MediaServer::answerTimeoutMs);
     if (timeoutMs == 0) {
         failLate();
@@ -244,7 +257,7 @@ void Listing::failLate()
 bool Listing::isShort() const
 {
     const bool mayBeSeen = m_request.tellsTotal || (m_request.max > 0 && m_reader.rowCount() > 0);
-    return (m_reader.lostCount() > 0 || (m_isAtEnd && m_position < m_total)) && !mayBeSeen;
+    return (lostCount() > 0 || (m_isAtEnd && reached() < m_total)) && !mayBeSeen;
 }
 
 void Listing::failShort()
@@ -262,7 +275,7 @@ void Listing::finish()
 {
     // Clients look elsewhere for what a search can't give, but only where it fails.
     const bool isNothing = m_request.action == "Search" && m_request.offset == 0 && m_total > 0;
-    if (m_reader.rowCount() == 0 && (m_reader.lostCount() > 0 || isNothing)) {
+    if (m_reader.rowCount() == 0 && (lostCount() > 0 || isNothing)) {
         failUnreadable();
         return;
     }
@@ -271,7 +284,7 @@ void Listing::finish()
         return;
     }
     const uint32_t seen =
-        m_reader.rowCount() > 0 ? m_request.offset + m_reader.rowCount() + m_reader.lostCount() : 0;
+        m_reader.rowCount() > 0 ? m_request.offset + m_reader.rowCount() + lostCount() : 0;
     const bool isCounted = isTotalKnown() || m_isAtEnd;
     end({{}, m_reader.rowCount(), isCounted ? std::max(m_total, seen) : 0, isTotalKnown()});
 }

@@ -62,6 +62,8 @@ private:
     Listing(std::shared_ptr<MediaServer> server, ListRequest request, Caller caller, RowSink sink,
         Done done);
     void proceed();
+    uint32_t reached() const;
+    uint32_t lostCount() const;
     bool isTotalKnown() const;
     bool wantsMore() const;
     void requestPage();

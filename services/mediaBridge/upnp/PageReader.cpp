@@ -83,20 +83,24 @@ bool PageReader::isOnlyItself(const std::vector<MediaObject> &objects, uint32_t 
         && !objects.front().isContainer && objects.front().id == m_request.containerId;
 }
 
-/// What begins with objects that were there already isn't the next page: the server left some out
-/// on the way, or the list has become longer in front.
+/// What begins with objects that were there already isn't the next page: the pages overlap, the
+/// server left some out on the way, or the list has become longer in front. It may only be the
+/// first where they are the very end of the page before; the server's count tells whether it is.
 void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
 {
     const auto isNew = [this](const MediaObject &object) {
         return m_idsBefore.count(object.id) == 0;
     };
     const auto firstNew = std::find_if(objects.begin(), objects.end(), isNew);
-    std::set<std::string> ids;
-    for (const MediaObject &object : objects) {
-        if (!object.id.empty())
-            ids.insert(object.id);
+    bool isEndBefore = true;
+    for (auto known = objects.begin(); known != firstNew; ++known)
+        isEndBefore = isEndBefore && m_idsBefore[known->id] == firstNew - known;
+    std::map<std::string, ptrdiff_t> ids;
+    for (auto object = objects.begin(); object != objects.end(); ++object) {
+        if (!object->id.empty())
+            ids[object->id] = objects.end() - object;
     }
-    m_lost += static_cast<uint32_t>(firstNew - objects.begin());
+    (isEndBefore ? m_repeated : m_lost) += static_cast<uint32_t>(firstNew - objects.begin());
     objects.erase(objects.begin(), firstNew);
     m_idsBefore = std::move(ids);
 }

@@ -5,8 +5,8 @@
 #include "upnp/ListRequest.h"
 
 #include <functional>
+#include <map>
 #include <optional>
-#include <set>
 
 namespace bridge {
 
@@ -42,6 +42,8 @@ public:
     uint32_t rowCount() const { return m_rowCount; }
     /// Objects that the server counts and that it leaves out, or sends malformed.
     uint32_t lostCount() const { return m_lost; }
+    /// Objects that a page began with though they were the last of the page before; given once.
+    uint32_t repeatedCount() const { return m_repeated; }
 
 private:
     uint32_t countOf(const DidlList &list);
@@ -57,8 +59,9 @@ private:
     uint32_t m_toSkip = 0;
     uint32_t m_rowCount = 0;
     uint32_t m_lost = 0;
-    /// Of the last page.
-    std::set<std::string> m_idsBefore;
+    uint32_t m_repeated = 0;
+    /// Of the last page, and where in it they stood, counted from its end.
+    std::map<std::string, ptrdiff_t> m_idsBefore;
     std::string m_lastFirstId;
     std::vector<MediaObject> m_objects;
     size_t m_nextObject = 0;

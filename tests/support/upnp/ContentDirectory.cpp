@@ -19,9 +19,11 @@ struct Page
     QString base;
     quint32 first = 0, wanted = 0, total = 0;
 
+    quint32 begin() const { return first - std::min(first, behaviour.overlap); }
+
     quint32 size() const
     {
-        const quint32 there = first < total ? total - first : 0;
+        const quint32 there = begin() < total ? total - begin() : 0;
         const quint32 asked = wanted == 0 ? there : std::min(wanted, there);
         return behaviour.pageCap ? std::min(behaviour.pageCap, asked) : asked;
     }
@@ -38,8 +40,7 @@ struct Page
     SoapAnswer answer(const QString &action, ObjectAt objectAt) const
     {
         QString objects;
-        const quint32 early = std::min(first, behaviour.overlap);
-        for (quint32 row = first - early, end = row + size(); row < end; ++row) {
+        for (quint32 row = begin(), end = row + size(); row < end; ++row) {
             const MediaObject object = objectAt(int(row));
             objects += didlElement(object, tree.childCount(object.id), base);
         }
