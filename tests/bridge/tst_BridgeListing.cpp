@@ -53,6 +53,7 @@ private Q_SLOTS:
     }
 
     void listsAreCompleteWhateverThePages();
+    void countsOfWhatWasSentAreNotBelieved();
     void emptyAnswersAreEmptyLists();
     void aListingKnowsTheChildCount();
     void severalObjectsAreReadAtOnce();
@@ -128,6 +129,42 @@ void tst_BridgeListing::listsAreCompleteWhateverThePages()
     QCOMPARE(listed(0, Behaviour::Zero, 0, 10), trackTitles(0, 10));
     const auto found = bridge->search(path("numbers"), "Type = \"music\"", 0, 10, title);
     QCOMPARE(found.values.value(1).toUInt(), 0U);
+}
+
+/// A server that can be told by one of its counts isn't asked more than it has to be.
+void tst_BridgeListing::countsOfWhatWasSentAreNotBelieved()
+{
+    using Behaviour = ServerBehaviour;
+    for (const auto total : {Behaviour::Counted, Behaviour::Sent}) {
+        const bool isTrue = total == Behaviour::Counted;
+        ScriptedUpnpServer other(newUdn());
+        other.tree.addFolder("numbers", "0", "Numbers", numberCount);
+        other.tree.addFolder("one", "0", "One", 1);
+        other.behaviour.total = total;
+        QVERIFY(!bridge->add(other).isEmpty());
+        const QString folder = objectPath(other.udn(), "numbers");
+        const auto questions = [&](uint pageCap, uint offset, uint max, uint to) {
+            other.behaviour.pageCap = pageCap;
+            other.forgetCalls();
+            const QStringList rows = titles(bridge->list(folder, offset, max, title));
+            return rows == trackTitles(offset, to) ? other.calls().size() : -1;
+        };
+        const auto counts = [&](uint max) {
+            Call listing = bridge->startListing(folder, 0, max, title);
+            const auto children = bridge->get(folder, names::object, "ChildCount").value().toUInt();
+            listing.wait();
+            const auto found = bridge->search(folder, "Type = \"music\"", 0, max, title);
+            return QString("%1 %2").arg(children).arg(found.values.value(1).toUInt());
+        };
+        QCOMPARE(questions(isTrue ? 0 : 10, 0, 0, numberCount), isTrue ? 2 : 5);
+        QCOMPARE(titles(bridge->list(objectPath(other.udn(), "one"))), trackTitles(0, 1));
+        QCOMPARE(counts(numberCount), isTrue ? "25 25" : "25 0");
+        QCOMPARE(questions(0, 0, 0, numberCount), isTrue ? 1 : 2);
+        QCOMPARE(questions(10, 3, 20, 23), 2);
+        QCOMPARE(questions(0, 0, 10, 10), 1);
+        QCOMPARE(counts(1), isTrue ? "25 25" : "25 0");
+        QCOMPARE(counts(0), "25 25");
+    }
 }
 
 void tst_BridgeListing::emptyAnswersAreEmptyLists()

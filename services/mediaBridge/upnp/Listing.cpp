@@ -61,7 +61,7 @@ void Listing::proceed()
     if (isNewPage)
         parsePage();
     else if (!m_isRequesting && !m_reading)
-        finish();
+        mustCheckCount() ? checkCount() : finish();
 }
 
 /// Where in the server's list what has come ends. Rows that came twice are behind none others.
@@ -80,7 +80,59 @@ uint32_t Listing::lostCount() const
 /// Of a count that what has come disproves nothing is believed.
 bool Listing::isTotalKnown() const
 {
-    return m_total > 0 && (reached() <= m_total || !m_reader.hasSeenObjects());
+    return m_total > 0 && (reached() <= m_total || !m_reader.hasSeenObjects())
+        && m_server->countsWhole(m_request.action).value_or(true);
+}
+
+/// Some servers count what they have sent. A count that ends where the rows do looks the same,
+/// until one of the server's has been seen that goes on behind them.
+bool Listing::isCountInDoubt() const
+{
+    const bool endsWithRows =
+        m_total > 0 && m_position == m_total && m_reader.hasSeenObjects() && !m_isAtEnd;
+    // Nobody sends single rows where more are asked for.
+    const bool mayBeCut = m_total > 1 || m_request.max == 1;
+    return endsWithRows && mayBeCut && !m_isCountChecked
+        && !m_server->countsWhole(m_request.action);
+}
+
+bool Listing::mustCheckCount() const
+{
+    const bool isRangeFull = m_request.max > 0 && m_reader.rowCount() >= m_request.max;
+    return isCountInDoubt() && (!isRangeFull || m_request.tellsTotal || !m_totalCallbacks.empty());
+}
+
+/// Of several rows the first is asked for: a server that counts what it sends says that it is the
+/// only one, and no other has to be asked again. Behind a single one there is one or none.
+void Listing::checkCount()
+{
+    m_isRequesting = true;
+    const uint32_t position = m_total > 1 ? 0 : 1;
+    m_server->call({m_request.action, arguments(position, 1), m_caller,
+                       std::min(remainingMs(), MediaServer::answerTimeoutMs),
+                       limits::answerBytes(1), true, m_deadline},
+        [self = shared_from_this(), position](ActionReply reply) {
+            self->m_isRequesting = false;
+            if (self->m_done)
+                self->checkedCount(position, std::move(reply));
+            self->proceed();
+        });
+}
+
+void Listing::checkedCount(uint32_t position, ActionReply reply)
+{
+    m_isCountChecked = true;
+    if (reply.isError() && reply.outcome != HttpOutcome::Answered) {
+        failAs(std::move(reply));
+        return;
+    }
+    const auto number = [&](const char *name) {
+        return parseCount(reply.answer.value(name)).value_or(0);
+    };
+    if (position == 0 && number("TotalMatches") > 0)
+        m_server->setCountsWhole(m_request.action, number("TotalMatches") > 1);
+    else if (position > 0 && number("NumberReturned") > 0)
+        m_server->setCountsWhole(m_request.action, false);
 }
 
 bool Listing::wantsMore() const
@@ -122,14 +174,10 @@ void Listing::requestPage()
 void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
 {
     if (reply.isError()) {
-        if (reply.outcome == HttpOutcome::TimedOut)
-            m_silence = reply.failure;
         if (isEndOfUnknown(reply))
             m_isAtEnd = true;
-        else if (reply.outcome == HttpOutcome::TimedOut && remainingMs() == 0)
-            failLate();
         else if (!retrySmaller(reply, position))
-            fail(std::move(reply.failure));
+            failAs(std::move(reply));
         return;
     }
     // The standard has it in every answer; where even the count is missing, nothing was answered.
@@ -145,6 +193,8 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     m_waiting = Page{position, asked, std::min(returned, asked), counted || sent,
         std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
+    if (m_waiting->returned > 0 && m_total > m_position && !m_server->countsWhole(m_request.action))
+        m_server->setCountsWhole(m_request.action, true);
     m_pageSize.follow(m_waiting->returned, m_waiting->didl.size(),
         std::chrono::steady_clock::now() - m_pageStart);
 }
@@ -225,7 +275,12 @@ void Listing::readSlice()
 
 void Listing::tellTotal()
 {
-    const auto total = m_total > 0 ? std::optional<uint32_t>(m_total) : std::nullopt;
+    const bool isInDoubt = isCountInDoubt();
+    if (m_done && isInDoubt)
+        return;
+    const bool isSeen = m_isAtEnd && m_total > 0 && reached() == m_total;
+    const bool isKnown = isSeen || (isTotalKnown() && !isInDoubt);
+    const auto total = isKnown ? std::optional(m_total) : std::nullopt;
     // Thousands may have asked, and may ask how it ended.
     for (TotalCallback &callback : std::exchange(m_totalCallbacks, {}))
         later([self = shared_from_this(), callback = std::move(callback), total] {
@@ -252,6 +307,17 @@ void Listing::failLate()
         m_request.action + " operation failed: The list was not complete after 20 seconds ("
             + std::to_string(m_reader.rowCount())
             + " objects so far). Ask for fewer objects at a time."});
+}
+
+void Listing::failAs(ActionReply reply)
+{
+    const bool isSilent = reply.outcome == HttpOutcome::TimedOut;
+    if (isSilent)
+        m_silence = reply.failure;
+    if (isSilent && remainingMs() == 0)
+        failLate();
+    else
+        fail(std::move(reply.failure));
 }
 
 bool Listing::isShort() const

@@ -26,9 +26,9 @@ struct ListEnd
 /// The next page is under way while one is being read; it is as big as the server can make it in
 /// about a second, and read in slices, so that nobody else waits. Ends when the range is complete,
 /// when the server says that there is no more, or with an empty page; a total of 0 is taken for
-/// "unknown". Where fewer came than the server counts, a listing of everything fails, and so does a
-/// range that is left without a row; one with rows is for whoever asks for its rest. Main thread
-/// only.
+/// "unknown", and so is that of a server that turns out to count what it has sent only. Where fewer
+/// came than the server counts, a listing of everything fails, and so does a range that is left
+/// without a row; one with rows is for whoever asks for its rest. Main thread only.
 class Listing : public std::enable_shared_from_this<Listing>
 {
 public:
@@ -65,6 +65,10 @@ private:
     uint32_t reached() const;
     uint32_t lostCount() const;
     bool isTotalKnown() const;
+    bool isCountInDoubt() const;
+    bool mustCheckCount() const;
+    void checkCount();
+    void checkedCount(uint32_t position, ActionReply reply);
     bool wantsMore() const;
     void requestPage();
     void gotPage(uint32_t position, uint32_t asked, ActionReply reply);
@@ -78,6 +82,7 @@ private:
     void fail(Failure failure);
     void failUnreadable();
     void failLate();
+    void failAs(ActionReply reply);
     bool isShort() const;
     void failShort();
     void finish();
@@ -102,6 +107,7 @@ private:
     unsigned m_round = 0;
     bool m_isRequesting = false;
     bool m_isAtEnd = false;
+    bool m_isCountChecked = false;
     /// Came, and waits for the one that is being read.
     std::optional<Page> m_waiting;
     std::optional<Page> m_reading;

@@ -59,6 +59,17 @@ void MediaServer::inheritCapabilities(const MediaServer &earlier)
         m_sortCaps = earlier.m_sortCaps;
 }
 
+std::optional<bool> MediaServer::countsWhole(const std::string &action) const
+{
+    const auto known = m_countsWhole.find(action);
+    return known == m_countsWhole.end() ? std::nullopt : std::optional(known->second);
+}
+
+void MediaServer::setCountsWhole(const std::string &action, bool countsWhole)
+{
+    m_countsWhole[action] = countsWhole;
+}
+
 void MediaServer::call(ActionCall call, ActionCallback done)
 {
     if (m_newer) {

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -72,6 +73,11 @@ public:
     /// Takes what could not be read from an earlier look at the same server.
     void inheritCapabilities(const MediaServer &earlier);
 
+    /// Whether its answers to "Browse" or "Search" count a whole list, rather than what they have
+    /// sent of it so far; nothing where none has shown it yet.
+    std::optional<bool> countsWhole(const std::string &action) const;
+    void setCountsWhole(const std::string &action, bool countsWhole);
+
     /// Calls an action; `done` is called once, from the main loop.
     void call(ActionCall call, ActionCallback done);
 
@@ -111,6 +117,7 @@ private:
     std::shared_ptr<MediaServer> m_newer;
     std::optional<std::vector<std::string>> m_searchCaps;
     std::optional<std::vector<std::string>> m_sortCaps;
+    std::map<std::string, bool> m_countsWhole;
 };
 
 using MediaServerPtr = std::shared_ptr<MediaServer>;

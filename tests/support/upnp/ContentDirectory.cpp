@@ -32,6 +32,7 @@ struct Page
     {
         return behaviour.total == ServerBehaviour::Zero   ? 0
             : behaviour.total == ServerBehaviour::Five    ? 5
+            : behaviour.total == ServerBehaviour::Sent    ? first + size()
             : behaviour.total == ServerBehaviour::OneMore ? std::min(first + size() + 1, total)
                                                           : total;
     }

@@ -24,7 +24,8 @@ struct ServerBehaviour
         Counted,
         Zero, ///< it can't count them
         Five,
-        OneMore ///< than have been sent
+        OneMore, ///< than have been sent
+        Sent ///< only those that have been
     };
 
     quint32 pageCap = 0; ///< objects in one answer at most, 0: no cap
