@@ -53,6 +53,8 @@ constexpr const char *sentences[] = {
     Text::mark("%1 describes \"%2\", which is no media server: it has no content directory"),
     Text::mark("%1 describes \"%2\", whose content directory is at another machine, which isn't "
                "asked"),
+    Text::mark("%1 describes \"%2\", whose content directory has a user name in its address and "
+               "isn't asked"),
     Text::mark("%1 describes \"%2\", which has no UDN"),
     Text::mark("%1 gives no description, but the HTTP status %2"),
     Text::mark("%1 is no description of a device"),
@@ -66,6 +68,8 @@ constexpr const char *sentences[] = {
     Text::mark("Could not connect to the media server \"%1\": %2"),
     Text::mark("The connection to the media server \"%1\" broke: %2"),
     Text::mark("The answer of the media server \"%1\" is too large: %2"),
+    Text::mark(
+        "the media server \"%1\" asks for a password, which can't be given (HTTP status %2)"),
     Text::mark("The answer of the media server \"%1\" can't be read (HTTP status %2)"),
     Text::mark("it is longer than %1 KiB"),
     Text::mark("it begins over and over"),

@@ -2044,5 +2044,13 @@ Mit --help gibt es mehr Informationen.</translation>
         <source>orka search &quot;My NAS&quot; --artist abba --rows 0-19</source>
         <translation>orka search &quot;Mein NAS&quot; --artist abba --rows 0-19</translation>
     </message>
+    <message>
+        <source>%1 describes &quot;%2&quot;, whose content directory has a user name in its address and isn&apos;t asked</source>
+        <translation>%1 beschreibt &quot;%2&quot;, dessen Inhaltsverzeichnis einen Benutzernamen in der Adresse hat und nicht gefragt wird</translation>
+    </message>
+    <message>
+        <source>the media server &quot;%1&quot; asks for a password, which can&apos;t be given (HTTP status %2)</source>
+        <translation>der Medienserver &quot;%1&quot; verlangt ein Passwort, das nicht angegeben werden kann (HTTP-Status %2)</translation>
+    </message>
 </context>
 </TS>

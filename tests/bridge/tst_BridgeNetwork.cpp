@@ -236,6 +236,11 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
     stranger.describe(udn, "/control");
     QCOMPARE(asked("AddServer", stranger.url()).value().toString(), serverPath(udn));
     QCOMPARE(bridge->servers(), QStringList{serverPath(udn)});
+    stranger.status = "401 Unauthorized";
+    stranger.headers = "WWW-Authenticate: Basic realm=\"x\"\r\n";
+    const QString refused = bridge->list(serverPath(udn)).message;
+    QVERIFY2(refused.contains("asks for a password"), qPrintable(refused));
+    stranger.status = "200 OK";
     QVERIFY(asked("ForgetServer", stranger.url()).ok());
     QTRY_COMPARE(bridge->lost(), QStringList{serverPath(udn)});
 
@@ -245,6 +250,8 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
             ? QString("it")
             : answer.error + answer.message;
     };
+    stranger.describe(udn, stranger.url("/control").replace("//", "//me:secret@"));
+    QCOMPARE(says(stranger.url(), "\"Stranger\", whose content directory has a user name"), "it");
     stranger.body.replace(":ContentDirectory:", ":Router:");
     QCOMPARE(says(stranger.url(), "\"Stranger\", which is no media server"), "it");
     stranger.body.truncate(stranger.body.indexOf("<serviceList>"));

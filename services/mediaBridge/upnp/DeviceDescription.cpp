@@ -75,11 +75,10 @@ std::string ownUrl(const std::string &url, const std::string &location)
     return withScopeOf(url, location);
 }
 
-/// Of any type and anywhere.
-bool hasContentDirectory(pugi::xml_node device)
+/// The first of any type and anywhere; empty where there is none.
+pugi::xml_node contentDirectoryOf(pugi::xml_node device)
 {
-    const auto services = childElement(device, "serviceList").children();
-    return std::any_of(services.begin(), services.end(), [](pugi::xml_node service) {
+    return childElement(device, "serviceList").find_child([](pugi::xml_node service) {
         return isContentDirectory(childText(service, "serviceType"));
     });
 }
@@ -95,7 +94,8 @@ pugi::xml_node findDevice(const XmlDocument &document, const std::string &udn)
     };
     if (!udn.empty())
         return find([&](pugi::xml_node device) { return childText(device, "UDN") == udn; });
-    const pugi::xml_node server = find(hasContentDirectory);
+    const pugi::xml_node server =
+        find([](pugi::xml_node device) { return bool(contentDirectoryOf(device)); });
     return server ? server : find([](pugi::xml_node) { return true; });
 }
 
@@ -130,8 +130,11 @@ std::string whatIsWrong(const DeviceDescription &description, pugi::xml_node dev
 {
     const std::string what =
         "describes \"" + shortened(description.friendlyName, longestName) + "\", ";
-    if (!hasContentDirectory(device))
+    const pugi::xml_node directory = contentDirectoryOf(device);
+    if (!directory)
         return what + "which is no media server: it has no content directory";
+    if (namesUser(absoluteUrl(childText(directory, "controlURL"), description.baseUrl)))
+        return what + "whose content directory has a user name in its address and isn't asked";
     if (description.controlUrl.empty())
         return what + "whose content directory is at another machine, which isn't asked";
     return what + "which has no UDN";

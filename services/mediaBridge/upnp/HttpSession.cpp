@@ -41,6 +41,8 @@ HttpSession::HttpSession()
     soup_session_set_proxy_resolver(m_soup.get(), nullptr);
     // A few packed bytes may hold gigabytes.
     soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_CONTENT_DECODER);
+    // Nobody is told a password; and it would be told again and again.
+    soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_AUTH_MANAGER);
 }
 
 int64_t HttpSession::latestEnd(unsigned timeoutMs)

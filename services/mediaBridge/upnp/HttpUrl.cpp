@@ -21,7 +21,7 @@ std::optional<HttpUrl> parseHttpUrl(const std::string &text)
     url.host = takeString(host);
     if (port >= 0)
         url.port = port;
-    if (g_ascii_strcasecmp(protocol.c_str(), "http") != 0 || url.host.empty())
+    if (g_ascii_strcasecmp(protocol.c_str(), "http") != 0 || url.host.empty() || namesUser(text))
         return std::nullopt;
     const bool hasScope = url.host.find('%') != std::string::npos;
     url.host.resize(std::min(url.host.find('%'), url.host.size()));
@@ -37,6 +37,16 @@ std::optional<HttpUrl> parseHttpUrl(const std::string &text)
     if (hasScope && !url.isIPv6LinkLocal)
         return std::nullopt;
     return url;
+}
+
+bool namesUser(const std::string &url)
+{
+    char *user = nullptr;
+    g_uri_split(url.c_str(), G_URI_FLAGS_NONE, nullptr, &user, nullptr, nullptr, nullptr, nullptr,
+        nullptr, nullptr);
+    const bool isNamed = user != nullptr;
+    g_free(user);
+    return isNamed;
 }
 
 std::string hostOf(const std::string &url)

@@ -154,6 +154,12 @@ Failure MediaServer::failureOf(
     }
     if (answer.kind == SoapAnswer::Kind::Fault)
         return {errors::operationFailed, start + faultSentence(answer)};
+    if (reply.status == SOUP_STATUS_UNAUTHORIZED
+        || reply.status == SOUP_STATUS_PROXY_AUTHENTICATION_REQUIRED) {
+        return {errors::operationFailed,
+            start + server + " asks for a password, which can't be given (HTTP status "
+                + std::to_string(reply.status) + ")."};
+    }
     return {errors::operationFailed,
         start + "The answer of " + server + " can't be read (HTTP status "
             + std::to_string(reply.status) + ")."};
