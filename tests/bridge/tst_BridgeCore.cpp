@@ -213,6 +213,14 @@ private Q_SLOTS:
         QCOMPARE(item(std::string("<dc:title>a\0b</dc:title>", 24)), "DisplayName: ab");
         QCOMPARE(item("<dc:title> - plain.wav\n </dc:title><dc:date>2005-06</dc:date>"),
             "DisplayName:  - plain.wav, Date: 2005-06-01");
+        for (const char *foreign : {"<x:title>F</x:title>", "<x:title xmlns:x='urn:x'>F</x:title>",
+                 "<title xmlns='urn:x'>F</title>", "<dc:title xmlns:dc='urn:x'>F</dc:title>"}) {
+            QCOMPARE(item(std::string(foreign)
+                         + "<d:title xmlns:d='http://purl.org/dc/"
+                           "elements/1.1/'>T</d:title>"),
+                "DisplayName: T");
+            QCOMPARE(item(foreign), "");
+        }
         QCOMPARE(item("<upnp:albumArtURI>/art?of=http://b</upnp:albumArtURI>"),
             "AlbumArtURL: http://10.0.0.1:8200/art?of=http://b");
         QCOMPARE(item("<upnp:originalTrackNumber>x</upnp:originalTrackNumber>"

@@ -6,6 +6,7 @@
 #include "core/Xml.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace bridge {
 
@@ -27,6 +28,41 @@ std::string shortOrNothing(std::string text, size_t maxBytes)
 std::string urlText(pugi::xml_node element)
 {
     return boundedText(shortOrNothing(elementText(element), limits::urlBytes));
+}
+
+/// What an element itself says that a prefix stands for, among its first attributes; empty where it
+/// says nothing.
+pugi::xml_attribute declarationIn(pugi::xml_node element, std::string_view prefix)
+{
+    size_t seen = 0;
+    for (auto attribute = element.first_attribute(); attribute && seen < limits::repeated;
+         attribute = attribute.next_attribute(), ++seen) {
+        const char *name = attribute.name();
+        if (name[0] != 'x' || std::strncmp(name, "xmlns", 5) != 0)
+            continue;
+        if (prefix.empty() ? name[5] == '\0' : name[5] == ':' && prefix == name + 6)
+            return attribute;
+    }
+    return {};
+}
+
+/// Whether a child of an object is one of those that are read here: other vocabularies have titles,
+/// too. The usual prefixes mean these, whatever the list's first tag says of them, if anything.
+bool isOfDidl(pugi::xml_node element, std::string_view local)
+{
+    const auto before = static_cast<size_t>(local.data() - element.name());
+    const std::string_view prefix(element.name(), before > 0 ? before - 1 : 0);
+    const bool isUsual = prefix.empty() || prefix == "dc" || prefix == "upnp";
+    if (isUsual && !element.first_attribute())
+        return true; // as nearly always
+    pugi::xml_attribute declaration = declarationIn(element, prefix);
+    for (auto place = element.parent(); !isUsual && !declaration && place; place = place.parent())
+        declaration = declarationIn(place, prefix);
+    if (!declaration)
+        return isUsual;
+    const std::string_view meaning = declaration.value();
+    return meaning.find("schemas-upnp-org:metadata") != std::string_view::npos
+        || meaning.find("purl.org/dc") != std::string_view::npos;
 }
 
 /// Splits `protocol:network:mimeType:additional`, whose last field may hold more colons.
@@ -155,7 +191,7 @@ bool readText(MediaObject &object, std::string_view name, pugi::xml_node element
 void readChild(MediaObject &object, pugi::xml_node element)
 {
     const std::string_view name = localName(element.name());
-    if (readText(object, name, element))
+    if (!isOfDidl(element, name) || readText(object, name, element))
         return;
     if (name == "title" && object.title.empty())
         object.title = boundedText(titleText(element));

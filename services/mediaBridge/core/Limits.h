@@ -159,7 +159,7 @@ inline constexpr size_t tags(size_t objects)
 /// Attributes of a document, for each of these tags; every equals sign counts, those in URLs, too.
 inline constexpr size_t attributesOfTag = 2;
 /// Resources of one object, and artists, and classes that may be created in it, and DLNA abilities
-/// of a device.
+/// of a device; attributes of a tag that are looked through for what a prefix means.
 inline constexpr size_t repeated = 64;
 /// Objects of one listing that are left out since they are malformed themselves.
 inline constexpr uint32_t lostObjects = 20;
