@@ -266,6 +266,23 @@ private Q_SLOTS:
                     encoding == QByteArray("UTF-16") ? nullptr : &plain);
             QCOMPARE(elementText(XmlDocument(wide.toStdString()).root()), text);
         }
+        const auto declaring = [](const std::string &encoding, const std::string &inside) {
+            return "<?xml version='1.0' encoding=\"" + encoding + "\"?><a>" + inside + "</a>";
+        };
+        const std::string umlaut = "\xc3\xa4";
+        const std::tuple<std::string, const char *, std::string> narrow[] = {
+            {declaring("windows-1252", "\xe4\x80"), "", umlaut + "\xe2\x82\xac"},
+            {declaring("ISO-8859-1", "\xe4"), "", umlaut},
+            {declaring("Shift_JIS", "\x83\x4a"), "", "\xe3\x82\xab"},
+            {declaring("utf-8", "\xe4"), "Windows-1252", umlaut},
+            {declaring("ISO-8859-1", umlaut), "utf-8", umlaut},
+            {"\xef\xbb\xbf<a>" + umlaut + "</a>", "windows-1252", umlaut},
+            // declared by somebody who knows nothing of it
+            {declaring("utf-16", umlaut), "", umlaut}, {declaring("none", umlaut), "", umlaut},
+            {declaring("euc-jp", umlaut + "\xff"), "", umlaut + "\xff"},
+            {std::string("<\0a\0>\0", 5), "", ""}};
+        for (const auto &[document, charset, meant] : narrow)
+            QCOMPARE(elementText(XmlDocument(document, size_t(-1), charset).root()), meant);
         const std::pair<const char *, const char *> references[] = {{"AC&#0;D&#x00;C", "ACDC"},
             {"&#4294967361;A&#x110000;", "A"}, {"&#65;&#x1f600;", "A\xf0\x9f\x98\x80"},
             {"&#;&#x;&#0", "&#;&#x;&#0"}};

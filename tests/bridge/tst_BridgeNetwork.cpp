@@ -238,8 +238,13 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
     QCOMPARE(bridge->servers(), QStringList{serverPath(udn)});
     stranger.status = "401 Unauthorized";
     stranger.headers = "WWW-Authenticate: Basic realm=\"x\"\r\n";
-    const QString refused = bridge->list(serverPath(udn)).message;
-    QVERIFY2(refused.contains("asks for a password"), qPrintable(refused));
+    const auto refusal = [&] {
+        return bridge->list(serverPath(udn)).message;
+    };
+    QVERIFY2(refusal().contains("asks for a password"), qPrintable(refusal()));
+    stranger.headers = "Content-Type: text/xml; charset=windows-1252\r\n";
+    stranger.body = "<e><Body><Fault><faultstring>B\xe4r</faultstring></Fault></Body></e>";
+    QVERIFY2(refusal().contains("Bär"), qPrintable(refusal()));
     stranger.status = "200 OK";
     QVERIFY(asked("ForgetServer", stranger.url()).ok());
     QTRY_COMPARE(bridge->lost(), QStringList{serverPath(udn)});
@@ -251,7 +256,9 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
             : answer.error + answer.message;
     };
     stranger.describe(udn, stranger.url("/control").replace("//", "//me:secret@"));
-    QCOMPARE(says(stranger.url(), "\"Stranger\", whose content directory has a user name"), "it");
+    stranger.body.replace("Stranger", "B\xe4r");
+    QCOMPARE(says(stranger.url(), "\"Bär\", whose content directory has a user name"), "it");
+    stranger.describe(udn, "/control");
     stranger.body.replace(":ContentDirectory:", ":Router:");
     QCOMPARE(says(stranger.url(), "\"Stranger\", which is no media server"), "it");
     stranger.body.truncate(stranger.body.indexOf("<serviceList>"));

@@ -248,8 +248,8 @@ std::optional<DidlList> parseDidl(std::string didl, size_t maxObjects)
     DidlList list;
     if (didl.find_first_not_of(" \t\r\n") == std::string::npos)
         return list;
-    const XmlDocument document(
-        std::move(didl), limits::tags(maxObjects), XmlDocument::Encoding::Utf8);
+    // Decoded with the answer that it stood in, whatever it declares.
+    const XmlDocument document(std::move(didl), limits::tags(maxObjects), "UTF-8");
     if (localName(document.root().name()) != "DIDL-Lite")
         return std::nullopt;
     list.isWhole = document.isWhole();

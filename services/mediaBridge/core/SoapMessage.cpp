@@ -67,11 +67,12 @@ std::string SoapAnswer::value(std::string_view name) const
     return found == values.end() ? std::string() : found->second;
 }
 
-SoapAnswer parseSoapAnswer(std::string body, const std::string &action)
+SoapAnswer parseSoapAnswer(std::string body, const std::string &action, std::string_view charset)
 {
     SoapAnswer answer;
     const bool isClosed = closes(body, action + "Response");
-    const XmlDocument document(std::move(body), limits::tags(std::numeric_limits<uint32_t>::max()));
+    const XmlDocument document(
+        std::move(body), limits::tags(std::numeric_limits<uint32_t>::max()), charset);
     const pugi::xml_node soapBody = childElement(document.root(), "Body");
     if (const pugi::xml_node fault = childElement(soapBody, "Fault"))
         return readFault(fault);

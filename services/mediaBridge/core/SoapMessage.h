@@ -30,6 +30,8 @@ struct SoapAnswer
 };
 
 /// Reads the body of an answer. What is neither a result of `action` nor a fault is Unreadable.
-SoapAnswer parseSoapAnswer(std::string body, const std::string &action);
+/// `charset` as for an XmlDocument.
+SoapAnswer parseSoapAnswer(
+    std::string body, const std::string &action, std::string_view charset = {});
 
 } // namespace bridge

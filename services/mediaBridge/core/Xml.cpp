@@ -118,15 +118,60 @@ const char *wideEncoding(std::string_view text)
     return nullptr;
 }
 
-/// Empty where it can't be read to its end.
-std::string toUtf8(const std::string &text, const char *encoding)
+/// What stands in the first line; empty where it is nothing.
+std::string_view declaredEncoding(std::string_view text)
+{
+    constexpr size_t longest = 200;
+    const std::string_view start = text.substr(0, longest);
+    const std::string_view line = start.substr(0, start.find("?>"));
+    const size_t key = line.find("encoding");
+    const size_t quote = line.find_first_of("'\"", key);
+    if (line.substr(0, 5) != "<?xml" || key == std::string_view::npos
+        || quote == std::string_view::npos)
+        return {};
+    return line.substr(quote + 1, line.find(line[quote], quote + 1) - quote - 1);
+}
+
+/// Whether text in this encoding is to be converted: one of those whose tags are those of ASCII and
+/// whose bytes mean the same wherever they stand. In a wide one not even the declaration would have
+/// been found, so that text isn't in it, whoever says that it is.
+bool isNarrow(const std::string &encoding)
+{
+    constexpr size_t longest = 32;
+    const bool isName = encoding.size() <= longest
+        && std::all_of(encoding.begin(), encoding.end(),
+            [](char c) { return g_ascii_isalnum(c) || c == '-' || c == '_'; });
+    const auto families = {"windows-", "cp125", "iso-8859-", "latin", "koi8-", "shift_jis", "euc-",
+        "gb", "big5", "tis-620"};
+    return isName && std::any_of(families.begin(), families.end(), [&](const char *family) {
+        return g_ascii_strncasecmp(encoding.c_str(), family, std::strlen(family)) == 0;
+    });
+}
+
+/// To be converted from; empty for UTF-8, or what is read as that.
+std::string encodingOf(std::string_view text, std::string_view charset)
+{
+    if (const char *wide = wideEncoding(text))
+        return wide;
+    if (text.substr(0, 3) == "\xef\xbb\xbf")
+        return {};
+    const std::string said(charset.empty() ? declaredEncoding(text) : charset);
+    return isNarrow(said) ? said : std::string();
+}
+
+/// What isn't in that encoding to its end is left to be mended as UTF-8, and of wide text nothing.
+/// It becomes three times as long at most.
+std::string toUtf8(std::string text, const std::string &encoding)
 {
     gsize size = 0;
-    char *converted = g_convert(
-        text.data(), static_cast<gssize>(text.size()), "UTF-8", encoding, nullptr, &size, nullptr);
-    const std::string utf8(converted ? converted : "", converted ? size : 0);
+    char *converted = g_convert(text.data(), static_cast<gssize>(text.size()), "UTF-8",
+        encoding.c_str(), nullptr, &size, nullptr);
+    if (converted)
+        text.assign(converted, size);
+    else if (wideEncoding(text))
+        text.clear();
     g_free(converted);
-    return utf8;
+    return text;
 }
 
 /// The end of a reference to what is no character, "&#0;", or `position`: the parser would make a
@@ -167,12 +212,12 @@ bool isText(pugi::xml_node node)
 
 } // namespace
 
-XmlDocument::XmlDocument(std::string text, size_t maxTags, Encoding encoding)
+XmlDocument::XmlDocument(std::string text, size_t maxTags, std::string_view charset)
     : m_text(std::move(text))
 {
-    const char *wide = encoding == Encoding::Declared ? wideEncoding(m_text) : nullptr;
-    if (wide)
-        m_text = toUtf8(m_text, wide);
+    const std::string encoding = encodingOf(m_text, charset);
+    if (!encoding.empty())
+        m_text = toUtf8(std::move(m_text), encoding);
     // The parser takes a NUL for the end.
     if (std::memchr(m_text.data(), 0, m_text.size()))
         m_text.erase(std::remove(m_text.begin(), m_text.end(), '\0'), m_text.end());
@@ -180,9 +225,8 @@ XmlDocument::XmlDocument(std::string text, size_t maxTags, Encoding encoding)
     cutBehind(m_text, '=', std::max(maxTags, maxTags * limits::attributesOfTag));
     escapeStrayBrackets(m_text);
     dropImpossibleReferences(m_text);
-    const bool isUtf8 = wide || encoding == Encoding::Utf8;
-    const auto result = m_document.load_buffer_inplace(m_text.data(), m_text.size(),
-        pugi::parse_default, isUtf8 ? pugi::encoding_utf8 : pugi::encoding_auto);
+    const auto result = m_document.load_buffer_inplace(
+        m_text.data(), m_text.size(), pugi::parse_default, pugi::encoding_utf8);
     m_isWhole = result;
     m_faultAt = static_cast<size_t>(result.offset);
 }

@@ -12,14 +12,12 @@ namespace bridge {
 class XmlDocument
 {
 public:
-    /// A whole document in the encoding that it begins with or declares, or a text that stood in
-    /// another document and was decoded with it, whatever it declares.
-    enum class Encoding { Declared, Utf8 };
-
     /// With more than `maxTags` tags it is as if the text ended there, and so it is with too many
-    /// attributes.
-    explicit XmlDocument(std::string text, size_t maxTags = std::string::npos,
-        Encoding encoding = Encoding::Declared);
+    /// attributes. The encoding is the one that the text begins with, else `charset`, as which it
+    /// was sent, else the one that it declares; UTF-8 where that is empty or unknown, or the text
+    /// isn't in it.
+    explicit XmlDocument(
+        std::string text, size_t maxTags = std::string::npos, std::string_view charset = {});
 
     /// The outermost element; empty where there is none.
     pugi::xml_node root() const { return m_document.document_element(); }

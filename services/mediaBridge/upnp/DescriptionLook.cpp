@@ -39,7 +39,8 @@ void readDescription(HttpReply reply, const std::string &udn, const std::string 
     background::read(
         hostOf(location), work->reply.body.size(),
         [work, udn, location] {
-            work->reading = readDescription(std::move(work->reply.body), udn, location);
+            HttpReply &read = work->reply;
+            work->reading = readDescription(std::move(read.body), udn, location, read.charset);
         },
         [work, done = std::move(done)] { done(work->reply, std::move(work->reading)); });
 }

@@ -143,9 +143,9 @@ std::string whatIsWrong(const DeviceDescription &description, pugi::xml_node dev
 } // namespace
 
 DescriptionReading readDescription(
-    std::string body, const std::string &udn, const std::string &location)
+    std::string body, const std::string &udn, const std::string &location, std::string_view charset)
 {
-    const XmlDocument document(std::move(body), limits::tags(0));
+    const XmlDocument document(std::move(body), limits::tags(0), charset);
     const pugi::xml_node device = findDevice(document, udn);
     if (!device)
         return {{}, udn.empty() ? "is no description of a device" : "doesn't describe " + udn,

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -46,8 +47,8 @@ struct DescriptionReading
 
 /// Reads the description of the device `udn` (which may be embedded in another; an empty one stands
 /// for the first media server) out of `body`, which was loaded from `location`. A media server has
-/// a content directory that can be called on that same machine.
-DescriptionReading readDescription(
-    std::string body, const std::string &udn, const std::string &location);
+/// a content directory that can be called on that same machine. `charset` as for an XmlDocument.
+DescriptionReading readDescription(std::string body, const std::string &udn,
+    const std::string &location, std::string_view charset);
 
 } // namespace bridge

@@ -37,6 +37,18 @@ std::shared_ptr<HttpExchange> take(gpointer kept)
     return *owned;
 }
 
+std::string charsetOf(SoupMessageHeaders *headers)
+{
+    GHashTable *parameters = nullptr;
+    soup_message_headers_get_content_type(headers, &parameters);
+    if (!parameters)
+        return {};
+    const void *charset = g_hash_table_lookup(parameters, "charset");
+    std::string text(charset ? static_cast<const char *>(charset) : "");
+    g_hash_table_unref(parameters);
+    return text;
+}
+
 } // namespace
 
 HttpExchange::HttpExchange(HttpRequest request, HttpCallback done)
@@ -193,6 +205,7 @@ void HttpExchange::append(const char *data, size_t size)
         finish(HttpOutcome::TooLarge, "it comes in too many small pieces");
     } else if (size == 0) {
         m_reply.status = soup_message_get_status(m_message.get());
+        m_reply.charset = charsetOf(soup_message_get_response_headers(m_message.get()));
         finish(HttpOutcome::Answered, {});
     } else {
         makeRoom();

@@ -31,6 +31,8 @@ struct HttpReply
     /// HTTP status; 0 unless answered.
     unsigned status = 0;
     std::string body;
+    /// As which the body was sent; empty where the answer doesn't say.
+    std::string charset;
     /// What went wrong, for people; empty when answered.
     std::string problem;
     /// The request's place among those that are under way at the server. Whoever still has work

@@ -109,7 +109,8 @@ void MediaServer::received(const ActionCall &call, HttpReply http, const ActionC
     const auto work = std::make_shared<Work>();
     work->http = std::move(http);
     const auto read = [work, action = call.action] {
-        work->reply.answer = parseSoapAnswer(std::move(work->http.body), action);
+        work->reply.answer =
+            parseSoapAnswer(std::move(work->http.body), action, work->http.charset);
     };
     const auto finish = [self = shared_from_this(), call, work, done] {
         ActionReply &reply = work->reply;
