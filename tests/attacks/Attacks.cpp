@@ -113,6 +113,13 @@ void listMany(DBusConnection *bus, const std::string &server, int count)
         dbus_connection_read_write_dispatch(bus, 10);
 }
 
+void listAndCancel(DBusConnection *bus, const std::string &server)
+{
+    listMany(bus, server, 4'900);
+    send(bus, newCall(server, "com.intel.dLeynaServer.MediaDevice", "Cancel"));
+    listMany(bus, server, 0);
+}
+
 void introspectMany(DBusConnection *bus)
 {
     for (int i = 0; i < 30'000; ++i)
@@ -243,14 +250,14 @@ std::vector<Attack> attacks()
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});
-    all.push_back({"a server that hangs, and clients leave", {},
-        [](const std::string &request, const Send &) {
-            return request.find("#Browse") != std::string::npos;
-        },
-        1,
+    const auto hang = [](const std::string &request, const Send &) {
+        return request.find("#Browse") != std::string::npos;
+    };
+    all.push_back({"a server that hangs, and clients leave", {}, hang, 1,
         [](DBusConnection *bus, const std::string &server) {
             listMany(bus, server, 12);
         }});
+    all.push_back({"4,900 calls that are cancelled", {}, hang, 1, &listAndCancel});
     all.push_back({"half a page, then a fault", {},
         [](const std::string &request, const Send &send) {
             const bool isFirst = request.find("<StartingIndex>0<") != std::string::npos;

@@ -1,5 +1,7 @@
 #include "bus/BusLoop.h"
 
+#include "core/Limits.h"
+
 #include <glib-unix.h>
 
 namespace bridge {
@@ -89,14 +91,13 @@ BusLoop::~BusLoop()
     dbus_connection_set_watch_functions(m_connection, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
-/// For a few milliseconds a turn, so that many messages don't hold up everything else.
+/// For a short time of a turn, so that many messages don't hold up everything else.
 void BusLoop::dispatchLater()
 {
-    constexpr int64_t longestUs = 3'000;
     if (m_dispatch.isRunning())
         return;
     m_dispatch.start(0, [this] {
-        const int64_t end = g_get_monotonic_time() + longestUs;
+        const int64_t end = g_get_monotonic_time() + limits::turnUs;
         while (dbus_connection_dispatch(m_connection) == DBUS_DISPATCH_DATA_REMAINS) {
             if (g_get_monotonic_time() > end) {
                 dispatchLater();

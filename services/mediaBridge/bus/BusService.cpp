@@ -185,16 +185,12 @@ void BusService::handleSoon()
         handleWaiting();
 }
 
-/// For a few milliseconds a turn. Meanwhile the bus is read on, since it says who has left.
+/// For a short time of a turn. Meanwhile the bus is read on: it says who has left, and whoever has
+/// few calls may still be behind those who have many.
 void BusService::handleWaiting()
 {
-    constexpr int64_t longestUs = 3'000;
-    constexpr int64_t shortUs = 1'000;
     constexpr unsigned unsentPauseMs = 1;
-    // Whoever has few calls may still be behind those who have many.
-    const bool isBehind =
-        dbus_connection_get_dispatch_status(m_connection.get()) == DBUS_DISPATCH_DATA_REMAINS;
-    const int64_t end = g_get_monotonic_time() + (isBehind ? shortUs : longestUs);
+    const int64_t end = g_get_monotonic_time() + limits::turnUs;
     while (!m_waiting.isEmpty() || !m_errors->waiting.isEmpty()) {
         if (unsentBytes() > limits::unsentBytes) {
             m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });

@@ -1,5 +1,6 @@
 #include "core/Later.h"
 
+#include "core/Limits.h"
 #include "core/Timer.h"
 #include "core/TurnQueue.h"
 
@@ -9,8 +10,7 @@ namespace bridge {
 
 namespace {
 
-/// Of a turn; what is done at once may take more.
-constexpr int64_t turnUs = 1'000;
+/// What is done at once, in twice that time.
 constexpr int64_t longestUs = 3'000;
 
 struct Queue
@@ -30,7 +30,7 @@ Queue &queue()
 
 void workOn()
 {
-    const int64_t end = g_get_monotonic_time() + turnUs;
+    const int64_t end = g_get_monotonic_time() + limits::turnUs;
     auto &waiting = queue().waiting;
     while (!waiting.isEmpty() && g_get_monotonic_time() < end) {
         // Taken out before it runs: it may add more, or end what it belongs to.

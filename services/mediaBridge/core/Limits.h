@@ -8,6 +8,10 @@ namespace bridge::limits {
 // Everything that comes from the network or the bus has its bound here. Each is several times what
 // real servers and clients need; docs/media-service.md tells how reaching one shows.
 
+/// Microseconds of one turn of the main loop that one kind of work takes where much of it waits. A
+/// listing takes some ten turns, in each of which others' work comes first.
+inline constexpr int64_t turnUs = 500;
+
 // --- the bus ---
 
 /// Bytes of one message. A system bus disconnects whoever sends more than 32 MiB; on the others an
@@ -89,9 +93,9 @@ inline constexpr size_t hostsLookedAt = 1024;
 
 /// Requests under way at one server; the others wait in the bridge. Small servers take no more.
 inline constexpr unsigned requestsPerServer = 6;
-/// Requests under way at all servers, above which each has one at a time. A connection takes some
-/// 40 KiB.
-inline constexpr unsigned requestsOfAll = 256;
+/// Requests under way at all servers, above which each has one at a time, and silent ones wait. A
+/// connection takes some 40 KiB, and its six sources 40 % of a microsecond of each turn.
+inline constexpr unsigned requestsOfAll = 128;
 /// How long an idle connection is kept, in seconds.
 inline constexpr unsigned keptConnectionSeconds = 5;
 /// Answers such as "102 Processing" before the real one.

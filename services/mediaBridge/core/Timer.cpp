@@ -1,5 +1,7 @@
 #include "core/Timer.h"
 
+#include "core/Limits.h"
+
 #include <algorithm>
 #include <glib.h>
 #include <limits>
@@ -47,15 +49,14 @@ private:
         gint timeoutMs = -1;
         return prepare(source, &timeoutMs);
     }
-    /// For a few milliseconds a turn. What is started meanwhile waits for the next.
+    /// For a short time of a turn. What is started meanwhile waits for the next.
     static gboolean dispatch(GSource *, GSourceFunc, gpointer)
     {
-        constexpr int64_t longestUs = 3'000;
         const auto &timers = instance().m_timers;
         const int64_t now = g_get_monotonic_time();
         while (!timers.empty() && timers.begin()->first <= now) {
             timers.begin()->second->expire();
-            if (g_get_monotonic_time() - now > longestUs)
+            if (g_get_monotonic_time() - now > limits::turnUs)
                 break;
         }
         return G_SOURCE_CONTINUE;

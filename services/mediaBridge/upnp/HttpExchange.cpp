@@ -6,6 +6,7 @@
 #include "upnp/HttpUrl.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <string_view>
 #include <vector>
@@ -13,9 +14,6 @@
 namespace bridge {
 
 namespace {
-
-constexpr size_t firstChunkSize = size_t{16} << 10;
-constexpr size_t largestChunkSize = size_t{64} << 10;
 
 /// Exchanges whose answer is being read.
 std::vector<HttpExchange *> &readers()
@@ -77,8 +75,9 @@ void HttpExchange::send(SoupSession *session, std::shared_ptr<void> place)
 void HttpExchange::sendMessage(SoupMessageFlags more)
 {
     m_message = newMessage(more);
-    soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
-        m_cancellable.get(), &HttpExchange::answered, keep(shared_from_this()));
+    m_try = Ref<GCancellable>(g_cancellable_new());
+    soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT, m_try.get(),
+        &HttpExchange::answered, keep(shared_from_this()));
 }
 
 Ref<SoupMessage> HttpExchange::newMessage(SoupMessageFlags more)
@@ -111,11 +110,31 @@ void HttpExchange::gotInterimAnswer(SoupMessage *, HttpExchange *self)
 /// between is lost. libsoup may still hold the first message, so the second try has its own.
 bool HttpExchange::sendAgain(const GError *error)
 {
-    if (m_isSecondTry || outcomeOf(error) != HttpOutcome::Broken)
+    if (m_isSecondTry || m_putBack || outcomeOf(error) != HttpOutcome::Broken)
         return false;
     m_isSecondTry = true;
     g_signal_handlers_disconnect_by_data(m_message.get(), this);
     sendMessage(SOUP_MESSAGE_NEW_CONNECTION);
+    return true;
+}
+
+void HttpExchange::putBack(std::function<void()> done)
+{
+    if (!m_session || m_stream || isStopped())
+        return;
+    m_putBack = std::move(done);
+    g_cancellable_cancel(m_try.get());
+}
+
+bool HttpExchange::isTakenBack()
+{
+    if (!m_putBack || isStopped())
+        return false;
+    g_signal_handlers_disconnect_by_data(m_message.get(), this);
+    m_message = {};
+    m_session = {};
+    std::exchange(m_putBack, nullptr)();
+    m_reply.place.reset();
     return true;
 }
 
@@ -125,10 +144,11 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
     GError *error = nullptr;
     self->m_stream =
         Ref<GInputStream>(soup_session_send_finish(self->m_session.get(), result, &error));
-    if (error && self->sendAgain(error)) {
+    if (error && (self->sendAgain(error) || self->isTakenBack())) {
         g_error_free(error);
         return;
     }
+    self->m_putBack = nullptr;
     if (error) {
         // Hundreds of connections may break at one time.
         later([self, error] { self->fail(error); });
@@ -143,31 +163,47 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
     self->readOn();
 }
 
+/// What is there is taken at once: each turn of the main loop costs more than a read.
 void HttpExchange::readOn()
 {
-    if (m_reply.body.size() > limits::documentAtOnce && !m_seat && !isStopped()) {
-        waitForSeat();
-        return;
-    }
-    // Most answers are small, and many may be under way; the few big ones grow their own way.
-    const size_t chunkSize = std::clamp(m_reply.body.size(), firstChunkSize, largestChunkSize);
-    g_input_stream_read_bytes_async(m_stream.get(), chunkSize, G_PRIORITY_DEFAULT,
-        m_cancellable.get(), &HttpExchange::gotBytes, keep(shared_from_this()));
+    static std::array<char, size_t{64} << 10> bytes;
+    const auto stream = G_POLLABLE_INPUT_STREAM(m_stream.get());
+    const int64_t end = g_get_monotonic_time() + limits::turnUs;
+    do {
+        if (m_reply.body.size() > limits::documentAtOnce && !m_seat && !isStopped()) {
+            waitForSeat();
+            return;
+        }
+        GError *error = nullptr;
+        const gssize size = g_pollable_input_stream_read_nonblocking(
+            stream, bytes.data(), bytes.size(), m_cancellable.get(), &error);
+        if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK)) {
+            g_error_free(error);
+            waitForMore();
+            return;
+        }
+        if (error) {
+            later([self = shared_from_this(), error] { self->fail(error); });
+            return;
+        }
+        if (!append(bytes.data(), static_cast<size_t>(size)))
+            return;
+    } while (g_get_monotonic_time() < end);
+    // Not waited for: where all has come but the news of the end, nothing else does.
+    later([self = shared_from_this()] { self->readOn(); }, m_host);
 }
 
-void HttpExchange::gotBytes(GObject *, GAsyncResult *result, gpointer kept)
+void HttpExchange::waitForMore()
 {
-    const auto self = take(kept);
-    GError *error = nullptr;
-    GBytes *bytes = g_input_stream_read_bytes_finish(self->m_stream.get(), result, &error);
-    if (error) {
-        later([self, error] { self->fail(error); });
-        return;
-    }
-    gsize size = 0;
-    const gconstpointer data = g_bytes_get_data(bytes, &size);
-    self->append(static_cast<const char *>(data), size);
-    g_bytes_unref(bytes);
+    GSource *source = g_pollable_input_stream_create_source(
+        G_POLLABLE_INPUT_STREAM(m_stream.get()), m_cancellable.get());
+    const auto readable = +[](GObject *, gpointer kept) -> gboolean {
+        take(kept)->readOn();
+        return G_SOURCE_REMOVE;
+    };
+    g_source_set_callback(source, G_SOURCE_FUNC(readable), keep(shared_from_this()), nullptr);
+    g_source_attach(source, nullptr);
+    g_source_unref(source);
 }
 
 /// Long answers of many servers may come faster than they are read.
@@ -194,8 +230,8 @@ void HttpExchange::keepSeat()
     });
 }
 
-/// Nothing is the end.
-void HttpExchange::append(const char *data, size_t size)
+/// Nothing is the end. Whether there may be more.
+bool HttpExchange::append(const char *data, size_t size)
 {
     m_reply.body.append(data, size);
     if (m_reply.body.size() > m_request.maxBytes) {
@@ -209,8 +245,9 @@ void HttpExchange::append(const char *data, size_t size)
         finish(HttpOutcome::Answered, {});
     } else {
         makeRoom();
-        readOn();
+        return true;
     }
+    return false;
 }
 
 /// Where all answers together take too much, one has to end: the longest of the machine whose
@@ -244,6 +281,7 @@ void HttpExchange::stop(HttpOutcome outcome, std::string problem)
     m_stopOutcome = outcome;
     m_stopProblem = std::move(problem);
     g_cancellable_cancel(m_cancellable.get());
+    g_cancellable_cancel(m_try.get());
     if (m_session && !m_isPaused)
         return;
     // Nothing is under way that could end it.
@@ -278,6 +316,7 @@ void HttpExchange::finish(HttpOutcome outcome, std::string problem)
         g_cancellable_disconnect(m_request.caller.cancellable.get(), m_callerLeft);
     // Ends what libsoup still does for it.
     g_cancellable_cancel(m_cancellable.get());
+    g_cancellable_cancel(m_try.get());
     readers().erase(std::remove(readers().begin(), readers().end(), this), readers().end());
     if (m_message)
         g_signal_handlers_disconnect_by_data(m_message.get(), this);

@@ -79,8 +79,11 @@ public:
 
     /// From here on it ends where its caller leaves.
     void watchCaller();
-    /// Once at most, unless it was stopped. `place` goes into the reply.
+    /// Unless it was stopped; once, and once more each time it was put back. `place` goes into the
+    /// reply.
     void send(SoupSession *session, std::shared_ptr<void> place);
+    /// Takes it back where nothing has come yet, soon: calls `done` then, and lets its place go.
+    void putBack(std::function<void()> done);
     /// Ends it soon with this outcome, sent or not.
     void stop(HttpOutcome outcome, std::string problem = {});
 
@@ -88,13 +91,14 @@ private:
     void sendMessage(SoupMessageFlags more);
     Ref<SoupMessage> newMessage(SoupMessageFlags more);
     bool sendAgain(const GError *error);
+    bool isTakenBack();
     static void gotInterimAnswer(SoupMessage *, HttpExchange *self);
     static void answered(GObject *, GAsyncResult *result, gpointer self);
     void readOn();
-    static void gotBytes(GObject *, GAsyncResult *result, gpointer self);
+    void waitForMore();
     void waitForSeat();
     void keepSeat();
-    void append(const char *data, size_t size);
+    bool append(const char *data, size_t size);
     void makeRoom();
     void fail(GError *error);
     HttpOutcome outcomeOf(const GError *error) const;
@@ -105,6 +109,9 @@ private:
     int64_t m_startedAt = g_get_monotonic_time();
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     gulong m_callerLeft = 0;
+    /// Of what libsoup does now.
+    Ref<GCancellable> m_try;
+    std::function<void()> m_putBack;
     Ref<SoupSession> m_session;
     Ref<SoupMessage> m_message;
     Ref<GInputStream> m_stream;

@@ -98,6 +98,7 @@ void HttpSession::finished(HttpExchange *exchange, const HttpReply &reply)
     if (isAnswer) {
         m_lastAnswer = g_get_monotonic_time();
         m_silence.stop();
+        m_isSilent = false;
     }
     const auto known = m_exchanges.find(exchange);
     m_deadlines.erase({known->second, exchange});
@@ -110,8 +111,28 @@ void HttpSession::finished(HttpExchange *exchange, const HttpReply &reply)
 
 void HttpSession::watchSilence()
 {
-    if (onSilent && !m_silence.isRunning())
-        m_silence.start(silenceMs, [this] { onSilent(); });
+    if (m_silence.isRunning())
+        return;
+    m_silence.start(silenceMs, [this] {
+        m_isSilent = true;
+        if (underWayOfAll > limits::requestsOfAll)
+            giveWay();
+        if (onSilent)
+            onSilent();
+    });
+}
+
+/// Each request that hangs makes every turn of the main loop longer.
+void HttpSession::giveWay()
+{
+    for (const auto &[exchange, due] : m_exchanges) {
+        exchange->putBack([weak = weak_from_this(), exchange = exchange->shared_from_this()] {
+            if (const auto self = weak.lock())
+                self->m_waiting.pushFirst(exchange->request().caller.name, exchange);
+            else
+                exchange->stop(HttpOutcome::Cancelled);
+        });
+    }
 }
 
 void HttpSession::abort(HttpOutcome outcome)
@@ -126,39 +147,40 @@ void HttpSession::abort(HttpOutcome outcome)
 
 void HttpSession::sendWaiting()
 {
-    while (mayBegin()) {
-        const ExchangePtr next = takeNext();
-        if (!next)
+    // Thousands may have been stopped at one time.
+    constexpr int some = 100;
+    for (int i = 0; mayBegin() && !m_waiting.isEmpty(); ++i) {
+        if (i == some) {
+            later([weak = weak_from_this()] {
+                if (const auto self = weak.lock())
+                    self->sendWaiting();
+            });
             return;
-        ++m_underWay;
-        ++underWayOfAll;
-        next->send(m_soup.get(), std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
-            --underWayOfAll;
-            if (const auto self = weak.lock())
-                self->placeIsFree();
-            serveHungry();
-        }));
+        }
+        if (const ExchangePtr next = m_waiting.pop(); !next->isStopped())
+            begin(*next);
     }
     waitForTurn();
 }
 
-/// Every server has one request under way, whatever happens at the others.
-bool HttpSession::mayBegin() const
+void HttpSession::begin(HttpExchange &exchange)
 {
-    const bool isOneMore =
-        m_underWay < limits::requestsPerServer && underWayOfAll < limits::requestsOfAll;
-    return m_underWay == 0 || isOneMore;
+    ++m_underWay;
+    ++underWayOfAll;
+    exchange.send(m_soup.get(), std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
+        --underWayOfAll;
+        if (const auto self = weak.lock())
+            self->placeIsFree();
+        serveHungry();
+    }));
 }
 
-/// The oldest request of the caller whose turn it is, of those that nobody stopped.
-HttpSession::ExchangePtr HttpSession::takeNext()
+/// Every server that isn't silent has one request under way, whatever happens at the others.
+bool HttpSession::mayBegin() const
 {
-    while (!m_waiting.isEmpty()) {
-        ExchangePtr next = m_waiting.pop();
-        if (!next->isStopped())
-            return next;
-    }
-    return nullptr;
+    if (underWayOfAll < limits::requestsOfAll)
+        return m_underWay < limits::requestsPerServer;
+    return m_underWay == 0 && !m_isSilent;
 }
 
 void HttpSession::placeIsFree()

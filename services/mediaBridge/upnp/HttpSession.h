@@ -13,9 +13,9 @@ namespace bridge {
 /// All requests to one server. It has connections of its own, so that a server which hangs can't
 /// use up another's; they are kept for a few seconds. A few requests are under way at once. The
 /// rest wait here, and callers take turns, so that nobody waits for another's thousand calls; while
-/// very many are under way at all servers, it is one at a time here, and sessions take turns;
-/// requests whose caller left are dropped. Redirects aren't followed, answers aren't unpacked.
-/// Main thread only.
+/// very many are under way at all servers, it is one at a time here, and where the server is silent
+/// none, and sessions take turns; requests whose caller left are dropped. Redirects aren't
+/// followed, answers aren't unpacked. Main thread only.
 class HttpSession : public std::enable_shared_from_this<HttpSession>
 {
 public:
@@ -48,7 +48,8 @@ private:
     static void serveHungry();
     void sendWaiting();
     bool mayBegin() const;
-    ExchangePtr takeNext();
+    void begin(HttpExchange &exchange);
+    void giveWay();
     void placeIsFree();
     void waitForTurn();
     void setDeadline(HttpExchange *exchange, int64_t due);
@@ -75,6 +76,8 @@ private:
     /// When the deadlines are looked at next; 0 while they are.
     int64_t m_timerDue = noTimer;
     Timer m_silence;
+    /// Since the last answer.
+    bool m_isSilent = false;
 };
 
 } // namespace bridge
