@@ -10,8 +10,6 @@ namespace bridge {
 
 namespace {
 
-constexpr auto slice = std::chrono::milliseconds(1);
-
 bool isOfKind(const MediaObject &object, ListKind kind)
 {
     return kind == ListKind::All || object.isContainer == (kind == ListKind::Containers);
@@ -107,7 +105,7 @@ void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
 
 Failure PageReader::readSlice()
 {
-    const auto end = std::chrono::steady_clock::now() + slice;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(limits::turnUs);
     Failure refusal;
     while (!isAtEndOfPage() && refusal.name.empty()) {
         refusal = readObject(m_objects[m_nextObject++]);

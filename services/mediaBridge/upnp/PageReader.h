@@ -33,7 +33,7 @@ public:
     /// Takes a page with `returned` objects of `total`, as the server says; 0 is "unknown".
     Content take(std::optional<DidlList> list, uint32_t returned, uint32_t total);
 
-    /// Gives the next objects of the page for about a millisecond, at least one.
+    /// Gives the next objects of the page for a short time of a turn, at least one.
     Failure readSlice();
     bool isAtEndOfPage() const { return m_nextObject >= m_objects.size(); }
 
