@@ -122,6 +122,10 @@ void tst_BridgeListing::listsAreCompleteWhateverThePages()
         QCOMPARE(listed(7, total, 0, 0), all);
         QCOMPARE(listed(4, total, 20, 10), trackTitles(20, numberCount));
     }
+    server->behaviour.beginsAnew = true;
+    for (const auto total : {Behaviour::Zero, Behaviour::OneMore})
+        QCOMPARE(listed(7, total, 0, 0), all);
+    server->behaviour.beginsAnew = false;
     QCOMPARE(listed(7, Behaviour::Counted, 3, 10), trackTitles(3, 13));
     QCOMPARE(listed(0, Behaviour::Counted, 25, 10), QStringList());
     QCOMPARE(listed(7, Behaviour::Counted, 20, 0xffffffffU), trackTitles(20, numberCount));
@@ -134,13 +138,12 @@ void tst_BridgeListing::listsAreCompleteWhateverThePages()
 /// A server that can be told by one of its counts isn't asked more than it has to be.
 void tst_BridgeListing::countsOfWhatWasSentAreNotBelieved()
 {
-    using Behaviour = ServerBehaviour;
-    for (const auto total : {Behaviour::Counted, Behaviour::Sent}) {
-        const bool isTrue = total == Behaviour::Counted;
+    for (const uint cap : {0U, 10U, 1U}) {
+        const bool isTrue = cap == 0;
         ScriptedUpnpServer other(newUdn());
         other.tree.addFolder("numbers", "0", "Numbers", numberCount);
         other.tree.addFolder("one", "0", "One", 1);
-        other.behaviour.total = total;
+        other.behaviour.total = isTrue ? ServerBehaviour::Counted : ServerBehaviour::Sent;
         QVERIFY(!bridge->add(other).isEmpty());
         const QString folder = objectPath(other.udn(), "numbers");
         const auto questions = [&](uint pageCap, uint offset, uint max, uint to) {
@@ -156,7 +159,7 @@ void tst_BridgeListing::countsOfWhatWasSentAreNotBelieved()
             const auto found = bridge->search(folder, "Type = \"music\"", 0, max, title);
             return QString("%1 %2").arg(children).arg(found.values.value(1).toUInt());
         };
-        QCOMPARE(questions(isTrue ? 0 : 10, 0, 0, numberCount), isTrue ? 2 : 5);
+        QCOMPARE(questions(cap, 0, 0, numberCount), isTrue ? 2 : cap == 10 ? 5 : 27);
         QCOMPARE(titles(bridge->list(objectPath(other.udn(), "one"))), trackTitles(0, 1));
         QCOMPARE(counts(numberCount), isTrue ? "25 25" : "25 0");
         QCOMPARE(questions(0, 0, 0, numberCount), isTrue ? 1 : 2);

@@ -165,6 +165,8 @@ inline constexpr size_t attributesOfTag = 2;
 /// Resources of one object, and artists, and classes that may be created in it, and DLNA abilities
 /// of a device; attributes of a tag that are looked through for what a prefix means.
 inline constexpr size_t repeated = 64;
+/// Objects of one listing by which a page is known that was there before.
+inline constexpr size_t idsOfList = 65'536;
 /// Objects of one listing that are left out since they are malformed themselves.
 inline constexpr uint32_t lostObjects = 20;
 /// A text for people, in bytes. A longer one is cut, and ends in "…".

@@ -90,10 +90,7 @@ bool Listing::isCountInDoubt() const
 {
     const bool endsWithRows =
         m_total > 0 && m_position == m_total && m_reader.hasSeenObjects() && !m_isAtEnd;
-    // Nobody sends single rows where more are asked for.
-    const bool mayBeCut = m_total > 1 || m_request.max == 1;
-    return endsWithRows && mayBeCut && !m_isCountChecked
-        && !m_server->countsWhole(m_request.action);
+    return endsWithRows && !m_isCountChecked && !m_server->countsWhole(m_request.action);
 }
 
 bool Listing::mustCheckCount() const
@@ -129,9 +126,10 @@ void Listing::checkedCount(uint32_t position, ActionReply reply)
     const auto number = [&](const char *name) {
         return parseCount(reply.answer.value(name)).value_or(0);
     };
+    const bool isMore = number("TotalMatches") > 1;
     if (position == 0 && number("TotalMatches") > 0)
-        m_server->setCountsWhole(m_request.action, number("TotalMatches") > 1);
-    else if (position > 0 && number("NumberReturned") > 0)
+        m_server->setCountsWhole(m_request.action, isMore);
+    else if (position > 0 && (isMore || number("NumberReturned") > 0))
         m_server->setCountsWhole(m_request.action, false);
 }
 
@@ -190,11 +188,9 @@ void Listing::gotPage(uint32_t position, uint32_t asked, ActionReply reply)
     const uint32_t total = counted.value_or(0);
     const uint32_t returned = sent.value_or(0);
     m_total = std::max(m_total, total < noCount ? total : 0);
-    m_waiting = Page{position, asked, std::min(returned, asked), counted || sent,
+    m_waiting = Page{position, asked, std::min(returned, asked), total, counted || sent,
         std::move(reply.answer.values["Result"]), std::move(reply.place)};
     m_position = position + m_waiting->returned;
-    if (m_waiting->returned > 0 && m_total > m_position && !m_server->countsWhole(m_request.action))
-        m_server->setCountsWhole(m_request.action, true);
     m_pageSize.follow(m_waiting->returned, m_waiting->didl.size(),
         std::chrono::steady_clock::now() - m_pageStart);
 }
@@ -239,6 +235,9 @@ void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
         return;
     }
     m_isAtEnd = m_isAtEnd || content.isLast;
+    const bool goesOn = content.count > 0 && m_reading->total > m_reading->position + content.count;
+    if (goesOn && !m_server->countsWhole(m_request.action))
+        m_server->setCountsWhole(m_request.action, true);
     if (content.count != m_reading->returned) {
         // What is under way begins at the wrong place.
         ++m_round;

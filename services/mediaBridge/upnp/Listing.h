@@ -52,6 +52,8 @@ private:
         uint32_t position = 0;
         uint32_t asked = 0;
         uint32_t returned = 0;
+        /// Objects of the whole list, as this answer counts them.
+        uint32_t total = 0;
         /// The server said how many it sends, or how many there are.
         bool isCounted = false;
         std::string didl;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 
 namespace bridge {
 
@@ -37,14 +38,14 @@ PageReader::Content PageReader::take(
     Content content{false, false, countOf(*list)};
     std::vector<MediaObject> &objects = list->objects;
     if (isRepeated(objects)) {
-        logWarning("\"" + m_serverName
-            + "\" sends the same page again and again; the list ends with its first");
+        logWarning("\"" + m_serverName + "\" sends again what it has sent; the list ends there");
         content = {false, true, 0};
     } else if ((objects.empty() && !isSkipped) || isOnlyItself(objects, total)) {
         content.isLast = true;
     } else if (!isSkipped) {
-        m_lastFirstId = objects.front().id;
+        m_hasSeenObjects = true;
         leaveOutKnown(objects);
+        remember(objects);
     }
     if (content.isLast)
         objects.clear();
@@ -69,9 +70,31 @@ uint32_t PageReader::countOf(const DidlList &list)
     return count;
 }
 
+/// Behind their end, some lists begin anew, or give their last page again. What begins inside that
+/// may also overlap it.
 bool PageReader::isRepeated(const std::vector<MediaObject> &objects) const
 {
-    return !objects.empty() && !objects.front().id.empty() && objects.front().id == m_lastFirstId;
+    if (objects.empty())
+        return false;
+    const auto first = m_idsBefore.find(objects.front().id);
+    if (first != m_idsBefore.end() && first->second != m_countBefore)
+        return false;
+    const auto wasThere = [this](const MediaObject &object) {
+        const size_t hash = std::hash<std::string>()(object.id);
+        return !object.id.empty() && std::binary_search(m_seen.begin(), m_seen.end(), hash);
+    };
+    return std::all_of(objects.begin(), objects.end(), wasThere);
+}
+
+void PageReader::remember(const std::vector<MediaObject> &objects)
+{
+    const auto known = static_cast<ptrdiff_t>(m_seen.size());
+    for (const MediaObject &object : objects) {
+        if (m_seen.size() < limits::idsOfList)
+            m_seen.push_back(std::hash<std::string>()(object.id));
+    }
+    std::sort(m_seen.begin() + known, m_seen.end());
+    std::inplace_merge(m_seen.begin(), m_seen.begin() + known, m_seen.end());
 }
 
 /// Asked for the children of an item, some servers give the item itself.
@@ -98,6 +121,7 @@ void PageReader::leaveOutKnown(std::vector<MediaObject> &objects)
         if (!object->id.empty())
             ids[object->id] = objects.end() - object;
     }
+    m_countBefore = objects.end() - objects.begin();
     (isEndBefore ? m_repeated : m_lost) += static_cast<uint32_t>(firstNew - objects.begin());
     objects.erase(objects.begin(), firstNew);
     m_idsBefore = std::move(ids);

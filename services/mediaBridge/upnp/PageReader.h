@@ -37,7 +37,7 @@ public:
     Failure readSlice();
     bool isAtEndOfPage() const { return m_nextObject >= m_objects.size(); }
 
-    bool hasSeenObjects() const { return !m_lastFirstId.empty(); }
+    bool hasSeenObjects() const { return m_hasSeenObjects; }
     /// Objects that were given.
     uint32_t rowCount() const { return m_rowCount; }
     /// Objects that the server counts and that it leaves out, or sends malformed.
@@ -50,6 +50,7 @@ private:
     bool isRepeated(const std::vector<MediaObject> &objects) const;
     bool isOnlyItself(const std::vector<MediaObject> &objects, uint32_t total) const;
     void leaveOutKnown(std::vector<MediaObject> &objects);
+    void remember(const std::vector<MediaObject> &objects);
     Failure readObject(const MediaObject &object);
 
     const ListRequest &m_request;
@@ -62,7 +63,10 @@ private:
     uint32_t m_repeated = 0;
     /// Of the last page, and where in it they stood, counted from its end.
     std::map<std::string, ptrdiff_t> m_idsBefore;
-    std::string m_lastFirstId;
+    ptrdiff_t m_countBefore = 0;
+    /// Hashes of the ids of all pages so far, in rising order.
+    std::vector<size_t> m_seen;
+    bool m_hasSeenObjects = false;
     std::vector<MediaObject> m_objects;
     size_t m_nextObject = 0;
 };

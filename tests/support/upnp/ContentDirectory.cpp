@@ -19,7 +19,11 @@ struct Page
     QString base;
     quint32 first = 0, wanted = 0, total = 0;
 
-    quint32 begin() const { return first - std::min(first, behaviour.overlap); }
+    quint32 begin() const
+    {
+        const bool isAnew = behaviour.beginsAnew && first >= total;
+        return isAnew ? 0 : first - std::min(first, behaviour.overlap);
+    }
 
     quint32 size() const
     {

@@ -28,6 +28,7 @@ struct ServerBehaviour
         Sent ///< only those that have been
     };
 
+    bool beginsAnew = false; ///< behind its end, with the first page
     quint32 pageCap = 0; ///< objects in one answer at most, 0: no cap
     Total total = Counted;
     quint32 overlap = 0; ///< pages but the first begin so many rows too early
