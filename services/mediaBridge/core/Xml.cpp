@@ -1,5 +1,6 @@
 #include "core/Xml.h"
 
+#include "core/Glib.h"
 #include "core/Limits.h"
 
 #include <algorithm>
@@ -134,18 +135,23 @@ std::string_view declaredEncoding(std::string_view text)
 
 /// Whether text in this encoding is to be converted: one of those whose tags are those of ASCII and
 /// whose bytes mean the same wherever they stand. In a wide one not even the declaration would have
-/// been found, so that text isn't in it, whoever says that it is.
+/// been found, so that text isn't in it, whoever says that it is. Named one by one, since some of
+/// their relatives have converters that never end.
 bool isNarrow(const std::string &encoding)
 {
-    constexpr size_t longest = 32;
-    const bool isName = encoding.size() <= longest
-        && std::all_of(encoding.begin(), encoding.end(),
-            [](char c) { return g_ascii_isalnum(c) || c == '-' || c == '_'; });
-    const auto families = {"windows-", "cp125", "iso-8859-", "latin", "koi8-", "shift_jis", "euc-",
-        "gb", "big5", "tis-620"};
-    return isName && std::any_of(families.begin(), families.end(), [&](const char *family) {
-        return g_ascii_strncasecmp(encoding.c_str(), family, std::strlen(family)) == 0;
-    });
+    constexpr size_t longest = 12;
+    if (encoding.size() > longest)
+        return false;
+    const std::string name = takeString(g_ascii_strdown(encoding.c_str(), -1));
+    const auto names = {"big5", "euc-jp", "euc-kr", "gb18030", "gb2312", "gbk", "koi8-r", "koi8-u",
+        "latin1", "shift_jis", "tis-620"};
+    const auto families = {"windows-125", "cp125", "iso-8859-"};
+    const size_t behindStem = name.find_last_not_of("0123456789") + 1;
+    const auto isOf = [&](std::string_view family) {
+        return name.compare(0, family.size(), family) == 0 && behindStem <= family.size();
+    };
+    return std::any_of(names.begin(), names.end(), [&](const char *known) { return name == known; })
+        || std::any_of(families.begin(), families.end(), isOf);
 }
 
 /// To be converted from; empty for UTF-8, or what is read as that.
@@ -160,18 +166,24 @@ std::string encodingOf(std::string_view text, std::string_view charset)
 }
 
 /// What isn't in that encoding to its end is left to be mended as UTF-8, and of wide text nothing.
-/// It becomes three times as long at most.
 std::string toUtf8(std::string text, const std::string &encoding)
 {
-    gsize size = 0;
-    char *converted = g_convert(text.data(), static_cast<gssize>(text.size()), "UTF-8",
-        encoding.c_str(), nullptr, &size, nullptr);
-    if (converted)
-        text.assign(converted, size);
-    else if (wideEncoding(text))
-        text.clear();
-    g_free(converted);
-    return text;
+    // No character becomes longer than that; some converters would go on for ever.
+    constexpr size_t growth = 3;
+    std::string converted(growth * text.size(), '\0');
+    char *from = text.data(), *to = converted.data();
+    gsize left = text.size(), room = converted.size();
+    const GIConv converter = g_iconv_open("UTF-8", encoding.c_str());
+    const bool isKnown = converter != reinterpret_cast<GIConv>(-1);
+    const bool isWhole = isKnown
+        && g_iconv(converter, &from, &left, &to, &room) != static_cast<gsize>(-1)
+        && g_iconv(converter, nullptr, nullptr, &to, &room) != static_cast<gsize>(-1);
+    if (isKnown)
+        g_iconv_close(converter);
+    if (!isWhole)
+        return wideEncoding(text) ? std::string() : text;
+    converted.resize(converted.size() - room);
+    return converted;
 }
 
 /// The end of a reference to what is no character, "&#0;", or `position`: the parser would make a

@@ -110,7 +110,7 @@ void HttpExchange::gotInterimAnswer(SoupMessage *, HttpExchange *self)
 /// between is lost. libsoup may still hold the first message, so the second try has its own.
 bool HttpExchange::sendAgain(const GError *error)
 {
-    if (m_isSecondTry || m_putBack || outcomeOf(error) != HttpOutcome::Broken)
+    if (m_isSecondTry || m_putBack || isStopped() || outcomeOf(error) != HttpOutcome::Broken)
         return false;
     m_isSecondTry = true;
     g_signal_handlers_disconnect_by_data(m_message.get(), this);
@@ -154,6 +154,8 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
         later([self, error] { self->fail(error); });
         return;
     }
+    if (!self->m_done)
+        return;
     self->m_host = hostOf(self->m_request.url);
     // Growing, a long one would be copied over and over.
     const auto length = static_cast<size_t>(soup_message_headers_get_content_length(
@@ -166,6 +168,8 @@ void HttpExchange::answered(GObject *, GAsyncResult *result, gpointer kept)
 /// What is there is taken at once: each turn of the main loop costs more than a read.
 void HttpExchange::readOn()
 {
+    if (!m_done)
+        return;
     static std::array<char, size_t{64} << 10> bytes;
     const auto stream = G_POLLABLE_INPUT_STREAM(m_stream.get());
     const int64_t end = g_get_monotonic_time() + limits::turnUs;
@@ -282,8 +286,12 @@ void HttpExchange::stop(HttpOutcome outcome, std::string problem)
     m_stopProblem = std::move(problem);
     g_cancellable_cancel(m_cancellable.get());
     g_cancellable_cancel(m_try.get());
-    if (m_session && !m_isPaused)
+    if (m_session && !m_isPaused) {
+        // Should libsoup not call back, it ends all the same.
+        constexpr unsigned enoughMs = 1'000;
+        m_end.start(enoughMs, [this] { finish(m_stopOutcome, std::move(m_stopProblem)); });
         return;
+    }
     // Nothing is under way that could end it.
     later([self = shared_from_this()] {
         self->finish(self->m_stopOutcome, std::move(self->m_stopProblem));
@@ -312,6 +320,9 @@ HttpOutcome HttpExchange::outcomeOf(const GError *error) const
 void HttpExchange::finish(HttpOutcome outcome, std::string problem)
 {
     const auto self = shared_from_this();
+    if (!m_done)
+        return;
+    m_end.stop();
     if (m_callerLeft != 0)
         g_cancellable_disconnect(m_request.caller.cancellable.get(), m_callerLeft);
     // Ends what libsoup still does for it.

@@ -124,6 +124,8 @@ private:
     bool m_isPaused = false;
     Backlog::Seat m_seat;
     Timer m_seatTimer;
+    /// Runs from its stopping.
+    Timer m_end;
     /// What `stop` was called with.
     HttpOutcome m_stopOutcome = HttpOutcome::Cancelled;
     std::string m_stopProblem;

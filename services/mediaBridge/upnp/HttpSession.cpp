@@ -12,6 +12,8 @@ namespace {
 constexpr int64_t usPerMs = 1000;
 // Longer than a page of rows should take.
 constexpr unsigned silenceMs = 1'200;
+// Longer than one should that wakes its disks; half of what a request may take.
+constexpr unsigned longSilenceMs = 5'000;
 
 /// Requests of all sessions that are under way.
 unsigned underWayOfAll = 0;
@@ -114,9 +116,7 @@ void HttpSession::watchSilence()
     if (m_silence.isRunning())
         return;
     m_silence.start(silenceMs, [this] {
-        m_isSilent = true;
-        if (underWayOfAll > limits::requestsOfAll)
-            giveWay();
+        m_silence.start(longSilenceMs - silenceMs, [this] { giveWay(); });
         if (onSilent)
             onSilent();
     });
@@ -125,6 +125,9 @@ void HttpSession::watchSilence()
 /// Each request that hangs makes every turn of the main loop longer.
 void HttpSession::giveWay()
 {
+    m_isSilent = true;
+    if (underWayOfAll <= limits::requestsOfAll)
+        return;
     for (const auto &[exchange, due] : m_exchanges) {
         exchange->putBack([weak = weak_from_this(), exchange = exchange->shared_from_this()] {
             if (const auto self = weak.lock())
