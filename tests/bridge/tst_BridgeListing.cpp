@@ -80,6 +80,9 @@ void tst_BridgeListing::initTestCase()
     server->tree.addFolder("twice", "away from the others", "Twice");
     for (const char *id : {"a", "b", "c", "c"})
         server->tree.addTrack(id, "twice", id);
+    server->tree.addFolder("again", "away from the others", "Again");
+    for (const char *id : {"d", "e", "f", "d", "e"})
+        server->tree.addTrack(id, "again", id);
     server->behaviour.bareAmpersands = true;
     root = bridge->add(*server);
     QVERIFY(!root.isEmpty());
@@ -271,6 +274,9 @@ void tst_BridgeListing::cutAnswersAreNeverCutLists()
         QCOMPARE(
             titles(bridge->list(path("numbers"), 5, 12)), trackTitles(5 - overlap, 17 - overlap));
     }
+    server->behaviour.overlap = 0;
+    server->behaviour.pageCap = 1;
+    QCOMPARE(titles(bridge->list(path("again"))).join(' '), "d e f d e");
     // Not to be told from a server that sends one row for two.
     server->behaviour.overlap = 0;
     server->behaviour.pageCap = 3;

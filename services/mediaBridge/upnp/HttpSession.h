@@ -76,7 +76,7 @@ private:
     /// When the deadlines are looked at next; 0 while they are.
     int64_t m_timerDue = noTimer;
     Timer m_silence;
-    /// Since the last answer.
+    /// It answered nothing for long, and hasn't since.
     bool m_isSilent = false;
 };
 

@@ -228,7 +228,8 @@ void Listing::parsePage()
 
 void Listing::gotObjects(std::optional<DidlList> list, bool isSmall)
 {
-    const auto content = m_reader.take(std::move(list), m_reading->returned, m_total);
+    const auto content =
+        m_reader.take(std::move(list), m_reading->position, m_reading->returned, m_total);
     const bool saysNothing = content.isLast && !m_reading->isCounted && !m_reader.hasSeenObjects();
     if (content.isUnreadable || saysNothing) {
         failUnreadable();

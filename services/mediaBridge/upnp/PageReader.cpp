@@ -27,7 +27,7 @@ PageReader::PageReader(const ListRequest &request, std::string serverName, RowSi
 }
 
 PageReader::Content PageReader::take(
-    std::optional<DidlList> list, uint32_t returned, uint32_t total)
+    std::optional<DidlList> list, uint32_t position, uint32_t returned, uint32_t total)
 {
     // The first page with objects that aren't there is no empty list.
     const bool lacksAll = !hasSeenObjects() && m_rowCount == 0 && returned > 0;
@@ -37,7 +37,7 @@ PageReader::Content PageReader::take(
         return {true, true, 0};
     Content content{false, false, countOf(*list)};
     std::vector<MediaObject> &objects = list->objects;
-    if (isRepeated(objects)) {
+    if (isRepeated(objects, total - std::min(position, total))) {
         logWarning("\"" + m_serverName + "\" sends again what it has sent; the list ends there");
         content = {false, true, 0};
     } else if ((objects.empty() && !isSkipped) || isOnlyItself(objects, total)) {
@@ -70,14 +70,16 @@ uint32_t PageReader::countOf(const DidlList &list)
     return count;
 }
 
-/// Behind their end, some lists begin anew, or give their last page again. What begins inside that
-/// may also overlap it.
-bool PageReader::isRepeated(const std::vector<MediaObject> &objects) const
+/// The page before, or one that was there before it: behind their end, some lists begin anew, or
+/// give their last page again. Among the `left` objects that the server still counts, one may be
+/// there twice; and what begins inside the page before may overlap it.
+bool PageReader::isRepeated(const std::vector<MediaObject> &objects, uint32_t left) const
 {
     if (objects.empty())
         return false;
     const auto first = m_idsBefore.find(objects.front().id);
-    if (first != m_idsBefore.end() && first->second != m_countBefore)
+    const bool isInPageBefore = first != m_idsBefore.end();
+    if (isInPageBefore ? first->second != m_countBefore : objects.size() <= left)
         return false;
     const auto wasThere = [this](const MediaObject &object) {
         const size_t hash = std::hash<std::string>()(object.id);

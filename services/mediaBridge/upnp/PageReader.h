@@ -30,8 +30,10 @@ public:
         /// Objects of the server's list that it stands for; the next page begins behind them.
         uint32_t count = 0;
     };
-    /// Takes a page with `returned` objects of `total`, as the server says; 0 is "unknown".
-    Content take(std::optional<DidlList> list, uint32_t returned, uint32_t total);
+    /// Takes the page at a position of the server's list with `returned` objects of `total`, as the
+    /// server says; 0 is "unknown".
+    Content take(
+        std::optional<DidlList> list, uint32_t position, uint32_t returned, uint32_t total);
 
     /// Gives the next objects of the page for a short time of a turn, at least one.
     Failure readSlice();
@@ -47,7 +49,7 @@ public:
 
 private:
     uint32_t countOf(const DidlList &list);
-    bool isRepeated(const std::vector<MediaObject> &objects) const;
+    bool isRepeated(const std::vector<MediaObject> &objects, uint32_t left) const;
     bool isOnlyItself(const std::vector<MediaObject> &objects, uint32_t total) const;
     void leaveOutKnown(std::vector<MediaObject> &objects);
     void remember(const std::vector<MediaObject> &objects);
