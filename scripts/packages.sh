@@ -3,7 +3,7 @@
 # Needs $root, the repository's folder.
 # shellcheck disable=SC2154 # root is set by ./run
 
-# packages_of SECTION…: the names listed under these sections.
+# packages_of SECTION…: the names listed under these sections; those of which one will do have a "|" between them.
 packages_of() {
     awk -v wanted=" $* " '
         /^# \[/ { section = substr($2, 2, length($2) - 2); next }
@@ -14,10 +14,12 @@ packages_of() {
 # packages_missing SECTION…: those of them that are not installed, on one line.
 packages_missing() {
     names=$(packages_of "$@")
-    # shellcheck disable=SC2086 # a list of names
-    there=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' $names 2>/dev/null |
-        sed -n 's/^installed //p') || true
-    echo "$names" | grep -vxF "$there" | sed 's/^/ /' | tr -d '\n'
+    # shellcheck disable=SC2046 # a list of names
+    there=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' $(echo "$names" | tr '|' ' ') 2>/dev/null |
+        sed -n 's/^installed //p' | tr '\n' ' ') || true
+    echo "$names" | awk -F '|' -v there="$there" '
+        BEGIN { count = split(there, names, " "); for (i = 1; i <= count; ++i) is_there[names[i]] = 1 }
+        { for (i = 1; i <= NF; ++i) if ($i in is_there) next; printf " %s", $1 }'
 }
 
 # as_root COMMAND…: directly, or with sudo where that works without a question or there is somebody to ask.

@@ -1,8 +1,7 @@
 #include "bus/BusLoop.h"
 
+#include "core/Glib.h"
 #include "core/Limits.h"
-
-#include <glib-unix.h>
 
 namespace bridge {
 
@@ -55,7 +54,7 @@ dbus_bool_t addWatch(DBusWatch *watch, void *)
     unsigned condition = 0;
     for (const Flag &flag : flags)
         condition |= (wanted & flag.watchFlag) != 0 ? flag.condition : 0;
-    const guint source = g_unix_fd_add(
+    const guint source = watchDescriptor(
         dbus_watch_get_unix_fd(watch), static_cast<GIOCondition>(condition), &watchIsReady, watch);
     dbus_watch_set_data(watch, GUINT_TO_POINTER(source), nullptr);
     return TRUE;

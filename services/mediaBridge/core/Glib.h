@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gio/gio.h>
+#include <glib-unix.h>
 #include <string>
 #include <utility>
 
@@ -46,6 +47,20 @@ public:
 private:
     T *m_object = nullptr;
 };
+
+/// Calls `ready` from the main loop for as long as it gives G_SOURCE_CONTINUE. The number is for
+/// g_source_remove.
+inline guint watchDescriptor(
+    int descriptor, GIOCondition condition, GUnixFDSourceFunc ready, void *data)
+{
+    GSource *source = g_unix_fd_source_new(descriptor, condition);
+    g_source_set_callback(source, G_SOURCE_FUNC(ready), data, nullptr);
+    // Others are taken out of the poll while they are called, and the next is woken for it.
+    g_source_set_can_recurse(source, TRUE);
+    const guint id = g_source_attach(source, nullptr);
+    g_source_unref(source);
+    return id;
+}
 
 /// Copies and frees a text of GLib's; null gives an empty one.
 inline std::string takeString(char *text)

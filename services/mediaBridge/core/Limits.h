@@ -93,13 +93,15 @@ inline constexpr size_t hostsLookedAt = 1024;
 
 /// Requests under way at one server; the others wait in the bridge. Small servers take no more.
 inline constexpr unsigned requestsPerServer = 6;
-/// Requests under way at all servers, above which each has one at a time, and silent ones wait. A
-/// connection takes some 40 KiB, and makes each turn of the main loop 0.3 µs longer.
+/// Requests under way at all servers, above which each has one at a time. A connection takes some
+/// 40 KiB.
 inline constexpr unsigned requestsOfAll = 128;
 /// How long an idle connection is kept, in seconds.
 inline constexpr unsigned keptConnectionSeconds = 5;
 /// Answers such as "102 Processing" before the real one.
 inline constexpr unsigned interimAnswers = 8;
+/// Bytes of an answer's head; real ones have some 300.
+inline constexpr size_t headBytes = size_t{64} << 10;
 /// Bytes of all answers that are being received; where they are more, the longest ends of the host
 /// whose answers have most.
 inline constexpr size_t bodiesBytes = size_t{24} << 20;

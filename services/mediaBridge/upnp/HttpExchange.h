@@ -3,10 +3,11 @@
 #include "core/Backlog.h"
 #include "core/Caller.h"
 #include "core/Timer.h"
+#include "upnp/HttpConnections.h"
 
 #include <functional>
-#include <libsoup/soup.h>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace bridge {
@@ -75,60 +76,52 @@ public:
     /// Microseconds of the monotonic clock.
     int64_t startedAt() const { return m_startedAt; }
     /// Has ended or is about to.
-    bool isStopped() const { return g_cancellable_is_cancelled(m_cancellable.get()) != FALSE; }
+    bool isStopped() const { return m_stopped.has_value() || !m_done; }
 
     /// From here on it ends where its caller leaves.
     void watchCaller();
-    /// Unless it was stopped; once, and once more each time it was put back. `place` goes into the
-    /// reply.
-    void send(SoupSession *session, std::shared_ptr<void> place);
-    /// Takes it back where nothing has come yet, soon: calls `done` then, and lets its place go.
-    void putBack(std::function<void()> done);
+    /// Not where it was stopped. `place` goes into the reply.
+    void send(std::shared_ptr<HttpConnections> connections, std::shared_ptr<void> place);
     /// Ends it soon with this outcome, sent or not.
     void stop(HttpOutcome outcome, std::string problem = {});
 
 private:
-    void sendMessage(SoupMessageFlags more);
-    Ref<SoupMessage> newMessage(SoupMessageFlags more);
-    bool sendAgain(const GError *error);
-    bool isTakenBack();
-    static void gotInterimAnswer(SoupMessage *, HttpExchange *self);
-    static void answered(GObject *, GAsyncResult *result, gpointer self);
-    void readOn();
-    void waitForMore();
+    struct Ending
+    {
+        HttpOutcome outcome;
+        std::string problem;
+    };
+    /// As libcurl calls them: a size other than that of what came ends the transfer.
+    static size_t headCame(char *line, size_t, size_t size, void *self);
+    static size_t bodyCame(char *data, size_t, size_t size, void *self);
+    void makeTransfer();
+    void setHeaders();
+    bool takeHead(std::string_view line);
+    bool append(const char *data, size_t size);
+    bool refuse(std::string problem);
+    void ended(CURLcode code);
     void waitForSeat();
     void keepSeat();
-    bool append(const char *data, size_t size);
     void makeRoom();
-    void fail(GError *error);
-    HttpOutcome outcomeOf(const GError *error) const;
-    void finish(HttpOutcome outcome, std::string problem);
+    Ending endingOf(CURLcode code) const;
+    void finish(Ending ending);
 
     HttpRequest m_request;
     HttpCallback m_done;
     int64_t m_startedAt = g_get_monotonic_time();
-    Ref<GCancellable> m_cancellable{g_cancellable_new()};
     gulong m_callerLeft = 0;
-    /// Of what libsoup does now.
-    Ref<GCancellable> m_try;
-    std::function<void()> m_putBack;
-    Ref<SoupSession> m_session;
-    Ref<SoupMessage> m_message;
-    Ref<GInputStream> m_stream;
+    std::shared_ptr<HttpConnections> m_connections;
+    CurlList m_headers;
+    CurlTransfer m_transfer;
     /// Of the request's URL.
     std::string m_host;
-    bool m_isSecondTry = false;
-    unsigned m_interimAnswers = 0;
+    unsigned m_answers = 0;
+    size_t m_headBytes = 0;
     size_t m_pieces = 0;
-    /// Nothing is under way: it goes on when others' answers have been read.
-    bool m_isPaused = false;
     Backlog::Seat m_seat;
     Timer m_seatTimer;
-    /// Runs from its stopping.
-    Timer m_end;
-    /// What `stop` was called with.
-    HttpOutcome m_stopOutcome = HttpOutcome::Cancelled;
-    std::string m_stopProblem;
+    /// Why it ends, where that isn't the connection's doing.
+    std::optional<Ending> m_stopped;
     HttpReply m_reply;
 };
 

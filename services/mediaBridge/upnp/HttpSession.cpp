@@ -2,6 +2,7 @@
 
 #include "core/Later.h"
 #include "core/Limits.h"
+#include "upnp/HttpUrl.h"
 
 #include <algorithm>
 
@@ -12,8 +13,6 @@ namespace {
 constexpr int64_t usPerMs = 1000;
 // Longer than a page of rows should take.
 constexpr unsigned silenceMs = 1'200;
-// Longer than one should that wakes its disks; half of what a request may take.
-constexpr unsigned longSilenceMs = 5'000;
 
 /// Requests of all sessions that are under way.
 unsigned underWayOfAll = 0;
@@ -31,20 +30,6 @@ std::deque<std::weak_ptr<HttpSession>> &hungry()
 std::shared_ptr<HttpSession> HttpSession::create()
 {
     return std::shared_ptr<HttpSession>(new HttpSession);
-}
-
-HttpSession::HttpSession()
-    : m_soup(
-        soup_session_new_with_options("max-conns", limits::requestsPerServer, "max-conns-per-host",
-            limits::requestsPerServer, "timeout", 0, "idle-timeout", limits::keptConnectionSeconds,
-            "user-agent", "orka-media-bridge UPnP/1.0 DLNADOC/1.50", nullptr))
-{
-    // A proxy of the environment is for the internet, not for the machines at home.
-    soup_session_set_proxy_resolver(m_soup.get(), nullptr);
-    // A few packed bytes may hold gigabytes.
-    soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_CONTENT_DECODER);
-    // Nobody is told a password; and it would be told again and again.
-    soup_session_remove_feature_by_type(m_soup.get(), SOUP_TYPE_AUTH_MANAGER);
 }
 
 int64_t HttpSession::latestEnd(unsigned timeoutMs)
@@ -66,9 +51,7 @@ bool HttpSession::isResting(unsigned ms) const
 void HttpSession::send(HttpRequest request, HttpCallback done)
 {
     m_lastRequest = g_get_monotonic_time();
-    const bool isUrl =
-        g_uri_is_valid(request.url.c_str(), static_cast<GUriFlags>(SOUP_HTTP_URI_FLAGS), nullptr)
-        != FALSE;
+    const auto url = parseHttpUrl(request.url);
     const auto self = std::make_shared<HttpExchange *>();
     const auto exchange = std::make_shared<HttpExchange>(std::move(request),
         [weak = weak_from_this(), self, done = std::move(done)](HttpReply reply) {
@@ -81,7 +64,8 @@ void HttpSession::send(HttpRequest request, HttpCallback done)
     if (m_exchanges.size() == 1)
         watchSilence();
     exchange->watchCaller();
-    if (!isUrl)
+    // Nobody waits here for a name to be resolved.
+    if (!url || !url->isNumeric)
         exchange->stop(
             HttpOutcome::Unreachable, "\"" + exchange->request().url + "\" is not a URL.");
     const std::string &caller = exchange->request().caller.name;
@@ -100,7 +84,6 @@ void HttpSession::finished(HttpExchange *exchange, const HttpReply &reply)
     if (isAnswer) {
         m_lastAnswer = g_get_monotonic_time();
         m_silence.stop();
-        m_isSilent = false;
     }
     const auto known = m_exchanges.find(exchange);
     m_deadlines.erase({known->second, exchange});
@@ -116,26 +99,9 @@ void HttpSession::watchSilence()
     if (m_silence.isRunning())
         return;
     m_silence.start(silenceMs, [this] {
-        m_silence.start(longSilenceMs - silenceMs, [this] { giveWay(); });
         if (onSilent)
             onSilent();
     });
-}
-
-/// Each request that hangs makes every turn of the main loop longer.
-void HttpSession::giveWay()
-{
-    m_isSilent = true;
-    if (underWayOfAll <= limits::requestsOfAll)
-        return;
-    for (const auto &[exchange, due] : m_exchanges) {
-        exchange->putBack([weak = weak_from_this(), exchange = exchange->shared_from_this()] {
-            if (const auto self = weak.lock())
-                self->m_waiting.pushFirst(exchange->request().caller.name, exchange);
-            else
-                exchange->stop(HttpOutcome::Cancelled);
-        });
-    }
 }
 
 void HttpSession::abort(HttpOutcome outcome)
@@ -145,7 +111,6 @@ void HttpSession::abort(HttpOutcome outcome)
         all.push_back(exchange->shared_from_this());
     for (const ExchangePtr &exchange : all)
         exchange->stop(outcome);
-    soup_session_abort(m_soup.get());
 }
 
 void HttpSession::sendWaiting()
@@ -170,7 +135,7 @@ void HttpSession::begin(HttpExchange &exchange)
 {
     ++m_underWay;
     ++underWayOfAll;
-    exchange.send(m_soup.get(), std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
+    exchange.send(m_connections, std::shared_ptr<void>(nullptr, [weak = weak_from_this()](void *) {
         --underWayOfAll;
         if (const auto self = weak.lock())
             self->placeIsFree();
@@ -178,12 +143,11 @@ void HttpSession::begin(HttpExchange &exchange)
     }));
 }
 
-/// Every server that isn't silent has one request under way, whatever happens at the others.
+/// Every server has one request under way, whatever happens at the others.
 bool HttpSession::mayBegin() const
 {
-    if (underWayOfAll < limits::requestsOfAll)
-        return m_underWay < limits::requestsPerServer;
-    return m_underWay == 0 && !m_isSilent;
+    return m_underWay == 0
+        || (m_underWay < limits::requestsPerServer && underWayOfAll < limits::requestsOfAll);
 }
 
 void HttpSession::placeIsFree()

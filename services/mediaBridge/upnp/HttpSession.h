@@ -13,9 +13,9 @@ namespace bridge {
 /// All requests to one server. It has connections of its own, so that a server which hangs can't
 /// use up another's; they are kept for a few seconds. A few requests are under way at once. The
 /// rest wait here, and callers take turns, so that nobody waits for another's thousand calls; while
-/// very many are under way at all servers, it is one at a time here, and where the server is silent
-/// none, and sessions take turns; requests whose caller left are dropped. Redirects aren't
-/// followed, answers aren't unpacked. Main thread only.
+/// very many are under way at all servers, it is one at a time here, and sessions take turns;
+/// requests whose caller left are dropped. Redirects aren't followed, answers aren't unpacked. Main
+/// thread only.
 class HttpSession : public std::enable_shared_from_this<HttpSession>
 {
 public:
@@ -44,12 +44,11 @@ private:
     using Deadline = std::pair<int64_t, HttpExchange *>;
     static constexpr int64_t noTimer = std::numeric_limits<int64_t>::max();
 
-    HttpSession();
+    HttpSession() = default;
     static void serveHungry();
     void sendWaiting();
     bool mayBegin() const;
     void begin(HttpExchange &exchange);
-    void giveWay();
     void placeIsFree();
     void waitForTurn();
     void setDeadline(HttpExchange *exchange, int64_t due);
@@ -60,7 +59,7 @@ private:
     int64_t patience(const HttpExchange &exchange) const;
     void finished(HttpExchange *exchange, const HttpReply &reply);
 
-    Ref<SoupSession> m_soup;
+    std::shared_ptr<HttpConnections> m_connections = std::make_shared<HttpConnections>();
     /// By the caller's name.
     TurnQueue<ExchangePtr> m_waiting;
     unsigned m_underWay = 0;
@@ -76,8 +75,6 @@ private:
     /// When the deadlines are looked at next; 0 while they are.
     int64_t m_timerDue = noTimer;
     Timer m_silence;
-    /// It answered nothing for long, and hasn't since.
-    bool m_isSilent = false;
 };
 
 } // namespace bridge

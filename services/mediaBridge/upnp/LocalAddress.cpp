@@ -1,9 +1,10 @@
 #include "upnp/LocalAddress.h"
 
+#include "core/Glib.h"
+
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
-#include <glib-unix.h>
 #include <ifaddrs.h>
 #include <linux/rtnetlink.h>
 #include <memory>
@@ -85,7 +86,7 @@ bool AddressWatch::start()
     groups.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV6_IFADDR;
     if (m_fd < 0 || bind(m_fd, reinterpret_cast<sockaddr *>(&groups), sizeof groups) != 0)
         return false;
-    m_source = g_unix_fd_add(m_fd, G_IO_IN, &AddressWatch::readable, this);
+    m_source = watchDescriptor(m_fd, G_IO_IN, &AddressWatch::readable, this);
     return true;
 }
 

@@ -155,8 +155,9 @@ Failure MediaServer::failureOf(
     }
     if (answer.kind == SoapAnswer::Kind::Fault)
         return {errors::operationFailed, start + faultSentence(answer)};
-    if (reply.status == SOUP_STATUS_UNAUTHORIZED
-        || reply.status == SOUP_STATUS_PROXY_AUTHENTICATION_REQUIRED) {
+    constexpr unsigned unauthorized = 401;
+    constexpr unsigned proxyAuthenticationRequired = 407;
+    if (reply.status == unauthorized || reply.status == proxyAuthenticationRequired) {
         return {errors::operationFailed,
             start + server + " asks for a password, which can't be given (HTTP status "
                 + std::to_string(reply.status) + ")."};

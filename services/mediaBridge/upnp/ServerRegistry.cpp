@@ -22,7 +22,7 @@ constexpr unsigned rememberMs = 3'600'000;
 constexpr int64_t searchTakesUs = 4'000'000;
 // Seconds after which a remembered place is doubted that nobody has announced.
 constexpr unsigned rememberedAge = 300;
-// Connections a server may have open, and what else the process has.
+// Connections a server may have open and libcurl's two, and what else the process has.
 constexpr rlim_t descriptorsOfOneServer = 8;
 constexpr rlim_t otherDescriptors = 256;
 

@@ -1,13 +1,13 @@
 #include "upnp/SsdpListener.h"
 
 #include "Log.h"
+#include "core/Glib.h"
 #include "core/Limits.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
-#include <glib-unix.h>
 #include <unistd.h>
 
 namespace bridge {
@@ -97,7 +97,7 @@ bool UdpSocket::send(
 
 void UdpSocket::listen()
 {
-    m_source = g_unix_fd_add(m_fd, G_IO_IN, &UdpSocket::readable, this);
+    m_source = watchDescriptor(m_fd, G_IO_IN, &UdpSocket::readable, this);
 }
 
 gboolean UdpSocket::readable(int, GIOCondition, gpointer self)

@@ -5,8 +5,8 @@
 #include "core/Numbers.h"
 
 #include <algorithm>
-#include <libsoup/soup.h>
-#include <memory>
+#include <map>
+#include <sstream>
 
 namespace bridge {
 
@@ -14,15 +14,13 @@ namespace {
 
 constexpr std::string_view mediaServer = "urn:schemas-upnp-org:device:MediaServer:";
 
-struct HeadersDeleter
-{
-    void operator()(SoupMessageHeaders *headers) const { soup_message_headers_unref(headers); }
-};
-using Headers = std::unique_ptr<SoupMessageHeaders, HeadersDeleter>;
+/// By their names in small letters.
+using Headers = std::map<std::string, std::string>;
 
 std::string header(const Headers &headers, const char *name)
 {
-    return textOrEmpty(soup_message_headers_get_one(headers.get(), name));
+    const auto found = headers.find(name);
+    return found == headers.end() ? std::string() : found->second;
 }
 
 bool isProper(const std::string &text, size_t maxLength)
@@ -41,20 +39,37 @@ unsigned maxAgeOf(const std::string &cacheControl)
     return std::clamp(age.value_or(limits::announcementSeconds), 1U, limits::announcementSeconds);
 }
 
-/// Header lines of a NOTIFY or of an answer; null for anything else.
+std::string stripped(const std::string &text)
+{
+    constexpr const char *blanks = " \t\r";
+    const size_t begin = text.find_first_not_of(blanks);
+    return begin == std::string::npos
+        ? std::string()
+        : text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+bool isStart(const std::string &line, bool isNotify)
+{
+    const size_t version = line.find(isNotify ? " HTTP/1." : "HTTP/1.");
+    return isNotify ? version != std::string::npos
+                    : version == 0 && line.compare(line.find(' '), 4, " 200") == 0;
+}
+
+/// Header lines of a NOTIFY or of an answer; none for anything else.
 Headers parseHeaders(const std::string &packet, bool isNotify)
 {
-    const auto length = static_cast<int>(packet.size());
-    Headers headers(soup_message_headers_new(
-        isNotify ? SOUP_MESSAGE_HEADERS_REQUEST : SOUP_MESSAGE_HEADERS_RESPONSE));
-    guint status = SOUP_STATUS_OK;
-    const bool isRead = isNotify ? soup_headers_parse_request(packet.data(), length, headers.get(),
-                                       nullptr, nullptr, nullptr)
-            == SOUP_STATUS_OK
-                                 : soup_headers_parse_response(packet.data(), length, headers.get(),
-                                       nullptr, &status, nullptr)
-            != FALSE;
-    return isRead && status == SOUP_STATUS_OK ? std::move(headers) : nullptr;
+    std::istringstream lines(packet);
+    std::string line;
+    Headers headers;
+    if (!std::getline(lines, line) || !isStart(line, isNotify))
+        return {};
+    while (std::getline(lines, line)) {
+        const size_t colon = line.find(':');
+        if (colon != std::string::npos)
+            headers[stripped(takeString(g_ascii_strdown(line.substr(0, colon).c_str(), -1)))] =
+                stripped(line.substr(colon + 1));
+    }
+    return headers;
 }
 
 } // namespace
@@ -69,16 +84,15 @@ std::optional<SsdpMessage> parseSsdp(std::string_view packet)
     const std::string text(packet.substr(0, end == std::string_view::npos ? end : end + 2));
     const bool isNotify = text.compare(0, 7, "NOTIFY ") == 0;
     const Headers headers = parseHeaders(text, isNotify);
-    if (!headers
-        || header(headers, isNotify ? "NT" : "ST").compare(0, mediaServer.size(), mediaServer) != 0)
+    if (header(headers, isNotify ? "nt" : "st").compare(0, mediaServer.size(), mediaServer) != 0)
         return std::nullopt;
-    const std::string usn = header(headers, "USN");
+    const std::string usn = header(headers, "usn");
     SsdpMessage message;
     message.udn = usn.substr(0, usn.find("::"));
-    message.location = header(headers, "Location");
-    message.maxAge = maxAgeOf(header(headers, "Cache-Control"));
+    message.location = header(headers, "location");
+    message.maxAge = maxAgeOf(header(headers, "cache-control"));
     if (isNotify) {
-        const std::string kind = header(headers, "NTS");
+        const std::string kind = header(headers, "nts");
         message.isGoodbye = kind == "ssdp:byebye";
         if (!message.isGoodbye && kind != "ssdp:alive")
             return std::nullopt;

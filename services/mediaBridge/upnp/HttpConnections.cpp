@@ -1,0 +1,199 @@
+#include "upnp/HttpConnections.h"
+
+#include "Log.h"
+#include "core/Glib.h"
+#include "core/Later.h"
+#include "core/Limits.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/epoll.h>
+#include <unordered_map>
+#include <utility>
+
+namespace bridge {
+
+namespace {
+
+/// The sockets of all servers, of which the main loop sees one: with each that it looks at itself,
+/// every turn gets longer.
+class Sockets
+{
+public:
+    static Sockets &instance()
+    {
+        // Connections that are closed at the program's end come here.
+        static auto &only = *new Sockets;
+        return only;
+    }
+
+    /// `what` is one of libcurl's CURL_POLL_ constants. Whether that could be done.
+    bool watch(int socket, HttpConnections *whose, int what)
+    {
+        epoll_event event{};
+        event.events = ((what & CURL_POLL_IN) != 0 ? unsigned{EPOLLIN} : 0U)
+            | ((what & CURL_POLL_OUT) != 0 ? unsigned{EPOLLOUT} : 0U);
+        event.data.fd = socket;
+        if (event.events == 0) {
+            epoll_ctl(m_epoll, EPOLL_CTL_DEL, socket, nullptr);
+            m_owners.erase(socket);
+            return true;
+        }
+        m_owners[socket] = whose;
+        return epoll_ctl(m_epoll, EPOLL_CTL_MOD, socket, &event) == 0
+            || epoll_ctl(m_epoll, EPOLL_CTL_ADD, socket, &event) == 0;
+    }
+
+private:
+    Sockets()
+    {
+        if (m_epoll < 0) {
+            logWarning("no media server can be asked: " + std::string(std::strerror(errno)));
+            return;
+        }
+        watchDescriptor(
+            m_epoll, G_IO_IN,
+            [](int, GIOCondition, gpointer self) -> gboolean {
+                static_cast<Sockets *>(self)->serve();
+                return G_SOURCE_CONTINUE;
+            },
+            this);
+    }
+
+    /// For a short time of a turn. One at a time: whatever is done may close the others.
+    void serve()
+    {
+        const int64_t end = g_get_monotonic_time() + limits::turnUs;
+        epoll_event event{};
+        while (epoll_wait(m_epoll, &event, 1, 0) > 0) {
+            const int events = ((event.events & EPOLLIN) != 0 ? CURL_CSELECT_IN : 0)
+                | ((event.events & EPOLLOUT) != 0 ? CURL_CSELECT_OUT : 0);
+            const auto owner = m_owners.find(event.data.fd);
+            if (owner == m_owners.end())
+                epoll_ctl(m_epoll, EPOLL_CTL_DEL, event.data.fd, nullptr);
+            else
+                owner->second->act(event.data.fd, events);
+            if (g_get_monotonic_time() > end)
+                return;
+        }
+    }
+
+    int m_epoll = epoll_create1(EPOLL_CLOEXEC);
+    std::unordered_map<int, HttpConnections *> m_owners;
+};
+
+} // namespace
+
+bool HttpConnections::open()
+{
+    static const bool isReady = curl_global_init(CURL_GLOBAL_NOTHING) == CURLE_OK;
+    if (!m_all && isReady) {
+        m_all.reset(curl_multi_init());
+        curl_multi_setopt(m_all.get(), CURLMOPT_SOCKETFUNCTION, &HttpConnections::watchSocket);
+        curl_multi_setopt(m_all.get(), CURLMOPT_SOCKETDATA, this);
+        curl_multi_setopt(m_all.get(), CURLMOPT_TIMERFUNCTION, &HttpConnections::setTimer);
+        curl_multi_setopt(m_all.get(), CURLMOPT_TIMERDATA, this);
+    }
+    return bool(m_all);
+}
+
+void HttpConnections::close()
+{
+    m_all.reset();
+    m_timer.stop();
+}
+
+void HttpConnections::add(CURL *transfer, std::function<void(CURLcode)> ended)
+{
+    m_rest.stop();
+    m_ended[transfer] = std::move(ended);
+    if (!open() || curl_multi_add_handle(m_all.get(), transfer) != CURLM_OK) {
+        later([self = shared_from_this(), transfer] { self->end(transfer, CURLE_FAILED_INIT); });
+        return;
+    }
+    // libcurl would wait for the next turn.
+    int running = 0;
+    curl_multi_socket_action(m_all.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+    if (static_cast<size_t>(running) < m_ended.size())
+        tellLater();
+}
+
+void HttpConnections::remove(CURL *transfer)
+{
+    // It may hold the last that keeps this.
+    const auto dropped = m_ended.extract(transfer);
+    if (dropped.empty())
+        return;
+    curl_multi_remove_handle(m_all.get(), transfer);
+    constexpr unsigned msPerSecond = 1000;
+    if (m_ended.empty())
+        m_rest.start(limits::keptConnectionSeconds * msPerSecond, [this] { close(); });
+}
+
+void HttpConnections::resume(CURL *transfer)
+{
+    const auto self = shared_from_this();
+    // What had come is handed over inside this call.
+    const CURLcode code = curl_easy_pause(transfer, CURLPAUSE_CONT);
+    if (code != CURLE_OK)
+        end(transfer, code);
+    else
+        act(CURL_SOCKET_TIMEOUT, 0);
+}
+
+void HttpConnections::act(curl_socket_t socket, int events)
+{
+    int running = 0;
+    curl_multi_socket_action(m_all.get(), socket, events, &running);
+    tellEnded();
+}
+
+void HttpConnections::tellLater()
+{
+    m_tell.start(0, [this] { tellEnded(); });
+}
+
+/// For a short time of a turn: behind one that can't be reached, the next is sent, and ends as
+/// well.
+void HttpConnections::tellEnded()
+{
+    const auto self = shared_from_this();
+    const int64_t until = g_get_monotonic_time() + limits::turnUs;
+    int left = 0;
+    while (const CURLMsg *message = m_all ? curl_multi_info_read(m_all.get(), &left) : nullptr) {
+        end(message->easy_handle, message->data.result);
+        if (g_get_monotonic_time() > until) {
+            tellLater();
+            return;
+        }
+    }
+}
+
+void HttpConnections::end(CURL *transfer, CURLcode code)
+{
+    const auto self = shared_from_this();
+    const auto found = m_ended.find(transfer);
+    if (found == m_ended.end())
+        return;
+    const auto ended = found->second;
+    remove(transfer);
+    ended(code);
+}
+
+int HttpConnections::watchSocket(CURL *, curl_socket_t socket, int what, void *self, void *)
+{
+    return Sockets::instance().watch(socket, static_cast<HttpConnections *>(self), what) ? 0 : -1;
+}
+
+int HttpConnections::setTimer(CURLM *, long ms, void *self)
+{
+    auto *const connections = static_cast<HttpConnections *>(self);
+    if (ms < 0)
+        connections->m_timer.stop();
+    else
+        connections->m_timer.start(
+            static_cast<unsigned>(ms), [connections] { connections->act(CURL_SOCKET_TIMEOUT, 0); });
+    return 0;
+}
+
+} // namespace bridge
