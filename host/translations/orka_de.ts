@@ -1751,6 +1751,14 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>Die Antwort des Medienservers &quot;%1&quot; ist nicht lesbar (HTTP-Status %2)</translation>
     </message>
     <message>
+        <source>its answer isn&apos;t HTTP</source>
+        <translation>seine Antwort ist kein HTTP</translation>
+    </message>
+    <message>
+        <source>its head is longer than %1 KiB</source>
+        <translation>ihr Kopf ist länger als %1 KiB</translation>
+    </message>
+    <message>
         <source>it is longer than %1 KiB</source>
         <translation>sie ist länger als %1 KiB</translation>
     </message>

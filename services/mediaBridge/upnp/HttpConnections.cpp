@@ -108,6 +108,9 @@ void HttpConnections::add(CURL *transfer, std::function<void(CURLcode)> ended)
     m_rest.stop();
     m_ended[transfer] = std::move(ended);
     if (!open() || curl_multi_add_handle(m_all.get(), transfer) != CURLM_OK) {
+        // It is of no use any more where a socket couldn't be watched.
+        if (m_ended.size() == 1)
+            close();
         later([self = shared_from_this(), transfer] { self->end(transfer, CURLE_FAILED_INIT); });
         return;
     }

@@ -259,6 +259,9 @@ HttpExchange::Ending HttpExchange::endingOf(CURLcode code) const
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
         return {HttpOutcome::Broken, "Connection terminated unexpectedly"};
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_WEIRD_SERVER_REPLY:
+        return {HttpOutcome::Broken, "its answer isn't HTTP"};
     default:
         return {
             HttpOutcome::Broken, number != 0 ? std::strerror(number) : curl_easy_strerror(code)};
