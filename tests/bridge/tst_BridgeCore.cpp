@@ -279,10 +279,17 @@ private Q_SLOTS:
             {"\xef\xbb\xbf<a>" + umlaut + "</a>", "windows-1252", umlaut},
             // declared by somebody who knows nothing of it
             {declaring("utf-16", umlaut), "", umlaut}, {declaring("none", umlaut), "", umlaut},
-            {declaring("euc-jp", umlaut + "\xff"), "", umlaut + "\xff"},
+            {declaring("none", "\xff"), "", "\xff"}, {declaring("ISO-8859-1", umlaut), "", umlaut},
+            {declaring("utf-8", umlaut), "iso-8859-1", umlaut},
+            {declaring("gb2312", umlaut), "", "\xe7\x9b\xb2"},
+            // but for a byte, or its end
+            {declaring("windows-1252", "\xe4\x81\xe4"), "", umlaut + "\xef\xbf\xbd" + umlaut},
+            {declaring("Shift_JIS", "\x83\x4a\xff\x83\x4a"), "",
+                "\xe3\x82\xab\xef\xbf\xbd\xe3\x82\xab"},
             // glibc's converter never ends
             {declaring("EUC-JISX0213", "\xa4\xf7"), "", "\xa4\xf7"},
-            {std::string("<\0a\0>\0", 5), "", ""}};
+            {std::string("<\0a\0>\0", 5), "", ""},
+            {std::string("<\0a\0>\0\x00\xdcx\0<\0/\0a\0>\0", 18), "", "\xef\xbf\xbdx"}};
         for (const auto &[document, charset, meant] : narrow)
             QCOMPARE(elementText(XmlDocument(document, size_t(-1), charset).root()), meant);
         const std::pair<const char *, const char *> references[] = {{"AC&#0;D&#x00;C", "ACDC"},
