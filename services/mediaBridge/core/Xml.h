@@ -13,9 +13,7 @@ class XmlDocument
 {
 public:
     /// With more than `maxTags` tags it is as if the text ended there, and so it is with too many
-    /// attributes. The encoding is the one that the text begins with, else `charset`, as which it
-    /// was sent, else the one that it declares; UTF-8 where that is empty or unknown, or the text
-    /// isn't in it.
+    /// attributes. `charset` as for `decoded`.
     explicit XmlDocument(
         std::string text, size_t maxTags = std::string::npos, std::string_view charset = {});
 
