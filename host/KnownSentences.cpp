@@ -72,6 +72,7 @@ constexpr const char *sentences[] = {
         "the media server \"%1\" asks for a password, which can't be given (HTTP status %2)"),
     Text::mark("The answer of the media server \"%1\" can't be read (HTTP status %2)"),
     Text::mark("its answer isn't HTTP"),
+    Text::mark("its answer is packed"),
     Text::mark("its head is longer than %1 KiB"),
     Text::mark("it is longer than %1 KiB"),
     Text::mark("it begins over and over"),

@@ -1755,6 +1755,10 @@ Mit --help gibt es mehr Informationen.</translation>
         <translation>seine Antwort ist kein HTTP</translation>
     </message>
     <message>
+        <source>its answer is packed</source>
+        <translation>seine Antwort ist gepackt</translation>
+    </message>
+    <message>
         <source>its head is longer than %1 KiB</source>
         <translation>ihr Kopf ist länger als %1 KiB</translation>
     </message>

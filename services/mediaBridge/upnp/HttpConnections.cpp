@@ -7,7 +7,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <netinet/in.h>
 #include <sys/epoll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <unordered_map>
 #include <utility>
 
@@ -82,6 +85,16 @@ private:
     std::unordered_map<int, HttpConnections *> m_owners;
 };
 
+int localPortOf(curl_socket_t socket)
+{
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size);
+    return ntohs(address.ss_family == AF_INET6
+            ? reinterpret_cast<const sockaddr_in6 *>(&address)->sin6_port
+            : reinterpret_cast<const sockaddr_in *>(&address)->sin_port);
+}
+
 } // namespace
 
 bool HttpConnections::open()
@@ -107,6 +120,12 @@ void HttpConnections::add(CURL *transfer, std::function<void(CURLcode)> ended)
 {
     m_rest.stop();
     m_ended[transfer] = std::move(ended);
+    curl_easy_setopt(transfer, CURLOPT_OPENSOCKETFUNCTION, &HttpConnections::openSocket);
+    curl_easy_setopt(transfer, CURLOPT_OPENSOCKETDATA, this);
+    curl_easy_setopt(transfer, CURLOPT_CLOSESOCKETFUNCTION, &HttpConnections::closeSocket);
+    curl_easy_setopt(transfer, CURLOPT_CLOSESOCKETDATA, this);
+    curl_easy_setopt(transfer, CURLOPT_PREREQFUNCTION, &HttpConnections::mayAsk);
+    curl_easy_setopt(transfer, CURLOPT_PREREQDATA, this);
     if (!open() || curl_multi_add_handle(m_all.get(), transfer) != CURLM_OK) {
         // It is of no use any more where a socket couldn't be watched.
         if (m_ended.size() == 1)
@@ -186,6 +205,32 @@ void HttpConnections::end(CURL *transfer, CURLcode code)
 int HttpConnections::watchSocket(CURL *, curl_socket_t socket, int what, void *self, void *)
 {
     return Sockets::instance().watch(socket, static_cast<HttpConnections *>(self), what) ? 0 : -1;
+}
+
+curl_socket_t HttpConnections::openSocket(void *self, curlsocktype, curl_sockaddr *address)
+{
+    const curl_socket_t socket =
+        ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    if (socket != CURL_SOCKET_BAD)
+        static_cast<HttpConnections *>(self)->m_sockets.insert(socket);
+    return socket;
+}
+
+int HttpConnections::closeSocket(void *self, curl_socket_t socket)
+{
+    static_cast<HttpConnections *>(self)->m_sockets.erase(socket);
+    return ::close(socket);
+}
+
+/// libcurl doesn't say which socket it is about to use.
+int HttpConnections::mayAsk(void *self, char *, char *, int, int localPort)
+{
+    for (const curl_socket_t socket : static_cast<HttpConnections *>(self)->m_sockets) {
+        char byte = 0;
+        if (localPortOf(socket) == localPort && recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) > 0)
+            return CURL_PREREQFUNC_ABORT;
+    }
+    return CURL_PREREQFUNC_OK;
 }
 
 int HttpConnections::setTimer(CURLM *, long ms, void *self)

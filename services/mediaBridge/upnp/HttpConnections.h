@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 
 namespace bridge {
 
@@ -33,8 +34,10 @@ public:
     HttpConnections(const HttpConnections &) = delete;
     HttpConnections &operator=(const HttpConnections &) = delete;
 
-    /// Begins at once. `ended` is called once, from the main loop, never from inside this call, and
-    /// not any more once the transfer was removed.
+    /// Begins at once; ends with CURLE_ABORTED_BY_CALLBACK where something has come on the
+    /// connection before anything was asked, which would be taken for the answer. `ended` is called
+    /// once, from the main loop, never from inside this call, and not any more once the transfer
+    /// was removed.
     void add(CURL *transfer, std::function<void(CURLcode)> ended);
     /// Does nothing where it has ended.
     void remove(CURL *transfer);
@@ -51,9 +54,13 @@ private:
     void end(CURL *transfer, CURLcode code);
     static int watchSocket(CURL *, curl_socket_t socket, int what, void *self, void *);
     static int setTimer(CURLM *, long ms, void *self);
+    static curl_socket_t openSocket(void *self, curlsocktype, curl_sockaddr *address);
+    static int closeSocket(void *self, curl_socket_t socket);
+    static int mayAsk(void *self, char *, char *, int, int localPort);
 
     /// What is to be told of each transfer that is under way.
     std::map<CURL *, std::function<void(CURLcode)>> m_ended;
+    std::set<curl_socket_t> m_sockets;
     /// libcurl's own.
     Timer m_timer;
     /// Runs where transfers ended that nobody was told of yet.

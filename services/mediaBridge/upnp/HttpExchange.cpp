@@ -50,6 +50,19 @@ std::string charsetOf(const char *contentType)
                                                  : value.substr(1, value.find('"', 1) - 1);
 }
 
+/// Whether this line of a head says that the body is to be unpacked, which libcurl would do without
+/// an end: some bytes may hold gigabytes, or nothing at all for minutes.
+bool isPacked(std::string_view line)
+{
+    constexpr std::string_view name = "transfer-encoding:";
+    if (line.size() < name.size()
+        || g_ascii_strncasecmp(line.data(), name.data(), name.size()) != 0)
+        return false;
+    const std::string value = takeString(g_strstrip(g_ascii_strdown(
+        line.data() + name.size(), static_cast<gssize>(line.size() - name.size()))));
+    return value != "chunked" && value != "identity";
+}
+
 /// libcurl takes a URL as it is to be sent.
 std::string escaped(const std::string &url)
 {
@@ -79,6 +92,11 @@ void HttpExchange::send(std::shared_ptr<HttpConnections> connections, std::share
     m_reply.place = std::move(place);
     m_connections = std::move(connections);
     m_host = hostOf(m_request.url);
+    begin();
+}
+
+void HttpExchange::begin()
+{
     makeTransfer();
     m_connections->add(
         m_transfer.get(), [self = shared_from_this()](CURLcode code) { self->ended(code); });
@@ -97,6 +115,7 @@ void HttpExchange::makeTransfer()
     set(CURLOPT_PROXY, "");
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_USERAGENT, "orka-media-bridge UPnP/1.0 DLNADOC/1.50");
+    set(CURLOPT_FRESH_CONNECT, m_isSecondTry ? 1L : 0L);
     set(CURLOPT_HEADERFUNCTION, &HttpExchange::headCame);
     set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::bodyCame);
@@ -118,6 +137,15 @@ void HttpExchange::setHeaders()
         m_headers.reset(curl_slist_append(m_headers.release(), line));
 }
 
+/// On a connection of its own, where something had come on a kept one.
+bool HttpExchange::sendAgain(CURLcode code)
+{
+    if (code != CURLE_ABORTED_BY_CALLBACK || std::exchange(m_isSecondTry, true))
+        return false;
+    begin();
+    return true;
+}
+
 size_t HttpExchange::headCame(char *line, size_t, size_t size, void *self)
 {
     return static_cast<HttpExchange *>(self)->takeHead({line, size}) ? size : 0;
@@ -130,6 +158,8 @@ bool HttpExchange::takeHead(std::string_view line)
     m_headBytes += line.size();
     if (line.substr(0, start.size()) == start && ++m_answers > limits::interimAnswers + 1)
         return refuse("it begins over and over");
+    if (isPacked(line))
+        return refuse("its answer is packed", HttpOutcome::Broken);
     if (m_headBytes > limits::headBytes)
         return refuse(
             "its head is longer than " + std::to_string(limits::headBytes >> 10) + " KiB");
@@ -169,10 +199,10 @@ bool HttpExchange::append(const char *data, size_t size)
     return true;
 }
 
-bool HttpExchange::refuse(std::string problem)
+bool HttpExchange::refuse(std::string problem, HttpOutcome outcome)
 {
     if (!m_stopped)
-        m_stopped = Ending{HttpOutcome::TooLarge, std::move(problem)};
+        m_stopped = Ending{outcome, std::move(problem)};
     return false;
 }
 
@@ -237,6 +267,8 @@ void HttpExchange::ended(CURLcode code)
         finish(*m_stopped);
         return;
     }
+    if (sendAgain(code))
+        return;
     if (code == CURLE_OK) {
         m_reply.status =
             static_cast<unsigned>(infoOf<long>(m_transfer.get(), CURLINFO_RESPONSE_CODE));
@@ -248,23 +280,22 @@ void HttpExchange::ended(CURLcode code)
 HttpExchange::Ending HttpExchange::endingOf(CURLcode code) const
 {
     const auto number = static_cast<int>(infoOf<long>(m_transfer.get(), CURLINFO_OS_ERRNO));
+    const bool isNoWay = code == CURLE_COULDNT_CONNECT
+        && (number == ECONNREFUSED || number == EHOSTUNREACH || number == ENETUNREACH);
     switch (code) {
     case CURLE_OK:
         return {HttpOutcome::Answered, {}};
-    case CURLE_COULDNT_CONNECT: {
-        const bool isNoWay =
-            number == ECONNREFUSED || number == EHOSTUNREACH || number == ENETUNREACH;
-        return {isNoWay ? HttpOutcome::Unreachable : HttpOutcome::Broken, std::strerror(number)};
-    }
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
         return {HttpOutcome::Broken, "Connection terminated unexpectedly"};
+    case CURLE_ABORTED_BY_CALLBACK:
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_OUT_OF_MEMORY: // for a line of its head
         return {HttpOutcome::Broken, "its answer isn't HTTP"};
     default:
-        return {
-            HttpOutcome::Broken, number != 0 ? std::strerror(number) : curl_easy_strerror(code)};
+        return {isNoWay ? HttpOutcome::Unreachable : HttpOutcome::Broken,
+            number != 0 ? std::strerror(number) : curl_easy_strerror(code)};
     }
 }
 

@@ -94,11 +94,13 @@ private:
     /// As libcurl calls them: a size other than that of what came ends the transfer.
     static size_t headCame(char *line, size_t, size_t size, void *self);
     static size_t bodyCame(char *data, size_t, size_t size, void *self);
+    void begin();
     void makeTransfer();
+    bool sendAgain(CURLcode code);
     void setHeaders();
     bool takeHead(std::string_view line);
     bool append(const char *data, size_t size);
-    bool refuse(std::string problem);
+    bool refuse(std::string problem, HttpOutcome outcome = HttpOutcome::TooLarge);
     void ended(CURLcode code);
     void waitForSeat();
     void keepSeat();
@@ -115,6 +117,7 @@ private:
     CurlTransfer m_transfer;
     /// Of the request's URL.
     std::string m_host;
+    bool m_isSecondTry = false;
     unsigned m_answers = 0;
     size_t m_headBytes = 0;
     size_t m_pieces = 0;

@@ -50,9 +50,10 @@ std::string stripped(const std::string &text)
 
 bool isStart(const std::string &line, bool isNotify)
 {
-    const size_t version = line.find(isNotify ? " HTTP/1." : "HTTP/1.");
-    return isNotify ? version != std::string::npos
-                    : version == 0 && line.compare(line.find(' '), 4, " 200") == 0;
+    if (isNotify)
+        return line.find(" HTTP/1.") != std::string::npos;
+    const std::string status = line.substr(std::min(line.find(' '), line.size()));
+    return line.compare(0, 7, "HTTP/1.") == 0 && (status + ' ').compare(0, 5, " 200 ") == 0;
 }
 
 /// Header lines of a NOTIFY or of an answer; none for anything else.
@@ -61,7 +62,7 @@ Headers parseHeaders(const std::string &packet, bool isNotify)
     std::istringstream lines(packet);
     std::string line;
     Headers headers;
-    if (!std::getline(lines, line) || !isStart(line, isNotify))
+    if (!std::getline(lines, line) || !isStart(stripped(line), isNotify))
         return {};
     while (std::getline(lines, line)) {
         const size_t colon = line.find(':');
