@@ -113,6 +113,15 @@ void listMany(DBusConnection *bus, const std::string &server, int count)
         dbus_connection_read_write_dispatch(bus, 10);
 }
 
+/// One listing of each of these servers, all at once.
+void listAll(DBusConnection *bus, const std::string &firstServer, int servers)
+{
+    send(bus, newListing(firstServer, 200, 1));
+    for (int i = 1; i < servers; ++i)
+        send(bus, newListing(firstServer + std::to_string(i), 200, 1));
+    listMany(bus, firstServer, 0);
+}
+
 void listAndCancel(DBusConnection *bus, const std::string &server)
 {
     listMany(bus, server, 4'900);
@@ -250,6 +259,11 @@ std::vector<Attack> attacks()
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});
+    all.push_back({"long answers of 60 servers", {},
+        browse(
+            times(200, "<item id='1'><dc:title>" + std::string(2'400, 't') + "</dc:title></item>")),
+        60, [](DBusConnection *bus, const std::string &server) { listAll(bus, server, 60); }, false,
+        30});
     const auto hang = [](const std::string &request, const Send &) {
         return request.find("#Browse") != std::string::npos;
     };

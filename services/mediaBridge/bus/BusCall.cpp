@@ -6,16 +6,29 @@
 
 namespace bridge {
 
-void ErrorQueue::push(Error error)
+void AnswerQueue::push(Error error)
 {
     const std::string caller = error.caller;
-    waiting.push(caller, std::move(error));
+    errors.push(caller, std::move(error));
     if (onPushed)
         onPushed();
 }
 
+void AnswerQueue::push(const std::string &caller, LongAnswer answer)
+{
+    longAnswers.push(caller, std::move(answer));
+    if (onPushed)
+        onPushed();
+}
+
+void AnswerQueue::drop(const std::string &caller)
+{
+    errors.drop(caller);
+    longAnswers.drop(caller);
+}
+
 BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes,
-    std::shared_ptr<ErrorQueue> errors)
+    std::shared_ptr<AnswerQueue> answers)
     : m_connection(dbus_connection_ref(connection))
     , m_message(dbus_message_ref(message))
     , m_path(textOrEmpty(dbus_message_get_path(message)))
@@ -25,7 +38,7 @@ BusCall::BusCall(DBusConnection *connection, DBusMessage *message, size_t maxByt
     , m_serial(dbus_message_get_serial(message))
     , m_wantsAnswer(dbus_message_get_no_reply(message) == FALSE)
     , m_maxBytes(maxBytes)
-    , m_errors(std::move(errors))
+    , m_answers(std::move(answers))
 {
 }
 
@@ -59,7 +72,7 @@ void BusCall::fail(const Failure &failure)
     const Failure bounded{failure.name, shortened(failure.text, limits::errorTextBytes)};
     logDebug(m_member + " " + m_path + ": " + bounded.text);
     if (m_wantsAnswer)
-        m_errors->push({m_sender, m_serial, bounded});
+        m_answers->push({m_sender, m_serial, bounded});
 }
 
 void BusCall::cancel()
@@ -83,14 +96,16 @@ void BusCall::send(Message answer, size_t bytes)
 {
     if (bytes > m_maxBytes)
         fail(tooLargeForBus(m_maxBytes));
-    else
-        post(std::move(answer));
+    else if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
+        dbus_connection_send(m_connection, answer.get(), nullptr);
 }
 
-void BusCall::post(Message answer)
+void BusCall::sendInTurn(Message answer, size_t bytes, std::shared_ptr<void> with)
 {
-    if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
-        dbus_connection_send(m_connection, answer.get(), nullptr);
+    if (bytes <= limits::answerAtOnce || bytes > m_maxBytes)
+        send(std::move(answer), bytes);
+    else if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
+        m_answers->push(m_sender, {std::move(answer), std::move(with)});
 }
 
 Message newAnswer(int type, const std::string &caller, dbus_uint32_t serial)

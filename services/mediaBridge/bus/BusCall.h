@@ -13,9 +13,9 @@
 
 namespace bridge {
 
-/// Errors that wait to be sent, those of each caller in turn: answers go out in the order they were
-/// written, and a thousand calls that end at once are not to come before others'.
-struct ErrorQueue
+/// Answers that wait to be sent, those of each caller in turn: they go out in the order they are
+/// handed to libdbus, and a thousand calls that end at once are not to come before others'.
+struct AnswerQueue
 {
     struct Error
     {
@@ -24,10 +24,20 @@ struct ErrorQueue
         /// Nothing for one call too many, of which there may be very many.
         std::optional<Failure> failure;
     };
+    struct LongAnswer
+    {
+        Message message;
+        /// Goes once libdbus has the message.
+        std::shared_ptr<void> with;
+    };
     void push(Error error);
+    void push(const std::string &caller, LongAnswer answer);
+    bool isEmpty() const { return errors.isEmpty() && longAnswers.isEmpty(); }
+    void drop(const std::string &caller);
 
-    TurnQueue<Error> waiting;
-    /// One more waits. Called from inside whatever fails.
+    TurnQueue<Error> errors;
+    TurnQueue<LongAnswer> longAnswers;
+    /// One more waits. Called from inside whatever fails or answers.
     std::function<void()> onPushed;
 };
 
@@ -38,7 +48,7 @@ class BusCall
 public:
     /// `maxBytes` is what one message on this bus may hold.
     BusCall(DBusConnection *connection, DBusMessage *message, size_t maxBytes,
-        std::shared_ptr<ErrorQueue> errors);
+        std::shared_ptr<AnswerQueue> answers);
     ~BusCall();
     BusCall(const BusCall &) = delete;
     BusCall &operator=(const BusCall &) = delete;
@@ -74,13 +84,14 @@ public:
     /// of its body; one that is too large for the bus becomes an error that says so.
     Message newAnswer() const;
     void send(Message answer, size_t bytes);
+    /// The same for a list: a long one waits until shorter answers and other calls had their time.
+    /// `with` goes once libdbus has it.
+    void sendInTurn(Message answer, size_t bytes, std::shared_ptr<void> with);
     size_t maxBytes() const { return m_maxBytes; }
     /// Goes with it.
     void keep(std::shared_ptr<void> token) { m_token = std::move(token); }
 
 private:
-    void post(Message answer);
-
     DBusConnection *m_connection;
     Message m_message;
     std::string m_path;
@@ -90,7 +101,7 @@ private:
     dbus_uint32_t m_serial;
     bool m_wantsAnswer;
     size_t m_maxBytes;
-    std::shared_ptr<ErrorQueue> m_errors;
+    std::shared_ptr<AnswerQueue> m_answers;
     std::shared_ptr<void> m_token;
     Ref<GCancellable> m_cancellable{g_cancellable_new()};
     bool m_isAnswered = false;

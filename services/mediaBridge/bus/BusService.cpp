@@ -77,7 +77,7 @@ void BusService::ConnectionCloser::operator()(DBusConnection *connection) const
 
 BusService::~BusService()
 {
-    m_errors->onPushed = nullptr;
+    m_answers->onPushed = nullptr;
     m_loop.reset();
 }
 
@@ -105,7 +105,7 @@ std::string BusService::connect(const std::string &where)
     dbus_bus_add_match(m_connection.get(),
         "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''", nullptr);
     limitSendBuffer(m_connection.get());
-    m_errors->onPushed = [this] {
+    m_answers->onPushed = [this] {
         if (!m_nextTurn.isRunning())
             m_nextTurn.start(0, [this] { handleWaiting(); });
     };
@@ -165,11 +165,11 @@ void BusService::receiveCall(DBusMessage *message)
     Calls &calls = m_calls[sender];
     if (mayCall(calls)) {
         const auto call =
-            std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes, m_errors);
+            std::make_shared<BusCall>(m_connection.get(), message, m_messageBytes, m_answers);
         keepCall(calls, call);
         m_waiting.push(sender, call);
     } else if (dbus_message_get_no_reply(message) == FALSE) {
-        m_errors->waiting.push(sender, {sender, dbus_message_get_serial(message), std::nullopt});
+        m_answers->errors.push(sender, {sender, dbus_message_get_serial(message), std::nullopt});
     }
     handleSoon();
 }
@@ -185,25 +185,38 @@ void BusService::handleSoon()
         handleWaiting();
 }
 
-/// For a short time of a turn. Meanwhile the bus is read on: it says who has left, and whoever has
-/// few calls may still be behind those who have many.
+/// What is short comes before what is long, of which one goes out at a time: everything else waits
+/// behind it.
 void BusService::handleWaiting()
 {
     constexpr unsigned unsentPauseMs = 1;
+    if (unsentBytes() <= limits::unsentBytes) {
+        handleSome();
+        sendLongAnswer();
+    }
+    if (!m_waiting.isEmpty() || !m_answers->isEmpty())
+        m_nextTurn.start(
+            unsentBytes() > limits::unsentBytes ? unsentPauseMs : 0, [this] { handleWaiting(); });
+}
+
+/// For a short time of a turn. Meanwhile the bus is read on: it says who has left, and whoever has
+/// few calls may still be behind those who have many.
+void BusService::handleSome()
+{
     const int64_t end = g_get_monotonic_time() + limits::turnUs;
-    while (!m_waiting.isEmpty() || !m_errors->waiting.isEmpty()) {
-        if (unsentBytes() > limits::unsentBytes) {
-            m_nextTurn.start(unsentPauseMs, [this] { handleWaiting(); });
-            return;
-        }
+    while ((!m_waiting.isEmpty() || !m_answers->errors.isEmpty())
+        && unsentBytes() <= limits::unsentBytes && g_get_monotonic_time() <= end) {
         if (!m_waiting.isEmpty())
             handle(m_waiting.pop());
         sendErrors();
-        if (g_get_monotonic_time() > end) {
-            m_nextTurn.start(0, [this] { handleWaiting(); });
-            return;
-        }
     }
+}
+
+void BusService::sendLongAnswer()
+{
+    if (!m_answers->longAnswers.isEmpty())
+        dbus_connection_send(
+            m_connection.get(), m_answers->longAnswers.pop().message.get(), nullptr);
 }
 
 /// A few, since answers are sent in the order they were written.
@@ -212,8 +225,8 @@ void BusService::sendErrors()
     constexpr int some = 8;
     static const Failure tooMany{errors::limitsExceeded,
         "Too many calls at once: wait for the answers of those that are under way."};
-    for (int i = 0; i < some && !m_errors->waiting.isEmpty(); ++i) {
-        const ErrorQueue::Error error = m_errors->waiting.pop();
+    for (int i = 0; i < some && !m_answers->errors.isEmpty(); ++i) {
+        const AnswerQueue::Error error = m_answers->errors.pop();
         const Message message =
             newError(error.caller, error.serial, error.failure ? *error.failure : tooMany);
         dbus_connection_send(m_connection.get(), message.get(), nullptr);
@@ -268,7 +281,7 @@ void BusService::clientLeft(const std::string &name)
         }
         m_calls.erase(calls);
     }
-    m_errors->waiting.drop(name);
+    m_answers->drop(name);
     releaseClient(name);
     giveBackSpareMemorySoon();
 }
@@ -320,7 +333,7 @@ void BusService::finishSending(unsigned ms)
     Timer enough;
     enough.start(ms, [] {});
     const auto areAllSent = [this] {
-        return m_errors->waiting.isEmpty()
+        return m_answers->isEmpty()
             && dbus_connection_has_messages_to_send(m_connection.get()) == FALSE;
     };
     while (!areAllSent() && enough.isRunning())

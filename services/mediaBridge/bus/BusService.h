@@ -75,8 +75,10 @@ private:
     void handleSoon();
     void handle(const BusCallPtr &call);
     void sendErrors();
+    void sendLongAnswer();
     void clientLeft(const std::string &name);
     void handleWaiting();
+    void handleSome();
 
     std::unique_ptr<DBusConnection, ConnectionCloser> m_connection;
     std::unique_ptr<BusLoop> m_loop;
@@ -90,7 +92,7 @@ private:
     /// Calls that were not looked at yet, by the caller's unique name.
     TurnQueue<BusCallPtr> m_waiting;
     /// As many of a client as the bus lets wait for an answer. The calls have it, too.
-    std::shared_ptr<ErrorQueue> m_errors = std::make_shared<ErrorQueue>();
+    std::shared_ptr<AnswerQueue> m_answers = std::make_shared<AnswerQueue>();
     Timer m_nextTurn;
 };
 

@@ -6,10 +6,21 @@ namespace bridge {
 
 namespace {
 
-/// Bytes of all answers that are being written.
+/// Bytes of all answers that are being written or wait for their turn.
 size_t writtenBytes = 0;
 
 } // namespace
+
+/// What an answer has of them.
+struct ListAnswer::Claim
+{
+    Claim() = default;
+    ~Claim() { writtenBytes -= bytes; }
+    Claim(const Claim &) = delete;
+    Claim &operator=(const Claim &) = delete;
+
+    size_t bytes = 0;
+};
 
 ListAnswer::ListAnswer(
     BusService &bus, BusCallPtr call, const PropertySet &wanted, const ServerContext &server)
@@ -18,12 +29,8 @@ ListAnswer::ListAnswer(
     , m_message(m_call->newAnswer())
     , m_wanted(wanted)
     , m_server(server)
+    , m_claim(std::make_shared<Claim>())
 {
-}
-
-ListAnswer::~ListAnswer()
-{
-    writtenBytes -= m_claimed;
 }
 
 Failure ListAnswer::add(const MediaObject &object)
@@ -47,8 +54,8 @@ Failure ListAnswer::add(const PropertyMap &row)
 Failure ListAnswer::checkRoom()
 {
     const size_t bytes = m_rows->bytes();
-    writtenBytes += bytes - m_claimed;
-    m_claimed = bytes;
+    writtenBytes += bytes - m_claim->bytes;
+    m_claim->bytes = bytes;
     if (bytes > m_call->maxBytes())
         return tooLargeForBus(m_call->maxBytes());
     if (bytes <= limits::smallBytes || writtenBytes + m_bus.unsentBytes() <= limits::answersBytes)
@@ -61,14 +68,14 @@ Failure ListAnswer::checkRoom()
 void ListAnswer::send()
 {
     m_rows.reset();
-    m_call->send(std::move(m_message), m_body.bytes());
+    m_call->sendInTurn(std::move(m_message), m_body.bytes(), m_claim);
 }
 
 void ListAnswer::send(uint32_t total)
 {
     m_rows.reset();
     m_body.add(total);
-    m_call->send(std::move(m_message), m_body.bytes());
+    m_call->sendInTurn(std::move(m_message), m_body.bytes(), m_claim);
 }
 
 } // namespace bridge

@@ -14,7 +14,7 @@ class ListAnswer
 public:
     ListAnswer(
         BusService &bus, BusCallPtr call, const PropertySet &wanted, const ServerContext &server);
-    ~ListAnswer();
+    ~ListAnswer() = default;
     ListAnswer(const ListAnswer &) = delete;
     ListAnswer &operator=(const ListAnswer &) = delete;
 
@@ -26,6 +26,7 @@ public:
     void send(uint32_t total);
 
 private:
+    struct Claim;
     Failure checkRoom();
 
     BusService &m_bus;
@@ -35,7 +36,7 @@ private:
     ServerContext m_server;
     MessageWriter m_body{m_message.get()};
     std::optional<MessageWriter> m_rows{std::in_place, m_body, DBUS_TYPE_ARRAY, "a{sv}"};
-    size_t m_claimed = 0;
+    std::shared_ptr<Claim> m_claim;
 };
 
 } // namespace bridge
