@@ -74,7 +74,8 @@ private:
     void answer(QTcpSocket *connection)
     {
         ++requests;
-        connection->readAll();
+        if (connection->readAll().count("SOAPAction:") > 1)
+            return connection->abort();
         connection->write("HTTP/1.1 " + status
             + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n"
             + (unasked.isEmpty() ? "Connection: close\r\n" : "") + headers + "\r\n" + body);

@@ -131,10 +131,12 @@ void HttpExchange::makeTransfer()
 void HttpExchange::setHeaders()
 {
     const std::string action = "SOAPAction: " + m_request.soapAction;
+    CurlList headers;
     // Small servers don't know what to answer to an "Expect: 100-continue".
     for (const char *line :
         {action.c_str(), "Content-Type: text/xml; charset=\"utf-8\"", "Expect:"})
-        m_headers.reset(curl_slist_append(m_headers.release(), line));
+        headers.reset(curl_slist_append(headers.release(), line));
+    m_headers = std::move(headers);
 }
 
 /// On a connection of its own, where something had come on a kept one.
