@@ -50,17 +50,14 @@ std::string charsetOf(const char *contentType)
                                                  : value.substr(1, value.find('"', 1) - 1);
 }
 
-/// Whether this line of a head says that the body is to be unpacked, which libcurl would do without
-/// an end: some bytes may hold gigabytes, or nothing at all for minutes.
-bool isPacked(std::string_view line)
+/// What this line of a head says in lower case, where it has this name, which ends in a colon.
+std::optional<std::string> valueOf(std::string_view line, std::string_view name)
 {
-    constexpr std::string_view name = "transfer-encoding:";
     if (line.size() < name.size()
         || g_ascii_strncasecmp(line.data(), name.data(), name.size()) != 0)
-        return false;
-    const std::string value = takeString(g_strstrip(g_ascii_strdown(
-        line.data() + name.size(), static_cast<gssize>(line.size() - name.size()))));
-    return value != "chunked" && value != "identity";
+        return {};
+    line.remove_prefix(name.size());
+    return takeString(g_strstrip(g_ascii_strdown(line.data(), static_cast<gssize>(line.size()))));
 }
 
 /// libcurl takes a URL as it is to be sent.
@@ -160,8 +157,15 @@ bool HttpExchange::takeHead(std::string_view line)
     m_headBytes += line.size();
     if (line.substr(0, start.size()) == start && ++m_answers > limits::interimAnswers + 1)
         return refuse("it begins over and over");
-    if (isPacked(line))
-        return refuse("its answer is packed", HttpOutcome::Broken);
+    if (const auto length = valueOf(line, "content-length:"))
+        m_length = g_ascii_strtoull(length->c_str(), nullptr, 10);
+    if (const auto encoding = valueOf(line, "transfer-encoding:")) {
+        // libcurl would unpack it without an end: some bytes may hold gigabytes, or nothing at all
+        // for minutes.
+        m_isPlain = *encoding == "identity";
+        if (!m_isPlain && *encoding != "chunked")
+            return refuse("its answer is packed", HttpOutcome::Broken);
+    }
     if (m_headBytes > limits::headBytes)
         return refuse(
             "its head is longer than " + std::to_string(limits::headBytes >> 10) + " KiB");
@@ -198,7 +202,13 @@ bool HttpExchange::append(const char *data, size_t size)
     if (m_pieces > limits::pieces(body.size()))
         return refuse("it comes in too many small pieces");
     makeRoom();
-    return true;
+    return !isWhole();
+}
+
+/// Where libcurl would wait for the connection's end.
+bool HttpExchange::isWhole() const
+{
+    return m_isPlain && m_length && m_reply.body.size() >= *m_length;
 }
 
 bool HttpExchange::refuse(std::string problem, HttpOutcome outcome)
@@ -271,6 +281,10 @@ void HttpExchange::ended(CURLcode code)
     }
     if (sendAgain(code))
         return;
+    if (isWhole())
+        code = CURLE_OK;
+    else if (code == CURLE_OK && m_isPlain && m_length)
+        code = CURLE_PARTIAL_FILE;
     if (code == CURLE_OK) {
         m_reply.status =
             static_cast<unsigned>(infoOf<long>(m_transfer.get(), CURLINFO_RESPONSE_CODE));
@@ -293,8 +307,12 @@ HttpExchange::Ending HttpExchange::endingOf(CURLcode code) const
     case CURLE_ABORTED_BY_CALLBACK:
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_BAD_FUNCTION_ARGUMENT: // for a status line behind the body
+    case CURLE_RECV_ERROR: // for the size of a piece
     case CURLE_OUT_OF_MEMORY: // for a line of its head
-        return {HttpOutcome::Broken, "its answer isn't HTTP"};
+        if (number == 0)
+            return {HttpOutcome::Broken, "its answer isn't HTTP"};
+        [[fallthrough]];
     default:
         return {isNoWay ? HttpOutcome::Unreachable : HttpOutcome::Broken,
             number != 0 ? std::strerror(number) : curl_easy_strerror(code)};

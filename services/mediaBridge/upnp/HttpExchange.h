@@ -100,6 +100,7 @@ private:
     void setHeaders();
     bool takeHead(std::string_view line);
     bool append(const char *data, size_t size);
+    bool isWhole() const;
     bool refuse(std::string problem, HttpOutcome outcome = HttpOutcome::TooLarge);
     void ended(CURLcode code);
     void waitForSeat();
@@ -120,6 +121,10 @@ private:
     bool m_isSecondTry = false;
     unsigned m_answers = 0;
     size_t m_headBytes = 0;
+    /// Of the body, where its head gives it and says that it comes as it is, which ends libcurl's
+    /// belief in it.
+    std::optional<size_t> m_length;
+    bool m_isPlain = false;
     size_t m_pieces = 0;
     Backlog::Seat m_seat;
     Timer m_seatTimer;
