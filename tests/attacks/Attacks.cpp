@@ -202,6 +202,9 @@ std::vector<Attack> attacks()
         endless("GET ", "", "HTTP/1.1 102 Processing\r\n\r\n")});
     all.push_back({"trailers without end", {},
         endless("#Browse", ok + "Transfer-Encoding: chunked\r\n\r\n0\r\n", "a: b\r\n"), 1, list});
+    all.push_back({"a piece's length without end", {},
+        endless("#Browse", ok + "Transfer-Encoding: chunked\r\n\r\n5;", times(0x10000, "x")), 1,
+        list});
     all.push_back(
         {"a description of 1 MiB of <a/>", named(times(mebibyte / 4 - 500, "<a/>")), {}, 40});
     all.push_back({"a description in pieces of a byte", {},

@@ -5,6 +5,9 @@
 #include "core/Limits.h"
 #include "upnp/HttpSockets.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <linux/tcp.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -24,7 +27,21 @@ int localPortOf(curl_socket_t socket)
             : reinterpret_cast<const sockaddr_in *>(&address)->sin_port);
 }
 
+/// Bytes since it was connected.
+uint64_t receivedBy(curl_socket_t socket)
+{
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size);
+    return info.tcpi_bytes_received;
+}
+
 } // namespace
+
+HttpConnections::~HttpConnections()
+{
+    close();
+}
 
 bool HttpConnections::open()
 {
@@ -41,23 +58,28 @@ bool HttpConnections::open()
 
 void HttpConnections::close()
 {
+    // It may still set the timer.
     m_all.reset();
     m_timer.stop();
+    HttpSockets::instance().setDue(this, false);
 }
 
-void HttpConnections::add(CURL *transfer, std::function<void(CURLcode)> ended)
+void HttpConnections::add(
+    CURL *transfer, const std::string &host, size_t maxBytes, std::function<void(CURLcode)> ended)
 {
+    m_host = host;
     m_rest.stop();
-    m_ended[transfer] = std::move(ended);
+    m_transfers[transfer] = {maxBytes, std::move(ended)};
     curl_easy_setopt(transfer, CURLOPT_OPENSOCKETFUNCTION, &HttpConnections::openSocket);
     curl_easy_setopt(transfer, CURLOPT_OPENSOCKETDATA, this);
     curl_easy_setopt(transfer, CURLOPT_CLOSESOCKETFUNCTION, &HttpConnections::closeSocket);
     curl_easy_setopt(transfer, CURLOPT_CLOSESOCKETDATA, this);
     curl_easy_setopt(transfer, CURLOPT_PREREQFUNCTION, &HttpConnections::mayAsk);
-    curl_easy_setopt(transfer, CURLOPT_PREREQDATA, this);
+    curl_easy_setopt(transfer, CURLOPT_PREREQDATA, transfer);
+    curl_easy_setopt(transfer, CURLOPT_PRIVATE, this);
     if (!open() || curl_multi_add_handle(m_all.get(), transfer) != CURLM_OK) {
         // It is of no use any more where a socket couldn't be watched.
-        if (m_ended.size() == 1)
+        if (m_transfers.size() == 1)
             close();
         later([self = shared_from_this(), transfer] { self->end(transfer, CURLE_FAILED_INIT); });
         return;
@@ -65,19 +87,19 @@ void HttpConnections::add(CURL *transfer, std::function<void(CURLcode)> ended)
     // libcurl would wait for the next turn.
     int running = 0;
     curl_multi_socket_action(m_all.get(), CURL_SOCKET_TIMEOUT, 0, &running);
-    if (static_cast<size_t>(running) < m_ended.size())
+    if (static_cast<size_t>(running) < m_transfers.size())
         tellLater();
 }
 
 void HttpConnections::remove(CURL *transfer)
 {
     // It may hold the last that keeps this.
-    const auto dropped = m_ended.extract(transfer);
+    const auto dropped = m_transfers.extract(transfer);
     if (dropped.empty())
         return;
     curl_multi_remove_handle(m_all.get(), transfer);
     constexpr unsigned msPerSecond = 1000;
-    if (m_ended.empty())
+    if (m_transfers.empty())
         m_rest.start(limits::keptConnectionSeconds * msPerSecond, [this] { close(); });
 }
 
@@ -88,15 +110,28 @@ void HttpConnections::resume(CURL *transfer)
     const CURLcode code = curl_easy_pause(transfer, CURLPAUSE_CONT);
     if (code != CURLE_OK)
         end(transfer, code);
-    else
-        act(CURL_SOCKET_TIMEOUT, 0);
+    HttpSockets::instance().setDue(this, bool(m_all));
 }
 
 void HttpConnections::act(curl_socket_t socket, int events)
 {
     int running = 0;
+    const auto self = shared_from_this();
     curl_multi_socket_action(m_all.get(), socket, events, &running);
     tellEnded();
+    endTooLong();
+}
+
+void HttpConnections::endTooLong()
+{
+    const auto isTooLong = [this](const auto &socket) {
+        return m_transfers.count(socket.second.transfer) != 0
+            && receivedBy(socket.first) > socket.second.most;
+    };
+    // What is called may close the others.
+    for (auto found = m_sockets.end();
+         (found = std::find_if(m_sockets.begin(), m_sockets.end(), isTooLong)) != m_sockets.end();)
+        end(found->second.transfer, CURLE_FILESIZE_EXCEEDED);
 }
 
 void HttpConnections::tellLater()
@@ -123,10 +158,10 @@ void HttpConnections::tellEnded()
 void HttpConnections::end(CURL *transfer, CURLcode code)
 {
     const auto self = shared_from_this();
-    const auto found = m_ended.find(transfer);
-    if (found == m_ended.end())
+    const auto found = m_transfers.find(transfer);
+    if (found == m_transfers.end())
         return;
-    const auto ended = found->second;
+    const auto ended = found->second.ended;
     remove(transfer);
     ended(code);
 }
@@ -141,8 +176,10 @@ curl_socket_t HttpConnections::openSocket(void *self, curlsocktype, curl_sockadd
 {
     const curl_socket_t socket =
         ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    auto *const connections = static_cast<HttpConnections *>(self);
+    connections->m_socketError = socket == CURL_SOCKET_BAD ? errno : 0;
     if (socket != CURL_SOCKET_BAD)
-        static_cast<HttpConnections *>(self)->m_sockets.insert(socket);
+        connections->m_sockets[socket] = {};
     return socket;
 }
 
@@ -153,12 +190,17 @@ int HttpConnections::closeSocket(void *self, curl_socket_t socket)
 }
 
 /// libcurl doesn't say which socket it is about to use.
-int HttpConnections::mayAsk(void *self, char *, char *, int, int localPort)
+int HttpConnections::mayAsk(void *transfer, char *, char *, int, int localPort)
 {
-    for (const curl_socket_t socket : static_cast<HttpConnections *>(self)->m_sockets) {
+    HttpConnections *self = nullptr;
+    curl_easy_getinfo(transfer, CURLINFO_PRIVATE, &self);
+    for (auto &[socket, asked] : self->m_sockets) {
+        if (localPortOf(socket) != localPort)
+            continue;
         char byte = 0;
-        if (localPortOf(socket) == localPort && recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) > 0)
+        if (recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) > 0)
             return CURL_PREREQFUNC_ABORT;
+        asked = {transfer, receivedBy(socket) + self->m_transfers[transfer].maxBytes};
     }
     return CURL_PREREQFUNC_OK;
 }
@@ -166,11 +208,12 @@ int HttpConnections::mayAsk(void *self, char *, char *, int, int localPort)
 int HttpConnections::setTimer(CURLM *, long ms, void *self)
 {
     auto *const connections = static_cast<HttpConnections *>(self);
-    if (ms < 0)
-        connections->m_timer.stop();
-    else
-        connections->m_timer.start(
-            static_cast<unsigned>(ms), [connections] { connections->act(CURL_SOCKET_TIMEOUT, 0); });
+    auto &sockets = HttpSockets::instance();
+    connections->m_timer.stop();
+    sockets.setDue(connections, ms == 0);
+    if (ms > 0)
+        connections->m_timer.start(static_cast<unsigned>(ms),
+            [connections, &sockets] { sockets.setDue(connections, true); });
     return 0;
 }
 

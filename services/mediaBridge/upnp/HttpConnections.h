@@ -2,11 +2,12 @@
 
 #include "core/Timer.h"
 
+#include <cstdint>
 #include <curl/curl.h>
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
+#include <string>
 
 namespace bridge {
 
@@ -30,44 +31,64 @@ class HttpConnections : public std::enable_shared_from_this<HttpConnections>
 {
 public:
     HttpConnections() = default;
-    ~HttpConnections() = default;
+    ~HttpConnections();
     HttpConnections(const HttpConnections &) = delete;
     HttpConnections &operator=(const HttpConnections &) = delete;
 
-    /// Begins at once; ends with CURLE_ABORTED_BY_CALLBACK where something has come on the
-    /// connection before anything was asked, which would be taken for the answer. `ended` is called
+    /// `host` is the machine's address. Begins at once. Ends with CURLE_ABORTED_BY_CALLBACK where
+    /// something has come on the connection before anything was asked, which would be taken for the
+    /// answer; with CURLE_FILESIZE_EXCEEDED where more than `maxBytes` have come, of which libcurl
+    /// may have shown none, such as what may stand behind the length of a piece. `ended` is called
     /// once, from the main loop, never from inside this call, and not any more once the transfer
     /// was removed.
-    void add(CURL *transfer, std::function<void(CURLcode)> ended);
+    void add(CURL *transfer, const std::string &host, size_t maxBytes,
+        std::function<void(CURLcode)> ended);
     /// Does nothing where it has ended.
     void remove(CURL *transfer);
     /// Goes on with one whose callback paused it.
     void resume(CURL *transfer);
     /// Something happened at a socket, or its time has come.
     void act(curl_socket_t socket, int events);
+    /// Of the last transfer.
+    const std::string &host() const { return m_host; }
+    /// Why a socket could not be had, as errno; 0 where the last could.
+    int socketError() const { return m_socketError; }
 
 private:
+    struct Transfer
+    {
+        size_t maxBytes;
+        std::function<void(CURLcode)> ended;
+    };
+    /// What was last asked there, and how many bytes may have come until it is answered.
+    struct Socket
+    {
+        CURL *transfer = nullptr;
+        uint64_t most = 0;
+    };
     bool open();
     void close();
     void tellLater();
     void tellEnded();
+    void endTooLong();
     void end(CURL *transfer, CURLcode code);
     static int watchSocket(CURL *, curl_socket_t socket, int what, void *self, void *);
     static int setTimer(CURLM *, long ms, void *self);
     static curl_socket_t openSocket(void *self, curlsocktype, curl_sockaddr *address);
     static int closeSocket(void *self, curl_socket_t socket);
-    static int mayAsk(void *self, char *, char *, int, int localPort);
+    static int mayAsk(void *transfer, char *, char *, int, int localPort);
 
-    /// What is to be told of each transfer that is under way.
-    std::map<CURL *, std::function<void(CURLcode)>> m_ended;
-    std::set<curl_socket_t> m_sockets;
+    /// Those that are under way.
+    std::map<CURL *, Transfer> m_transfers;
+    std::map<curl_socket_t, Socket> m_sockets;
+    std::string m_host;
+    int m_socketError = 0;
     /// libcurl's own.
     Timer m_timer;
     /// Runs where transfers ended that nobody was told of yet.
     Timer m_tell;
     /// Runs while nothing is under way.
     Timer m_rest;
-    /// Goes first: it may still set the timer.
     std::unique_ptr<CURLM, CurlCleanup<curl_multi_cleanup>> m_all;
 };
 

@@ -60,6 +60,11 @@ std::optional<std::string> valueOf(std::string_view line, std::string_view name)
     return takeString(g_strstrip(g_ascii_strdown(line.data(), static_cast<gssize>(line.size()))));
 }
 
+std::string longerThan(size_t bytes)
+{
+    return "it is longer than " + std::to_string(bytes >> 10) + " KiB";
+}
+
 /// libcurl takes a URL as it is to be sent.
 std::string escaped(const std::string &url)
 {
@@ -95,8 +100,8 @@ void HttpExchange::send(std::shared_ptr<HttpConnections> connections, std::share
 void HttpExchange::begin()
 {
     makeTransfer();
-    m_connections->add(
-        m_transfer.get(), [self = shared_from_this()](CURLcode code) { self->ended(code); });
+    m_connections->add(m_transfer.get(), m_host, 2 * m_request.maxBytes + limits::headBytes,
+        [self = shared_from_this()](CURLcode code) { self->ended(code); });
 }
 
 void HttpExchange::makeTransfer()
@@ -111,6 +116,8 @@ void HttpExchange::makeTransfer()
     // A proxy of the environment is for the internet, not for the machines at home.
     set(CURLOPT_PROXY, "");
     set(CURLOPT_NOSIGNAL, 1L);
+    // It reads up to a hundred buffers before anybody else has a turn.
+    set(CURLOPT_BUFFERSIZE, limits::readBytes);
     set(CURLOPT_USERAGENT, "orka-media-bridge UPnP/1.0 DLNADOC/1.50");
     set(CURLOPT_FRESH_CONNECT, m_isSecondTry ? 1L : 0L);
     set(CURLOPT_HEADERFUNCTION, &HttpExchange::headCame);
@@ -155,6 +162,7 @@ bool HttpExchange::takeHead(std::string_view line)
 {
     constexpr std::string_view start = "HTTP/";
     m_headBytes += line.size();
+    ++m_headLines;
     if (line.substr(0, start.size()) == start && ++m_answers > limits::interimAnswers + 1)
         return refuse("it begins over and over");
     if (const auto length = valueOf(line, "content-length:"))
@@ -166,6 +174,8 @@ bool HttpExchange::takeHead(std::string_view line)
         if (!m_isPlain && *encoding != "chunked")
             return refuse("its answer is packed", HttpOutcome::Broken);
     }
+    if (m_headLines > limits::headLines)
+        return refuse("its head is longer than " + std::to_string(limits::headLines) + " lines");
     if (m_headBytes > limits::headBytes)
         return refuse(
             "its head is longer than " + std::to_string(limits::headBytes >> 10) + " KiB");
@@ -198,7 +208,7 @@ bool HttpExchange::append(const char *data, size_t size)
     }
     body.append(data, size);
     if (body.size() > m_request.maxBytes)
-        return refuse("it is longer than " + std::to_string(m_request.maxBytes >> 10) + " KiB");
+        return refuse(longerThan(m_request.maxBytes));
     if (m_pieces > limits::pieces(body.size()))
         return refuse("it comes in too many small pieces");
     makeRoom();
@@ -295,12 +305,16 @@ void HttpExchange::ended(CURLcode code)
 
 HttpExchange::Ending HttpExchange::endingOf(CURLcode code) const
 {
-    const auto number = static_cast<int>(infoOf<long>(m_transfer.get(), CURLINFO_OS_ERRNO));
+    const auto number = code == CURLE_COULDNT_CONNECT && m_connections->socketError() != 0
+        ? m_connections->socketError()
+        : static_cast<int>(infoOf<long>(m_transfer.get(), CURLINFO_OS_ERRNO));
     const bool isNoWay = code == CURLE_COULDNT_CONNECT
         && (number == ECONNREFUSED || number == EHOSTUNREACH || number == ENETUNREACH);
     switch (code) {
     case CURLE_OK:
         return {HttpOutcome::Answered, {}};
+    case CURLE_FILESIZE_EXCEEDED:
+        return {HttpOutcome::TooLarge, longerThan(m_request.maxBytes)};
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
         return {HttpOutcome::Broken, "Connection terminated unexpectedly"};

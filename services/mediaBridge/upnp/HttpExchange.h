@@ -121,6 +121,7 @@ private:
     bool m_isSecondTry = false;
     unsigned m_answers = 0;
     size_t m_headBytes = 0;
+    unsigned m_headLines = 0;
     /// Of the body, where its head gives it and says that it comes as it is, which ends libcurl's
     /// belief in it.
     std::optional<size_t> m_length;

@@ -5,6 +5,7 @@
 #include "core/Limits.h"
 #include "upnp/HttpConnections.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -48,22 +49,72 @@ bool HttpSockets::watch(int socket, HttpConnections *whose, int what)
         || epoll_ctl(m_epoll, EPOLL_CTL_ADD, socket, &event) == 0;
 }
 
-/// For a short time of a turn. One at a time: whatever is done may close the others.
+void HttpSockets::setDue(HttpConnections *whose, bool isDue)
+{
+    if (!isDue) {
+        m_due.erase(whose);
+        return;
+    }
+    m_due.insert(whose);
+    if (!m_timer.isRunning())
+        m_timer.start(0, [this] { serve(); });
+}
+
 void HttpSockets::serve()
 {
-    const int64_t end = g_get_monotonic_time() + limits::turnUs;
-    epoll_event event{};
-    while (epoll_wait(m_epoll, &event, 1, 0) > 0) {
-        const int events = ((event.events & EPOLLIN) != 0 ? CURL_CSELECT_IN : 0)
-            | ((event.events & EPOLLOUT) != 0 ? CURL_CSELECT_OUT : 0);
-        const auto owner = m_owners.find(event.data.fd);
-        if (owner == m_owners.end())
-            epoll_ctl(m_epoll, EPOLL_CTL_DEL, event.data.fd, nullptr);
-        else
-            owner->second->act(event.data.fd, events);
-        if (g_get_monotonic_time() > end)
-            return;
+    const int64_t start = g_get_monotonic_time();
+    constexpr int64_t lately = G_USEC_PER_SEC / 4;
+    if (start - m_countedSince > lately) {
+        m_usedByMachine.clear();
+        m_usedByServer.clear();
+        m_countedSince = start;
     }
+    // One at a time: whatever is done may close the others.
+    int64_t now = start;
+    for (auto event = next(); event; event = next()) {
+        if (event->socket == CURL_SOCKET_TIMEOUT)
+            m_due.erase(event->whose);
+        int64_t &usedByMachine = m_usedByMachine[event->whose->host()];
+        int64_t &usedByServer = m_usedByServer[event->whose];
+        event->whose->act(event->socket, event->events);
+        const int64_t before = std::exchange(now, g_get_monotonic_time());
+        usedByMachine += now - before;
+        usedByServer += now - before;
+        if (now - start > limits::turnUs)
+            break;
+    }
+    if (!m_due.empty())
+        m_timer.start(0, [this] { serve(); });
+}
+
+/// What there is to do for whom least was done.
+std::optional<HttpSockets::Event> HttpSockets::next()
+{
+    std::optional<Event> best;
+    std::pair<int64_t, int64_t> least;
+    const auto offer = [&](const Event &event) {
+        const auto used =
+            std::pair(m_usedByMachine[event.whose->host()], m_usedByServer[event.whose]);
+        if (!best || used < least) {
+            best = event;
+            least = used;
+        }
+    };
+    for (HttpConnections *whose : m_due)
+        offer({whose, CURL_SOCKET_TIMEOUT, 0});
+    std::array<epoll_event, limits::requestsOfAll> ready{};
+    const int count = epoll_wait(m_epoll, ready.data(), static_cast<int>(ready.size()), 0);
+    for (int i = 0; i < count; ++i) {
+        const auto &[events, data] = ready.at(static_cast<size_t>(i));
+        const auto owner = m_owners.find(data.fd);
+        if (owner == m_owners.end())
+            epoll_ctl(m_epoll, EPOLL_CTL_DEL, data.fd, nullptr);
+        else
+            offer({owner->second, data.fd,
+                ((events & EPOLLIN) != 0 ? CURL_CSELECT_IN : 0)
+                    | ((events & EPOLLOUT) != 0 ? CURL_CSELECT_OUT : 0)});
+    }
+    return best;
 }
 
 } // namespace bridge
