@@ -27,7 +27,10 @@ HttpSockets::HttpSockets()
     watchDescriptor(
         m_epoll, G_IO_IN,
         [](int, GIOCondition, gpointer self) -> gboolean {
-            static_cast<HttpSockets *>(self)->serve();
+            auto *const sockets = static_cast<HttpSockets *>(self);
+            // Else twice a turn.
+            if (!sockets->m_timer.isRunning())
+                sockets->serve();
             return G_SOURCE_CONTINUE;
         },
         this);
