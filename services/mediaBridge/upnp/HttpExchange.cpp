@@ -315,6 +315,8 @@ HttpExchange::Ending HttpExchange::endingOf(CURLcode code) const
         return {HttpOutcome::Answered, {}};
     case CURLE_FILESIZE_EXCEEDED:
         return {HttpOutcome::TooLarge, longerThan(m_request.maxBytes)};
+    case CURLE_BAD_CONTENT_ENCODING: // newer libcurls look themselves
+        return {HttpOutcome::Broken, "its answer is packed"};
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
         return {HttpOutcome::Broken, "Connection terminated unexpectedly"};
