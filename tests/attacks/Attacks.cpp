@@ -262,10 +262,12 @@ std::vector<Attack> attacks()
     all.push_back({"1,000 listings", {}, {}, 1, [](DBusConnection *bus, const std::string &server) {
                        listMany(bus, server, 1'000);
                    }});
-    all.push_back({"long answers of 60 servers", {},
-        browse(
-            times(200, "<item id='1'><dc:title>" + std::string(2'400, 't') + "</dc:title></item>")),
-        60, [](DBusConnection *bus, const std::string &server) { listAll(bus, server, 60); }, false,
+    const auto rowsOf = [](size_t rows) {
+        return browse(times(
+            rows, "<item id='1'><dc:title>" + std::string(2'400, 't') + "</dc:title></item>"));
+    };
+    all.push_back({"long answers of 60 servers", {}, rowsOf(200), 60,
+        [](DBusConnection *bus, const std::string &server) { listAll(bus, server, 60); }, false,
         30});
     const auto hang = [](const std::string &request, const Send &) {
         return request.find("#Browse") != std::string::npos;
@@ -299,6 +301,6 @@ std::vector<Attack> attacks()
                            announce(hostileUdn, "10.77.0.1", 9, times(1'900, "a:\r\n"));
                        usleep(5'000);
                    }});
-    all.push_back({"a bus that stands still", {}, {}, 0, {}, true});
+    all.push_back({"a bus that stands still", {}, rowsOf(80), 0, {}, true});
     return all;
 }

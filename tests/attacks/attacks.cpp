@@ -150,11 +150,9 @@ struct Figures
     }
 };
 
-/// Attacks for so long; the bridge's memory at most, in MiB.
-qint64 attackBeside(
-    BridgeFixture &bridge, const Attack &attack, const QString &folder, double seconds, Figures &to)
+HostileServer serverOf(const Attack &attack)
 {
-    HostileServer server([&](const std::string &request, const Send &send) {
+    return HostileServer([&attack](const std::string &request, const Send &send) {
         if (attack.serve && attack.serve(request, send))
             return;
         if (attack.describe && request.compare(0, 4, "GET ") == 0)
@@ -162,6 +160,13 @@ qint64 attackBeside(
         else
             serveDecently(request, send);
     });
+}
+
+/// Attacks for so long; the bridge's memory at most, in MiB.
+qint64 attackBeside(
+    BridgeFixture &bridge, const Attack &attack, const QString &folder, double seconds, Figures &to)
+{
+    const HostileServer server = serverOf(attack);
     const auto name = [](int i) {
         return i == 0 ? hostileUdn : hostileUdn + std::to_string(i);
     };
@@ -192,22 +197,30 @@ qint64 newcomerMs(BridgeFixture &bridge)
 }
 
 /// Ends the bridge, where it is asked for while the bus takes none of its answers.
-void end(BridgeFixture &bridge, const QString &folder, bool stopsBus, Figures &to)
+/// Its memory then, in MiB.
+qint64 end(BridgeFixture &bridge, const Attack &attack, Figures &to)
 {
+    const HostileServer server = serverOf(attack);
+    const qint64 pid = bridge.pid();
     QVector<Call> unread;
-    if (stopsBus) {
+    if (attack.stopsBus) {
+        server.announce(hostileUdn);
+        bridge.waitForServer(QString::fromStdString(hostileUdn));
         for (int i = 0; i < 2000; ++i)
-            unread.append(bridge.startListing(folder, 0, 20));
-        QTest::qWait(50);
-        kill(pid_t(bridge.busPid()), SIGSTOP);
+            unread.append(
+                bridge.startListing(serverPath(QString::fromStdString(hostileUdn)), 0, 80));
         QTest::qWait(300);
+        kill(pid_t(bridge.busPid()), SIGSTOP);
+        QTest::qWait(1000);
     }
+    const qint64 memory = mebibytes(pid);
     QElapsedTimer end;
     end.start();
     to.isAlive = bridge.stop() == 0;
     to.endMs = end.elapsed();
-    if (stopsBus)
+    if (attack.stopsBus)
         kill(pid_t(bridge.busPid()), SIGCONT);
+    return memory;
 }
 
 bool holds(const Attack &attack, double seconds)
@@ -235,7 +248,7 @@ bool holds(const Attack &attack, double seconds)
                 && busyMs(pid) <= 25;
         },
         seconds < 1 ? 30000 : 10000); // a short round shares its machine
-    end(bridge, folder, attack.stopsBus, figures);
+    figures.mebibytes = qMax(figures.mebibytes, end(bridge, attack, figures) - memory);
     const bool isGood = figures.areGood(seconds < 1, attack.listingMs);
     figures.print(attack.name, isGood);
     return isGood;

@@ -262,6 +262,9 @@ void tst_BridgeNetwork::serversAreAddedByAddress()
     QVERIFY(!stranger.isTwice);
     stranger.headers += "Transfer-Encoding: identity\r\n";
     QVERIFY2(refusal().contains("Bär"), qPrintable(refusal()));
+    const QByteArray fault = std::exchange(stranger.body, {});
+    QVERIFY2(refusal().contains("password"), qPrintable(refusal()));
+    stranger.body = fault;
     stranger.unasked.clear();
     const QByteArray charset =
         std::exchange(stranger.headers, "Transfer-Encoding: gzip, chunked\r\n");

@@ -1,6 +1,7 @@
 #include "bus/BusCall.h"
 
 #include "Log.h"
+#include "core/Backlog.h"
 #include "core/Limits.h"
 #include "core/Text.h"
 
@@ -105,7 +106,8 @@ void BusCall::sendInTurn(Message answer, size_t bytes, std::shared_ptr<void> wit
     if (bytes <= limits::answerAtOnce || bytes > m_maxBytes)
         send(std::move(answer), bytes);
     else if (!std::exchange(m_isAnswered, true) && m_wantsAnswer)
-        m_answers->push(m_sender, {std::move(answer), std::move(with)});
+        m_answers->push(
+            m_sender, {std::move(answer), Backlog::instance().hold(bytes, std::move(with))});
 }
 
 Message newAnswer(int type, const std::string &caller, dbus_uint32_t serial)

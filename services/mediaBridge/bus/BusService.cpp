@@ -204,11 +204,18 @@ void BusService::handleWaiting()
 void BusService::handleSome()
 {
     const int64_t end = g_get_monotonic_time() + limits::turnUs;
-    while ((!m_waiting.isEmpty() || !m_answers->errors.isEmpty())
-        && unsentBytes() <= limits::unsentBytes && g_get_monotonic_time() <= end) {
-        if (!m_waiting.isEmpty())
-            handle(m_waiting.pop());
+    const TurnQueue<AnswerQueue::LongAnswer> &longAnswers = m_answers->longAnswers;
+    const bool areMany = longAnswers.size() > limits::longAnswers;
+    const auto may = [&](const std::string &client) {
+        return !areMany || !longAnswers.holdsFor(client);
+    };
+    for (bool isMore = true;
+         isMore && unsentBytes() <= limits::unsentBytes && g_get_monotonic_time() <= end;) {
+        const std::optional<BusCallPtr> call = m_waiting.popWhere(may);
+        if (call)
+            handle(*call);
         sendErrors();
+        isMore = call || !m_answers->errors.isEmpty();
     }
 }
 

@@ -58,7 +58,7 @@ Failure ListAnswer::checkRoom()
     m_claim->bytes = bytes;
     if (bytes > m_call->maxBytes())
         return tooLargeForBus(m_call->maxBytes());
-    if (bytes <= limits::smallBytes || writtenBytes + m_bus.unsentBytes() <= limits::answersBytes)
+    if (bytes <= limits::answerAtOnce || writtenBytes + m_bus.unsentBytes() <= limits::answersBytes)
         return {};
     return {errors::limitsExceeded,
         "Too many long lists are asked for at once. Try again when the others are answered, or ask "

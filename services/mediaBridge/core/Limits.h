@@ -18,10 +18,9 @@ inline constexpr int64_t turnUs = 500;
 /// array ends at 64 MiB. Room is left for what is counted roughly.
 inline constexpr size_t systemMessageBytes = size_t{30} << 20;
 inline constexpr size_t messageBytes = size_t{60} << 20;
-/// Bytes of all answers that are being written or wait for the bus. Only answers above `smallBytes`
-/// are refused for it.
+/// Bytes of all answers that are being written or wait for the bus. Only those that are longer than
+/// `answerAtOnce` are refused for it.
 inline constexpr size_t answersBytes = size_t{80} << 20;
-inline constexpr size_t smallBytes = size_t{256} << 10;
 /// Bytes of answers that wait for the bus, above which no other call is looked at.
 /// They are sent in the order they were written: those of one client's thousand calls come before
 /// another's.
@@ -29,6 +28,8 @@ inline constexpr size_t unsentBytes = size_t{32} << 10;
 /// Bytes of a list that needn't wait until nothing shorter is to be sent: twenty rows take 20 to 40
 /// KiB, and the bus some tenth of a millisecond for so many.
 inline constexpr size_t answerAtOnce = size_t{64} << 10;
+/// Longer lists that wait, above which no other call is looked at of those for whom they are.
+inline constexpr size_t longAnswers = 16;
 /// Bytes of answers that the kernel holds until the bus reads them, 16 KiB at a time.
 inline constexpr int sentBytes = 32 << 10;
 /// An error's text, in bytes: a long sentence that quotes a server's name and its reason.

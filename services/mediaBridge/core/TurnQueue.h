@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,6 +15,14 @@ class TurnQueue
 {
 public:
     bool isEmpty() const { return m_waiting.empty(); }
+    size_t size() const
+    {
+        size_t sum = 0;
+        for (const auto &[whose, items] : m_waiting)
+            sum += items.size();
+        return sum;
+    }
+    bool holdsFor(const std::string &whose) const { return m_waiting.count(whose) != 0; }
     void push(const std::string &whose, T item) { m_waiting[whose].push_back(std::move(item)); }
     /// Before what waits for the same.
     void pushFirst(const std::string &whose, T item)
@@ -24,9 +33,21 @@ public:
     /// The oldest of whose turn it is. Not to be called where it is empty.
     T pop()
     {
+        return *popWhere([](const std::string &) { return true; });
+    }
+    /// The same among those whose name `may` accepts. Nothing where it accepts none.
+    template<typename May>
+    std::optional<T> popWhere(const May &may)
+    {
         auto turn = m_waiting.upper_bound(m_lastServed);
-        if (turn == m_waiting.end())
-            turn = m_waiting.begin();
+        for (size_t looked = 0;; ++turn, ++looked) {
+            if (looked == m_waiting.size())
+                return {};
+            if (turn == m_waiting.end())
+                turn = m_waiting.begin();
+            if (may(turn->first))
+                break;
+        }
         m_lastServed = turn->first;
         T item = std::move(turn->second.front());
         turn->second.pop_front();

@@ -163,8 +163,12 @@ bool HttpExchange::takeHead(std::string_view line)
     constexpr std::string_view start = "HTTP/";
     m_headBytes += line.size();
     ++m_headLines;
-    if (line.substr(0, start.size()) == start && ++m_answers > limits::interimAnswers + 1)
-        return refuse("it begins over and over");
+    if (line.substr(0, start.size()) == start) {
+        m_isPlain = false;
+        m_length = {};
+        if (++m_answers > limits::interimAnswers + 1)
+            return refuse("it begins over and over");
+    }
     if (const auto length = valueOf(line, "content-length:"))
         m_length = g_ascii_strtoull(length->c_str(), nullptr, 10);
     if (const auto encoding = valueOf(line, "transfer-encoding:")) {
@@ -179,7 +183,8 @@ bool HttpExchange::takeHead(std::string_view line)
     if (m_headBytes > limits::headBytes)
         return refuse(
             "its head is longer than " + std::to_string(limits::headBytes >> 10) + " KiB");
-    return true;
+    const bool isEnd = line.substr(0, 1) == "\r" || line.substr(0, 1) == "\n";
+    return !isEnd || !isWhole();
 }
 
 size_t HttpExchange::bodyCame(char *data, size_t, size_t size, void *self)
