@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <linux/tcp.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -34,6 +35,15 @@ uint64_t receivedBy(curl_socket_t socket)
     socklen_t size = sizeof info;
     getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size);
     return info.tcpi_bytes_received;
+}
+
+/// Of this thread, in nanoseconds.
+int64_t processorTime()
+{
+    constexpr int64_t nsPerSecond = 1'000'000'000;
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return time.tv_sec * nsPerSecond + time.tv_nsec;
 }
 
 } // namespace
@@ -113,13 +123,16 @@ void HttpConnections::resume(CURL *transfer)
     HttpSockets::instance().setDue(this, bool(m_all));
 }
 
-void HttpConnections::act(curl_socket_t socket, int events)
+int64_t HttpConnections::act(curl_socket_t socket, int events)
 {
     int running = 0;
     const auto self = shared_from_this();
+    const int64_t start = processorTime();
     curl_multi_socket_action(m_all.get(), socket, events, &running);
+    const int64_t took = processorTime() - start;
     tellEnded();
     endTooLong();
+    return took;
 }
 
 void HttpConnections::endTooLong()

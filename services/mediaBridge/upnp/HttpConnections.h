@@ -47,8 +47,9 @@ public:
     void remove(CURL *transfer);
     /// Goes on with one whose callback paused it.
     void resume(CURL *transfer);
-    /// Something happened at a socket, or its time has come.
-    void act(curl_socket_t socket, int events);
+    /// Something happened at a socket, or its time has come. How many nanoseconds the processor
+    /// took for it, without what is done with an answer that has ended.
+    int64_t act(curl_socket_t socket, int events);
     /// Of the last transfer.
     const std::string &host() const { return m_host; }
     /// Why a socket could not be had, as errno; 0 where the last could.

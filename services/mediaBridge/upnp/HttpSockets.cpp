@@ -5,6 +5,7 @@
 #include "core/Limits.h"
 #include "upnp/HttpConnections.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -65,29 +66,47 @@ void HttpSockets::setDue(HttpConnections *whose, bool isDue)
 
 void HttpSockets::serve()
 {
-    const int64_t start = g_get_monotonic_time();
+    const int64_t now = g_get_monotonic_time();
     constexpr int64_t lately = G_USEC_PER_SEC / 4;
-    if (start - m_countedSince > lately) {
+    if (serveForOneTurn() || now - m_countedSince > lately) {
         m_usedByMachine.clear();
         m_usedByServer.clear();
-        m_countedSince = start;
-    }
-    // One at a time: whatever is done may close the others.
-    int64_t now = start;
-    for (auto event = next(); event; event = next()) {
-        if (event->socket == CURL_SOCKET_TIMEOUT)
-            m_due.erase(event->whose);
-        int64_t &usedByMachine = m_usedByMachine[event->whose->host()];
-        int64_t &usedByServer = m_usedByServer[event->whose];
-        event->whose->act(event->socket, event->events);
-        const int64_t before = std::exchange(now, g_get_monotonic_time());
-        usedByMachine += now - before;
-        usedByServer += now - before;
-        if (now - start > limits::turnUs)
-            break;
+        m_usedByLast = 0;
+        m_countedSince = now;
     }
     if (!m_due.empty())
         m_timer.start(0, [this] { serve(); });
+}
+
+/// Whether nothing is left to do.
+bool HttpSockets::serveForOneTurn()
+{
+    const int64_t end = g_get_monotonic_time() + limits::turnUs;
+    // One at a time: whatever is done may close the others.
+    while (const auto event = next()) {
+        act(*event);
+        if (g_get_monotonic_time() > end)
+            return false;
+    }
+    return true;
+}
+
+void HttpSockets::act(const Event &event)
+{
+    if (event.socket == CURL_SOCKET_TIMEOUT)
+        m_due.erase(event.whose);
+    // It may be gone afterwards.
+    const std::string machine = event.whose->host();
+    const int64_t took = event.whose->act(event.socket, event.events);
+    m_usedByLast = usedBy(machine);
+    m_usedByMachine[machine] = m_usedByLast + took;
+    m_usedByServer[event.whose] += took;
+}
+
+int64_t HttpSockets::usedBy(const std::string &machine) const
+{
+    const auto used = m_usedByMachine.find(machine);
+    return used == m_usedByMachine.end() ? m_usedByLast : std::max(used->second, m_usedByLast);
 }
 
 /// What there is to do for whom least was done.
@@ -96,8 +115,7 @@ std::optional<HttpSockets::Event> HttpSockets::next()
     std::optional<Event> best;
     std::pair<int64_t, int64_t> least;
     const auto offer = [&](const Event &event) {
-        const auto used =
-            std::pair(m_usedByMachine[event.whose->host()], m_usedByServer[event.whose]);
+        const auto used = std::pair(usedBy(event.whose->host()), m_usedByServer[event.whose]);
         if (!best || used < least) {
             best = event;
             least = used;
