@@ -97,9 +97,10 @@ inline constexpr size_t hostsLookedAt = 1024;
 
 /// Requests under way at one server; the others wait in the bridge. Small servers take no more.
 inline constexpr unsigned requestsPerServer = 6;
-/// Requests under way at all servers, above which each has one at a time. A connection takes some
-/// 40 KiB.
+/// Requests under way at all servers, above which each has one at a time; half of them are for
+/// servers that answered a client lately. A connection takes some 40 KiB.
 inline constexpr unsigned requestsOfAll = 128;
+inline constexpr int64_t latelySeconds = 5;
 /// How long an idle connection is kept, in seconds.
 inline constexpr unsigned keptConnectionSeconds = 5;
 /// Answers such as "102 Processing" before the real one.

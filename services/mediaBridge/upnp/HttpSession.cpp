@@ -146,8 +146,11 @@ void HttpSession::begin(HttpExchange &exchange)
 /// Every server has one request under way, whatever happens at the others.
 bool HttpSession::mayBegin() const
 {
+    const bool hasAnswered = m_lastAnswer != 0
+        && g_get_monotonic_time() - m_lastAnswer < limits::latelySeconds * G_USEC_PER_SEC;
     return m_underWay == 0
-        || (m_underWay < limits::requestsPerServer && underWayOfAll < limits::requestsOfAll);
+        || (m_underWay < limits::requestsPerServer
+            && underWayOfAll < limits::requestsOfAll / (hasAnswered ? 1 : 2));
 }
 
 void HttpSession::placeIsFree()
@@ -168,7 +171,10 @@ void HttpSession::waitForTurn()
 
 void HttpSession::serveHungry()
 {
-    while (underWayOfAll < limits::requestsOfAll && !hungry().empty()) {
+    // Whoever may not begin yet gets into the row again.
+    constexpr size_t some = 16;
+    for (size_t i = std::min(some, hungry().size());
+         i != 0 && underWayOfAll < limits::requestsOfAll && !hungry().empty(); --i) {
         const auto session = hungry().front().lock();
         hungry().pop_front();
         if (!session)
